@@ -1,0 +1,47 @@
+// Files and directories as the system needs them. Nothing here reports to the user: an operation that
+// fails returns false and leaves the platform's words for the error where the caller asks for them.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavrin {
+
+// Reads a whole regular file. On failure `error` holds the platform's message and `text` is empty.
+bool ReadWholeFile(const std::string& path, std::string& text, std::string& error);
+
+// Writes in place, replacing what was there. For work files that can be made again.
+bool WriteWholeFile(const std::string& path, std::string_view text, std::string& error);
+
+// Writes beside `path`, flushes to the disk and renames over it, so that whatever fails the old file is
+// whole. Follows a symbolic link to the file that it names, and keeps that file's permissions.
+// Devices (such as /dev/null) are written in place.
+bool ReplaceFile(const std::string& path, std::string_view text, std::string& error);
+
+// Creates one directory; 0, or the error number.
+int MakeDirectory(const std::string& path);
+
+bool PathExists(const std::string& path);
+bool IsDirectory(const std::string& path);
+
+struct DirEntry {
+    std::string name;
+    bool isDirectory = false;  // symbolic links to directories count
+};
+
+// Every entry but "." and "..", in no order. False if the directory cannot be listed.
+bool ListDirectory(const std::string& path, std::vector<DirEntry>& entries);
+
+// Removes a directory and what is in it. Directories whose name begins with '.' are left, so that their
+// parent stays as well; links are removed and never followed. Each directory that could not be removed
+// is named to `log` as "unable to remove PATH", and makes the result false. A path that cannot be listed
+// is left alone and counts as success.
+bool RemoveTree(const std::string& path, const std::function<void(const std::string&)>& log);
+
+// Copies the files of a directory tree, making `to` and missing parents. False with `error` at the first
+// failure.
+bool CopyTree(const std::string& from, const std::string& to, std::string& error);
+
+}  // namespace tavrin

@@ -1,0 +1,131 @@
+#include "codegen/CodeGen.h"
+
+#include "text/Archive.h"
+#include "text/Report.h"
+#include "text/Tokens.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::array<std::string_view, CCodeGen::kBlockCount> kBlockNames = {
+    "global-open", "global-header", "main-open",  "main-args",    "main-args-close",
+    "main-header", "main-body",     "main-close", "global-close", "hinttext"};
+
+// The blocks that take a box's variables, in the order in which they are expanded.
+constexpr std::array kBoxBlocks = {CCodeGen::kGlobalOpen, CCodeGen::kMainHeader, CCodeGen::kMainBody,
+                                   CCodeGen::kGlobalClose, CCodeGen::kHintText};
+
+bool TakesBoxVariables(CCodeGen::BlockId block) {
+    for (const CCodeGen::BlockId candidate : kBoxBlocks) {
+        if (candidate == block) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+std::string_view CCodeGen::BlockName(BlockId block) { return kBlockNames[AsIndex(block)]; }
+
+CCodeGen::BlockId CCodeGen::FindBlock(std::string_view name) {
+    for (size_t i = 0; i < kBlockNames.size(); ++i) {
+        if (kBlockNames[i] == name) return static_cast<BlockId>(i);
+    }
+    return kNoBlock;
+}
+
+void CCodeGen::AddLine(std::string_view block, std::string_view modeText, std::string text) {
+    AddLineCoded(block, ModeCode(modeText), std::move(text));
+}
+
+void CCodeGen::AddLineCoded(std::string_view block, int code, std::string text) {
+    const BlockId id = FindBlock(block);
+    constexpr int kKnownCodes = 6;  // three words, and the same three with a file
+    if (id == kNoBlock || code < 0 || code >= kKnownCodes) return;
+    AddLine(id, static_cast<LineKind>(code % 3), std::move(text));
+}
+
+void CCodeGen::ExpandAll(std::string_view blockName, Report& report) {
+    m_mex.m_state = CMex::kPlain;
+    int count = 0;
+    std::string expanded;
+    for (const BlockId block : kBoxBlocks) {
+        if (blockName != BlockName(block) && blockName != "all") continue;
+        m_blocks[AsIndex(block)].ChangeTexts([&](std::string& text) {
+            m_mex.Expand(text, expanded);
+            text = expanded;
+        });
+        ++count;
+    }
+    if (count == 0) {
+        report.Alert("CCodeGen::ExpandAll(): blockname '%s' not yet supported!", std::string(blockName).c_str());
+    }
+}
+
+void CCodeGen::Merge(const CCodeGen& other) {
+    for (size_t block = 0; block < kBlockCount; ++block) {
+        const CodeBlock& lines = other.m_blocks[block];
+        for (size_t i = 0; i < lines.Size(); ++i) m_blocks[block].Add(lines.Line(i).kind, lines.Line(i).text);
+    }
+}
+
+void CCodeGen::MergeExpanded(const CCodeGen& other, CMex& variables, const std::vector<std::string>& declarations) {
+    variables.m_state = CMex::kPlain;
+    const auto expand = [&variables](std::string_view text) {
+        std::string expanded;
+        variables.Expand(text, expanded);
+        return expanded;
+    };
+    for (size_t index = 0; index < kBlockCount; ++index) {
+        const auto block = static_cast<BlockId>(index);
+        const CodeBlock& lines = other.m_blocks[index];
+        const bool expands = TakesBoxVariables(block);
+        for (size_t i = 0; i < lines.Size(); ++i) {
+            const CodeLine& line = lines.Line(i);
+            AddLine(block, line.kind, expands ? expand(line.text) : line.text);
+        }
+        if (block != kMainHeader) continue;
+        for (const std::string& declaration : declarations) AddLine(block, LineKind::kAppend, expand(declaration));
+    }
+}
+
+bool CCodeGen::MakeComment(std::string_view text, std::string& result) const {
+    result.clear();
+    if (!m_lineComment.empty()) {
+        result.append(m_lineComment).append(" ").append(text);
+    } else if (!m_openComment.empty()) {
+        result.append(m_openComment).append(" ").append(text).append(" ").append(m_closeComment);
+    }
+    return !result.empty();
+}
+
+void CCodeGen::WriteCode(std::vector<std::string>& lines) {
+    m_mex.ClearLines();
+    int depth = 0;
+    std::string indentation;
+    const auto indent = [&](int change) {
+        depth += change;
+        indentation.clear();
+        for (int i = 0; i < depth; ++i) indentation += m_indent;
+    };
+    for (size_t block = kGlobalOpen; block <= kGlobalClose; ++block) {
+        for (size_t i = 0; i < m_blocks[block].Size(); ++i) {
+            const std::string_view text = Trim(m_blocks[block].Line(i).text);
+            if (text == "}") indent(-1);
+            m_mex.LineBuffer().emplace_back(indentation).append(text);
+            if (text == "{") indent(1);
+        }
+    }
+    m_mex.ExpandLines(lines);
+    m_mex.ClearLines();
+}
+
+void CCodeGen::WriteHints(std::vector<std::string>& lines) {
+    m_mex.ClearLines();
+    const CodeBlock& hints = Block(kHintText);
+    for (size_t i = 0; i < hints.Size(); ++i) m_mex.LineBuffer().push_back(hints.Line(i).text);
+    m_mex.ExpandLines(lines);
+    m_mex.ClearLines();
+}
+
+}  // namespace tavrin

@@ -1,0 +1,93 @@
+// Which buttons may be wired together, and how a wire is made and unmade.
+#include <algorithm>
+#include <unordered_set>
+
+#include "library/OpBox.h"
+#include "library/OpButton.h"
+
+namespace tavrin {
+
+namespace {
+
+bool MadeBefore(const COpButton* left, const COpButton* right) { return left->Serial() < right->Serial(); }
+
+}  // namespace
+
+void ConnectionSet::Insert(COpButton& button) {
+    const auto place = std::lower_bound(m_buttons.begin(), m_buttons.end(), &button, MadeBefore);
+    if (place == m_buttons.end() || *place != &button) m_buttons.insert(place, &button);
+}
+
+void ConnectionSet::Erase(const COpButton& button) {
+    const auto place = std::lower_bound(m_buttons.begin(), m_buttons.end(), &button, MadeBefore);
+    if (place != m_buttons.end() && *place == &button) m_buttons.erase(place);
+}
+
+bool ConnectionSet::Contains(const COpButton& button) const {
+    return std::binary_search(m_buttons.begin(), m_buttons.end(), &button, MadeBefore);
+}
+
+COpButton::~COpButton() {
+    Disconnect();
+    while (!m_namedBy.Empty()) m_namedBy.Last()->DropPeer(*this);
+}
+
+void COpButton::AddPeer(COpButton& peer) {
+    connections.Insert(peer);
+    peer.m_namedBy.Insert(*this);
+}
+
+void COpButton::DropPeer(COpButton& peer) {
+    connections.Erase(peer);
+    peer.m_namedBy.Erase(*this);
+}
+
+bool COpButton::CanConnect(const COpButton& other) const {
+    if (disableconnectflag != 0 || other.disableconnectflag != 0) return false;
+    return IsOutput() != other.IsOutput();
+}
+
+bool COpButton::WouldLoop(const COpButton& other) const {
+    const COpBox& source = IsOutput() ? *owner : *other.owner;
+    const COpBox& target = IsOutput() ? *other.owner : *owner;
+    return ReachesForward(source, target);
+}
+
+bool COpButton::ReachesForward(const COpBox& source, const COpBox& start) {
+    std::unordered_set<const COpBox*> visited{&start};
+    std::vector<const COpBox*> waiting{&start};
+    while (!waiting.empty()) {
+        const COpBox& box = *waiting.back();
+        waiting.pop_back();
+        if (&box == &source) return true;
+        for (const auto& output : box.outputs) {
+            for (const COpButton* input : output->connections) {
+                if (visited.insert(input->owner).second) waiting.push_back(input->owner);
+            }
+        }
+    }
+    return false;
+}
+
+void COpButton::Connect(COpButton& other) {
+    if (IsOutput()) {
+        // In this order: a pair that is wired already loses the output's side here, which the last step
+        // does not restore.
+        AddPeer(other);
+        other.Disconnect();
+    } else {
+        Disconnect();
+        AddPeer(other);
+    }
+    other.AddPeer(*this);
+}
+
+void COpButton::Disconnect() {
+    while (!connections.Empty()) {
+        COpButton& peer = *connections.Last();
+        peer.DropPeer(*this);
+        DropPeer(peer);
+    }
+}
+
+}  // namespace tavrin

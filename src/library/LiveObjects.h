@@ -1,0 +1,38 @@
+// The process-wide registries of live objects, by which a pointer that a view kept is tested before use.
+#pragma once
+
+#include <cstdint>
+#include <unordered_set>
+
+namespace tavrin {
+
+// Base of the classes that are registered. Every constructor enters its object and every destructor
+// removes it. Each object also gets a serial number that is never used again and grows in the order of
+// making: sets ordered by it are the same in every run, unlike sets ordered by address.
+template <typename Object>
+class LiveObject {
+  public:
+    static bool IsLive(const Object* object) { return object != nullptr && Registry().contains(static_cast<const LiveObject*>(object)); }
+    static size_t LiveCount() { return Registry().size(); }
+    uint64_t Serial() const { return m_serial; }
+
+  protected:
+    LiveObject() : m_serial(NextSerial()) { Registry().insert(this); }
+    LiveObject(const LiveObject&) : LiveObject() {}
+    LiveObject& operator=(const LiveObject&) = delete;
+    ~LiveObject() { Registry().erase(this); }
+
+  private:
+    static std::unordered_set<const LiveObject*>& Registry() {
+        static std::unordered_set<const LiveObject*> registry;
+        return registry;
+    }
+    static uint64_t NextSerial() {
+        static uint64_t serial = 0;
+        return ++serial;
+    }
+
+    uint64_t m_serial;
+};
+
+}  // namespace tavrin

@@ -1,0 +1,79 @@
+// One operator instance. A definition and an instance are one class: every box has read its operator's
+// definition itself, and owns its own copy of everything in it.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "codegen/CodeGen.h"
+#include "library/LiveObjects.h"
+#include "library/OpButton.h"
+
+namespace tavrin {
+
+class COpRegistry;
+class CArchive;
+class Report;
+class TypeTables;
+struct Site;
+
+// Owned by exactly one list: the document's network, or the desk's pending or clipboard boxes.
+class COpBox : public LiveObject<COpBox> {
+  public:
+    COpBox() = default;
+    // Clones every button, without connections; `wid` and `selected` are 0. Templates and castlock pairs
+    // are not copied: a clone has none until its document is saved and read again.
+    COpBox(const COpBox& other);
+    COpBox& operator=(const COpBox&) = delete;
+    virtual ~COpBox() = default;
+
+    // Runs the operator's definition through the library's preprocessor and reads the result. On failure
+    // false, the cause reported, the box as far as it got: its owner destroys it.
+    bool Define(const std::string& operatorName, const COpRegistry& registry, Site& site);
+
+    // Reads a preprocessed definition. Relative files of template clauses lie in `libraryDir`.
+    bool ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report);
+
+    std::string filename;  // operator name and title
+    int wid = 0;           // number on the desk; 0 until it is admitted
+    std::string iconimg;
+    float xypos[2] = {0, 0};  // anchor in desk units
+    int size[2] = {0, 0};     // least width and height in desk units; 0 lets the texts decide
+    float color[3] = {0, 0, 0};
+    std::string icontext;
+    std::string boxhelp;   // lines joined by CR LF
+    int maxinstances = 0;  // how many the desk may hold; 0 means any number
+    std::multimap<std::string, std::string> castlock;  // names of buttons whose casts move together
+    CCodeGen codegen;
+    std::vector<std::unique_ptr<COpButton>> inputs;  // inputs and vinputs, top to bottom
+    std::vector<std::unique_ptr<COpButton>> outputs;
+    int selected = 0;
+
+    // The name of the box in menus, comments and generated variable names: title, "_", number.
+    std::string BoxTitleWid() const;
+
+    // By display name, inputs first; nothing if there is none.
+    COpButton* FindButton(std::string_view displayName);
+    // Clones an input right before or right after itself and renumbers; the clone.
+    COpButton* CopyButton(COpButton& button, bool above);
+    // Destroys an input and renumbers.
+    void DeleteButton(COpButton& button);
+    // Numbers equally named neighbours among the inputs 1, 2, 3.
+    void RenumberInputs();
+    // The position among the inputs or, for an output, among the outputs.
+    size_t IndexOfButton(const COpButton& button) const;
+    int CountInputsNamed(std::string_view name) const;
+    void ClearButtons();
+
+    // First pass of generation, to be finished on all boxes before the second: rebuilds the box's macro
+    // variables.
+    void PrepareVariables(const TypeTables& types);
+    // Second pass: expands the box's templates and merges them into the working copy.
+    void GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report);
+
+};
+
+}  // namespace tavrin

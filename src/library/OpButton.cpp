@@ -1,0 +1,96 @@
+#include "library/OpButton.h"
+
+#include <algorithm>
+
+#include "library/OpBox.h"
+#include "site/TypeTables.h"
+
+namespace tavrin {
+
+COpButton::COpButton(const COpButton& other)
+    : LiveObject(),
+      owner(other.owner),
+      name(other.name),
+      kind(other.kind),
+      currentcast(other.currentcast),
+      fixedvalue(other.fixedvalue),
+      tieback(other.tieback),
+      vargseparator(other.vargseparator),
+      vinstances(other.vinstances),
+      instance(other.instance),
+      fixedtext(other.fixedtext),
+      help(other.help),
+      disableargflag(other.disableargflag),
+      disableconnectflag(other.disableconnectflag),
+      arg(other.arg),
+      argname(other.argname),
+      comments(other.comments),
+      pin(other.pin),
+      lock(other.lock),
+      stow(other.stow) {
+    values.reserve(other.values.size());
+    for (const auto& value : other.values) values.push_back(CloneValue(*value));
+}
+
+std::string COpButton::DisplayName() const {
+    return kind == ButtonKind::kVinput ? name + std::to_string(instance) : name;
+}
+
+std::string_view COpButton::KindText() const {
+    switch (kind) {
+        case ButtonKind::kInput:
+            return "input";
+        case ButtonKind::kVinput:
+            return "vinput";
+        case ButtonKind::kOutput:
+            return "output";
+    }
+    return "unknown";
+}
+
+COpValue* COpButton::FindValue(std::string_view type) {
+    for (const auto& value : values) {
+        if (value->type == type) return value.get();
+    }
+    return nullptr;
+}
+
+int COpButton::FindCast(std::string_view type) const {
+    const bool anyGeneric = type == type_words::kGeneric;
+    for (size_t i = 0; i < values.size(); ++i) {
+        const std::string& own = values[i]->type;
+        if (own == type || (anyGeneric && IsGenericType(own))) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+const std::string& COpButton::CurrentType() const {
+    static const std::string kNoType;
+    return currentcast < values.size() ? values[currentcast]->type : kNoType;
+}
+
+std::string COpButton::ValueText() const {
+    return currentcast < values.size() ? tavrin::ValueText(*values[currentcast]) : std::string();
+}
+
+std::string COpButton::DisplayCastName(size_t index, const TypeTables& types) const {
+    return types.TranslateType(values[index]->type);
+}
+
+void COpButton::SetCast(size_t index) {
+    if (index >= values.size()) return;
+    currentcast = index;
+    const std::string type = values[index]->type;
+    const auto spread = [&](COpButton& button) {
+        for (const auto& [first, second] : owner->castlock) {
+            const bool tied = (first == name && second == button.name) || (second == name && first == button.name);
+            if (!tied) continue;
+            const int cast = button.FindCast(type);
+            if (cast >= 0) button.currentcast = static_cast<size_t>(cast);
+        }
+    };
+    for (const auto& input : owner->inputs) spread(*input);
+    for (const auto& output : owner->outputs) spread(*output);
+}
+
+}  // namespace tavrin

@@ -1,0 +1,114 @@
+// One terminal of a box.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "library/ConnectionSet.h"
+#include "library/LiveObjects.h"
+#include "library/Value.h"
+
+namespace tavrin {
+
+class COpBox;
+class Report;
+class TypeTables;
+
+enum class ButtonKind : int {
+    kInput = 1,
+    kVinput = 2,  // an input that the user may multiply
+    kOutput = 3,
+};
+
+// Owned by its box. A button is made by the definition reader, as a clone of another, or as a further
+// instance of a vinput; its destruction cuts its connections.
+class COpButton : public LiveObject<COpButton> {
+  public:
+    COpButton(COpBox* box, ButtonKind buttonKind) : owner(box), kind(buttonKind) {}
+    // Copies everything, values cloned, but starts with no connections.
+    COpButton(const COpButton& other);
+    COpButton& operator=(const COpButton&) = delete;
+    virtual ~COpButton();
+
+    COpBox* owner;
+    std::string name;  // from the definition; also the macro name in templates
+    ButtonKind kind;
+    size_t currentcast = 0;    // index into `values`
+    std::string fixedvalue;    // outputs: text that stands for the output
+    std::string tieback;       // outputs: display name of the box's input that this output passes through
+    std::string vargseparator; // vinputs: text between the instances' values in the joined macro value
+    int vinstances = 0;        // vinputs: how many instances a new box starts with
+    int instance = 1;          // number among equally named neighbours
+    std::string fixedtext;     // replaces the value of an unconnected input
+    std::string help;          // lines joined by CR LF
+    int disableargflag = 0;    // the user gets no Argument entry
+    int disableconnectflag = 0;  // nothing may be connected
+    // How the button is exposed as a parameter of the finished shader.
+    int arg = 0;
+    std::string argname;  // empty for automatic
+    std::string comments;
+    int pin = 0;
+    int lock = 0;
+    int stow = 0;
+    std::vector<std::unique_ptr<COpValue>> values;  // one for each cast, in definition order
+    ConnectionSet connections;                      // peers; its size is what "connected" means
+
+    bool IsOutput() const { return kind == ButtonKind::kOutput; }
+    // The name, with the instance number behind it for a vinput.
+    std::string DisplayName() const;
+    // "input", "vinput" or "output".
+    std::string_view KindText() const;
+
+    COpValue* FindValue(std::string_view type);
+    // The index of the value of that type, or -1. "generic" also finds the first of any generic type.
+    int FindCast(std::string_view type) const;
+    // The type of the current cast; the empty text for an output that has no type at all.
+    const std::string& CurrentType() const;
+    // The literal of the current value.
+    std::string ValueText() const;
+    // Makes a cast current, and that of each button of the box that a castlock pair ties to this one,
+    // where that button has the type. An index that is none does nothing.
+    void SetCast(size_t index);
+    // The type as the target language words it.
+    std::string DisplayCastName(size_t index, const TypeTables& types) const;
+
+    // What the button is called in generated code.
+
+    // The name of the button's variable; for an output with a fixed value that value, expanded with the
+    // variables of its box; for one tied back to an input whatever feeds that input.
+    std::string VariableName(Report& report);
+    // Empty unless the button is an argument.
+    std::string ArgumentName(Report& report);
+    // What the templates of an input's box get for its name: the variable of what is connected, else the
+    // fixed text, else the argument's name, else the literal.
+    std::string MacroValue(Report& report);
+    // The declaration of the button's variable.
+    std::string Declaration(const TypeTables& types, Report& report);
+
+    // Connections. There is no record for one: each end holds the other.
+
+    // The two may be wired as far as kinds and flags go.
+    bool CanConnect(const COpButton& other) const;
+    // Wiring the two would close a cycle: the box that would be fed reaches the one that would feed it.
+    bool WouldLoop(const COpButton& other) const;
+    // True if `start` is `source`, or any connection downstream of `start` leads there. Ends on networks
+    // that hold a cycle as well.
+    static bool ReachesForward(const COpBox& source, const COpBox& start);
+    // Wires the two; callers have tested. An input gives up its former source. Called on an output for a
+    // pair that is wired already, it leaves only the input's side of the connection.
+    void Connect(COpButton& other);
+    // Cuts all connections.
+    void Disconnect();
+
+  private:
+    void AddPeer(COpButton& peer);
+    void DropPeer(COpButton& peer);
+
+    // The buttons that hold this one in their `connections`. The same as `connections` but for the
+    // one-sided case of Connect; it lets the destructor leave no pointer behind.
+    ConnectionSet m_namedBy;
+};
+
+}  // namespace tavrin

@@ -1,0 +1,103 @@
+// External programs: commands that are waited for, and children whose output flows into the log.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+
+#include "base/Environment.h"
+#include "base/FileDescriptor.h"
+#include "base/MainThreadQueue.h"
+
+namespace tavrin {
+
+class Report;
+
+// What RunCommand tells of a process that it waited for.
+struct ProcessInfo {
+    int exitCode = 0;
+};
+
+// Owned by the application object. Main thread only, but for InterruptCommand.
+class Commands {
+  public:
+    // Output of a child is posted to the main thread in pieces of at most this many bytes.
+    static constexpr size_t kPieceSize = 31;
+
+    Commands(Report& report, const Environment& environment, MainThreadQueue& queue);
+    ~Commands();
+
+    // The directory of the kill files: kill.1, kill.2 and so on. A child finds its own in TAVRN_KILLFILE,
+    // and ends when the file appears.
+    void SetWorkDir(const std::string& workDir) { m_workDir = workDir; }
+
+    // Where the standard output of commands goes; -1, the start, lets them inherit ours.
+    void SetCommandOutput(int descriptor) { m_commandOutput = descriptor; }
+
+    // Starts a command line, split by blanks and double quotes, without a shell. With `wait` it returns
+    // when the process has ended, its exit code in `processInfo`. A command that cannot start is alerted
+    // as "command failed: COMMAND"; false.
+    bool RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo = nullptr);
+
+    // Any thread: ends the process group of the command that RunCommand waits for, if there is one, by
+    // this signal. False if no command is waited for.
+    bool InterruptCommand(int signal);
+
+    // Starts "PerlExec COMMAND" with its output going to the log, and returns at once. The child counts as
+    // running until its output has closed, also on the side of its own children.
+    void RunScriptCommand(const std::string& command);
+
+    // Called on the main thread with the exit code when a child's process has ended.
+    void OnChildEnd(std::function<void(int exitCode)> observer) { m_childEnd = std::move(observer); }
+
+    // Leaves the kill file of every running child and forgets the children: stopping is their own act.
+    void KillChildren();
+
+    bool AnyChildRunning() const;
+
+    // True while a child's process or its reader is left, forgotten ones included.
+    bool AnyProcessLeft() const;
+
+    // For the end of the program: kill files, then up to `grace` for the children to go by themselves, then
+    // the end of their process groups. No child and no thread is left afterwards.
+    void EndChildren(std::chrono::milliseconds grace);
+
+  private:
+    struct Child;
+    struct Start;
+
+    void Work(Child& child, const Start& start);
+    void ReadOutput(Child& child, int pipe);
+    void ReapUnwatched();
+    void JoinFinished();
+    bool WaitForWorkers(std::chrono::milliseconds time);
+    void SignalChildren(int signal);
+    std::string KillFile(int id) const;
+
+    Report& m_report;
+    const Environment& m_environment;
+    MainThreadQueue& m_queue;
+    std::string m_workDir;
+    int m_commandOutput = -1;
+    std::function<void(int)> m_childEnd;
+
+    std::mutex m_waitedMutex;
+    int m_waitedFor = -1;          // process that RunCommand waits for
+    std::set<int> m_unwatched;     // processes started without waiting, to be reaped when they end
+
+    mutable std::mutex m_childMutex;
+    std::set<int> m_children;      // identifiers of running children
+    bool m_ending = false;         // nothing may be started any more
+    std::list<std::unique_ptr<Child>> m_workers;
+    int m_lastId = 0;
+    // Closed workers must not reach an object that is gone: posted work holds this.
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+};
+
+}  // namespace tavrin

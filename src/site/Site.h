@@ -1,0 +1,56 @@
+// What the installation and the site configure, as the rooms above read it.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "base/Environment.h"
+#include "site/Commands.h"
+#include "site/Settings.h"
+#include "site/TypeTables.h"
+#include "text/Report.h"
+
+namespace tavrin {
+
+// The process-wide directories and commands.
+struct Directories {
+    std::string tavrnDir;          // installation
+    std::string libName;           // library: the last component of its directory, the renderer's name
+    std::string libDir;            // tavrnDir and libName; empty while no library is selected
+    std::string workDir;           // this process's own, removed at the end
+    std::string editorCmd;         // text editor
+    std::string docBrowserDir;     // where document dialogs open
+    std::string scriptBrowserDir;  // where the script dialog opens
+};
+
+// Owned by the application object, filled at start-up, read everywhere.
+struct Site {
+    Site(Report& siteReport, Environment siteEnvironment, MainThreadQueue& queue)
+        : report(siteReport), environment(std::move(siteEnvironment)), commands(report, environment, queue) {}
+    Site(const Site&) = delete;
+    Site& operator=(const Site&) = delete;
+
+    // The path of a file that is named relative to the library, and of a file in the work directory.
+    std::string LibraryPath(const std::string& path) const;
+    std::string WorkPath(const std::string& name) const;
+
+    Report& report;
+    Environment environment;  // what children are given
+    Commands commands;
+    Directories directories;
+    Settings settings;
+    TypeTables types;
+    std::vector<std::string> menuDirs;
+    std::vector<std::string> toolButtons;                // names of operators
+    std::map<std::string, std::string> shaderIfaceExts;  // by shader type
+    std::string extShaderSource;
+    std::string extCompiledShader;
+    std::string extRenderIface;
+    std::string extShaderIface = ".cus";  // until a shader type selects another
+    std::string docExt = ".tvn";
+    bool debugMode = false;
+    bool quietMode = false;
+};
+
+}  // namespace tavrin

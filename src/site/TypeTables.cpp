@@ -1,0 +1,26 @@
+#include "site/TypeTables.h"
+
+namespace tavrin {
+
+std::string TypeTables::TranslateWord(const std::string& word) const {
+    const auto found = m_wordTranslate.find(word);
+    return found == m_wordTranslate.end() ? word : found->second;
+}
+
+std::string TypeTables::TranslateType(const std::string& type) const {
+    if (type.starts_with(kGenericPrefix)) return type.substr(kGenericPrefix.size());
+    return TranslateWord(type);
+}
+
+const TypeTables::Declaration& TypeTables::GetDeclaration(const std::string& type) const {
+    static const Declaration kNone;
+    const auto found = type.starts_with(kGenericPrefix) ? m_dataTypes.find(type.substr(kGenericPrefix.size()))
+                                                        : m_dataTypes.find(type);
+    return found == m_dataTypes.end() ? kNone : found->second;
+}
+
+void TypeTables::ResetDataTypes() {
+    m_dataTypes = {{"rgb", {"color ", ""}}, {"xyz", {"point ", ""}}, {"float", {"float ", ""}}, {"string", {"string ", ""}}};
+}
+
+}  // namespace tavrin

@@ -1,0 +1,43 @@
+#include "text/Archive.h"
+
+#include <algorithm>
+
+#include "base/Files.h"
+
+namespace tavrin {
+
+std::optional<CArchive> CArchive::Open(const std::string& path, std::string& error) {
+    CArchive archive;
+    archive.m_path = path;
+    if (!ReadWholeFile(path, archive.m_text, error)) return std::nullopt;
+    return archive;
+}
+
+CArchive CArchive::FromText(std::string path, std::string text) {
+    CArchive archive;
+    archive.m_path = std::move(path);
+    archive.m_text = std::move(text);
+    return archive;
+}
+
+bool CArchive::ReadLine(std::string_view& line) {
+    if (m_position >= m_text.size()) return false;
+    const std::string_view rest = Rest();
+    const auto end = rest.find('\n');
+    line = rest.substr(0, end);
+    m_position += end == std::string_view::npos ? rest.size() : end + 1;
+    if (end != std::string_view::npos && !line.empty() && line.back() == '\r') line.remove_suffix(1);
+    return true;
+}
+
+void CArchive::SkipToLineEnd() {
+    const auto end = m_text.find('\n', m_position);
+    m_position = end == std::string::npos ? m_text.size() : end;
+}
+
+int CArchive::LineNumber() const {
+    const auto here = m_text.begin() + static_cast<std::ptrdiff_t>(m_position);
+    return 1 + static_cast<int>(std::count(m_text.begin(), here, '\n'));
+}
+
+}  // namespace tavrin

@@ -1,0 +1,75 @@
+#include "text/Report.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "text/Archive.h"
+
+namespace tavrin {
+
+namespace {
+
+__attribute__((format(printf, 1, 0))) std::string FormatList(const char* format, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
+    if (length > 0) std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    return text;
+}
+
+}  // namespace
+
+std::string FormatText(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = FormatList(format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+void Report::Alert(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = FormatList(format, arguments);
+    va_end(arguments);
+    Raise(std::move(text), {});
+}
+
+void Report::AlertAt(const CArchive& archive, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string message = FormatList(format, arguments);
+    va_end(arguments);
+    Raise(FormatText("%s near line %d: %s", archive.Path().c_str(), archive.LineNumber(), message.c_str()),
+          archive.Path());
+}
+
+void Report::LogLine(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = FormatList(format, arguments);
+    va_end(arguments);
+    LogRaw(text + "\r\n");
+}
+
+void Report::LogRaw(std::string_view text) {
+    if (m_sink != nullptr && !text.empty()) m_sink->OnLog(text);
+}
+
+std::optional<Report::Pending> Report::TakePending() {
+    if (m_alertText.empty()) return std::nullopt;
+    Pending pending{std::move(m_alertText), std::move(m_alertFile)};
+    m_alertText.clear();
+    m_alertFile.clear();
+    return pending;
+}
+
+void Report::Raise(std::string text, std::string file) {
+    m_alertText = std::move(text);
+    m_alertFile = std::move(file);
+    if (m_sink != nullptr) m_sink->OnAlert(m_alertText, m_alertFile);
+}
+
+}  // namespace tavrin

@@ -1,0 +1,58 @@
+// The one channel by which the core speaks to the user. The core never prints and never opens a box: it
+// raises alerts and writes to the log, and each program decides what that looks like.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+class CArchive;
+
+// What a program does with reports; tests collect them. Called on the main thread.
+class ReportSink {
+  public:
+    virtual ~ReportSink() = default;
+    // An alert as it is raised. `file` is to be opened beside the message; empty for none.
+    virtual void OnAlert(const std::string& text, const std::string& file) = 0;
+    // Text for the log, line ends (CR LF) included. May be any part of a line.
+    virtual void OnLog(std::string_view text) = 0;
+};
+
+class Report {
+  public:
+    // The sink must outlive its use here; without one, reports are dropped but the pending alert is kept.
+    void SetSink(ReportSink* sink) { m_sink = sink; }
+
+    // Records a message for the user, which replaces one that still waits. Code that calls this must not
+    // depend on the user having seen it.
+    void Alert(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+    // The parse error of all formats: "FILE near line N: MESSAGE", with the file to be opened beside it.
+    void AlertAt(const CArchive& archive, const char* format, ...) __attribute__((format(printf, 3, 4)));
+
+    // A line for the log; notes that signal trouble begin "WARNING: ".
+    void LogLine(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    void LogRaw(std::string_view text);
+
+    struct Pending {
+        std::string text;
+        std::string file;
+    };
+    // The alert that waits, if any, which is then no longer pending.
+    std::optional<Pending> TakePending();
+    bool HasPending() const { return !m_alertText.empty(); }
+
+  private:
+    void Raise(std::string text, std::string file);
+
+    ReportSink* m_sink = nullptr;
+    std::string m_alertText;
+    std::string m_alertFile;
+};
+
+// printf into a string.
+std::string FormatText(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+}  // namespace tavrin
