@@ -53,6 +53,11 @@ mode_t DefaultFileMode() {
     return 0666 & ~mask;
 }
 
+bool IsLink(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
 // Writes, flushes and closes the file behind `file`; on failure `errno` tells why.
 bool FillAndClose(FileDescriptor file, std::string_view text, mode_t mode) {
     if (!WriteAll(file.Get(), text) || ::fchmod(file.Get(), mode) != 0 || ::fsync(file.Get()) != 0) return false;
@@ -139,6 +144,7 @@ bool ListDirectory(const std::string& path, std::vector<DirEntry>& entries) {
 }
 
 bool RemoveTree(const std::string& path, const std::function<void(const std::string&)>& log) {
+    if (IsLink(path)) return ::unlink(path.c_str()) == 0;
     std::vector<DirEntry> entries;
     if (!ListDirectory(path, entries)) return true;
     bool removed = true;

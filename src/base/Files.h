@@ -35,9 +35,9 @@ struct DirEntry {
 bool ListDirectory(const std::string& path, std::vector<DirEntry>& entries);
 
 // Removes a directory and what is in it. Directories whose name begins with '.' are left, so that their
-// parent stays as well; links are removed and never followed. Each directory that could not be removed
-// is named to `log` as "unable to remove PATH", and makes the result false. A path that cannot be listed
-// is left alone and counts as success.
+// parent stays as well; links are removed and never followed, also where `path` itself is one. Each
+// directory that could not be removed is named to `log` as "unable to remove PATH", and makes the result
+// false. A path that cannot be listed is left alone and counts as success.
 bool RemoveTree(const std::string& path, const std::function<void(const std::string&)>& log);
 
 // Copies the files of a directory tree, making `to` and missing parents. False with `error` at the first

@@ -1,10 +1,6 @@
 #include "library/DefinitionReader.h"
 
 #include "library/OpBox.h"
-#include "text/Archive.h"
-#include "text/Numbers.h"
-#include "text/Report.h"
-#include "text/Tokens.h"
 
 namespace tavrin {
 
@@ -15,41 +11,6 @@ constexpr std::string_view kFixedValuePrefix = "fixedvalue=";
 constexpr std::string_view kTiebackPrefix = "tieback=";
 
 }  // namespace
-
-bool DefinitionReader::Unexpected() {
-    m_report.AlertAt(m_archive, "unexpected input");
-    return false;
-}
-
-bool DefinitionReader::Operand(std::string& text) { return ReadToken(m_archive, text) || Unexpected(); }
-
-bool DefinitionReader::Operand(int& number) {
-    std::string token;
-    if (!Operand(token)) return false;
-    number = ParseInt(token);
-    return true;
-}
-
-bool DefinitionReader::Operand(float& number) {
-    std::string token;
-    if (!Operand(token)) return false;
-    number = ParseFloat(token);
-    return true;
-}
-
-bool DefinitionReader::Flag(int& flag) {
-    std::string token;
-    if (!Operand(token)) return false;
-    if (token != "0" && token != "1") return Unexpected();
-    flag = token == "1" ? 1 : 0;
-    return true;
-}
-
-bool DefinitionReader::Expect(const char* text) {
-    std::string token;
-    if (!Operand(token)) return false;
-    return token == text || Unexpected();
-}
 
 // The end of the file before the brace fails in silence; so does one inside the text, which is all there.
 bool DefinitionReader::HelpBlock(std::string& help) {

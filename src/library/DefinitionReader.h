@@ -3,9 +3,10 @@
 
 #include <string>
 
+#include "text/TokenParser.h"
+
 namespace tavrin {
 
-class CArchive;
 class COpBox;
 class COpButton;
 class COpValueFloat;
@@ -14,15 +15,14 @@ class COpValueRgb;
 class COpValueRgba;
 class COpValueString;
 class COpValueXyz;
-class Report;
 enum class ButtonKind : int;
 
 // Reads clauses into one box and stops at the first error, which it has then reported with its place.
 // What was read stays in the box. Used once.
-class DefinitionReader {
+class DefinitionReader : private TokenParser {
   public:
     DefinitionReader(COpBox& box, CArchive& archive, const std::string& libraryDir, Report& report)
-        : m_box(box), m_archive(archive), m_libraryDir(libraryDir), m_report(report) {}
+        : TokenParser(archive, report), m_box(box), m_libraryDir(libraryDir) {}
 
     bool Read();
 
@@ -45,19 +45,10 @@ class DefinitionReader {
     template <typename Value>
     bool ReadOptions(Value& value);
 
-    // Each reads one token and reports "unexpected input" if it is missing or does not fit.
-    bool Operand(std::string& text);
-    bool Operand(int& number);
-    bool Operand(float& number);
-    bool Flag(int& flag);  // the token "0" or "1" and no other
-    bool Expect(const char* text);
     bool HelpBlock(std::string& help);
-    bool Unexpected();
 
     COpBox& m_box;
-    CArchive& m_archive;
     const std::string& m_libraryDir;
-    Report& m_report;
 };
 
 }  // namespace tavrin

@@ -2,8 +2,6 @@
 // and generic values pass over what they do not know.
 #include "library/DefinitionReader.h"
 #include "library/OpBox.h"
-#include "text/Archive.h"
-#include "text/Tokens.h"
 
 namespace tavrin {
 

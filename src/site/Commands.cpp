@@ -56,6 +56,7 @@ bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* pr
     pid_t child = -1;
     {
         const std::lock_guard lock(m_waitedMutex);
+        if (m_interrupted) return false;
         child = Spawn(request, error);
         if (child >= 0 && wait) m_waitedFor = child;
     }
@@ -79,11 +80,10 @@ bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* pr
     return true;
 }
 
-bool Commands::InterruptCommand(int signal) {
+void Commands::InterruptCommand(int signal) {
     const std::lock_guard lock(m_waitedMutex);
-    if (m_waitedFor < 0) return false;
-    ::kill(-m_waitedFor, signal);
-    return true;
+    m_interrupted = true;
+    if (m_waitedFor >= 0) ::kill(-m_waitedFor, signal);
 }
 
 void Commands::ReapUnwatched() {

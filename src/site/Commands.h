@@ -45,9 +45,9 @@ class Commands {
     // as "command failed: COMMAND"; false.
     bool RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo = nullptr);
 
-    // Any thread: ends the process group of the command that RunCommand waits for, if there is one, by
-    // this signal. False if no command is waited for.
-    bool InterruptCommand(int signal);
+    // Any thread: the program is to end. No command is started any more, without a word; the process
+    // group of the one that RunCommand waits for gets this signal.
+    void InterruptCommand(int signal);
 
     // Starts "PerlExec COMMAND" with its output going to the log, and returns at once. The child counts as
     // running until its output has closed, also on the side of its own children.
@@ -88,6 +88,7 @@ class Commands {
     std::function<void(int)> m_childEnd;
 
     std::mutex m_waitedMutex;
+    bool m_interrupted = false;
     int m_waitedFor = -1;          // process that RunCommand waits for
     std::set<int> m_unwatched;     // processes started without waiting, to be reaped when they end
 

@@ -11,6 +11,7 @@ namespace tavrin {
 namespace {
 
 constexpr size_t kMostDigits = 3;  // of a width or a precision; more would only ask for memory
+constexpr std::string_view kFlags = "-+ #0";
 
 // Runs printf in the C locale on this thread.
 class CLocaleScope {
@@ -43,7 +44,6 @@ size_t CountDigits(std::string_view text, size_t from) {
 }
 
 Conversion ParseConversion(std::string_view pattern) {
-    constexpr std::string_view kFlags = "-+ #0";
     constexpr std::string_view kLetters = "aAeEfFgGs%";
     size_t i = 1;
     while (i < pattern.size() && kFlags.find(pattern[i]) != std::string_view::npos && i <= kFlags.size()) ++i;
@@ -78,11 +78,10 @@ void AppendNumber(std::string& result, const Conversion& conversion, double valu
 void AppendPadded(std::string& result, const Conversion& conversion, std::string_view value) {
     std::string_view spec = conversion.text.substr(1, conversion.text.size() - 2);
     bool left = false;
-    while (!spec.empty() && !IsDigit(spec.front()) && spec.front() != '.') {
-        left = left || spec.front() == '-';
+    while (!spec.empty() && kFlags.find(spec.front()) != std::string_view::npos) {
+        left = left || spec.front() == '-';  // the other flags have no effect on text
         spec.remove_prefix(1);
     }
-    while (spec.starts_with('0')) spec.remove_prefix(1);  // a flag, without effect on text
     const auto dot = spec.find('.');
     const auto width = static_cast<size_t>(ParseInt(spec.substr(0, dot)));
     if (dot != std::string_view::npos) value = value.substr(0, static_cast<size_t>(ParseInt(spec.substr(dot + 1))));

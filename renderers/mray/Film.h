@@ -1,0 +1,53 @@
+// The picture: takes samples in linear light, puts them over the background and
+// develops them: filter, tone curve, sRGB, dither.
+#pragma once
+
+#include "Camera.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace tavrin::mray {
+
+// Samples per pixel as a grid.
+struct Grid {
+    int x = 1, y = 1;
+    static Grid of(int samples);
+};
+
+class Film {
+public:
+    // Pixels that a tile needs around it for the filter.
+    static constexpr int kMargin = 1;
+
+    Film(int width, int height, Grid grid, float exposure);
+
+    // samples: grid.x by grid.y per pixel of the tile and its margin, red, green,
+    // blue, alpha, bottom row first.  background: one colour per pixel of the
+    // same area, top row first.
+    void develop(const Area& tile, const std::vector<float>& samples, const std::vector<Vec3>& background);
+
+    [[nodiscard]] const std::vector<std::uint8_t>& pixels() const { return pixels_; }
+
+    // Samples that were no numbers, so far.
+    [[nodiscard]] long strange() const { return strange_; }
+
+private:
+    struct Sum {
+        Vec3 color;
+        float weight = 0;
+    };
+    [[nodiscard]] Sum sampleOver(const float* sample, Vec3 behind);
+    void filterRow(const Area& tile, const float* samples, const Vec3* background, std::vector<Sum>& row);
+    void encode(const Area& tile, int y, const std::vector<Sum>& sums);
+
+    int width_;
+    Grid grid_;
+    float exposure_;
+    std::vector<float> weightsX_, weightsY_;
+    std::vector<std::uint16_t> curve_;
+    std::vector<std::uint8_t> pixels_;
+    long strange_ = 0;
+};
+
+}  // namespace tavrin::mray

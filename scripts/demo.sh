@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Sets up, builds, and renders the example networks to pictures in demo-output/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh
+scripts/build.sh release
+
+output=demo-output
+mkdir -p "$output"
+pictures=()
+failed=()
+for document in examples/*.tvn; do
+  name=$(basename "$document" .tvn)
+  work=$(mktemp -d)
+  echo "demo: rendering $name"
+  if build/release/bin/tavrin-batch --quiet --render --keep-work "$work" "$document" &&
+     cp "$work/1/$name.png" "$output/$name.png"; then
+    pictures+=("$output/$name.png")
+  else
+    failed+=("$name")
+  fi
+  rm -rf "$work"
+done
+for picture in "${pictures[@]}"; do echo "$PWD/$picture"; done
+if [ ${#failed[@]} -gt 0 ]; then
+  echo "demo: FAILED for ${failed[*]}"
+  exit 1
+fi
+echo "demo: rendered ${#pictures[@]} example networks to $output/"

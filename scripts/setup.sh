@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Installs what Tavrin is built from and runs with. Needs root or sudo for packages that are missing;
+# does nothing where all are there. The README gives the reason for each.
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build
+  perl perl-modules-5.36
+  glslang-tools
+  libegl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
+  libgtest-dev libgmock-dev
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
+  [ "$status" = "install ok installed" ] || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "setup: every package is there"
+  exit 0
+fi
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "setup: run this as root, or install sudo; missing: ${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+echo "setup: installing ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+echo "setup: done"

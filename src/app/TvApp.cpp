@@ -1,0 +1,213 @@
+#include "app/TvApp.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "app/SiteFileReader.h"
+#include "app/Version.h"
+#include "base/Files.h"
+#include "base/Paths.h"
+#include "forms/FormFrame.h"
+#include "forms/FormParser.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* kDefaultLibrary = "mray";
+constexpr const char* kDefaultEditor = "xdg-open";
+constexpr const char* kDefaultTemporaryRoot = "/tmp";
+constexpr const char* kShaderTypeOption = "TAVRN_SHADER_TYPE";
+constexpr const char* kDefaultShaderIfaceExt = ".cus";
+
+bool IsSwitchedOn(const std::optional<std::string>& value) {
+    return value && (value->empty() || value->front() != '0');
+}
+
+// The first of the variables that is set and not empty, else the default.
+std::string FirstOf(const Environment& environment, std::initializer_list<const char*> names, std::string otherwise) {
+    for (const char* name : names) {
+        if (const auto value = environment.Get(name); value && !value->empty()) return *value;
+    }
+    return otherwise;
+}
+
+bool IsPlainName(const std::string& name) {
+    return !name.empty() && name != "." && name != ".." && name.find_first_of("/\\") == std::string::npos;
+}
+
+bool IsOwnDirectory(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+}
+
+}  // namespace
+
+CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment, const std::string& programPath)
+    : m_site(report, std::move(environment), queue),
+      m_registry(report),
+      m_form(std::make_unique<CRenderOptionsEditor>()),
+      m_programDir(PathDir(programPath)),
+      m_version(VersionText(kProductVersion)) {
+    const Environment& env = m_site.environment;
+    m_site.directories.editorCmd = FirstOf(env, {"TAVRN_EDITORCMD", "EDITOR"}, kDefaultEditor);
+    m_site.directories.tavrnDir = FirstOf(env, {"TAVRN_DIR"}, FullPath(m_programDir + "../share/tavrin"));
+    SelectLibraryFromEnvironment();
+    m_site.debugMode = IsSwitchedOn(env.Get("TAVRN_DEBUG"));
+    m_site.quietMode = IsSwitchedOn(env.Get("TAVRN_QUIET"));
+}
+
+CTvApp::~CTvApp() = default;
+
+// Only the last component of the variable counts: the library always lies under the installation.
+void CTvApp::SelectLibraryFromEnvironment() {
+    const auto value = m_site.environment.Get("TAVRN_LIB");
+    if (!value) {
+        SelectLibrary(kDefaultLibrary);
+        return;
+    }
+    auto separator = value->rfind('/');
+    if (separator == std::string::npos) separator = value->rfind('\\');
+    if (separator == std::string::npos || !SelectLibrary(value->substr(separator + 1))) {
+        m_site.report.LogLine("invalid TAVRN_LIB value: %s", value->c_str());
+    }
+}
+
+bool CTvApp::SelectLibrary(const std::string& name) {
+    if (!IsPlainName(name)) return false;
+    Directories& directories = m_site.directories;
+    if (name == directories.libName) return true;
+    directories.libName = name;
+    directories.libDir = JoinPath(directories.tavrnDir, name);
+    m_site.environment.Set("TAVRN_LIB", directories.libDir);
+    return true;
+}
+
+bool CTvApp::UseLibrary(const std::string& name) {
+    if (!SelectLibrary(name)) return false;
+    if (!IsDirectory(m_site.directories.libDir)) {
+        m_site.report.LogLine("WARNING: there is no library %s in %s", name.c_str(),
+                              m_site.directories.tavrnDir.c_str());
+    }
+    ReloadOperators();
+    return true;
+}
+
+void CTvApp::ReloadOperators() {
+    m_registry.Clear();
+    for (const std::string& directory : m_site.menuDirs) m_registry.AddDirectory(m_site.LibraryPath(directory));
+}
+
+void CTvApp::LoadSiteDefaults() {
+    Directories& directories = m_site.directories;
+    m_site.menuDirs.emplace_back("menu");
+    m_site.types.ResetDataTypes();
+    SiteTargets targets{m_site, m_codeGen, m_exportDefaults, [this](CArchive& archive) {
+                            ReadForm(archive, *m_form, *this, m_site.report);
+                        }};
+    ReadSiteFiles(targets);
+
+    const Settings& settings = m_site.settings;
+    settings.GetSettingToken("editorcmd", directories.editorCmd);
+    settings.GetSettingToken("tavrnbrowser_dir", directories.docBrowserDir);
+    settings.GetSettingToken("scriptbrowser_dir", directories.scriptBrowserDir);
+    directories.docBrowserDir = m_site.LibraryPath(directories.docBrowserDir);
+    settings.GetSettingToken("ext.shadersource", m_site.extShaderSource);
+    settings.GetSettingToken("ext.compiledshader", m_site.extCompiledShader);
+    settings.GetSettingToken("ext.renderiface", m_site.extRenderIface);
+
+    const std::string root = FirstOf(m_site.environment, {"TAVRN_TMPDIR", "TEMP"}, kDefaultTemporaryRoot);
+    MakeWorkDirectory(root);
+    ExportEnvironment(root);
+    ReloadOperators();
+}
+
+void CTvApp::MakeWorkDirectory(const std::string& temporaryRoot) {
+    MakeDirectory(temporaryRoot);
+    std::string& workDir = m_site.directories.workDir;
+    workDir = JoinPath(temporaryRoot, FormatText("tavrn.%d", static_cast<int>(::getpid())));
+    m_site.commands.SetWorkDir(workDir);
+    const int error = MakeDirectory(workDir);
+    // One that an earlier process of our number left is used; somebody else's is not.
+    m_ownsWorkDir = error == 0 || (error == EEXIST && IsOwnDirectory(workDir));
+    if (m_ownsWorkDir) return;
+    m_site.report.Alert("unable to create work directory %s\n", workDir.c_str());
+}
+
+void CTvApp::ExportEnvironment(const std::string& temporaryRoot) {
+    const Directories& directories = m_site.directories;
+    Environment& environment = m_site.environment;
+    environment.Set("TAVRN_TMPDIR", temporaryRoot);
+    environment.Set("TAVRN_DIR", directories.tavrnDir);
+    environment.Set("TAVRN_LIB", directories.libDir);
+    environment.Set("TAVRN_WORKDIR", directories.workDir);
+    environment.Set("TAVRN_RENOPTS", m_site.WorkPath("render_options"));
+    environment.Set("TAVRN_EDITORCMD", "\"" + directories.editorCmd + "\"");
+    // Whatever the menu shows at this point: children see the debug mode only once the user sets it.
+    environment.Set("TAVRN_DEBUG", "0");
+    environment.Set("COMSPEC", "/bin/sh");
+    // The installation's own programs are found by name.
+    environment.Set("PATH", JoinPath(directories.tavrnDir, "bin") + ":" + FullPath(m_programDir + "../libexec/tavrin") +
+                                ":" + environment.Get("PATH").value_or("/usr/bin:/bin"));
+}
+
+std::optional<CTvApp::Problem> CTvApp::StartUpProblem() const {
+    const auto fatal = [](const std::string& text) { return Problem{text, "Fatal Error"}; };
+    const std::string directory = m_site.environment.Get("TAVRN_DIR").value_or("");
+    const std::string root = m_site.environment.Get("TAVRN_TMPDIR").value_or("");
+    if (directory.find(' ') != std::string::npos) {
+        return fatal("Tavrin directory path \"" + directory + "\" includes whitespace");
+    }
+    if (root.find(' ') != std::string::npos) {
+        return fatal("Temporary directory path \"" + root + "\" includes whitespace");
+    }
+    if (!PathExists(directory)) return fatal("Tavrin directory \"" + directory + "\" does not exist");
+    if (m_site.directories.libDir.empty()) return Problem{"environment variable TAVRN_LIB not defined", "Alert"};
+    return std::nullopt;
+}
+
+bool CTvApp::CloseDown(std::chrono::milliseconds grace) {
+    m_site.commands.EndChildren(grace);
+    const std::string& workDir = m_site.directories.workDir;
+    if (!m_ownsWorkDir) return true;
+    return RemoveTree(workDir, [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
+}
+
+void CTvApp::SetVariable(const std::string& name, const std::string& value, bool updateForm) {
+    if (m_document == nullptr) {
+        m_appVars[name] = value;
+        return;
+    }
+    auto& options = m_document->m_renderOptions;
+    const auto option = options.find(name);
+    if (option == options.end() || option->second != value) {
+        options[name] = value;
+        m_document->SetModified();
+    }
+    if (updateForm) m_form->BroadcastOption(name, value);
+    if (name == kShaderTypeOption) ShaderTypeChanged();
+}
+
+std::string CTvApp::GetAppVariable(const std::string& name) {
+    const auto found = m_appVars.find(name);
+    return found == m_appVars.end() ? std::string() : found->second;
+}
+
+void CTvApp::ShaderTypeChanged() {
+    if (m_document == nullptr) return;
+    m_site.extShaderIface = kDefaultShaderIfaceExt;
+    const auto type = m_document->m_renderOptions.find(kShaderTypeOption);
+    if (type == m_document->m_renderOptions.end()) return;
+    const auto extension = m_site.shaderIfaceExts.find(type->second);
+    if (extension != m_site.shaderIfaceExts.end()) m_site.extShaderIface = extension->second;
+}
+
+void CTvApp::OpenInEditor(const std::string& path) {
+    m_site.commands.RunCommand(m_site.directories.editorCmd + " \"" + path + "\"", false);
+}
+
+std::string CTvApp::DocumentVersion() const { return ShortVersion(m_version); }
+
+}  // namespace tavrin

@@ -1,0 +1,98 @@
+// The application object: it owns the site's configuration, the directories, the children, the operators
+// and the variables that no document holds yet.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "codegen/CodeGen.h"
+#include "document/TvDoc.h"
+#include "forms/FormHost.h"
+#include "library/OpRegistry.h"
+#include "site/Site.h"
+
+namespace tavrin {
+
+class CRenderOptionsEditor;
+
+// One for the process, made by the program before anything else. It has no window and never ends the
+// process: StartUpProblem tells what must end it.
+class CTvApp : public DocumentHost, private FormHost {
+  public:
+    // Takes what the environment says of the installation, the library and the editor. `programPath` is
+    // the running program's file, by which an installation is found that the environment does not name.
+    CTvApp(Report& report, MainThreadQueue& queue, Environment environment, const std::string& programPath);
+    ~CTvApp() override;
+
+    // Selects a library of the installation by name and tells the children of it. False for a name that
+    // is no plain name of a directory.
+    bool SelectLibrary(const std::string& name);
+    // Scans the operators again.
+    void ReloadOperators();
+    // Reads the site files, makes the work directory and the environment of children, scans the operators.
+    void LoadSiteDefaults();
+
+    // What must stop the program after its start.
+    struct Problem {
+        std::string text;
+        std::string title;  // "Fatal Error", or "Alert"
+    };
+    std::optional<Problem> StartUpProblem() const;
+
+    // The end of the program: stops the children within `grace`, then removes the work directory. False,
+    // with a log line, if something of it stays.
+    bool CloseDown(std::chrono::milliseconds grace);
+
+    // The one document; none while there is no frame.
+    void SetDocument(CTvDoc* document) { m_document = document; }
+    CTvDoc* GetDocument() const { return m_document; }
+
+    // The one way to store a named value: in the document or, while there is none, here. A value that was
+    // there already does not mark the document.
+    void SetVariable(const std::string& name, const std::string& value, bool updateForm);
+    std::string GetAppVariable(const std::string& name) override;
+    // To be called when a document was opened or its shader type has changed: the extension of shader
+    // interface files follows the type.
+    void ShaderTypeChanged();
+
+    // Opens a file in the user's editor, without waiting.
+    void OpenInEditor(const std::string& path);
+
+    std::string ProductVersion() const { return m_version; }
+
+    // What documents ask.
+    Site& GetSite() override { return m_site; }
+    const COpRegistry& Registry() const override { return m_registry; }
+    const std::map<std::string, std::string>& AppVariables() const override { return m_appVars; }
+    const CExportOptions& ExportDefaults() const override { return m_exportDefaults; }
+    bool IsUnsavedOption(const std::string& name) const override { return m_unsavedOptions.contains(name); }
+    bool UseLibrary(const std::string& name) override;
+    std::string DocumentVersion() const override;
+
+    const CCodeGen& CodeGen() const { return m_codeGen; }
+    CRenderOptionsEditor& RenderOptionsForm() { return *m_form; }
+
+  private:
+    void SetVariable(const std::string& name, const std::string& value) override { SetVariable(name, value, false); }
+    void AddUnsavedOption(const std::string& name) override { m_unsavedOptions.insert(name); }
+
+    void SelectLibraryFromEnvironment();
+    void MakeWorkDirectory(const std::string& temporaryRoot);
+    void ExportEnvironment(const std::string& temporaryRoot);
+
+    Site m_site;
+    COpRegistry m_registry;
+    CCodeGen m_codeGen;  // the site's template
+    CExportOptions m_exportDefaults;
+    std::map<std::string, std::string> m_appVars;
+    std::set<std::string> m_unsavedOptions;
+    std::unique_ptr<CRenderOptionsEditor> m_form;
+    CTvDoc* m_document = nullptr;
+    std::string m_programDir;
+    std::string m_version;
+    bool m_ownsWorkDir = false;
+};
+
+}  // namespace tavrin

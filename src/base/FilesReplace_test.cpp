@@ -1,0 +1,208 @@
+// Replacing a file so that whatever fails the old one is whole.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+
+#include "base/Files.h"
+#include "support/TestSite.h"
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::ExitedWithCode;
+using testing::UnorderedElementsAre;
+using test::ReadFile;
+using test::TempDir;
+
+constexpr uid_t kNobody = 65534;
+
+std::vector<std::string> NamesIn(const std::string& directory) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(directory)) names.push_back(entry.path().filename().string());
+    return names;
+}
+
+mode_t ModeOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0);
+    return status.st_mode & 07777;
+}
+
+// While it lives, no file may grow beyond `bytes`: what a write to a full disk looks like.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &m_previous);
+        rlimit limit = m_previous;
+        limit.rlim_cur = bytes;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &m_previous);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+  private:
+    void (*m_handler)(int);
+    rlimit m_previous{};
+};
+
+// In a process of its own, and without the rights of root: replaces the file and leaves by 0 if that
+// fails, with the reason on standard error.
+[[noreturn]] void ReplaceAsNobody(const std::string& path) {
+    if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) ::_exit(2);
+    std::string error;
+    const bool replaced = ReplaceFile(path, "new", error);
+    std::fprintf(stderr, "%s\n", error.c_str());
+    ::_exit(replaced ? 1 : 0);
+}
+
+TEST(ReplaceFile, MakesANewFile) {
+    const TempDir directory;
+    const std::string path = directory / "doc.tvn";
+    std::string error;
+    const std::string text("a\0b\n", 4);
+    ASSERT_TRUE(ReplaceFile(path, text, error)) << error;
+    EXPECT_EQ(ReadFile(path), text);
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("doc.tvn"));
+}
+
+TEST(ReplaceFile, ANewFileGetsThePermissionsThatTheUserChose) {
+    const TempDir directory;
+    const mode_t before = ::umask(027);
+    std::string error;
+    const bool replaced = ReplaceFile(directory / "doc.tvn", "x", error);
+    const mode_t mask = ::umask(before);
+    ASSERT_TRUE(replaced) << error;
+    EXPECT_EQ(ModeOf(directory / "doc.tvn"), 0640U);
+    EXPECT_EQ(mask, 027U);
+}
+
+TEST(ReplaceFile, ReplacesTheWholeText) {
+    const TempDir directory;
+    const std::string path = directory.Write("doc.tvn", "a much longer text than before");
+    std::string error;
+    ASSERT_TRUE(ReplaceFile(path, "new", error)) << error;
+    EXPECT_EQ(ReadFile(path), "new");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("doc.tvn"));
+}
+
+TEST(ReplaceFile, KeepsThePermissions) {
+    const TempDir directory;
+    const std::string path = directory.Write("doc.tvn", "old");
+    ASSERT_EQ(::chmod(path.c_str(), 0604), 0);
+    std::string error;
+    ASSERT_TRUE(ReplaceFile(path, "new", error)) << error;
+    EXPECT_EQ(ModeOf(path), 0604U);
+}
+
+TEST(ReplaceFile, WhoHasTheOldFileOpenKeepsReadingIt) {
+    const TempDir directory;
+    const std::string path = directory.Write("doc.tvn", "old");
+    const std::string before = directory / "before";
+    fs::create_hard_link(path, before);
+    std::string error;
+    ASSERT_TRUE(ReplaceFile(path, "new", error)) << error;
+    EXPECT_EQ(ReadFile(before), "old");
+    EXPECT_EQ(ReadFile(path), "new");
+}
+
+TEST(ReplaceFile, FollowsASymbolicLinkToItsFile) {
+    const TempDir directory;
+    const std::string target = directory.Write("real/doc.tvn", "old");
+    fs::create_symlink("real/doc.tvn", directory / "inner.tvn");
+    fs::create_symlink("inner.tvn", directory / "link.tvn");
+    std::string error;
+    ASSERT_TRUE(ReplaceFile(directory / "link.tvn", "new", error)) << error;
+    EXPECT_EQ(fs::read_symlink(directory / "link.tvn"), "inner.tvn");
+    EXPECT_EQ(fs::read_symlink(directory / "inner.tvn"), "real/doc.tvn");
+    EXPECT_FALSE(fs::is_symlink(target));
+    EXPECT_EQ(ReadFile(target), "new");
+    EXPECT_THAT(NamesIn(directory.Path()), UnorderedElementsAre("real", "link.tvn", "inner.tvn"));
+}
+
+TEST(ReplaceFile, AFileInTheCurrentDirectoryNeedsNoPath) {
+    const TempDir directory;
+    const fs::path before = fs::current_path();
+    fs::current_path(directory.Path());
+    std::string error;
+    const bool replaced = ReplaceFile("doc.tvn", "new", error);
+    fs::current_path(before);
+    EXPECT_TRUE(replaced) << error;
+    EXPECT_EQ(ReadFile(directory / "doc.tvn"), "new");
+}
+
+TEST(ReplaceFile, AFullDiskLeavesTheOldFileWhole) {
+    const TempDir directory;
+    const std::string path = directory.Write("doc.tvn", "old text");
+    std::string error;
+    bool replaced = true;
+    {
+        const FileSizeLimit limit(100);
+        replaced = ReplaceFile(path, std::string(5000, 'n'), error);
+    }
+    EXPECT_FALSE(replaced);
+    EXPECT_EQ(error, "File too large");
+    EXPECT_EQ(ReadFile(path), "old text");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("doc.tvn"));
+}
+
+TEST(ReplaceFile, ADirectoryWithoutWritePermissionLeavesTheOldFileWhole) {
+    const TempDir directory;
+    const std::string path = directory.Write("doc.tvn", "old text");
+    ASSERT_EQ(::chmod(path.c_str(), 0666), 0);
+    ASSERT_EQ(::chmod(directory.Path().c_str(), 0555), 0);
+    EXPECT_EXIT(ReplaceAsNobody(path), ExitedWithCode(0), "Permission denied");
+    ::chmod(directory.Path().c_str(), 0755);
+    EXPECT_EQ(ReadFile(path), "old text");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("doc.tvn"));
+}
+
+TEST(ReplaceFile, AFileThatMayNotBeWrittenIsNotReplaced) {
+    const TempDir directory;
+    const std::string path = directory.Write("doc.tvn", "old text");
+    ASSERT_EQ(::chmod(path.c_str(), 0444), 0);
+    ASSERT_EQ(::chmod(directory.Path().c_str(), 0777), 0);
+    EXPECT_EXIT(ReplaceAsNobody(path), ExitedWithCode(0), "Permission denied");
+    EXPECT_EQ(ReadFile(path), "old text");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("doc.tvn"));
+}
+
+TEST(ReplaceFile, ADirectoryIsAnError) {
+    const TempDir directory;
+    fs::create_directory(directory / "sub");
+    std::string error;
+    EXPECT_FALSE(ReplaceFile(directory / "sub", "new", error));
+    EXPECT_EQ(error, "Is a directory");
+    EXPECT_TRUE(fs::is_directory(directory / "sub"));
+}
+
+TEST(ReplaceFile, AMissingDirectoryIsAnError) {
+    const TempDir directory;
+    std::string error;
+    EXPECT_FALSE(ReplaceFile(directory / "absent/doc.tvn", "new", error));
+    EXPECT_EQ(error, "No such file or directory");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre());
+}
+
+TEST(ReplaceFile, ADeviceIsWrittenInPlace) {
+    std::string error;
+    EXPECT_TRUE(ReplaceFile("/dev/null", "gone", error)) << error;
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    EXPECT_FALSE(ReplaceFile("/dev/full", "x", error));
+    EXPECT_EQ(error, "No space left on device");
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+}  // namespace
+}  // namespace tavrin

@@ -1,0 +1,157 @@
+// Single files: reading, writing in place, asking about them. Replacing and trees have tests of their own.
+#include "base/Files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <map>
+
+#include "support/TestSite.h"
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+using test::ReadFile;
+using test::TempDir;
+
+TEST(ReadWholeFile, GivesEveryByte) {
+    const TempDir directory;
+    const std::string text("a\0b\r\n\xFF", 6);
+    std::string read;
+    std::string error;
+    ASSERT_TRUE(ReadWholeFile(directory.Write("file", text), read, error)) << error;
+    EXPECT_EQ(read, text);
+}
+
+TEST(ReadWholeFile, ReplacesWhatTheTextHeld) {
+    const TempDir directory;
+    std::string read = "stale";
+    std::string error;
+    ASSERT_TRUE(ReadWholeFile(directory.Write("empty", ""), read, error));
+    EXPECT_EQ(read, "");
+}
+
+TEST(ReadWholeFile, ReadsFilesThatDoNotTellTheirSize) {
+    std::string read;
+    std::string error;
+    ASSERT_TRUE(ReadWholeFile("/proc/self/environ", read, error)) << error;
+    EXPECT_NE(read.find("PATH="), std::string::npos);
+}
+
+TEST(ReadWholeFile, ReadsLargeFilesWhole) {
+    const TempDir directory;
+    std::string text;
+    for (int i = 0; i < 200000; ++i) text += std::to_string(i);
+    std::string read;
+    std::string error;
+    ASSERT_TRUE(ReadWholeFile(directory.Write("large", text), read, error));
+    EXPECT_TRUE(read == text);
+}
+
+TEST(ReadWholeFile, AMissingFileSaysSoAndEmptiesTheText) {
+    const TempDir directory;
+    std::string read = "stale";
+    std::string error;
+    EXPECT_FALSE(ReadWholeFile(directory / "absent", read, error));
+    EXPECT_EQ(error, "No such file or directory");
+    EXPECT_EQ(read, "");
+}
+
+TEST(ReadWholeFile, ADirectoryIsNotReadable) {
+    const TempDir directory;
+    std::string read;
+    std::string error;
+    EXPECT_FALSE(ReadWholeFile(directory.Path(), read, error));
+    EXPECT_EQ(error, "Is a directory");
+}
+
+TEST(ReadWholeFile, APipeWithoutAWriterIsRefusedAndNotWaitedFor) {
+    const TempDir directory;
+    const std::string path = directory / "pipe";
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    std::string read;
+    std::string error;
+    EXPECT_FALSE(ReadWholeFile(path, read, error));
+    EXPECT_EQ(error, "Not a regular file");
+}
+
+TEST(WriteWholeFile, MakesAFileOrReplacesItsText) {
+    const TempDir directory;
+    const std::string path = directory / "file";
+    std::string error;
+    ASSERT_TRUE(WriteWholeFile(path, std::string_view("long text\0", 10), error));
+    EXPECT_EQ(ReadFile(path), std::string("long text\0", 10));
+    ASSERT_TRUE(WriteWholeFile(path, "x", error));
+    EXPECT_EQ(ReadFile(path), "x");
+    ASSERT_TRUE(WriteWholeFile(path, "", error));
+    EXPECT_EQ(ReadFile(path), "");
+}
+
+TEST(WriteWholeFile, SaysWhyItCannot) {
+    const TempDir directory;
+    std::string error;
+    EXPECT_FALSE(WriteWholeFile(directory / "absent/file", "x", error));
+    EXPECT_EQ(error, "No such file or directory");
+    EXPECT_FALSE(WriteWholeFile(directory.Path(), "x", error));
+    EXPECT_EQ(error, "Is a directory");
+    EXPECT_FALSE(WriteWholeFile("/dev/full", "x", error));
+    EXPECT_EQ(error, "No space left on device");
+}
+
+TEST(MakeDirectory, MakesOneLevel) {
+    const TempDir directory;
+    EXPECT_EQ(MakeDirectory(directory / "a"), 0);
+    EXPECT_TRUE(IsDirectory(directory / "a"));
+    EXPECT_EQ(MakeDirectory(directory / "b/c"), ENOENT);
+    EXPECT_FALSE(PathExists(directory / "b"));
+}
+
+TEST(MakeDirectory, AnExistingPathIsAnError) {
+    const TempDir directory;
+    EXPECT_EQ(MakeDirectory(directory.Path()), EEXIST);
+    EXPECT_EQ(MakeDirectory(directory.Write("file", "")), EEXIST);
+}
+
+TEST(PathExists, KnowsFilesAndDirectories) {
+    const TempDir directory;
+    const std::string file = directory.Write("file", "");
+    EXPECT_TRUE(PathExists(file));
+    EXPECT_TRUE(PathExists(directory.Path()));
+    EXPECT_FALSE(PathExists(directory / "absent"));
+    EXPECT_TRUE(IsDirectory(directory.Path()));
+    EXPECT_FALSE(IsDirectory(file));
+    EXPECT_FALSE(IsDirectory(directory / "absent"));
+}
+
+TEST(ListDirectory, NamesEveryEntryAndItsKind) {
+    const TempDir directory;
+    directory.Write("file", "");
+    directory.Write(".hidden", "");
+    directory.Write("sub/inner", "");
+    fs::create_directory_symlink(directory / "sub", directory / "link");
+    fs::create_symlink(directory / "absent", directory / "dangling");
+    std::vector<DirEntry> entries = {{"stale", false}};
+    ASSERT_TRUE(ListDirectory(directory.Path(), entries));
+    std::map<std::string, bool> kinds;
+    for (const DirEntry& entry : entries) kinds[entry.name] = entry.isDirectory;
+    EXPECT_EQ(kinds.size(), entries.size());
+    EXPECT_THAT(kinds, UnorderedElementsAre(Pair("file", false), Pair(".hidden", false), Pair("sub", true),
+                                            Pair("link", true), Pair("dangling", false)));
+}
+
+TEST(ListDirectory, AFileOrAMissingPathCannotBeListed) {
+    const TempDir directory;
+    std::vector<DirEntry> entries = {{"stale", false}};
+    EXPECT_FALSE(ListDirectory(directory / "absent", entries));
+    EXPECT_TRUE(entries.empty());
+    EXPECT_FALSE(ListDirectory(directory.Write("file", ""), entries));
+}
+
+}  // namespace
+}  // namespace tavrin

@@ -1,0 +1,99 @@
+#include "batch/Describe.h"
+
+#include "library/OpBox.h"
+#include "library/OpRegistry.h"
+#include "text/Numbers.h"
+#include "text/Tokens.h"
+
+namespace tavrin {
+
+namespace {
+
+std::string Number(float value) { return FormatG(static_cast<double>(value)); }
+
+std::string Numbers(std::initializer_list<float> values) {
+    std::string text;
+    for (const float value : values) text += (text.empty() ? "" : " ") + Number(value);
+    return text;
+}
+
+std::string Range(float min, float max, int integer) {
+    return ", from " + Number(min) + " to " + Number(max) + (integer != 0 ? ", whole numbers" : "");
+}
+
+std::string Options(const std::vector<std::string>& options) {
+    std::string text;
+    for (const std::string& option : options) text += (text.empty() ? ", one of " : " ") + option;
+    return text;
+}
+
+std::string DefaultText(const COpValue& value) {
+    if (value.type == type_words::kFloat) {
+        const auto& v = static_cast<const COpValueFloat&>(value);
+        return Number(v.value) + Range(v.min, v.max, v.integer);
+    }
+    if (value.type == type_words::kXyz) {
+        const auto& v = static_cast<const COpValueXyz&>(value);
+        return Numbers({v.x, v.y, v.z}) + Range(v.min, v.max, v.integer);
+    }
+    if (value.type == type_words::kRgb) {
+        const auto& v = static_cast<const COpValueRgb&>(value);
+        return Numbers({v.r, v.g, v.b});
+    }
+    if (value.type == type_words::kRgba) {
+        const auto& v = static_cast<const COpValueRgba&>(value);
+        return Numbers({v.r, v.g, v.b, v.a});
+    }
+    if (value.type == type_words::kString) {
+        const auto& v = static_cast<const COpValueString&>(value);
+        return QuoteString(v.value) + Options(v.options);
+    }
+    const auto& v = static_cast<const COpValueGeneric&>(value);
+    return QuoteString(v.defaultValue) + Options(v.options);
+}
+
+// The help indented, its line ends made plain.
+void AppendHelp(std::string& text, const std::string& help, std::string_view indent) {
+    if (help.empty()) return;
+    text += indent;
+    for (const char c : help) {
+        if (c == '\r') continue;
+        text += c;
+        if (c == '\n') text += indent;
+    }
+    text += '\n';
+}
+
+void AppendButton(std::string& text, const COpButton& button) {
+    text.append("\n").append(button.KindText()).append(" ").append(button.DisplayName()).append("\n");
+    AppendHelp(text, button.help, "    ");
+    for (const auto& value : button.values) {
+        text.append("    ").append(value->type);
+        if (!button.IsOutput()) text.append(": ").append(DefaultText(*value));
+        text += '\n';
+    }
+    if (!button.fixedvalue.empty()) text.append("    stands for: ").append(button.fixedvalue).append("\n");
+    if (!button.tieback.empty()) text.append("    passes through: ").append(button.tieback).append("\n");
+    if (!button.fixedtext.empty()) text.append("    unconnected: ").append(button.fixedtext).append("\n");
+}
+
+}  // namespace
+
+std::string OperatorList(const COpRegistry& registry) {
+    std::string text;
+    for (const auto& entry : registry.Entries()) {
+        text.append(entry->name).append("\t").append(registry.MenuPath(*entry)).append("\t");
+        text.append(entry->path).append("\n");
+    }
+    return text;
+}
+
+std::string OperatorDescription(const COpBox& box) {
+    std::string text = box.filename + "\n";
+    AppendHelp(text, box.boxhelp, "    ");
+    for (const auto& input : box.inputs) AppendButton(text, *input);
+    for (const auto& output : box.outputs) AppendButton(text, *output);
+    return text;
+}
+
+}  // namespace tavrin

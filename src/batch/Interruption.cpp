@@ -1,0 +1,51 @@
+#include "batch/Interruption.h"
+
+#include <pthread.h>
+
+#include <csignal>
+#include <ctime>
+
+namespace tavrin {
+
+namespace {
+
+constexpr int kWakeUp = SIGUSR1;  // ends the waiting thread
+constexpr time_t kSecondsToHeedTerm = 2;
+
+sigset_t Signals() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, kWakeUp}) sigaddset(&set, signal);
+    return set;
+}
+
+}  // namespace
+
+Interruption::Interruption(std::function<void(int)> onSignal) : m_onSignal(std::move(onSignal)) {
+    const sigset_t set = Signals();
+    ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    m_thread = std::thread([this] { Wait(); });
+}
+
+Interruption::~Interruption() {
+    m_ending = true;
+    ::pthread_kill(m_thread.native_handle(), kWakeUp);
+    m_thread.join();
+}
+
+void Interruption::Wait() {
+    const sigset_t set = Signals();
+    const timespec patience{kSecondsToHeedTerm, 0};
+    while (!m_ending) {
+        const int signal = m_signal == 0 ? ::sigwaitinfo(&set, nullptr) : ::sigtimedwait(&set, nullptr, &patience);
+        if (m_ending || signal == kWakeUp) continue;
+        if (m_signal != 0) {
+            m_onSignal(SIGKILL);
+        } else if (signal > 0) {
+            m_signal = signal;
+            m_onSignal(SIGTERM);
+        }
+    }
+}
+
+}  // namespace tavrin

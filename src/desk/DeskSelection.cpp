@@ -1,0 +1,77 @@
+// What is selected on the desk, and the care for references to what may be gone.
+#include <algorithm>
+
+#include "desk/OpDesk.h"
+#include "site/Site.h"
+
+namespace tavrin {
+
+void COpDesk::ClearSelections() {
+    ClearBoxSelection();
+    ClearSelectedButton();
+    ClearSelectedConnects();
+}
+
+void COpDesk::ClearBoxSelection() {
+    for (const auto& box : m_document.m_boxes) box->selected = 0;
+    for (const auto& box : m_pendingBoxes) box->selected = 0;
+}
+
+bool COpDesk::AnyBoxSelected() const {
+    return std::any_of(m_document.m_boxes.begin(), m_document.m_boxes.end(),
+                       [](const auto& box) { return box->selected != 0; });
+}
+
+void COpDesk::SetAllSelected(int selected) {
+    bool changed = false;
+    for (const auto& box : m_document.m_boxes) {
+        changed = changed || box->selected != selected;
+        box->selected = selected;
+    }
+    if (changed) m_view.RefreshAllViews();
+}
+
+void COpDesk::ValidateReferences() {
+    Report& report = m_host.GetSite().report;
+    m_document.m_boxes.remove_if([&report](auto& box) {
+        if (COpBox::IsLive(box.get())) return false;
+        report.LogLine("WARNING: m_boxes holds invalid reference");
+        static_cast<void>(box.release());  // it is not there to be destroyed
+        return true;
+    });
+    if (m_selectedButton != nullptr && !COpButton::IsLive(m_selectedButton)) {
+        report.LogLine("WARNING: m_selectedButton is invalid");
+        m_selectedButton = nullptr;
+    }
+    std::erase_if(m_selectedConnects, [&report](const COpButton* button) {
+        if (COpButton::IsLive(button)) return false;
+        report.LogLine("WARNING: m_selectedConnects holds invalid reference");
+        return true;
+    });
+    if (m_mouseButton != nullptr && !COpButton::IsLive(m_mouseButton)) {
+        report.LogLine("WARNING: m_mouseButton is invalid");
+        m_mouseButton = nullptr;
+    }
+    if (m_mouseBox != nullptr && !COpBox::IsLive(m_mouseBox)) {
+        report.LogLine("WARNING: m_mouseBox is invalid");
+        m_mouseBox = nullptr;
+    }
+}
+
+void COpDesk::OnInitialUpdate() {
+    m_mouseBox = nullptr;
+    m_mouseButton = nullptr;
+    ClearSelectedButton();
+    ClearSelectedConnects();
+    DeletePending(m_pendingBoxes);
+    m_view.ClearBoxFinder();
+    m_usedWids.Clear();
+    for (const auto& box : m_document.m_boxes) {
+        m_view.LayoutBox(*box);
+        m_view.AddToBoxFinder(box->BoxTitleWid());
+        m_usedWids.Add(box->wid);
+    }
+    m_view.UpdateScrollBars();
+}
+
+}  // namespace tavrin

@@ -1,0 +1,196 @@
+#include "desk/OpDesk.h"
+
+#include <algorithm>
+
+#include "library/OpRegistry.h"
+#include "site/Site.h"
+#include "text/Archive.h"
+#include "text/Tokens.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::string_view kDocumentKeyword = "tavrn-version";  // first token of a saved network
+constexpr size_t kVectorRoom = 100;
+
+}  // namespace
+
+COpDesk::COpDesk(CTvDoc& document, DocumentHost& host, DeskView& view)
+    : m_document(document), m_host(host), m_view(view) {
+    m_clipboardBoxes.reserve(kVectorRoom);
+    m_pendingBoxes.reserve(kVectorRoom);
+}
+
+void COpDesk::AddOperator(const std::string& name) {
+    const bool wasSelected = AnyBoxSelected();
+    ClearSelections();
+    DeletePending(m_pendingBoxes);
+    Report& report = m_host.GetSite().report;
+    const COpEntry* entry = m_host.Registry().FindByName(name);
+    if (entry == nullptr) {
+        report.Alert("%s: unknown operator name", name.c_str());
+        return;
+    }
+    std::string reason;
+    auto archive = CArchive::Open(entry->path, reason);
+    if (!archive) {
+        report.Alert("unable to open %s for reading", entry->path.c_str());
+        return;
+    }
+    std::string token;
+    if (!ReadToken(*archive, token)) {
+        report.AlertAt(*archive, "unexpected input");
+        return;
+    }
+    if (token == kDocumentKeyword) {
+        archive->Rewind();
+        AddMacro(*archive);
+    } else {
+        AddBox(name, wasSelected);
+    }
+}
+
+void COpDesk::AddMacro(CArchive& archive) {
+    CTvDoc scratch(m_host);
+    if (scratch.ReadDeskOnly(archive)) MergeBoxes(scratch.m_boxes);
+}
+
+void COpDesk::AddBox(const std::string& name, bool wasSelected) {
+    auto box = std::make_unique<COpBox>();
+    if (!box->Define(name, m_host.Registry(), m_host.GetSite()) || !AdmitBox(*box)) return;
+    m_view.LayoutBox(*box);
+    m_pendingBoxes.push_back(std::move(box));
+    m_pendingPlaced = false;
+    m_view.Repaint();
+    if (wasSelected) m_view.RefreshAllViews();
+}
+
+COpDesk::InstanceCounts COpDesk::CountInstances() const {
+    InstanceCounts counts;
+    for (const auto& box : m_document.m_boxes) ++counts[box->filename];
+    for (const auto& box : m_pendingBoxes) ++counts[box->filename];
+    return counts;
+}
+
+bool COpDesk::AdmitBox(COpBox& box) {
+    InstanceCounts counts;
+    if (box.maxinstances != 0) counts = CountInstances();
+    return AdmitBox(box, counts);
+}
+
+// `counts` holds the boxes on the desk by operator, and takes up the one admitted.
+bool COpDesk::AdmitBox(COpBox& box, InstanceCounts& counts) {
+    int& count = counts[box.filename];
+    if (box.maxinstances != 0 && box.maxinstances < count + 1) {
+        m_host.GetSite().report.Alert("WARNING: not creating \"%s\" (only %d allowed on desk)", box.filename.c_str(),
+                                      box.maxinstances);
+        return false;
+    }
+    ++count;
+    box.selected = 1;
+    box.wid = NextWid();
+    m_view.LayoutBox(box);
+    m_view.AddToBoxFinder(box.BoxTitleWid());
+    return true;
+}
+
+void COpDesk::MergeBoxes(CTvDoc::BoxList& boxes) {
+    if (boxes.empty()) return;
+    ClearSelections();
+    DeletePending(m_pendingBoxes);
+    const float origin[2] = {boxes.front()->xypos[0], boxes.front()->xypos[1]};
+    InstanceCounts counts = CountInstances();
+    for (auto& box : boxes) {
+        MoveBox(*box, -origin[0], -origin[1]);
+        if (AdmitBox(*box, counts)) m_pendingBoxes.push_back(std::move(box));
+    }
+    boxes.clear();  // destroys those that were refused, with their connections
+    m_pendingPlaced = false;
+    m_document.SetModified();
+    m_view.RefreshAllViews();
+    m_view.Repaint();
+    m_view.UpdateScrollBars();
+}
+
+void COpDesk::DropPending() {
+    if (m_pendingBoxes.empty()) return;
+    for (auto& box : m_pendingBoxes) m_document.m_boxes.push_front(std::move(box));
+    m_pendingBoxes.clear();
+    m_document.SetModified();
+    m_view.RefreshAllViews();
+}
+
+void COpDesk::RemoveBox(std::unique_ptr<COpBox> box) {
+    if (box->wid != 0) {
+        m_usedWids.Remove(box->wid);
+        m_view.RemoveFromBoxFinder(box->BoxTitleWid());
+    }
+    if (m_mouseBox == box.get()) m_mouseBox = nullptr;
+    for (const auto& input : box->inputs) {
+        ForgetButton(*input);
+        std::erase(m_selectedConnects, input.get());
+    }
+    for (const auto& output : box->outputs) ForgetButton(*output);
+}
+
+void COpDesk::ForgetButton(const COpButton& button) {
+    if (m_mouseButton == &button) m_mouseButton = nullptr;
+    if (m_selectedButton == &button) m_selectedButton = nullptr;
+}
+
+void COpDesk::DeletePending(BoxVector& boxes) {
+    for (auto& box : boxes) RemoveBox(std::move(box));
+    boxes.clear();
+}
+
+void COpDesk::RaiseBox(const COpBox& box) {
+    auto& stack = m_document.m_boxes;
+    const auto place = std::find_if(stack.begin(), stack.end(), [&](const auto& own) { return own.get() == &box; });
+    if (place != stack.end()) stack.splice(stack.begin(), stack, place);
+}
+
+// The factor on the anchor is as the desk has always behaved: at a zoom other than 1 a dragged box is seen
+// to move by the drag while its anchor moves further.
+void COpDesk::MoveBox(COpBox& box, float dx, float dy) {
+    box.xypos[0] += m_document.zoomFactor * dx;
+    box.xypos[1] += m_document.zoomFactor * dy;
+}
+
+void COpDesk::MoveSelectedBoxes(float dx, float dy) {
+    if (dx == 0.0F && dy == 0.0F) return;
+    for (const auto& box : m_document.m_boxes) {
+        if (box->selected != 0) MoveBox(*box, dx, dy);
+    }
+    m_document.SetModified();
+    m_view.Repaint();
+    m_view.UpdateScrollBars();
+}
+
+void COpDesk::CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination) {
+    std::unordered_map<const COpBox*, COpBox*> clones;
+    for (const COpBox* box : source) {
+        clones[box] = destination.emplace_back(std::make_unique<COpBox>(*box)).get();
+    }
+    for (const COpBox* box : source) {
+        for (size_t input = 0; input < box->inputs.size(); ++input) {
+            COpButton* output = box->inputs[input]->connections.First();
+            const auto feeder = output == nullptr ? clones.end() : clones.find(output->owner);
+            if (feeder == clones.end()) continue;  // fed by nothing, or from outside the copied boxes
+            const size_t position = output->owner->IndexOfButton(*output);
+            clones[box]->inputs[input]->Connect(*feeder->second->outputs[position]);
+        }
+    }
+}
+
+COpButton* COpDesk::GrowVinput(bool above) {
+    if (m_mouseBox == nullptr || m_mouseButton == nullptr || m_mouseButton->kind != ButtonKind::kVinput) return nullptr;
+    COpButton* copy = m_mouseBox->CopyButton(*m_mouseButton, above);
+    m_view.LayoutBox(*m_mouseBox);
+    m_document.SetModified();
+    m_view.RefreshAllViews();
+    m_view.Repaint();
+    return copy;
+}
+
+}  // namespace tavrin

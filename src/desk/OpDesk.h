@@ -1,0 +1,100 @@
+// The model of the desk: everything that exists only while a network is being edited. It stands over a
+// document, which owns the network's boxes.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "desk/WidPool.h"
+#include "document/TvDoc.h"
+
+namespace tavrin {
+
+// What the desk asks of the windows round it. The batch program has none and leaves these as they are.
+class DeskView {
+  public:
+    virtual ~DeskView() = default;
+    virtual void LayoutBox(COpBox&) {}
+    virtual void AddToBoxFinder(const std::string& /*boxTitleWid*/) {}
+    virtual void RemoveFromBoxFinder(const std::string& /*boxTitleWid*/) {}
+    virtual void ClearBoxFinder() {}
+    virtual void Repaint() {}
+    virtual void RefreshAllViews() {}
+    virtual void UpdateScrollBars() {}
+};
+
+// A box on a desk is in exactly one of three places: the network (saved and generated), the pending boxes
+// (numbered, waiting under the mouse), the clipboard (clones without a number).
+class COpDesk {
+  public:
+    using BoxVector = std::vector<std::unique_ptr<COpBox>>;
+
+    COpDesk(CTvDoc& document, DocumentHost& host, DeskView& view);
+    COpDesk(const COpDesk&) = delete;
+    COpDesk& operator=(const COpDesk&) = delete;
+
+    // Makes a box of the operator, or the network of a macro operator, and hands it to the mouse. What
+    // waited there is destroyed. Failures are alerted.
+    void AddOperator(const std::string& name);
+    // Checks `maxinstances`, numbers the box, selects it and lays it out. False, with an alert, if the desk
+    // may hold no more of it. The caller puts it where it belongs.
+    bool AdmitBox(COpBox& box);
+    // Takes over all boxes of another document as pending boxes, with new numbers; the list is emptied.
+    void MergeBoxes(CTvDoc::BoxList& boxes);
+    // Puts the pending boxes on top of the network.
+    void DropPending();
+    // Forgets every reference to a box that is out of the network, and destroys it.
+    void RemoveBox(std::unique_ptr<COpBox> box);
+    void DeletePending(BoxVector& boxes);
+    // Moves a box of the network to the top of the stack.
+    void RaiseBox(const COpBox& box);
+    // Takes the smallest free number.
+    int NextWid() { return m_usedWids.Next(); }
+    // Moves by desk units; the saved anchor moves further by the factor of the zoom.
+    void MoveBox(COpBox& box, float dx, float dy);
+    void MoveSelectedBoxes(float dx, float dy);
+
+    // Appends a clone of each box, connected among themselves as the originals are.
+    static void CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination);
+    // Adds a copy of the vinput under the mouse next to it; nothing if there is none.
+    COpButton* GrowVinput(bool above);
+
+    void ClearBoxSelection();
+    void ClearSelectedButton() { m_selectedButton = nullptr; }
+    void ClearSelectedConnects() { m_selectedConnects.clear(); }
+    bool AnyBoxSelected() const;
+    void SelectAllBoxes() { SetAllSelected(1); }
+    void UnselectAllBoxes() { SetAllSelected(0); }
+
+    // Logs and mends references to objects that are gone.
+    void ValidateReferences();
+    // After every New and Open: forgets the old network and takes up the new one.
+    void OnInitialUpdate();
+
+    BoxVector m_clipboardBoxes;
+    BoxVector m_pendingBoxes;
+    bool m_pendingPlaced = false;             // the pending boxes have been under the mouse
+    COpButton* m_selectedButton = nullptr;    // one end of a connection still to be made
+    std::vector<COpButton*> m_selectedConnects;  // inputs, each standing for the connection that enters it
+    COpBox* m_mouseBox = nullptr;
+    COpButton* m_mouseButton = nullptr;
+
+  private:
+    using InstanceCounts = std::unordered_map<std::string, int>;
+    InstanceCounts CountInstances() const;
+    bool AdmitBox(COpBox& box, InstanceCounts& counts);
+    void AddMacro(CArchive& archive);
+    void AddBox(const std::string& name, bool wasSelected);
+    void ClearSelections();
+    void SetAllSelected(int selected);
+    void ForgetButton(const COpButton& button);
+
+    CTvDoc& m_document;
+    DocumentHost& m_host;
+    DeskView& m_view;
+    WidPool m_usedWids;
+};
+
+}  // namespace tavrin

@@ -1,0 +1,152 @@
+// The `opbutton` blocks of a box.
+#include "document/DocumentReader.h"
+#include "document/TvDoc.h"
+
+namespace tavrin {
+
+bool DocumentReader::ReadOpBoxButton(COpBox& box, const std::string& kind) {
+    std::string name;
+    std::string fullName;
+    if (!ReadToken(m_archive, name)) return Stop("expected button name");
+    if (!ReadToken(m_archive, fullName)) return Stop("expected button id");
+    const bool isInput = kind == "input" || kind == "vinput";
+    COpButton* button = isInput ? FindInput(box, kind, name, fullName) : NextOutput(box, kind, name);
+    if (button == nullptr || !ReadButtonBlock(*button)) return false;
+    m_namesSeen.insert(name);
+    return true;
+}
+
+// Looks forward only: the file's buttons stand in the definition's order.
+COpButton* DocumentReader::FindInput(COpBox& box, const std::string& kind, const std::string& name,
+                                     const std::string& fullName) {
+    while (m_inputCursor < box.inputs.size() && box.inputs[m_inputCursor]->name != name) ++m_inputCursor;
+    if (m_inputCursor == box.inputs.size()) {
+        Stop(FormatText("undefined input %s specified", name.c_str()));
+        return nullptr;
+    }
+    COpButton& found = *box.inputs[m_inputCursor];
+    if (found.KindText() != kind) {
+        m_report.AlertAt(m_archive, "input %s not of type %s", name.c_str(), kind.c_str());
+    }
+    if (fullName == name || fullName == name + "1") return &found;
+    // A further copy of a vinput. It is numbered at once, since messages name it.
+    auto copy = std::make_unique<COpButton>(found);
+    copy->instance = found.instance + 1;
+    ++m_inputCursor;
+    const auto place = box.inputs.begin() + static_cast<std::ptrdiff_t>(m_inputCursor);
+    return box.inputs.insert(place, std::move(copy))->get();
+}
+
+// Outputs are matched by position alone.
+COpButton* DocumentReader::NextOutput(COpBox& box, const std::string& kind, const std::string& name) {
+    if (m_outputCursor == box.outputs.size()) {
+        Stop(FormatText("undefined output %s specified", name.c_str()));
+        return nullptr;
+    }
+    COpButton& button = *box.outputs[m_outputCursor++];
+    if (button.KindText() == kind) return &button;
+    Stop(FormatText("button %s not of type %s", name.c_str(), kind.c_str()));
+    return nullptr;
+}
+
+bool DocumentReader::ReadButtonBlock(COpButton& button) {
+    // Neither the braces before "currentcast" nor the word "wwms" is checked.
+    std::string token;
+    std::string castName;
+    do {
+        if (!Operand(token)) return false;
+    } while (token != "currentcast");
+    if (!Operand(castName)) return false;
+    do {
+        if (!Operand(token)) return false;
+    } while (token != "{");
+    for (;;) {
+        if (!Operand(token)) return false;
+        if (token == "}") break;
+        if (!ReadButtonClause(button, token)) return false;
+    }
+    if (!Expect("}") || !Expect("}")) return false;
+    ChooseCast(button, castName);
+    return true;
+}
+
+bool DocumentReader::ReadButtonClause(COpButton& button, const std::string& keyword) {
+    if (keyword == "pin") return Operand(button.pin);
+    if (keyword == "stow") return Operand(button.stow);
+    if (keyword == "lock") return Operand(button.lock);
+    if (keyword == "arg") return Operand(button.arg);
+    if (keyword == "argname") return Operand(button.argname);
+    if (keyword == "comments") return Operand(button.comments);
+    if (keyword == type_words::kString) {
+        std::string text;
+        if (!Operand(text)) return false;
+        if (auto* value = static_cast<COpValueString*>(button.FindValue(keyword))) value->value = text;
+        return true;
+    }
+    if (IsGenericType(keyword)) return ReadGeneric(button);
+    if (keyword == "disableargflag" || keyword == "disableconnectflag") {
+        std::string_view rest;  // these come from the definition
+        return m_archive.ReadLine(rest) || Unexpected();
+    }
+    if (MakeValue(keyword) != nullptr) return ReadNumbers(button, keyword);
+    return Stop("unexpected input \"" + keyword + "\"");
+}
+
+// Numbers of a type that the button does not have
+// are dropped.
+bool DocumentReader::ReadNumbers(COpButton& button, const std::string& type) {
+    const auto made = MakeValue(type);
+    COpValue* value = button.FindValue(type);
+    if (value == nullptr) value = made.get();
+    if (type == type_words::kFloat) {
+        auto& v = static_cast<COpValueFloat&>(*value);
+        return Operand(v.value) && Operand(v.min) && Operand(v.max) && Operand(v.integer);
+    }
+    if (type == type_words::kXyz) {
+        auto& v = static_cast<COpValueXyz&>(*value);
+        return Operand(v.x) && Operand(v.y) && Operand(v.z) && Operand(v.min) && Operand(v.max) && Operand(v.integer);
+    }
+    if (type == type_words::kRgb) {
+        auto& v = static_cast<COpValueRgb&>(*value);
+        return Operand(v.r) && Operand(v.g) && Operand(v.b);
+    }
+    auto& v = static_cast<COpValueRgba&>(*value);
+    return Operand(v.r) && Operand(v.g) && Operand(v.b) && Operand(v.a);
+}
+
+// A generic value is a line and no tokens: backslashes in it are not undone.
+bool DocumentReader::ReadGeneric(COpButton& button) {
+    std::string_view rest;
+    if (!m_archive.ReadLine(rest)) return Unexpected();
+    rest = Trim(rest);
+    std::string type(type_words::kGeneric);
+    std::string text;
+    if (rest.size() > 1 && rest.front() == '"' && rest.back() == '"') {
+        text = rest.substr(1, rest.size() - 2);
+    } else {
+        FieldScanner scanner(rest);
+        const auto word = scanner.Word();
+        if (!word) return Unexpected();
+        type.append(":").append(*word);
+        scanner.SkipBlanks();
+        if (scanner.Literal("\"")) text = scanner.Until('"').value_or("");
+    }
+    if (auto* value = static_cast<COpValueGeneric*>(button.FindValue(type))) value->value = text;
+    return true;
+}
+
+// The cast is assigned plainly: castlock pairs do not spread it while reading.
+void DocumentReader::ChooseCast(COpButton& button, const std::string& castName) {
+    const int cast = button.FindCast(castName);
+    if (cast >= 0) {
+        button.currentcast = static_cast<size_t>(cast);
+        return;
+    }
+    if (castName.empty() && button.values.empty()) return;  // an output without any type
+    std::string message = "illegal cast " + castName + " for button " + button.owner->BoxTitleWid() + ":" +
+                          button.DisplayName() + ".\n\nAvailable casts:\n";
+    for (const auto& value : button.values) message += "\n        " + value->type;
+    m_report.AlertAt(m_archive, "%s", message.c_str());
+}
+
+}  // namespace tavrin

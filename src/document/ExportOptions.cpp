@@ -1,0 +1,77 @@
+#include "document/ExportOptions.h"
+
+#include <array>
+
+#include "base/Paths.h"
+#include "text/Archive.h"
+#include "text/Numbers.h"
+#include "text/Report.h"
+#include "text/Tokens.h"
+
+namespace tavrin {
+
+namespace {
+
+// In the order in which documents hold them.
+struct ExportKey {
+    std::string_view key;
+    int CExportOptions::*flag;
+    std::string CExportOptions::*path;
+    bool isDirectory;
+};
+constexpr std::array<ExportKey, 6> kKeys = {{
+    {"tavrndir", &CExportOptions::saveTavrn, &CExportOptions::tavrnPath, true},
+    {"shadersourcedir", &CExportOptions::saveSource, &CExportOptions::sourcePath, true},
+    {"compiledshaderdir", &CExportOptions::saveCompiled, &CExportOptions::compiledPath, true},
+    {"shaderinterfacedir", &CExportOptions::saveShaderIface, &CExportOptions::shaderIfacePath, true},
+    {"renderinterfacedir", &CExportOptions::saveRenderIface, &CExportOptions::renderIfacePath, true},
+    {"postsavescript", &CExportOptions::runPostSave, &CExportOptions::postSaveScript, false},
+}};
+
+const ExportKey* FindKey(std::string_view key) {
+    for (const ExportKey& candidate : kKeys) {
+        if (candidate.key == key) return &candidate;
+    }
+    return nullptr;
+}
+
+bool EndsInSeparator(const std::string& path) { return !path.empty() && (path.back() == '/' || path.back() == '\\'); }
+
+void ReadLine(std::string_view line, const ExportKey& key, CExportOptions& options) {
+    FieldScanner scanner(line);
+    const auto flag = scanner.Int();
+    if (flag) options.*key.flag = *flag;
+    std::string& path = options.*key.path;
+    if (const std::string_view text = Trim(scanner.Rest()); flag && !text.empty()) path = text;
+    path = Trim(path);
+    if (key.isDirectory && !EndsInSeparator(path)) path += Separator(kNativeStyle);
+}
+
+}  // namespace
+
+void ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report) {
+    std::string token;
+    if (!ReadToken(archive, token)) return;
+    while (ReadToken(archive, token) && token != "}") {
+        const ExportKey* key = FindKey(token);
+        if (key == nullptr) {
+            report.AlertAt(archive, "unknown export option: %s", token.c_str());
+            return;
+        }
+        std::string_view rest;
+        archive.ReadLine(rest);
+        ReadLine(rest, *key, options);
+    }
+}
+
+std::string ExportOptionLines(const CExportOptions& options) {
+    std::string text;
+    for (const ExportKey& key : kKeys) {
+        const std::string& path = options.*key.path;
+        text.append("    ").append(key.key).append(" ").append(std::to_string(options.*key.flag)).append(" ");
+        text.append(key.isDirectory ? PathDir(path) : path).append("\n");
+    }
+    return text;
+}
+
+}  // namespace tavrin

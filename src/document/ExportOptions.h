@@ -1,0 +1,36 @@
+// What an export writes, and where: kept by each document, and once more as the site's defaults.
+#pragma once
+
+#include <string>
+
+namespace tavrin {
+
+class CArchive;
+class Report;
+
+struct CExportOptions {
+    // What to write.
+    int saveTavrn = 0;  // the document file
+    int saveSource = 0;
+    int saveCompiled = 0;
+    int saveShaderIface = 0;
+    int saveRenderIface = 0;
+    int runPostSave = 0;
+    // Where to: complete paths in a document, of which its file holds the directories alone.
+    std::string tavrnPath = "./";
+    std::string compiledPath = "./";
+    std::string sourcePath = "./";
+    std::string shaderIfacePath = "./";
+    std::string renderIfacePath = "./";
+    std::string postSaveScript;  // a command
+};
+
+// Reads an `exportoptions` clause of a site file or a document from behind its keyword. A line sets its
+// flag, and its path unless that is empty; the directories get a closing separator. An unknown key is
+// alerted as "unknown export option: KEY" and ends the reading.
+void ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report);
+
+// The lines of the clause in a document, between its braces. They end in LF alone.
+std::string ExportOptionLines(const CExportOptions& options);
+
+}  // namespace tavrin

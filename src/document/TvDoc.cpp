@@ -1,0 +1,90 @@
+#include "document/TvDoc.h"
+
+#include "base/Paths.h"
+#include "base/Files.h"
+#include "document/DocumentReader.h"
+#include "document/DocumentWriter.h"
+#include "site/Site.h"
+#include "text/Archive.h"
+
+namespace tavrin {
+
+namespace {
+
+// A template for the user to overwrite.
+constexpr const char* kHelpTemplate =
+    "    T I T L E   O F   S H A D E R\r\n"
+    "    Your notice of ownership\r\n"
+    "\r\n"
+    "VARIABLES\r\n"
+    "    VARNAME1 - short description\r\n"
+    "    VARNAME2 - another short description\r\n"
+    "\r\n"
+    "DESCRIPTION\r\n"
+    "    Your indepth description of the shader goes here.\r\n"
+    "    This text is saved as part of your shader's tavrn file,\r\n"
+    "    so it can be made available to others who use the shader.\r\n"
+    "\r\n"
+    "AUTHOR\r\n"
+    "    Your name <your mail address>";
+
+}  // namespace
+
+void CTvDoc::DeleteContents() {
+    const Site& site = m_host.GetSite();
+    m_boxes.clear();
+    toolbar = site.toolButtons;
+    showiconimages = 0;
+    linetype = 0;
+    drawlinesoverboxes = 0;
+    showvarnames = 0;
+    lock = 0;
+    offset[0] = offset[1] = 0;
+    zoom[0] = zoom[1] = 0.5F;
+    zoomFactor = 1;
+    m_renderOptions = m_host.AppVariables();
+    exportOptions = m_host.ExportDefaults();
+    customshaderhelp = kHelpTemplate;
+    m_modified = false;
+    m_cutShort = false;
+
+    site.settings.GetSettingInt("desk.showiconimages", showiconimages);
+    site.settings.GetSettingInt("desk.showvarnames", showvarnames);
+    site.settings.GetSettingInt("desk.lock", lock);
+    std::string word;
+    if (site.settings.GetSettingToken("desk.linetype", word) && word == "trace") linetype = 1;
+}
+
+bool CTvDoc::Open(const std::string& path) {
+    std::string error;
+    auto archive = CArchive::Open(path, error);
+    if (!archive) {
+        m_host.GetSite().report.Alert("unable to open %s for reading: %s", path.c_str(), error.c_str());
+        return false;
+    }
+    DeleteContents();
+    m_path = path;
+    m_cutShort = !Load(*archive);
+    return true;
+}
+
+bool CTvDoc::Load(CArchive& archive) { return DocumentReader(*this, archive, m_host).Read(); }
+
+bool CTvDoc::ReadDeskOnly(CArchive& archive) { return DocumentReader(*this, archive, m_host).ReadDeskOnly(); }
+
+std::string CTvDoc::Store() {
+    SortBoxesByWid();
+    return WriteDocument(*this, m_host);
+}
+
+bool CTvDoc::Save(const std::string& path, std::string& error) {
+    if (!ReplaceFile(path, Store(), error)) return false;
+    m_path = path;
+    m_modified = false;
+    m_cutShort = false;
+    return true;
+}
+
+std::string CTvDoc::Title() const { return m_path.empty() ? "Untitled.tvn" : PathFile(m_path); }
+
+}  // namespace tavrin

@@ -1,0 +1,106 @@
+// The document: one shader network with everything needed to reopen it.
+#pragma once
+
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "document/ExportOptions.h"
+#include "library/OpBox.h"
+
+namespace tavrin {
+
+class CArchive;
+class COpRegistry;
+struct Site;
+
+// What a document asks of the application that it belongs to.
+class DocumentHost {
+  public:
+    virtual ~DocumentHost() = default;
+
+    virtual Site& GetSite() = 0;
+    virtual const COpRegistry& Registry() const = 0;
+    // What a new document starts with, besides the site's settings.
+    virtual const std::map<std::string, std::string>& AppVariables() const = 0;
+    virtual const CExportOptions& ExportDefaults() const = 0;
+    // Render options that documents do not hold.
+    virtual bool IsUnsavedOption(const std::string& name) const = 0;
+    // Selects the library that a document names and scans its operators. False if the name is no plain
+    // name of a directory, so that it could lead out of the installation; nothing is changed then.
+    virtual bool UseLibrary(const std::string& name) = 0;
+    // The short form of the program's version, as documents carry it.
+    virtual std::string DocumentVersion() const = 0;
+};
+
+class CTvDoc {
+  public:
+    explicit CTvDoc(DocumentHost& host) : m_host(host) { DeleteContents(); }
+    CTvDoc(const CTvDoc&) = delete;
+    CTvDoc& operator=(const CTvDoc&) = delete;
+
+    // Empties the document and puts the defaults back.
+    void DeleteContents();
+
+    // Opens a file: empties the document, then reads. False if the file cannot be opened, with an alert;
+    // the document then stays as it was. Errors in the file are alerted and leave what was read;
+    // WasCutShort tells.
+    bool Open(const std::string& path);
+    // Reads the file's sections into the document as it stands; false if reading stopped at an error.
+    bool Load(CArchive& archive);
+    // Reads only the boxes and connections of a file. False, with an alert unless the file has no such
+    // section, if that fails.
+    bool ReadDeskOnly(CArchive& archive);
+
+    // The document as its file holds it; boxes are brought into the order of their numbers.
+    std::string Store();
+    // Writes the file so that a failure leaves the old one whole. On success it is the document's path and
+    // the document is unmodified; on failure `error` holds the platform's message.
+    bool Save(const std::string& path, std::string& error);
+
+    // Reading stopped at an error in the file that is now the document's path: saving there would lose
+    // what was not read.
+    bool WasCutShort() const { return m_cutShort; }
+
+    const std::string& Path() const { return m_path; }
+    void SetPath(const std::string& path) { m_path = path; }
+    // File name, "Untitled.tvn" without a path.
+    std::string Title() const;
+    bool IsModified() const { return m_modified; }
+    void SetModified(bool modified = true) { m_modified = modified; }
+
+    // All boxes in the order of generation: each stands after everything that feeds it. Boxes of a cycle
+    // that feeds nothing else are left out.
+    std::vector<COpBox*> OrderBoxes() const;
+    // The inputs with no connection, boxes by their title and number as text without regard to case.
+    std::vector<COpButton*> CollectUnconnectedInputs() const;
+    void SortBoxesByWid();
+
+    using BoxList = std::list<std::unique_ptr<COpBox>>;
+
+    std::vector<std::string> toolbar;  // names of operators
+    BoxList m_boxes;                   // in stacking order, topmost first
+    int showiconimages = 0;
+    int linetype = 0;  // 1 trace, 0 direct
+    int drawlinesoverboxes = 0;
+    int showvarnames = 0;
+    int lock = 0;
+    float offset[2] = {0, 0};  // pixels
+    float zoom[2] = {0.5F, 0.5F};  // saved, and read by nothing else
+    float zoomFactor = 1;
+    std::map<std::string, std::string> m_renderOptions;
+    CExportOptions exportOptions;
+    std::string customshaderhelp;  // lines joined by CR LF
+
+  private:
+    std::vector<COpBox*> BoxesByTitle() const;
+
+    DocumentHost& m_host;
+    std::string m_path;
+    bool m_modified = false;
+    bool m_cutShort = false;
+};
+
+}  // namespace tavrin

@@ -1,0 +1,54 @@
+#include "render/ArgInfo.h"
+
+#include "document/TvDoc.h"
+#include "render/HelpLines.h"
+#include "text/Numbers.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr size_t kKeyColumns = 11;
+
+void Field(std::string& text, std::string_view key, std::string_view value) {
+    text.append("    ").append(key);
+    if (key.size() < kKeyColumns) text.append(kKeyColumns - key.size(), ' ');
+    text.append(" ").append(value).append("\n");
+}
+
+template <typename Limits>
+void MinMax(std::string& text, const COpValue& value) {
+    const auto& limits = static_cast<const Limits&>(value);
+    Field(text, "MinMax",
+          FormatF(static_cast<double>(limits.min)) + " " + FormatF(static_cast<double>(limits.max)));
+}
+
+void WriteArgument(std::string& text, COpButton& button, Report& report) {
+    const COpValue& value = *button.values[button.currentcast];
+    text.append("ArgName ").append(button.ArgumentName(report)).append("\n{\n");
+    Field(text, "Stow", std::to_string(button.stow));
+    Field(text, "Lock", std::to_string(button.lock));
+    Field(text, "Pin", std::to_string(button.pin));
+    Field(text, "BoxTitle", button.owner->filename);
+    Field(text, "ButtonTitle", button.DisplayName());
+    Field(text, "Comments", button.comments);
+    Field(text, IsGenericType(value.type) ? type_words::kGeneric : value.type, button.ValueText());
+    if (value.type == type_words::kFloat) MinMax<COpValueFloat>(text, value);
+    if (value.type == type_words::kXyz) MinMax<COpValueXyz>(text, value);
+    text += "}\n\n";
+}
+
+}  // namespace
+
+std::string WriteArgInfo(const CTvDoc& document, Report& report) {
+    std::string text = "Help\n{\n";
+    for (const std::string& line : HelpLines(document.customshaderhelp)) text.append(">").append(line).append("\n");
+    text += "}\n\n";
+    for (COpButton* button : document.CollectUnconnectedInputs()) {
+        if (button->arg != 0 && !button->values.empty()) WriteArgument(text, *button, report);
+    }
+    text += "EndArginfo\n";
+    return text;
+}
+
+}  // namespace tavrin

@@ -1,0 +1,16 @@
+// The public face of a generated shader: the section by which the library's scripts learn of its help and
+// its arguments.
+#pragma once
+
+#include <string>
+
+namespace tavrin {
+
+class CTvDoc;
+class Report;
+
+// The section, from "Help" to "EndArginfo", lines ended by LF. An argument is an unconnected input whose
+// argument flag is set.
+std::string WriteArgInfo(const CTvDoc& document, Report& report);
+
+}  // namespace tavrin

@@ -1,0 +1,151 @@
+#include "render/RenderSession.h"
+
+#include <unistd.h>
+
+#include "base/Files.h"
+#include "base/Paths.h"
+#include "codegen/CodeGen.h"
+#include "render/ArgInfo.h"
+#include "render/HelpLines.h"
+#include "site/Site.h"
+#include "text/Tokens.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* kStars = "************************************************************************";
+
+std::string JoinLines(const std::vector<std::string>& lines) {
+    size_t size = 0;
+    for (const std::string& line : lines) size += line.size() + 1;
+    std::string text;
+    text.reserve(size);
+    for (const std::string& line : lines) text.append(line).append("\n");
+    return text;
+}
+
+// The document's help as a comment at the head of the shader, in a language that has comments of more
+// than a line.
+void AddHelpBanner(CCodeGen& shader, const std::string& help) {
+    const std::vector<std::string> lines = HelpLines(help);
+    if (shader.m_openComment.empty() || shader.m_closeComment.empty() || lines.empty()) return;
+    const auto add = [&shader](std::string line) {
+        shader.AddLine(CCodeGen::kGlobalOpen, LineKind::kAppend, std::move(line));
+    };
+    add(shader.m_openComment);
+    add(kStars);
+    for (const std::string& line : lines) add(line);
+    add(kStars);
+    add(shader.m_closeComment);
+}
+
+}  // namespace
+
+bool HasWhitespace(std::string_view text) { return text.find_first_of(" \t\n") != std::string_view::npos; }
+
+std::string RenderSession::ShaderName() const {
+    return m_document.Path().empty() ? "Untitled" : PathBase(m_document.Path());
+}
+
+RenderSession::Generated RenderSession::Generate() {
+    CCodeGen shader = m_siteCodeGen;
+    shader.SetVariable("_SHADERNAME_", ShaderName());
+    AddHelpBanner(shader, m_document.customshaderhelp);
+    const std::vector<COpBox*> boxes = m_document.OrderBoxes();
+    // Two passes: the name of a fixed value reads another box's variables.
+    for (COpBox* box : boxes) box->PrepareVariables(m_site.types);
+    for (COpBox* box : boxes) box->GenerateCode(shader, m_site.types, m_site.report);
+    Generated generated;
+    shader.WriteCode(generated.code);
+    shader.WriteHints(generated.hints);
+    return generated;
+}
+
+bool RenderSession::SaveShader() {
+    if (HasWhitespace(ShaderName())) {
+        m_site.report.Alert("shader name contains whitespace characters");
+        return false;
+    }
+    return WriteCodeFiles(Generate()) && RunFilter();
+}
+
+bool RenderSession::WriteCodeFiles(const Generated& generated) {
+    const auto write = [this](const char* name, const std::string& text) {
+        const std::string path = m_site.WorkPath(name);
+        std::string error;
+        if (WriteWholeFile(path, text, error)) return true;
+        m_site.report.Alert("%s: %s", path.c_str(), error.c_str());
+        return false;
+    };
+    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(generated.code))) return false;
+    WriteRenderOptions();
+    return write("hintfile", JoinLines(generated.hints));
+}
+
+// A failure is alerted and does not stop the run.
+void RenderSession::WriteRenderOptions() {
+    std::string text;
+    for (const auto& [key, value] : m_document.m_renderOptions) {
+        text.append("setenv ").append(key).append(" ").append(QuoteString(value)).append("\r\n");
+    }
+    const std::string path = m_site.environment.Get("TAVRN_RENOPTS").value_or(m_site.WorkPath("render_options"));
+    std::string error;
+    if (!WriteWholeFile(path, text, error)) {
+        m_site.report.Alert("%s: unable to open for writing", path.c_str());
+    }
+}
+
+bool RenderSession::RunFilter() {
+    const std::string name = ShaderName();
+    const std::string errors = m_site.WorkPath("errors.txt");
+    std::string filter = "bin/codefilter";
+    m_site.settings.GetSettingToken("sourcecodeprefilter", filter);
+    const std::string command = "perl " + m_site.LibraryPath("bin/redirect.pl") + " " + m_site.WorkPath("codegenfile") +
+                                " - " + errors + " " + m_site.LibraryPath(filter) + " " + name + " " +
+                                m_site.WorkPath(name);
+    ::unlink(errors.c_str());
+    ProcessInfo process;
+    if (!m_site.commands.RunCommand(command, true, &process)) return false;
+    std::string text;
+    ReadFileToText(errors, text);
+    m_site.report.LogRaw(text);
+    if (process.exitCode != 0) m_site.report.LogLine("save shader command returned %d", process.exitCode);
+    return process.exitCode == 0;
+}
+
+std::string RenderSession::HistoryDir(int number) const { return m_site.WorkPath(std::to_string(number)); }
+
+bool RenderSession::RenderIt() {
+    Report& report = m_site.report;
+    if (m_document.m_boxes.empty()) {
+        report.Alert("desk is empty");
+        return false;
+    }
+    if (!m_multipleRenders && m_site.commands.AnyChildRunning()) {
+        report.Alert("script is running");
+        return false;
+    }
+    if (!SaveShader()) return false;
+    const std::string name = ShaderName();
+    if (m_keepHistory && !KeepHistory(name)) return false;
+    const std::string command =
+        m_site.LibraryPath("bin/renderit") + " \"" + name + "\" " + std::to_string(m_nextRender);
+    ++m_nextRender;
+    m_site.commands.RunScriptCommand(command);
+    return true;
+}
+
+bool RenderSession::KeepHistory(const std::string& name) {
+    const std::string directory = HistoryDir(m_nextRender);
+    MakeDirectory(directory);
+    const std::string path = JoinPath(directory, name + m_site.docExt);
+    std::string error;
+    if (WriteWholeFile(path, m_document.Store(), error)) return true;
+    m_site.report.Alert("unable to create history file %s", path.c_str());
+    return false;
+}
+
+void RenderSession::StopRender() { m_site.commands.KillChildren(); }
+
+}  // namespace tavrin

@@ -1,0 +1,62 @@
+// From the network to files, scripts and pictures: the step that every render, view and export starts
+// with, and the renders with their numbered history.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "document/TvDoc.h"
+
+namespace tavrin {
+
+class CCodeGen;
+struct Site;
+
+// Owned by the program's frame; works on the one document. Failures are reported before an operation
+// returns false.
+class RenderSession {
+  public:
+    // `siteCodeGen` is the template of the site, copied for each save.
+    RenderSession(CTvDoc& document, Site& site, const CCodeGen& siteCodeGen)
+        : m_document(document), m_site(site), m_siteCodeGen(siteCodeGen) {}
+
+    // The document's file name without directory and extension; "Untitled" for one without a path.
+    std::string ShaderName() const;
+
+    // Generates the shader, writes the work files and runs the site's filter script on them, waiting for
+    // its end. What a later step finds in the work directory is what this left there.
+    bool SaveShader();
+
+    // The text of the shader, before the filter script, and of its hint file.
+    struct Generated {
+        std::vector<std::string> code;
+        std::vector<std::string> hints;
+    };
+    Generated Generate();
+
+    // Saves the shader, keeps a copy of the document as a history entry and starts the library's render
+    // script, whose output flows into the log. False if no render was started.
+    bool RenderIt();
+    // Asks all children to stop.
+    void StopRender();
+
+    bool m_keepHistory = true;
+    bool m_multipleRenders = true;
+    int m_nextRender = 1;  // number of the next render; grows with every render started
+
+  private:
+    std::string HistoryDir(int number) const;
+    bool WriteCodeFiles(const Generated& generated);
+    void WriteRenderOptions();
+    bool RunFilter();
+    bool KeepHistory(const std::string& name);
+
+    CTvDoc& m_document;
+    Site& m_site;
+    const CCodeGen& m_siteCodeGen;
+};
+
+// True if the text contains a blank, a tab or a line feed.
+bool HasWhitespace(std::string_view text);
+
+}  // namespace tavrin

@@ -1,0 +1,251 @@
+# codefilter: arguments, library files, checking, messages.
+use strict;
+use warnings;
+use File::Path 'make_path';
+use File::Temp 'tempdir';
+use FindBin;
+use Test::More;
+
+my $filter = "$FindBin::Bin/../../installation/mray/bin/codefilter";
+my $dir = tempdir(CLEANUP => 1);
+make_path("$dir/lib/glsl", "$dir/work", "$dir/fake");
+$ENV{TAVRN_LIB} = "$dir/lib";
+my $base = "$dir/work/demo";
+
+sub put {
+	my ($name, $text) = @_;
+	open my $file, '>:raw', "$dir/$name" or die "$name: $!";
+	print $file $text;
+	close $file;
+	return "$dir/$name";
+}
+
+sub get {
+	my ($path) = @_;
+	open my $file, '<:raw', $path or return undef;
+	local $/;
+	return <$file> // '';
+}
+
+my ($status, $err, $source);
+sub run_on {
+	my ($path) = @_;
+	my $pid = fork;
+	if (!$pid) {
+		open STDIN, '<', $path or die "$path: $!";
+		open STDERR, '>', "$dir/err" or die;
+		open STDOUT, '>', "$dir/out" or die;
+		exec $filter, 'demo', $base;
+	}
+	waitpid $pid, 0;
+	$status = $? & 127 ? 'signal' : $? >> 8;
+	($err, $source) = (get("$dir/err"), get($base));
+	return $status;
+}
+
+sub run { run_on(put('in', $_[0])) }
+
+# The pieces of a code file.
+sub arg {
+	my ($name, $type, $value, %more) = @_;
+	return "ArgName $name\n{\n"
+		. join('', map { sprintf "    %-11s %s\n", @$_ } ['Stow', 0], ['Lock', 0], ['Pin', 0],
+			['BoxTitle', $more{box} // 'Noise'], ['ButtonTitle', $more{button} // 'scale'],
+			['Comments', $more{comment} // ''], [$type, $value],
+			$more{range} ? ['MinMax', $more{range}] : ())
+		. "}\n\n";
+}
+
+sub section {
+	my ($help, @args) = @_;
+	return "Help\n{\n" . join('', map { ">$_\n" } @$help) . "}\n\n" . join('', @args) . "EndArginfo\n";
+}
+
+sub shader {
+	my ($top, @body) = @_;
+	return join '', map { "$_\n" } '#version 330 core', @$top, 'out vec4 tvColor;', '//@arguments',
+		'void main()', '{', '    float Noise_1_result;', '    ', '    // Noise_1', @body, '}';
+}
+
+my @good = ('    Noise_1_result = 0.5;', '    tvColor = vec4(Noise_1_result);');
+
+# ---- a shader without arguments
+
+is(run(section([]) . shader([], @good)), 0, 'a plain shader');
+is($err, '', 'without a word');
+is(get("$dir/out"), '', 'and nothing on standard output');
+like($source, qr{^#version 330 core\nout vec4 tvColor;\nvoid main}, 'the marker is gone');
+is(unpack('V', get("$base.spv") // ''), 0x07230203, 'the compiled shader is there');
+is_deeply([sort map { s{.*/}{}r } glob "$dir/work/*"], ['demo', 'demo.spv'], 'and nothing else');
+
+# ---- declarations
+
+is(run(section(['x'],
+	arg('Ks', 'float', '0.5', range => '0.000000 1.000000', comment => 'weight of the gloss'),
+	arg('tint', 'rgb', 'vec3(0.5, 0.2, 0.1)'),
+	arg('place', 'xyz', 'vec3(0, 1, 0)', range => '-10.000000 10.000000'),
+	arg('paint', 'rgba', 'vec4(1, 1, 1, 1)', comment => 'with coverage'),
+	arg('cells', 'generic', 'vec2(2.0, 3.0)'),
+	arg('turn', 'generic', 'mat2(1.0)'),
+	arg('many', 'generic', '-2.5e1')) . shader([], @good)), 0, 'arguments of all types');
+is($err, '', 'without a word');
+is($source =~ s/void main.*//sr, <<'END_DECL', 'their declarations');
+#version 330 core
+out vec4 tvColor;
+uniform float Ks = 0.5; // weight of the gloss  [0 1]
+uniform vec3 tint = vec3(0.5, 0.2, 0.1);
+uniform vec3 place = vec3(0, 1, 0); // [-10 10]
+uniform vec4 paint = vec4(1, 1, 1, 1); // with coverage
+uniform vec2 cells = vec2(2.0, 3.0);
+uniform mat2 turn = mat2(1.0);
+uniform float many = -2.5e1;
+END_DECL
+
+is(run(section([], arg('Ks', 'float', '0.5', comment => 'ends badly \\'), arg('Kd', 'float', '1.0'))
+	. shader([], '    Noise_1_result = Ks * Kd;')), 0, 'a remark that ends in a backslash');
+like($source, qr{^uniform float Ks = 0\.5; // ends badly\nuniform float Kd}m, 'does not swallow the next line');
+is(run(section([], arg('Ks', 'float', '0.5', comment => "two\nlines of it") ) . shader([], @good)), 0,
+	'a remark of two lines');
+like($source, qr{^uniform float Ks = 0\.5; // two lines of it$}m, 'stands on one');
+
+# ---- duplicates
+
+is(run(section([], arg('Ks', 'float', '0.5', box => 'Plastic', button => 'gloss'),
+	arg('Ks', 'float', '0.7', box => 'Metal', button => 'shine')) . shader([], @good)), 0, 'an argument given twice');
+is(() = $source =~ /\bKs\b/g, 1, 'is declared once');
+like($source, qr{Ks = 0\.5;}, 'with the first value');
+like($err, qr{^demo: warning: .*'Ks'.*box Plastic, button gloss.*box Metal, button shine}, 'and a warning names both');
+is(run(section([], arg('Ks', 'rgb', 'vec3(1.0)'), arg('Ks', 'xyz', 'vec3(0.0)')) . shader([], @good)), 0,
+	'two types of the system that are one in the shader');
+is(run(section([], arg('Ks', 'float', '0.5', box => 'Plastic', button => 'gloss'),
+	arg('Ks', 'rgb', 'vec3(1.0)', box => 'Metal', button => 'shine')) . shader([], @good)), 1, 'two types');
+like($err, qr{^demo: .*'Ks' is a float in box Plastic, button gloss but a vec3 in box Metal, button shine}, 'name both boxes');
+
+# ---- names and values that cannot be
+
+for my $case (['float', 'a word of GLSL'], ['sample', 'a word of GLSL'], ['mix', 'a function of GLSL'],
+		['main', 'a word of GLSL'], ['gl_Ks', 'belong'], ['tvEye', 'belong'], ['mrNoise', 'belong'],
+		['a__b', 'belong'], ['2nd', 'no name'], ['my arg', 'no name'], ['Ks;', 'no name'], ["K\xe4", 'no name'],
+		['', 'no name'], ['Noise_1_result', 'name of a wire']) {
+	my ($name, $why) = @$case;
+	is(run(section([], arg($name, 'float', '1.0', box => 'Brick', button => 'rows')) . shader([], @good)), 1,
+		"an argument named '$name'");
+	like($err, qr{^demo: box Brick, button rows: .*$why}, 'is refused with box and button');
+}
+is(run(section([], arg('tvist', 'float', '1.0'), arg('mraky', 'float', '1.0')) . shader([], @good)), 0,
+	'names that only look like the system\'s');
+is(run(section([], arg('kind', 'string', '"a"', box => 'Mix', button => 'mode')) . shader([], @good)), 1, 'a string');
+like($err, qr{box Mix, button mode: a string cannot be an argument}, 'is refused with box and button');
+is(run(section([], arg('where', 'generic', 'tvUV', box => 'Brick', button => 'uv')) . shader([], @good)), 1,
+	'a generic value of unknown type');
+like($err, qr{box Brick, button uv: .*'tvUV'}, 'is refused with box and button');
+is(run(section([], arg('Ks', 'float', '')) . shader([], @good)), 1, 'no value');
+like($err, qr{box Noise, button scale: .*no value}, 'is refused');
+is(run(section([], arg('float', 'float', '1.0'), arg('gl_x', 'float', '1.0')) . shader([], @good)), 1, 'two faults');
+is(() = $err =~ /\n/g, 2, 'are told in one go');
+is(run(section([], arg('Ks', 'float', '1.0')) . shader([], @good) =~ s/\/\/\@arguments\n//r), 1, 'arguments without a marker');
+like($err, qr{\@arguments}, 'are an error');
+
+# ---- library files
+
+put('lib/glsl/low.glsl', "// low\nfloat low(float x) { return x; }\n");
+put('lib/glsl/mid.glsl', "//\@use low\r\nfloat mid(float x) { return low(x); }\r\n");
+put('lib/glsl/high.glsl', "//\@use low\n//\@use mid\nfloat high(float x) { return mid(low(x)); }");
+is(run(section([]) . shader(['//@use high', '//@use low', '//@use high'], '    tvColor = vec4(high(1.0));')), 0,
+	'files that use each other');
+like($source, qr{// low.*float low.*float mid.*float high}s, 'come in order');
+is(() = $source =~ /float low\(/g, 1, 'and each once');
+unlike($source, qr{\@use|\r}, 'with nothing left over');
+is(run(section([]) . shader(['//@use none'], @good)), 1, 'a file that is not there');
+like($err, qr{^demo: //\@use none: .*glsl/none\.glsl: No such file}, 'is named');
+put('lib/glsl/broken.glsl', "//\@use none\n");
+is(run(section([]) . shader(['//@use broken'], @good)), 1, 'a file that uses one that is not there');
+like($err, qr{//\@use none in glsl/broken\.glsl}, 'tells who wants it');
+put('lib/glsl/c1.glsl', "//\@use c2\n");
+put('lib/glsl/c2.glsl', "//\@use c1\n");
+is(run(section([]) . shader(['//@use c1'], @good)), 1, 'a circle');
+like($err, qr{circle: c1 -> c2 -> c1}, 'is shown');
+is(run(section([]) . shader(['//@use ../glsl/low'], @good)), 1, 'a path');
+like($err, qr{expected the name}, 'is refused');
+make_path("$dir/lib/glsl/dir.glsl");
+is(run(section([]) . shader(['//@use dir'], @good)), 1, 'a directory');
+like($err, qr{//\@use dir}, 'is refused');
+
+# ---- errors of the check
+
+is(run(section([]) . shader([], '    Noise_1_result = foo;', '    ', '    // Clear Coat_12',
+	'    tvColor = vec4(bar);')), 1, 'a faulty shader');
+like($err, qr{^demo: line 8 \(box Noise_1\): 'foo' : undeclared identifier$}m, 'the box of the first error');
+like($err, qr{^demo: line 11 \(box Clear Coat_12\): 'bar' : undeclared identifier$}m, 'and of the second');
+unlike($err, qr{terminated|compilation errors|ERROR|\Q$dir\E}, 'and nothing that helps nobody');
+ok(-e $base, 'the source is there to look at');
+ok(!-e "$base.spv", 'a compiled shader is not');
+put('lib/glsl/wrong.glsl', "\nfloat wrong() { return nowhere; }\n");
+is(run(section([]) . shader(['//@use wrong'], '    tvColor = vec4(wrong());')), 1, 'a fault in a library file');
+like($err, qr{^demo: line 3 \(glsl/wrong\.glsl line 2\): 'nowhere'}m, 'is placed in that file');
+is(run(section([], arg('Ks', 'float', 'vec3(1.0)', box => 'Mix', button => 'amount')) . shader([], @good)), 1,
+	'a value that does not fit');
+like($err, qr{line 3 \(box Mix, button amount\): }, 'is placed at its button');
+is(run(section([]) . shader([], '    tvColor = vec4(1.0) +;')), 1, 'a syntax error');
+like($err, qr{^demo: line 8 \(box Noise_1\): syntax error}m, 'is placed at its box');
+is(run(section([]) . shader([], @good, '    }')), 1, 'one brace too many');
+like($err, qr{^demo: line \d+}m, 'is told');
+is(run(section([]) . shader(['float early() { return oops; }'], @good)), 1, 'a fault before main');
+like($err, qr{^demo: line 2: 'oops'}m, 'has no box');
+
+# ---- the help text
+
+my @help = ("\tA shader", 'ends */ here', '*' x 72, '*/', '//@use none', '//@arguments', '#version 100', '{', '}', '');
+my $banner = join '', map { "$_\n" } '#version 330 core', '/*', '*' x 72, @help, '*' x 72, '*/';
+is(run(section(\@help) . (shader([], @good) =~ s/^#version.*\n/$banner/r)), 0, 'a help text of mean lines');
+is($err, '', 'does no harm');
+like($source, qr{ends \* / here}, 'and cannot end its comment');
+is(run(section(["one\r", "two\r"]) =~ s/\n/\r\n/gr . shader([], @good) =~ s/\n/\r\n/gr), 0, 'CR LF line ends');
+is($err, '', 'are taken');
+unlike($source, qr{\r}, 'and not passed on');
+
+# ---- cut and hostile input
+
+my $whole = section(['help'], arg('Ks', 'float', '0.5', range => '0 1')) . shader([], @good);
+my $info = index $whole, 'EndArginfo';
+for my $at (0, 3, 8, 12, 16, 20, 25, 40, 120, $info - 1, $info + 4) {
+	is(run(substr $whole, 0, $at), 1, "input cut after $at bytes");
+	like($err, qr{^demo: .*arginfo section}, 'is told');
+}
+is(run(substr $whole, 0, $info + 11), 1, 'no source behind the section');
+like($err, qr{no generated source}, 'is told');
+is(run($whole =~ s/Pin  /Pon  /r), 1, 'an unknown line');
+like($err, qr{damaged in line \d+}, 'is told with its line');
+is(run(join '', map { chr(($_ * 7919) % 256) } 1 .. 5000), 1, 'binary noise');
+like($err, qr{^demo: [ -~]+\n\z}, 'gives one clean line');
+is(run_on('/dev/null'), 1, 'no input');
+is(run_on($dir), 1, 'a directory as input');
+is(system("$filter demo 2>$dir/err </dev/null") >> 8, 2, 'a missing word');
+
+{
+	my $keep = $base;
+	$base = "$dir/none/demo";
+	is(run(section([]) . shader([], @good)), 1, 'a place that cannot be written');
+	like($err, qr{^demo: \Q$base\E: No such file}, 'is named');
+	$base = $keep;
+}
+
+# ---- the checker
+
+{
+	mkdir "$dir/empty";
+	symlink $^X, "$dir/empty/perl";
+	local $ENV{PATH} = "$dir/empty";
+	is(run(section([]) . shader([], @good)), 1, 'no glslangValidator');
+	like($err, qr{^demo: .*install the package glslang-tools$}m, 'names the package to install');
+	ok(!-e "$base.spv", 'and leaves no compiled shader of an earlier run');
+	put('fake/glslangValidator', "#!/bin/sh\necho odd words\nkill -SEGV \$\$\n");
+	chmod 0755, "$dir/fake/glslangValidator";
+	local $ENV{PATH} = "$dir/fake:/usr/bin:/bin";
+	is(run(section([]) . shader([], @good)), 1, 'a glslangValidator that crashes');
+	like($err, qr{signal 11}, 'is told');
+	like($err, qr{odd words}, 'with its words');
+	is_deeply([map { s{.*/}{}r } glob "$dir/work/*"], ['demo'], 'and no half files');
+}
+
+done_testing;

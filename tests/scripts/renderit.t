@@ -1,0 +1,204 @@
+#!/usr/bin/perl
+# Tests of the mray library's renderit.  MRAY_RENDER may name the directory of
+# the built mray-render; without it only what needs no renderer is tested, with
+# a stand-in that tells what it was asked to do.
+use strict;
+use warnings;
+use Test::More;
+use File::Temp qw(tempdir);
+use FindBin;
+use Time::HiRes qw(time);
+
+my $root = "$FindBin::Bin/../..";
+my $renderit = "$root/installation/mray/bin/renderit";
+my $dir = tempdir(CLEANUP => 1);
+my $work = "$dir/work dir";
+mkdir $work or die;
+my $real_path = defined $ENV{MRAY_RENDER} ? "$ENV{MRAY_RENDER}:$ENV{PATH}" : undef;
+
+delete @ENV{grep { /^TAVRN_/ } keys %ENV};
+$ENV{TAVRN_WORKDIR} = $work;
+
+sub put {
+    my ($path, $text) = @_;
+    open(my $out, '>', $path) or die "$path: $!";
+    print $out $text;
+    close $out;
+}
+
+sub slurp {
+    my ($path) = @_;
+    open(my $in, '<:raw', $path) or return '';
+    local $/;
+    return <$in>;
+}
+
+sub options {
+    my (%of) = @_;
+    my $text = '';
+    for my $key (sort keys %of) {
+        (my $value = $of{$key}) =~ s/(["\\])/\\$1/g;
+        $text .= "setenv $key \"$value\"\r\n";
+    }
+    put("$dir/opts", $text);
+    $ENV{TAVRN_RENOPTS} = "$dir/opts";
+}
+
+# Runs renderit; returns its exit status and everything it printed.
+sub renderit {
+    my $text = '';
+    my $pid = open(my $out, '-|') // die;
+    if (!$pid) {
+        open(STDERR, '>&', \*STDOUT);
+        open(STDIN, '<', '/dev/null');
+        exec $^X, $renderit, @_;
+    }
+    { local $/; $text = <$out>; }
+    close $out;
+    return ($? >> 8, defined $text ? $text : '');
+}
+
+# A stand-in that acts on a command in the shader's first line.
+mkdir "$dir/bin";
+put("$dir/bin/mray-render", <<'END');
+#!/usr/bin/perl
+$| = 1;
+my ($shader, $picture) = @ARGV[-2, -1];
+open(my $in, '<', $shader) or die;
+my $what = <$in>;
+print "ARGS @ARGV[0 .. $#ARGV - 2]\n";
+if ($what =~ /reject/) { print STDERR "$shader:9: error: no good\n$shader: more\nother\n"; exit 1 }
+if ($what =~ /early/)  { print STDERR "$shader:3: error: no good\n"; exit 1 }
+if ($what =~ /stop/)   { exit 3 }
+if ($what =~ /crash/)  { kill 'SEGV', $$; sleep 1 }
+if ($what =~ /hang/)   { open(my $k, '>', $ENV{TAVRN_KILLFILE}); close $k; sleep 20 }
+open(my $out, '>', $picture); print $out 'picture'; close $out;
+END
+chmod 0755, "$dir/bin/mray-render";
+my $plain_path = $ENV{PATH};
+$ENV{PATH} = "$dir/bin:$plain_path";
+
+subtest 'a render with defaults' => sub {
+    put("$work/Ball", "fine\n");
+    my ($status, $text) = renderit('Ball', 3);
+    is($status, 0, 'status');
+    like($text, qr/\Arendering Ball \(render 3, 320x240, sphere\)\n/, 'first line');
+    like($text, qr/^wrote \Q$work\E\/3\/Ball\.png\n\z/m, 'last line');
+    like($text, qr/--background studio --exposure 1 --light key --object sphere --samples 4 --size 320,240/, 'defaults');
+    is(slurp("$work/3/Ball.frag"), "fine\n", 'the shader is copied');
+    ok(-e "$work/3/Ball.png", 'the picture is there');
+};
+
+subtest 'render options' => sub {
+    options(MRAY_SIZE => '64,48', MRAY_OBJECT => 'torus', MRAY_LIGHT => 'sun', MRAY_EXPOSURE => '1.5',
+            MRAY_BACKGROUND => 'dark', MRAY_SAMPLES => '9', OTHER => 'a "quoted\\" thing');
+    my ($status, $text) = renderit('Ball', 4);
+    is($status, 0, 'status');
+    like($text, qr/\Arendering Ball \(render 4, 64x48, torus\)/, 'first line');
+    like($text, qr/--background dark --exposure 1\.5 --light sun --object torus --samples 9 --size 64,48/, 'all passed on');
+};
+
+subtest 'bad options' => sub {
+    my @bad = ([MRAY_SIZE => '0,10'], [MRAY_SIZE => 'big'], [MRAY_SIZE => '8192,8192'], [MRAY_SAMPLES => '5'],
+               [MRAY_OBJECT => 'te"apot'], [MRAY_BACKGROUND => ''], [MRAY_LIGHT => 'moon'], [MRAY_EXPOSURE => '-1'],
+               [MRAY_EXPOSURE => '0']);
+    for my $case (@bad) {
+        my ($key, $value) = @$case;
+        options($key => $value);
+        my ($status, $text) = renderit('Ball', 5);
+        is($status, 2, "$key '$value' is refused");
+        like($text, qr/^renderit: $key in \Q$dir\E\/opts is "\Q$value\E"; it must be /m, 'and explained');
+    }
+    $ENV{TAVRN_RENOPTS} = "$dir/none";
+    my ($status, $text) = renderit('Ball', 5);
+    isnt($status, 0, 'missing option file');
+    like($text, qr/cannot read the render options/, 'is told');
+    delete $ENV{TAVRN_RENOPTS};
+};
+
+subtest 'bad calls' => sub {
+    for my $call ([], ['Ball'], ['a/b', 1], ['Ball', 'x'], ['..', 1]) {
+        my ($status, $text) = renderit(@$call);
+        is($status, 2, "refused: @$call");
+        like($text, qr/usage: renderit/, 'usage');
+    }
+    my ($status, $text) = renderit('Nothing', 1);
+    is($status, 1, 'no shader');
+    like($text, qr/cannot read the shader/, 'is told');
+};
+
+subtest 'messages name the box' => sub {
+    my $shader = "%s\nfloat f()\n{\n}\nvoid main()\n{\n    // Noise_3\n    float a;\n    a = oops;\n    // Wood_4\n}\n";
+    put("$work/Bad", sprintf $shader, '// reject');
+    my ($status, $text) = renderit('Bad', 6);
+    is($status, 1, 'status');
+    like($text, qr/^Bad: line 9 \(box Noise_3\): error: no good$/m, 'inside a box');
+    like($text, qr/^Bad: more$/m, 'no line');
+    like($text, qr/^other$/m, 'other messages stay');
+    unlike($text, qr/^wrote/m, 'nothing written');
+    put("$work/Bad", sprintf $shader, '// early');
+    (undef, $text) = renderit('Bad', 6);
+    like($text, qr/^Bad: line 3: error: no good$/m, 'outside main');
+};
+
+subtest 'a failed render leaves no older picture' => sub {
+    put("$work/Ball", "fine\n");
+    renderit('Ball', 7);
+    ok(-e "$work/7/Ball.png", 'first');
+    put("$work/Ball", "crash\n");
+    my ($status, $text) = renderit('Ball', 7);
+    is($status, 1, 'status');
+    like($text, qr/mray-render broke down \(signal 11\)/, 'is told');
+    ok(!-e "$work/7/Ball.png", 'gone');
+};
+
+subtest 'stopping' => sub {
+    $ENV{TAVRN_KILLFILE} = "$dir/kill";
+    put("$work/Ball", "stop\n");
+    my ($status, $text) = renderit('Ball', 8);
+    is($status, 3, 'status');
+    like($text, qr/^render 8 stopped$/m, 'is told');
+    put("$work/Ball", "hang\n");
+    my $start = time;
+    ($status, $text) = renderit('Ball', 8);
+    is($status, 3, 'a renderer that does not listen');
+    like($text, qr/^render 8 stopped$/m, 'is ended');
+    cmp_ok(time - $start, '<', 5, 'in time');
+    unlink "$dir/kill";
+    delete $ENV{TAVRN_KILLFILE};
+};
+
+subtest 'no renderer' => sub {
+    local $ENV{PATH} = "$dir/nothing";
+    put("$work/Ball", "fine\n");
+    my ($status, $text) = renderit('Ball', 9);
+    is($status, 1, 'status');
+    like($text, qr/cannot start mray-render/, 'is told');
+};
+
+subtest 'the real renderer' => sub {
+    plan skip_all => 'MRAY_RENDER is not set' if !defined $real_path;
+    local $ENV{PATH} = $real_path;
+    my $prelude = slurp("$root/installation/mray/glsl/surface.glsl");
+    options(MRAY_SIZE => '40x30');
+    my $body = "void main()\n{\n    // Plain_1\n    vec3 n = normalize(tvNormal);\n"
+        . "    tvColor = vec4(tvLambert(n, tvPosition)%s, 1.0);\n}\n";
+    put("$work/Real", "#version 330 core\n$prelude" . sprintf $body, '');
+    my ($status, $text) = renderit('Real', 10);
+    is($status, 0, 'status') or diag $text;
+    my $picture = slurp("$work/10/Real.png");
+    is(substr($picture, 1, 3), 'PNG', 'a picture');
+    is(join(',', unpack 'N2', substr $picture, 16, 8), '40,30', 'of the right size');
+    put("$work/Real", "#version 330 core\n$prelude" . sprintf $body, ' * oops');
+    ($status, $text) = renderit('Real', 11);
+    is($status, 1, 'a bad shader');
+    like($text, qr/^Real: line \d+ \(box Plain_1\): .*oops/m, 'names the box');
+    $ENV{TAVRN_KILLFILE} = "$dir/opts";
+    put("$work/Real", "#version 330 core\n$prelude" . sprintf $body, '');
+    ($status, $text) = renderit('Real', 12);
+    is($status, 3, 'stopped');
+    ok(!-e "$work/12/Real.png", 'no picture');
+    is_deeply([glob "'$work/12/*.part*'"], [], 'nothing left over');
+};
+
+done_testing;
