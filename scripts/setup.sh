@@ -7,7 +7,7 @@ packages=(
   g++ cmake ninja-build
   perl perl-modules-5.36
   glslang-tools
-  libegl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
+  libegl-dev libgl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
   libgtest-dev libgmock-dev
 )
 

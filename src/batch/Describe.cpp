@@ -13,7 +13,10 @@ std::string Number(float value) { return FormatG(static_cast<double>(value)); }
 
 std::string Numbers(std::initializer_list<float> values) {
     std::string text;
-    for (const float value : values) text += (text.empty() ? "" : " ") + Number(value);
+    for (const float value : values) {
+        if (!text.empty()) text += ' ';
+        text += Number(value);
+    }
     return text;
 }
 
@@ -23,7 +26,7 @@ std::string Range(float min, float max, int integer) {
 
 std::string Options(const std::vector<std::string>& options) {
     std::string text;
-    for (const std::string& option : options) text += (text.empty() ? ", one of " : " ") + option;
+    for (const std::string& option : options) text.append(text.empty() ? ", one of " : " ").append(option);
     return text;
 }
 

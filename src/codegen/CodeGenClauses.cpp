@@ -1,4 +1,6 @@
 // The template clauses of site files and box definitions.
+#include <algorithm>
+
 #include "codegen/CodeGen.h"
 #include "text/Archive.h"
 #include "text/Tokens.h"
@@ -30,6 +32,7 @@ bool ReadFileLines(const std::string& keyword, const std::string& modeText, cons
                    std::vector<std::string>& lines, std::string& errorText) {
     std::string path = modeText.substr(modeText.find('@') + 1);
     if (!path.starts_with('/') && !path.starts_with('.')) path = libraryDir + "/" + path;
+    std::replace(path.begin(), path.end(), '\\', '/');
     std::string reason;
     auto file = CArchive::Open(path, reason);
     if (!file) {

@@ -227,7 +227,12 @@ TEST(Mex, AnUnknownStateEndsTheProcessWithNothingArmedToo) {
     CMex mex;
     mex.m_state = 7;
     std::string result;
-    EXPECT_EXIT(mex.Expand("x", result), ExitedWithCode(255), "");
+    EXPECT_EXIT(
+        {
+            ::dup2(STDERR_FILENO, STDOUT_FILENO);
+            mex.Expand("x", result);
+        },
+        ExitedWithCode(255), "unknown m_state 7");
 }
 
 }  // namespace

@@ -202,7 +202,7 @@ TEST(Mex, TheFasterWayGivesWhatTheStepsGive) {
     stepped.Tokens().escapes = {'\x01'};
     for (int round = 0; round < 3000; ++round) {
         std::string text;
-        for (unsigned i = random() % 20; i > 0; --i) text += kPieces[random() % std::size(kPieces)];
+        for (auto i = random() % 20; i > 0; --i) text += kPieces[random() % std::size(kPieces)];
         std::string first;
         std::string second;
         plain.Expand(text, first);

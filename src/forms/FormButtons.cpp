@@ -18,7 +18,8 @@ FormAction CFormLedButton::Click(bool on, FormHost& host) {
 void CFormLedButton::Finish(const FormDraft& draft, FormHost& host, Report& report) {
     state = draft.value == "1";
     if (!state && draft.value != "0") {
-        report.LogLine("unknown state value %s specified for LED button %s", draft.value.c_str(), label.c_str());
+        report.LogLine("unknown state value %s specified for LED button %s", draft.value.c_str(),
+                       label.c_str());
     }
     host.SetVariable(envname, StateValue());
     if (draft.unsaved) host.AddUnsavedOption(envname);

@@ -18,8 +18,8 @@ class CFormLabel : public CFormWidget {
 
     std::string label;
     Alignment alignment = Alignment::kLeft;
-    bool resize = true;         // the widget is as large as its text; if not, as told below
-    std::optional<int> width;   // pixels; that of the template if none is given
+    bool resize = true;        // the widget is as large as its text; if not, as told below
+    std::optional<int> width;  // pixels; that of the template if none is given
     std::optional<int> height;
 
     void Accept(FormVisitor& visitor) override { visitor.Visit(*this); }

@@ -2,18 +2,7 @@
 
 namespace tavrin::test {
 
-// What widgets do once they are built. Each test starts from what the form stored: nothing of interest.
-class FormControls : public FormTest {
-  protected:
-    template <typename Widget>
-    Widget& Make(const std::string& kind, const std::string& body) {
-        Widget& widget = ReadOne<Widget>(kind, body);
-        host.stored.clear();
-        widget.refresh = [this] { ++refreshes; };
-        return widget;
-    }
-    int refreshes = 0;
-};
+class FormControls : public FormUse {};
 
 TEST_F(FormControls, AFieldStoresWhatTheUserEnters) {
     auto& field = Make<CFormXField>("xfield", "envname A\nforcefloat");
@@ -27,15 +16,20 @@ TEST_F(FormControls, AnUnnamedWidgetStoresNothingThatTheUserEnters) {
     auto& field = Make<CFormXField>("xfield", "");
     field.Read("7", host);
     EXPECT_EQ(field.text, "7");
+    EXPECT_TRUE(host.stored.empty());
     Make<CFormXYField>("xyfield", "").ReadBoxes("1", "2", host);
+    EXPECT_TRUE(host.stored.empty());
     Make<CFormStringInput>("stringinput", "").Read("a", host);
+    EXPECT_TRUE(host.stored.empty());
     Make<CFormLedButton>("ledbutton", "state 0").Click(true, host);
+    EXPECT_TRUE(host.stored.empty());
     Make<CFormChooser>("chooser", "choosercontents {\na\n}").Choose(0, host);
     EXPECT_TRUE(host.stored.empty());
 }
 
 TEST_F(FormControls, ChoosingAPresetStoresItsFirstWordAndShowsTheCaption) {
-    auto& field = Make<CFormXField>("xfield", "envname A\nforcefloat\noptionlabel Depth\noptioncontents {\n1 Fast\n}");
+    auto& field =
+        Make<CFormXField>("xfield", "envname A\nforcefloat\noptionlabel Depth\noptioncontents {\n1 Fast\n}");
     field.ChoosePreset(1, host);
     EXPECT_EQ(field.text, "1.0");
     EXPECT_EQ(host.stored, (Stored{{"A", "1.0"}}));
@@ -44,7 +38,8 @@ TEST_F(FormControls, ChoosingAPresetStoresItsFirstWordAndShowsTheCaption) {
 }
 
 TEST_F(FormControls, ChoosingTheCaptionDoesNothing) {
-    auto& field = Make<CFormXField>("xfield", "envname A\nvalue 5\noptionlabel Depth\noptioncontents {\n1 Fast\n}");
+    auto& field =
+        Make<CFormXField>("xfield", "envname A\nvalue 5\noptionlabel Depth\noptioncontents {\n1 Fast\n}");
     field.ChoosePreset(0, host);
     field.ChoosePreset(99, host);
     field.ChoosePreset(-1, host);
@@ -150,8 +145,9 @@ TEST_F(FormControls, ThreeAxesAreStoredInOrder) {
 }
 
 TEST_F(FormControls, AnAxisTakesItsPresetsAndOptions) {
-    auto& field = Make<CFormXYZField>(
-        "xyzfield", "xenvname X\nyenvname Y\nzenvname Z\nyoptionlabel c\nyoptioncontents {\n4 four\n}\nxvalue 1\nzvalue 3");
+    auto& field = Make<CFormXYZField>("xyzfield",
+                                      "xenvname X\nyenvname Y\nzenvname Z\nyoptionlabel c\nyoptioncontents "
+                                      "{\n4 four\n}\nxvalue 1\nzvalue 3");
     field.ChoosePreset(1, 1, host);
     EXPECT_EQ(field.axes[1].text, "4");
     EXPECT_EQ(host.stored, (Stored{{"X", "1"}, {"Y", "4"}, {"Z", "3"}}));
@@ -186,83 +182,10 @@ TEST_F(FormControls, AFileBecomesTheTextAndItsDirectoryIsKept) {
     EXPECT_EQ(input.text, "x");
 }
 
-TEST_F(FormControls, ALedButtonTurnsOnForItsOwnWordAndForTrueInAnyCase) {
-    auto& button = Make<CFormLedButton>("ledbutton", "envname L\nenvon yes\nstate 0");
-    const auto shown = [&](const std::string& value) {
-        form.BroadcastOption("L", value);
-        return button.state;
-    };
-    EXPECT_TRUE(shown("TRUE"));
-    EXPECT_FALSE(shown("Yes"));
-    EXPECT_TRUE(shown("yes"));
-    EXPECT_FALSE(shown("0"));
-    EXPECT_TRUE(shown("1"));
-    EXPECT_FALSE(shown("2"));
-    EXPECT_TRUE(host.stored.empty());
-    EXPECT_EQ(refreshes, 6);
-}
-
-TEST_F(FormControls, ClickingALedButtonStoresItsWordAndSendsThePlainState) {
-    auto& button = Make<CFormLedButton>("ledbutton", "envname L\nenvon yes\nstate 0\nactionto a\nactionmsg b");
-    const FormAction on = button.Click(true, host);
-    EXPECT_TRUE(button.state);
-    EXPECT_EQ(on.to + on.message + on.argument, "ab1");
-    EXPECT_EQ(button.Click(false, host).argument, "0");
-    EXPECT_EQ(host.stored, (Stored{{"L", "yes"}, {"L", "0"}}));
-    EXPECT_FALSE(Make<CFormLedButton>("ledbutton", "state 0").Click(true, host).IsSet());
-}
-
-TEST_F(FormControls, ALedButtonStoresItsDefault) {
-    auto& button = Make<CFormLedButton>("ledbutton", "envname L\nenvon yes\nstate 0");
-    host.variables["L"] = "True";
-    form.LoadDefaults(host);
-    EXPECT_TRUE(button.state);
-    EXPECT_EQ(host.stored, (Stored{{"L", "yes"}}));
-}
-
-TEST_F(FormControls, AChooserStoresTheChosenLineAndSendsIt) {
-    auto& chooser = Make<CFormChooser>("chooser", "envname C\nactionto a\nactionmsg b\nchoosercontents {\none\ntwo words\n}");
-    const FormAction action = chooser.Choose(1, host);
-    EXPECT_EQ(chooser.selected, 1);
-    EXPECT_EQ(action.to + action.message + "/" + action.argument, "ab/two words");
-    EXPECT_EQ(host.stored, (Stored{{"C", "two words"}}));
-    EXPECT_EQ(refreshes, 0);
-    EXPECT_FALSE(chooser.Choose(2, host).IsSet());
-    EXPECT_FALSE(chooser.Choose(-1, host).IsSet());
-    EXPECT_EQ(host.stored.size(), 1U);
-}
-
-TEST_F(FormControls, AChosenLineIsLookedUpAgain) {
-    auto& chooser = Make<CFormChooser>("chooser", "envname C\nchoosercontents {\nabc\nab\n}");
-    chooser.Choose(1, host);
-    EXPECT_EQ(chooser.selected, 0);
-    EXPECT_EQ(host.stored, (Stored{{"C", "ab"}}));
-    EXPECT_EQ(refreshes, 1) << "the list must show the other line";
-}
-
-TEST_F(FormControls, AChooserFollowsItsOptionAsFarAsItHasTheLine) {
-    auto& chooser = Make<CFormChooser>("chooser", "envname C\nvalue one\nchoosercontents {\none\ntwo\n}");
-    form.BroadcastOption("C", "TW");
-    EXPECT_EQ(chooser.selected, 1);
-    form.BroadcastOption("C", "three");
-    EXPECT_EQ(chooser.selected, 1);
-    EXPECT_TRUE(host.stored.empty());
-}
-
-TEST_F(FormControls, ADefaultThatAChooserDoesNotHaveLeavesItAndStoresNothing) {
-    auto& chooser = Make<CFormChooser>("chooser", "envname C\nvalue one\nchoosercontents {\none\ntwo\n}");
-    host.variables["C"] = "three";
-    form.LoadDefaults(host);
-    EXPECT_EQ(chooser.selected, 0);
-    EXPECT_TRUE(host.stored.empty());
-    host.variables["C"] = "T";
-    form.LoadDefaults(host);
-    EXPECT_EQ(chooser.selected, 1);
-    EXPECT_EQ(host.stored, (Stored{{"C", "T"}}));
-}
-
 TEST_F(FormControls, FramesPassEverythingOnAndPlainWidgetsIgnoreIt) {
-    EXPECT_TRUE(Read("{\nframe {\nlabel {\n}\nbutton {\n}\nokfield {\n}\nframe {\nxfield {\nenvname A\nvalue 1\n}\n}\n}\n}\n"));
+    EXPECT_TRUE(
+        Read("{\nframe {\nlabel {\n}\nbutton {\n}\nokfield {\n}\nframe {\nxfield {\nenvname A\nvalue "
+             "1\n}\n}\n}\n}\n"));
     const auto& outer = Child<CFormFrame>(form, 0);
     const auto& field = Child<CFormXField>(Child<CFormFrame>(outer, 3), 0);
     form.BroadcastOption("A", "2");
@@ -288,7 +211,8 @@ TEST_F(FormControls, AVisitorMeetsEachWidgetAsItsKind) {
         void Visit(CFormStringInput&) override { text += "stringinput "; }
     } names;
     std::string text = "{\n";
-    const std::string kinds = "frame label xfield xyfield xyzfield button ledbutton chooser okfield stringinput ";
+    const std::string kinds =
+        "frame label xfield xyfield xyzfield button ledbutton chooser okfield stringinput ";
     for (size_t at = 0; at < kinds.size(); at = kinds.find(' ', at) + 1) {
         text += kinds.substr(at, kinds.find(' ', at) - at) + " {\n}\n";
     }

@@ -51,7 +51,8 @@ std::string CFormXYField::PresetValue(const std::string& line) const {
     std::string y = yText;
     if (const auto first = scanner.Until(',')) {
         x = *first;
-        if (scanner.Literal(",")) y = std::string(scanner.Word().value_or(yText));
+        scanner.Literal(",");  // without one the line is at its end
+        y = std::string(scanner.Word().value_or(yText));
     }
     return x + ',' + y;
 }

@@ -73,8 +73,8 @@ FormGrid LayoutGrid(FormOrientation orientation, int count, int margin, int spac
 
     grid.positions.reserve(children.size());
     for (size_t i = 0; i < children.size(); ++i) {
-        grid.positions.push_back({columns.Centred(columnOf(i), children[i].width),
-                                  rows.Centred(rowOf(i), children[i].height)});
+        grid.positions.push_back(
+            {columns.Centred(columnOf(i), children[i].width), rows.Centred(rowOf(i), children[i].height)});
     }
     grid.contentWidth = columns.Total();
     grid.contentHeight = rows.Total();

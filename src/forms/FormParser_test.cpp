@@ -1,6 +1,5 @@
 #include "forms/FormParser.h"
 
-#include "forms/FormReader.h"
 #include "forms/FormTestHost.h"
 #include "text/Tokens.h"
 
@@ -8,29 +7,8 @@ namespace tavrin::test {
 
 class FormParser : public FormTest {};
 
-namespace {
-
-const std::string kExample =
-    "roe {\nwinwidth 380\nframe {\n{\nvertical 2\n}\n"
-    "xfield {\nenvname RENDER_DEPTH\noptionlabel Depth\nvalue 2\nforcefloat\n"
-    "optioncontents {\n1 Fast\n4 Careful\n}\n}\n"
-    "xyfield {\nenvname SIZE_X\nseparatorlabel x\nvalue 640,480\n}\n}\n"
-    "okfield {\nok_actionto form\nok_actionmsg render\nok_actionarg render\n"
-    "defaults_actionto roe\ndefaults_actionmsg use-defaults\n}\n}\n";
-
-std::string WithCrLf(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        if (c == '\n') result += '\r';
-        result += c;
-    }
-    return result;
-}
-
-}  // namespace
-
 TEST_F(FormParser, ReadsAWholeForm) {
-    for (const std::string& text : {kExample, WithCrLf(kExample)}) {
+    for (const std::string& text : {kExampleForm, WithCrLf(kExampleForm)}) {
         form.ClearAll(host);
         host.stored.clear();
         CArchive archive = ArchiveOf(text);
@@ -80,8 +58,9 @@ TEST_F(FormParser, AnEmptySectionSucceedsAndPlacesNothing) {
 }
 
 TEST_F(FormParser, TheBraceOfASectionMayStandAnywhere) {
-    for (const char* text : {"{\nwinwidth 9\n}\n", " {\r\nwinwidth 9\r\n}\r\n", "\n\n{\nwinwidth 9\n}\n",
-                             "# note\n{ # note\nwinwidth 9 # note\n}\n", "{ winwidth 9\n}\n", "\r\n{\r\nwinwidth 9"}) {
+    for (const char* text :
+         {"{\nwinwidth 9\n}\n", " {\r\nwinwidth 9\r\n}\r\n", "\n\n{\nwinwidth 9\n}\n",
+          "# note\n{ # note\nwinwidth 9 # note\n}\n", "{ winwidth 9\n}\n", "\r\n{\r\nwinwidth 9"}) {
         form.winWidth = 0;
         EXPECT_TRUE(Read(text)) << text;
         EXPECT_EQ(form.winWidth, 9) << text;
@@ -124,12 +103,16 @@ TEST_F(FormParser, ClearAllRemovesWidgetsAndKeepsTheirDefaults) {
     EXPECT_TRUE(Read("{\nlabel {\n}\nclearall\n}\n"));
     EXPECT_TRUE(form.children.empty()) << "widgets of the same section go as well";
     EXPECT_EQ(form.placed, 0U);
+    EXPECT_TRUE(Read("{\nlabel {\n}\n}\n"));
+    EXPECT_FALSE(Read("{\nclearall\nlabel {\n}\nbad {\n"));
+    EXPECT_EQ(form.placed, 0U) << "what stands now was never placed";
 }
 
 TEST_F(FormParser, LoadDefaultsReachesTheWidgetsReadSoFar) {
     host.variables["B"] = "site";
-    EXPECT_TRUE(Read("{\nframe {\nxfield {\nenvname A\nvalue 1\n}\n}\nxfield {\nenvname A\nvalue 2\n}\n"
-                     "loaddefaults\nxfield {\nenvname A\nvalue 3\n}\n}\n"));
+    EXPECT_TRUE(
+        Read("{\nframe {\nxfield {\nenvname A\nvalue 1\n}\n}\nxfield {\nenvname A\nvalue 2\n}\n"
+             "loaddefaults\nxfield {\nenvname A\nvalue 3\n}\n}\n"));
     EXPECT_EQ(Child<CFormXField>(Child<CFormFrame>(form, 0), 0).text, "2");
     EXPECT_EQ(Child<CFormXField>(form, 1).text, "2");
     EXPECT_EQ(Child<CFormXField>(form, 2).text, "3");
@@ -146,7 +129,8 @@ TEST_F(FormParser, ASectionAsksForTheBraceOfAWidget) {
 }
 
 TEST_F(FormParser, AFrameTakesAnyWordForTheBraceOfAWidget) {
-    EXPECT_TRUE(Read("{\nframe {\nlabel {\nlabel a\n}\nlabel\n{\nlabel b\n}\nlabel anything\nlabel c\n}\n}\n}\n"));
+    EXPECT_TRUE(
+        Read("{\nframe {\nlabel {\nlabel a\n}\nlabel\n{\nlabel b\n}\nlabel anything\nlabel c\n}\n}\n}\n"));
     const auto& frame = Child<CFormFrame>(form, 0);
     ASSERT_EQ(frame.children.size(), 3U);
     EXPECT_EQ(Child<CFormLabel>(frame, 0).label, "a");
@@ -162,15 +146,18 @@ TEST_F(FormParser, UnknownKindsFail) {
     EXPECT_FALSE(Read("{\nframe {\nLabel {\n}\n}\n}\n"));
     EXPECT_EQ(sink.LastAlert(), "site.def near line 4: unexpected input");
     EXPECT_FALSE(Read("{\nslider\nlabel {\n"));
-    EXPECT_EQ(sink.LastAlert(), "site.def near line 3: expected opening brace") << "the brace is looked at first";
+    EXPECT_EQ(sink.LastAlert(), "site.def near line 3: expected opening brace")
+        << "the brace is looked at first";
     EXPECT_EQ(form.children.size(), 1U);
 }
 
 TEST_F(FormParser, LayoutBlocksSetTheFrame) {
-    const auto& frame = ReadOne<CFormFrame>("frame", "{\nhorizontal 3\n}\nlabel {\n}\n{\nshadowtype x y\nshadowsize\n}");
+    const auto& frame =
+        ReadOne<CFormFrame>("frame", "{\nhorizontal 3\n}\nlabel {\n}\n{\nshadowtype x y\nshadowsize\n}");
     EXPECT_EQ(frame.orientation, FormOrientation::kHorizontal);
     EXPECT_EQ(frame.count, 3);
-    const auto& last = ReadOne<CFormFrame>("frame", "{\nhorizontal 3\n}\nlabel {\n}\n{ ignored\nvertical 2\n}");
+    const auto& last =
+        ReadOne<CFormFrame>("frame", "{\nhorizontal 3\n}\nlabel {\n}\n{ ignored\nvertical 2\n}");
     EXPECT_EQ(last.orientation, FormOrientation::kVertical);
     EXPECT_EQ(last.count, 2);
     EXPECT_EQ(last.children.size(), 1U);
@@ -215,8 +202,9 @@ TEST_F(FormParser, ACommentedClosingBraceIsAPresetInAContentsBlock) {
 
 TEST_F(FormParser, ContentsBlocksTakeLinesAsTheyAre) {
     const auto& chooser = ReadOne<CFormChooser>(
-        "chooser", "choosercontents {\n  a # b \n\n\t\n\"quoted # \"\n_SEPARATOR_\n\"\"\n#c\n\"}\"\n}\n"
-                   "choosercontents words\n{ first\nlast\n}");
+        "chooser",
+        "choosercontents {\n  a # b \n\n\t\n\"quoted # \"\n_SEPARATOR_\n\"\"\n#c\n\"}\"\n}\n"
+        "choosercontents words\n{ first\nlast\n}");
     EXPECT_EQ(chooser.lines, (Lines{"a # b", "quoted # ", "", "#c", "}", "first", "last"}));
 }
 
@@ -234,12 +222,14 @@ TEST_F(FormParser, BlocksAskForTheirBrace) {
 }
 
 TEST_F(FormParser, HelpKeepsLinesAndGuardedBraces) {
-    const auto& field = ReadOne<CFormXField>("xfield", "help {\nlost\n}\nhelp\n{\n\n first # one\n\n>}\n>  last\n}");
+    const auto& field =
+        ReadOne<CFormXField>("xfield", "help {\nlost\n}\nhelp\n{\n\n first # one\n\n>}\n>  last\n}");
     EXPECT_EQ(field.help, "first # one\r\n\r\n}\r\n  last") << "the last block stands";
 }
 
 TEST_F(FormParser, AFailureEndsTheSectionAndKeepsWhatWasComplete) {
-    EXPECT_FALSE(Read("{\nxfield {\nenvname A\n}\nframe {\nxfield {\nenvname B\n}\nlabel {\nbad\n}\n}\nlabel {\n}\n}\n"));
+    EXPECT_FALSE(Read(
+        "{\nxfield {\nenvname A\n}\nframe {\nxfield {\nenvname B\n}\nlabel {\nbad\n}\n}\nlabel {\n}\n}\n"));
     EXPECT_EQ(sink.alerts.size(), 1U);
     ASSERT_EQ(form.children.size(), 1U) << "the frame went with the widget in it that failed";
     EXPECT_EQ(Child<CFormXField>(form, 0).envname, "A");
@@ -248,113 +238,6 @@ TEST_F(FormParser, AFailureEndsTheSectionAndKeepsWhatWasComplete) {
     EXPECT_EQ(rest, "}\n}\nlabel {\n}\n}\n") << "reading stops at the line at fault";
     EXPECT_TRUE(Read("{\n}\n"));
     EXPECT_EQ(form.placed, 1U) << "the next complete section places it";
-}
-
-TEST_F(FormParser, TheEndOfTheFileClosesWhatIsOpen) {
-    for (const char* text : {"{", "{\nframe {", "{\nframe {\n{\nvertical 2", "{\nframe {\nlabel {\nlabel a",
-                             "{\nframe {\nxfield {\noptioncontents {\n1", "{\nxfield {\nhelp {\na", "{\nlabel\n{"}) {
-        EXPECT_TRUE(Read(text)) << text;
-    }
-    EXPECT_TRUE(sink.alerts.empty());
-    ASSERT_EQ(form.children.size(), 6U);
-    EXPECT_EQ(Child<CFormFrame>(form, 1).count, 2);
-    EXPECT_EQ(ListOf(Child<CFormXField>(Child<CFormFrame>(form, 3), 0).presets), (Lines{"", "1"}));
-    EXPECT_EQ(Child<CFormXField>(form, 4).help, "a");
-    EXPECT_EQ(form.placed, 6U);
-}
-
-TEST_F(FormParser, TheEndOfTheFileIsNoOpeningBrace) {
-    for (const char* text : {"", " \n", "{\nlabel", "{\nframe {\nlabel", "{\nxfield {\nhelp", "{\nchooser {\nchoosercontents x"}) {
-        EXPECT_FALSE(Read(text)) << text;
-    }
-    EXPECT_TRUE(form.children.empty());
-    EXPECT_TRUE(sink.alerts.empty());
-}
-
-TEST_F(FormParser, FramesNestUpToALimit) {
-    const auto nested = [](int depth) {
-        std::string text = "{\n";
-        for (int i = 0; i < depth; ++i) text += "frame {\n";
-        for (int i = 0; i < depth; ++i) text += "}\n";
-        return text + "}\n";
-    };
-    EXPECT_TRUE(Read(nested(FormReader::kMostNestedFrames)));
-    EXPECT_TRUE(Read(nested(FormReader::kMostNestedFrames))) << "depth is not kept between sections";
-    for (const int depth : {FormReader::kMostNestedFrames + 1, 100000}) {
-        sink.alerts.clear();
-        EXPECT_FALSE(Read(nested(depth)));
-        EXPECT_EQ(sink.LastAlert(), "site.def near line 203: frames nested too deeply");
-    }
-    EXPECT_EQ(form.children.size(), 2U);
-    EXPECT_TRUE(Read("{\nframe {\n" + [] {
-        std::string siblings;
-        for (int i = 0; i < 1000; ++i) siblings += "frame {\n}\n";
-        return siblings;
-    }() + "}\n}\n")) << "frames side by side are not nested";
-}
-
-TEST_F(FormParser, AnyCutOfAFormIsReadOrRefused) {
-    for (const std::string& text : {kExample, WithCrLf(kExample)}) {
-        for (size_t length = 3; length <= text.size(); ++length) {
-            form.ClearAll(host);
-            sink.alerts.clear();
-            const bool read = Read(text.substr(3, length - 3));
-            EXPECT_LE(form.children.size(), 2U);
-            EXPECT_LE(sink.alerts.size(), read ? 0U : 1U) << length;
-            form.BroadcastOption("RENDER_DEPTH", "1");
-            form.LoadDefaults(host);
-        }
-    }
-}
-
-TEST_F(FormParser, NoiseIsReadOrRefused) {
-    unsigned state = 12345;
-    const auto next = [&] { return state = state * 1664525U + 1013904223U, state >> 8; };
-    for (int round = 0; round < 300; ++round) {
-        std::string noise = "{\n";
-        for (int i = 0; i < 2000; ++i) noise += static_cast<char>(next() & 0xff);
-        Read(noise);
-        std::string damaged = kExample.substr(3);
-        for (int i = 0; i < 5; ++i) damaged[next() % damaged.size()] = "{}\n\"#\\\0 \xff"[next() % 9];
-        Read(damaged);
-        form.LoadDefaults(host);
-        form.ClearAll(host);
-    }
-}
-
-TEST_F(FormParser, UnbalancedBracesEndTheSectionOrAreRefused) {
-    EXPECT_TRUE(Read("{\n}\n}\n}\n"));
-    EXPECT_EQ(rest, "}\n}\n");
-    EXPECT_FALSE(Read("{{{{{{"));
-    EXPECT_FALSE(Read("{\n{\n{\n{\n"));
-    EXPECT_EQ(sink.LastAlert(), "site.def near line 3: unexpected input");
-    EXPECT_FALSE(Read("{\n{\nx\n"));
-    EXPECT_EQ(sink.LastAlert(), "site.def near line 3: expected opening brace");
-}
-
-TEST_F(FormParser, LongLinesAreRead) {
-    const std::string text(10 << 20, 'x');
-    EXPECT_EQ(ReadOne<CFormLabel>("label", "label " + text).label.size(), text.size());
-    EXPECT_EQ(ReadOne<CFormXField>("xfield", "optioncontents {\n" + text + "\n}").presets.Lines()[1].size(), text.size());
-    EXPECT_FALSE(Read("{\n" + text));
-    EXPECT_FALSE(Read(text));
-    EXPECT_FALSE(Read("{ " + std::string(10 << 20, '{')));
-}
-
-TEST_F(FormParser, ManyWidgetsAndLinesAreReadInLinearTime) {
-    std::string text = "{\n";
-    for (int i = 0; i < 50000; ++i) text += "chooser {\nchoosercontents {\na\nb\n}\n}\n";
-    text += "chooser {\nchoosercontents {\n";
-    for (int i = 0; i < 500000; ++i) text += "line\n";
-    EXPECT_TRUE(Read(text));
-    EXPECT_EQ(form.children.size(), 50001U);
-    EXPECT_EQ(Child<CFormChooser>(form, 50000).lines.size(), 500000U);
-}
-
-TEST_F(FormParser, ADirectoryIsNoForm) {
-    std::string error;
-    EXPECT_FALSE(CArchive::Open("/tmp", error).has_value());
-    EXPECT_FALSE(error.empty());
 }
 
 }  // namespace tavrin::test

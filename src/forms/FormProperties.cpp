@@ -174,7 +174,8 @@ bool FormReader::Property(CFormOkField& field, FormDraft& /*draft*/, const std::
     constexpr std::string_view kDefaults = "defaults_";
     constexpr std::string_view kOk = "ok_";
     const std::string_view name = key;
-    if (name.starts_with(kDefaults) && SetAction(field.defaults, name.substr(kDefaults.size()), value)) return true;
+    if (name.starts_with(kDefaults) && SetAction(field.defaults, name.substr(kDefaults.size()), value))
+        return true;
     if (name.starts_with(kOk) && SetAction(field.ok, name.substr(kOk.size()), value)) return true;
     return IsShadow(key) || Unexpected();
 }

@@ -42,7 +42,8 @@ class FormReader {
 
     // One property. A key that the kind does not have is reported.
     bool Property(CFormLabel& label, FormDraft& draft, const std::string& key, const std::string& value);
-    bool Property(CFormPresetField& field, FormDraft& draft, const std::string& key, const std::string& value);
+    bool Property(CFormPresetField& field, FormDraft& draft, const std::string& key,
+                  const std::string& value);
     bool Property(CFormXYField& field, FormDraft& draft, const std::string& key, const std::string& value);
     bool Property(CFormXYZField& field, FormDraft& draft, const std::string& key, const std::string& value);
     bool AxisProperty(CFormXYZField::Axis& axis, const std::string& key, const std::string& value);
@@ -50,7 +51,8 @@ class FormReader {
     bool Property(CFormLedButton& button, FormDraft& draft, const std::string& key, const std::string& value);
     bool Property(CFormChooser& chooser, FormDraft& draft, const std::string& key, const std::string& value);
     bool Property(CFormOkField& field, FormDraft& draft, const std::string& key, const std::string& value);
-    bool Property(CFormStringInput& input, FormDraft& draft, const std::string& key, const std::string& value);
+    bool Property(CFormStringInput& input, FormDraft& draft, const std::string& key,
+                  const std::string& value);
 
     // The opening brace of a block whose keyword's line has this value: there, or the next token.
     bool OpenBlock(const std::string& value);

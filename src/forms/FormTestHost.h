@@ -45,6 +45,24 @@ class FormTestHost : public FormHost {
 using Stored = std::vector<std::pair<std::string, std::string>>;
 using Lines = std::vector<std::string>;
 
+// A form with something of everything that is common, from its keyword on.
+inline const std::string kExampleForm =
+    "roe {\nwinwidth 380\nframe {\n{\nvertical 2\n}\n"
+    "xfield {\nenvname RENDER_DEPTH\noptionlabel Depth\nvalue 2\nforcefloat\n"
+    "optioncontents {\n1 Fast\n4 Careful\n}\n}\n"
+    "xyfield {\nenvname SIZE_X\nseparatorlabel x\nvalue 640,480\n}\n}\n"
+    "okfield {\nok_actionto form\nok_actionmsg render\nok_actionarg render\n"
+    "defaults_actionto roe\ndefaults_actionmsg use-defaults\n}\n}\n";
+
+inline std::string WithCrLf(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        if (c == '\n') result += '\r';
+        result += c;
+    }
+    return result;
+}
+
 class FormTest : public ::testing::Test {
   protected:
     FormTest() { report.SetSink(&sink); }
@@ -81,6 +99,19 @@ class FormTest : public ::testing::Test {
     CollectingSink sink;
     Report report;
     std::string rest;  // what the last section left unread
+};
+
+// For what widgets do once they are built: what the form itself stored is out of the way.
+class FormUse : public FormTest {
+  protected:
+    template <typename Widget>
+    Widget& Make(const std::string& kind, const std::string& body) {
+        Widget& widget = ReadOne<Widget>(kind, body);
+        host.stored.clear();
+        widget.refresh = [this] { ++refreshes; };
+        return widget;
+    }
+    int refreshes = 0;
 };
 
 }  // namespace tavrin::test

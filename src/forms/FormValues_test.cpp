@@ -11,7 +11,9 @@ namespace tavrin {
 
 namespace {
 
-std::vector<std::string> LinesOf(const PresetList& list) { return {list.Lines().begin(), list.Lines().end()}; }
+std::vector<std::string> LinesOf(const PresetList& list) {
+    return {list.Lines().begin(), list.Lines().end()};
+}
 
 void ExpectSplit(std::string_view text, const std::string& first, const std::string& second) {
     const FormPair pair = SplitPair(text);

@@ -110,7 +110,7 @@ std::string COpRegistry::MenuPath(const COpEntry& entry) const {
     std::vector<std::string> labels;
     FindPath(m_root, entry.id, labels);
     std::string path;
-    for (const std::string& label : labels) path += path.empty() ? label : " > " + label;
+    for (const std::string& label : labels) path.append(path.empty() ? "" : " > ").append(label);
     return path;
 }
 

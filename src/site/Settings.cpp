@@ -23,7 +23,7 @@ bool Settings::GetSettingToken(const std::string& key, std::string& text) const 
     bool inQuotes = false;
     bool escaped = false;
     for (const char c : *value) {
-        if (!inQuotes && (c == '#' || IsBlank(c))) break;
+        if (!inQuotes && (c == '#' || EndsToken(c))) break;
         if (c == '"' && !escaped) {
             if (inQuotes) break;
             inQuotes = true;

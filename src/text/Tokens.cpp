@@ -10,8 +10,6 @@ namespace tavrin {
 
 namespace {
 
-bool EndsToken(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-
 // Passes over white space and comments, up to the first byte of a token. A backslash before one of
 // them protects nothing. False at the end of the file.
 bool SkipToToken(CArchive& archive) {
@@ -30,6 +28,7 @@ bool SkipToToken(CArchive& archive) {
 
 }  // namespace
 
+bool EndsToken(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 bool ReadToken(CArchive& archive, std::string& token) {

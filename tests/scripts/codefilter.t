@@ -130,7 +130,7 @@ for my $case (['float', 'a word of GLSL'], ['sample', 'a word of GLSL'], ['mix',
 	my ($name, $why) = @$case;
 	is(run(section([], arg($name, 'float', '1.0', box => 'Brick', button => 'rows')) . shader([], @good)), 1,
 		"an argument named '$name'");
-	like($err, qr{^demo: box Brick, button rows: .*$why}, 'is refused with box and button');
+	like($err, qr{^demo: box Brick, button rows: .*$why[^\n]*\n\z}, 'is refused once, with box and button');
 }
 is(run(section([], arg('tvist', 'float', '1.0'), arg('mraky', 'float', '1.0')) . shader([], @good)), 0,
 	'names that only look like the system\'s');
@@ -227,7 +227,25 @@ is(system("$filter demo 2>$dir/err </dev/null") >> 8, 2, 'a missing word');
 	$base = "$dir/none/demo";
 	is(run(section([]) . shader([], @good)), 1, 'a place that cannot be written');
 	like($err, qr{^demo: \Q$base\E: No such file}, 'is named');
+	$base = "$dir/taken/demo";
+	make_path($base);
+	is(run(section([]) . shader([], @good)), 1, 'a place that is taken by a directory');
+	like($err, qr{^demo: \Q$base\E: Is a directory}, 'is named');
+	is_deeply([map { s{.*/}{}r } glob "$dir/taken/*"], ['demo'], 'and no half file is left');
 	$base = $keep;
+}
+
+# ---- the functions of the library
+
+{
+	my $mray = "$FindBin::Bin/../../installation/mray";
+	local $ENV{TAVRN_LIB} = $mray;
+	my @files = grep { $_ ne 'surface' } map { m{([^/]+)\.glsl$} } glob "$mray/glsl/*.glsl";
+	cmp_ok(scalar @files, '>', 5, 'the library has its functions');
+	for my $file (@files) {
+		is(run(section([]) . join "\n", '#version 330 core', get("$mray/glsl/surface.glsl"), "//\@use $file",
+			'void main()', '{', 'tvColor = vec4(1.0);', '}'), 0, "glsl/$file.glsl") or diag $err;
+	}
 }
 
 # ---- the checker

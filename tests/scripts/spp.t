@@ -140,6 +140,7 @@ refuses(['#endif'], qr{main:1: #endif without #if}, '#endif alone');
 refuses(['#ifdef A', '', '#else', '#else', '#endif'], qr{main:4: second #else .*line 1}, 'two #else');
 refuses(['', '#ifdef A', '#ifndef B', '#endif'], qr{main:2: this #ifdef has no #endif}, 'no #endif');
 refuses(['#error stop  here'], qr{main:1: #error stop  here$}m, '#error');
+refuses(['#undef A B'], qr{main:1: expected #undef NAME}, 'a bad #undef');
 refuses(['#define 1x y'], qr{main:1: expected #define NAME}, 'a bad #define');
 refuses(['a', 'codegen.main-body append', 'x;', '<<EOT>> '],
 	qr{main:2: this code block has no <<EOT>>}, 'an open code block');

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <set>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -12,7 +13,8 @@ namespace fs = std::filesystem;
 
 std::set<std::string> TestFilesOnDisk() {
     std::set<std::string> files;
-    for (const char* room : {"src", "tests"}) {
+    std::istringstream rooms(TAVRIN_TEST_ROOMS);
+    for (std::string room; std::getline(rooms, room, ':');) {
         for (const auto& entry : fs::recursive_directory_iterator(fs::path(TAVRIN_SOURCE_DIR) / room)) {
             const std::string path = entry.path().string();
             if (path.ends_with("_test.cpp")) files.insert(path);
