@@ -154,7 +154,7 @@ void CTvApp::ExportEnvironment(const std::string& temporaryRoot) {
 }
 
 std::optional<CTvApp::Problem> CTvApp::StartUpProblem() const {
-    const auto fatal = [](const std::string& text) { return Problem{text, "Fatal Error"}; };
+    const auto fatal = [](const std::string& text) { return Problem{text, true}; };
     const std::string directory = m_site.environment.Get("TAVRN_DIR").value_or("");
     const std::string root = m_site.environment.Get("TAVRN_TMPDIR").value_or("");
     if (directory.find(' ') != std::string::npos) {
@@ -164,7 +164,7 @@ std::optional<CTvApp::Problem> CTvApp::StartUpProblem() const {
         return fatal("Temporary directory path \"" + root + "\" includes whitespace");
     }
     if (!PathExists(directory)) return fatal("Tavrin directory \"" + directory + "\" does not exist");
-    if (m_site.directories.libDir.empty()) return Problem{"environment variable TAVRN_LIB not defined", "Alert"};
+    if (m_site.directories.libDir.empty()) return Problem{"environment variable TAVRN_LIB not defined", false};
     return std::nullopt;
 }
 

@@ -37,7 +37,7 @@ class CTvApp : public DocumentHost, private FormHost {
     // What must stop the program after its start.
     struct Problem {
         std::string text;
-        std::string title;  // "Fatal Error", or "Alert"
+        bool isFatalError = true;  // titled "Fatal Error"; else an alert like any other
     };
     std::optional<Problem> StartUpProblem() const;
 

@@ -1,4 +1,5 @@
 // Replacing a file so that whatever fails the old one is whole.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -9,6 +10,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "base/FileDescriptor.h"
 #include "base/Files.h"
 #include "support/TestSite.h"
 
@@ -16,17 +18,18 @@ namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+using test::ReadFile;
+using test::TempDir;
 using testing::ElementsAre;
 using testing::ExitedWithCode;
 using testing::UnorderedElementsAre;
-using test::ReadFile;
-using test::TempDir;
 
 constexpr uid_t kNobody = 65534;
 
 std::vector<std::string> NamesIn(const std::string& directory) {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(directory)) names.push_back(entry.path().filename().string());
+    for (const auto& entry : fs::directory_iterator(directory))
+        names.push_back(entry.path().filename().string());
     return names;
 }
 
@@ -195,13 +198,32 @@ TEST(ReplaceFile, AMissingDirectoryIsAnError) {
     EXPECT_THAT(NamesIn(directory.Path()), ElementsAre());
 }
 
+// A named pipe stands in for devices: whatever goes wrong here, no file that others use is replaced.
 TEST(ReplaceFile, ADeviceIsWrittenInPlace) {
+    const TempDir directory;
+    const std::string path = directory / "device";
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    const FileDescriptor reader(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_TRUE(reader);
     std::string error;
-    EXPECT_TRUE(ReplaceFile("/dev/null", "gone", error)) << error;
-    EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    EXPECT_FALSE(ReplaceFile("/dev/full", "x", error));
-    EXPECT_EQ(error, "No space left on device");
-    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+    EXPECT_TRUE(ReplaceFile(path, "text", error)) << error;
+    EXPECT_TRUE(fs::is_fifo(path));
+    char written[16];
+    ASSERT_EQ(::read(reader.Get(), written, sizeof written), 4);
+    EXPECT_EQ(std::string(written, 4), "text");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("device"));
+}
+
+TEST(WriteWholeFile, AFullDiskIsAnError) {
+    const TempDir directory;
+    std::string error;
+    bool written = true;
+    {
+        const FileSizeLimit limit(100);
+        written = WriteWholeFile(directory / "work", std::string(5000, 'n'), error);
+    }
+    EXPECT_FALSE(written);
+    EXPECT_EQ(error, "File too large");
 }
 
 }  // namespace

@@ -11,11 +11,11 @@ namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+using test::ReadFile;
+using test::TempDir;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
-using test::ReadFile;
-using test::TempDir;
 
 class RemoveTreeTest : public testing::Test {
   protected:
@@ -66,6 +66,7 @@ TEST_F(RemoveTreeTest, LinksGoAndAreNotFollowed) {
     fs::create_directory_symlink(directory / "outside", directory / "tree/directory");
     fs::create_symlink(outside, directory / "tree/file");
     fs::create_symlink("nowhere", directory / "tree/dangling");
+    fs::create_directory_symlink(directory / "outside", directory / "tree/.hidden");
     EXPECT_TRUE(Remove(tree));
     EXPECT_FALSE(fs::exists(tree));
     EXPECT_EQ(ReadFile(outside), "kept");

@@ -11,8 +11,8 @@
 namespace tavrin {
 namespace {
 
-using testing::ElementsAre;
 using std::chrono::minutes;
+using testing::ElementsAre;
 
 TEST(PlainQueue, RunsInTheOrderOfPosting) {
     PlainQueue queue;
@@ -72,7 +72,8 @@ TEST(PlainQueue, NothingPostedFromManyThreadsIsLost) {
         });
     }
     const auto count = [&ran] {
-        return std::accumulate(ran.begin(), ran.end(), size_t{0}, [](size_t sum, const auto& list) { return sum + list.size(); });
+        return std::accumulate(ran.begin(), ran.end(), size_t{0},
+                               [](size_t sum, const auto& list) { return sum + list.size(); });
     };
     while (count() < kThreads * kPosts && queue.RunPending(minutes(1))) {
     }

@@ -16,9 +16,9 @@
 namespace tavrin {
 namespace {
 
+using test::TempDir;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using test::TempDir;
 
 TEST(SplitCommandLine, BlanksTabsAndLineEndsSeparateWords) {
     EXPECT_THAT(SplitCommandLine("  prog  -a\tb\r\nc "), ElementsAre("prog", "-a", "b", "c"));
@@ -104,13 +104,15 @@ struct Outcome {
     pid_t pid = -1;
 };
 
-Outcome OutcomeOf(std::vector<std::string> words, std::vector<std::string> environment = {"PATH=/usr/bin:/bin"}) {
+Outcome OutcomeOf(std::vector<std::string> words,
+                  std::vector<std::string> environment = {"PATH=/usr/bin:/bin"}) {
     int ends[2];
     EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     const FileDescriptor reader(ends[0]);
     FileDescriptor writer(ends[1]);
     Outcome outcome;
-    outcome.pid = Spawn({std::move(words), std::move(environment), -1, writer.Get(), writer.Get()}, outcome.error);
+    outcome.pid =
+        Spawn({std::move(words), std::move(environment), -1, writer.Get(), writer.Get()}, outcome.error);
     writer.Close();
     outcome.started = outcome.pid >= 0;
     if (!outcome.started) return outcome;

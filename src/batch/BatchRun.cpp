@@ -5,10 +5,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 
 #include "app/Version.h"
 #include "base/Files.h"
-#include "base/Paths.h"
 #include "batch/Describe.h"
 
 namespace tavrin {
@@ -17,6 +17,12 @@ namespace {
 
 constexpr std::chrono::milliseconds kGrace{2000};   // for children to heed their kill file at the end
 constexpr std::chrono::milliseconds kQueueWait{50}; // between looks at whether a render goes on
+
+// Whether both lead to one file, by whatever way.
+bool IsSameFile(const std::string& one, const std::string& other) {
+    std::error_code missing;
+    return std::filesystem::equivalent(one, other, missing);
+}
 
 }  // namespace
 
@@ -53,7 +59,7 @@ int BatchRun::Run(const std::vector<std::string>& words) {
     }
     if (parsed && m_documentPath.empty() && m_steps.empty()) error = "nothing to do; see tavrin-batch --help";
     if (!error.empty()) {
-        const std::string line = "tavrin-batch: " + error + "\n";
+        const std::string line = m_sink.Cleaned("tavrin-batch: " + error + "\n");
         [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
         return static_cast<int>(ExitStatus::kWrongCommandLine);
     }
@@ -82,7 +88,7 @@ bool BatchRun::Start() {
     }
     m_app->LoadSiteDefaults();
     if (const auto problem = m_app->StartUpProblem()) {
-        m_report.Alert("%s: %s", problem->title.c_str(), problem->text.c_str());
+        m_report.Alert("%s%s", problem->isFatalError ? "Fatal Error: " : "", problem->text.c_str());
         return false;
     }
     const Directories& directories = m_app->GetSite().directories;
@@ -97,7 +103,10 @@ bool BatchRun::Start() {
 }
 
 void BatchRun::RunSteps() {
+    m_report.TakePending();
     if (!m_documentPath.empty() && !m_document->Open(m_documentPath)) return;
+    m_cutShort = m_document->WasCutShort();
+    if (m_cutShort && !m_report.HasPending()) Fail(m_documentPath + " was not read to its end");
     m_app->ShaderTypeChanged();
     for (const auto& step : m_steps) {
         if (m_interruption->Signal() != 0) return;
@@ -118,7 +127,7 @@ void BatchRun::DoRender() {
 }
 
 void BatchRun::DoSave(const std::string& path) {
-    if (m_document->WasCutShort() && !m_force && FullPath(path) == FullPath(m_document->Path())) {
+    if (m_cutShort && !m_force && IsSameFile(path, m_documentPath)) {
         return Fail(path + " was not read to its end, and saving would lose the rest; save under another name, or"
                            " use --force");
     }
@@ -135,7 +144,9 @@ void BatchRun::DoSet(const std::string& name, const std::string& value) {
 
 void BatchRun::DoDescribe(const std::string& operatorName) {
     COpBox box;
-    if (box.Define(operatorName, m_app->Registry(), m_app->GetSite())) Print(OperatorDescription(box));
+    m_report.TakePending();
+    if (box.Define(operatorName, m_app->Registry(), m_app->GetSite())) return Print(OperatorDescription(box));
+    if (!m_report.HasPending()) Fail(operatorName + ": the definition ends too early");
 }
 
 void BatchRun::Print(const std::string& text) {

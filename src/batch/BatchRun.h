@@ -43,7 +43,9 @@ class BatchRun : private CommandLineDelegate {
     void Set(const std::string& name, const std::string& value) override;
     void ListOperators() override;
     void Describe(const std::string& operatorName) override;
-    void Help() override { m_printAndEnd = CommandLine::HelpText(); }
+    void Help() override {
+        if (!m_printAndEnd) m_printAndEnd = CommandLine::HelpText();
+    }
     void Version() override;
 
     // False if the program cannot start; the reason has been told.
@@ -71,6 +73,7 @@ class BatchRun : private CommandLineDelegate {
     Report m_report;
     PlainQueue m_queue;
     bool m_failed = false;
+    bool m_cutShort = false;  // the document could not be read to its end
     std::unique_ptr<CTvApp> m_app;
     std::unique_ptr<CTvDoc> m_document;
     std::unique_ptr<RenderSession> m_session;

@@ -101,7 +101,7 @@ bool CommandLine::Parse(const std::vector<std::string>& words, std::string& erro
             error = Advice(name + " needs " + wanted + " behind it");
             return false;
         }
-        if (wanted == "NAME=VALUE" && operand->find('=', 1) == std::string::npos) {
+        if (wanted == "NAME=VALUE" && (operand->front() == '=' || operand->find('=') == std::string::npos)) {
             error = Advice(name + " " + *operand + ": expected NAME=VALUE");
             return false;
         }

@@ -12,10 +12,18 @@ namespace {
 constexpr int kWakeUp = SIGUSR1;  // ends the waiting thread
 constexpr time_t kSecondsToHeedTerm = 2;
 
+// Whoever started us may want some of the three ignored, as nohup does.
+bool IsIgnored(int signal) {
+    struct sigaction action {};
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 sigset_t Signals() {
     sigset_t set;
     sigemptyset(&set);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, kWakeUp}) sigaddset(&set, signal);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, kWakeUp}) {
+        if (!IsIgnored(signal)) sigaddset(&set, signal);
+    }
     return set;
 }
 

@@ -28,14 +28,28 @@ void TerminalSink::EndLine() {
 std::string TerminalSink::Cleaned(std::string_view text) {
     std::string result;
     for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool isUpperControl = IsUpperControl(byte);
         if (m_pendingReturn && c != '\n') result += '\r';
         m_pendingReturn = c == '\r';
         if (m_pendingReturn) continue;
-        const auto byte = static_cast<unsigned char>(c);
-        const bool isControl = (byte < ' ' && c != '\n' && c != '\t') || byte == 0x7F;
+        const bool isControl = (byte < ' ' && c != '\n' && c != '\t') || byte == 0x7F || isUpperControl;
         result += isControl ? '?' : c;
     }
     return result;
+}
+
+// Terminals take 0x80 to 0x9F for controls too, bare and as UTF-8; inside a longer UTF-8 character they are none.
+bool TerminalSink::IsUpperControl(unsigned char byte) {
+    if (byte >= 0xC0) {
+        m_tailBytes = byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
+        m_tailMayBeControl = byte < 0xC3;
+        return false;
+    }
+    const bool isTail = byte >= 0x80 && m_tailBytes > 0;
+    const bool isControl = byte >= 0x80 && byte < 0xA0 && (!isTail || m_tailMayBeControl);
+    m_tailBytes = isTail ? m_tailBytes - 1 : 0;
+    return isControl;
 }
 
 void TerminalSink::Print(std::string_view text) {

@@ -69,16 +69,27 @@ void CCodeGen::Merge(const CCodeGen& other) {
     }
 }
 
-void CCodeGen::MergeExpanded(const CCodeGen& other, CMex& variables, const std::vector<std::string>& declarations) {
-    variables.m_state = CMex::kPlain;
-    const auto expand = [&variables](std::string_view text) {
+CMex& CCodeGen::BoxExpander(CCodeGen& box) {
+    if (!m_boxMex.mex) m_boxMex.mex = std::make_unique<CMex>();
+    CMex& mex = *m_boxMex.mex;
+    mex.ClearVariables();
+    mex.Tokens() = box.m_mex.Tokens();
+    return mex;
+}
+
+void CCodeGen::MergeExpanded(const CCodeGen& box, const std::vector<std::string>& declarations) {
+    CMex& mex = *m_boxMex.mex;
+    mex.m_state = CMex::kPlain;
+    const auto expand = [&mex](std::string_view text) {
+        constexpr size_t kGrowth = 32;  // names of variables are longer than those of buttons
         std::string expanded;
-        variables.Expand(text, expanded);
+        expanded.reserve(text.size() + kGrowth);
+        mex.Expand(text, expanded);
         return expanded;
     };
     for (size_t index = 0; index < kBlockCount; ++index) {
         const auto block = static_cast<BlockId>(index);
-        const CodeBlock& lines = other.m_blocks[index];
+        const CodeBlock& lines = box.m_blocks[index];
         const bool expands = TakesBoxVariables(block);
         for (size_t i = 0; i < lines.Size(); ++i) {
             const CodeLine& line = lines.Line(i);
@@ -100,7 +111,11 @@ bool CCodeGen::MakeComment(std::string_view text, std::string& result) const {
 }
 
 void CCodeGen::WriteCode(std::vector<std::string>& lines) {
-    m_mex.ClearLines();
+    size_t count = 0;
+    for (size_t block = kGlobalOpen; block <= kGlobalClose; ++block) count += m_blocks[block].Size();
+    lines.reserve(lines.size() + count);
+    m_mex.BeginLines();
+    std::string line;
     int depth = 0;
     std::string indentation;
     const auto indent = [&](int change) {
@@ -112,12 +127,11 @@ void CCodeGen::WriteCode(std::vector<std::string>& lines) {
         for (size_t i = 0; i < m_blocks[block].Size(); ++i) {
             const std::string_view text = Trim(m_blocks[block].Line(i).text);
             if (text == "}") indent(-1);
-            m_mex.LineBuffer().emplace_back(indentation).append(text);
+            line.assign(indentation).append(text);
+            m_mex.ExpandLine(line, lines);
             if (text == "{") indent(1);
         }
     }
-    m_mex.ExpandLines(lines);
-    m_mex.ClearLines();
 }
 
 void CCodeGen::WriteHints(std::vector<std::string>& lines) {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,9 +66,12 @@ class CCodeGen {
     // Adds every line of `other` by the way it came in there. Variables and marks are not merged.
     void Merge(const CCodeGen& other);
 
-    // What ExpandAll("all") on a copy of `other` that also has the lines `declarations` at the end of
-    // "main-header", and then Merge, come to, without the copy. `variables` are those of the copy.
-    void MergeExpanded(const CCodeGen& other, CMex& variables, const std::vector<std::string>& declarations);
+    // Merging a box without a copy of its CCodeGen. BoxExpander is an expander without variables, for those
+    // of one box; it is good until the next call. MergeExpanded then does what ExpandAll("all") with those
+    // variables on a copy of `box`, that also has the lines `declarations` at the end of "main-header", and
+    // Merge of the copy would do.
+    CMex& BoxExpander(CCodeGen& box);
+    void MergeExpanded(const CCodeGen& box, const std::vector<std::string>& declarations);
 
     // The text as a comment in the target language; false if it has no comment marks.
     bool MakeComment(std::string_view text, std::string& result) const;
@@ -97,6 +101,14 @@ class CCodeGen {
 
     std::array<CodeBlock, kBlockCount> m_blocks;
     CMex m_mex;
+    // Kept from box to box for its memory; no part of what is copied.
+    struct Scratch {
+        Scratch() = default;
+        Scratch(const Scratch&) {}
+        Scratch& operator=(const Scratch&) { return *this; }
+        std::unique_ptr<CMex> mex;
+    };
+    Scratch m_boxMex;
 };
 
 }  // namespace tavrin

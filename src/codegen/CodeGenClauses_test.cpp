@@ -11,11 +11,11 @@
 namespace tavrin {
 namespace {
 
+using test::ArchiveOf;
+using test::TempDir;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using test::ArchiveOf;
-using test::TempDir;
 
 std::vector<std::string> TextsOf(const CCodeGen& codegen, CCodeGen::BlockId id) {
     std::vector<std::string> texts;
@@ -25,7 +25,8 @@ std::vector<std::string> TextsOf(const CCodeGen& codegen, CCodeGen::BlockId id) 
 
 size_t LineCount(const CCodeGen& codegen) {
     size_t count = 0;
-    for (int id = 0; id < CCodeGen::kBlockCount; ++id) count += codegen.Block(static_cast<CCodeGen::BlockId>(id)).Size();
+    for (int id = 0; id < CCodeGen::kBlockCount; ++id)
+        count += codegen.Block(static_cast<CCodeGen::BlockId>(id)).Size();
     return count;
 }
 
@@ -149,7 +150,8 @@ TEST_F(CodeGenClauses, EachBlockHasAName) {
                            "main-header", "main-body",     "main-close", "global-close", "hinttext"};
     for (int id = 0; id < CCodeGen::kBlockCount; ++id) {
         ASSERT_TRUE(Parse(names[id], std::string(" append\nline of ") + names[id] + "\n<<EOT>>\n"));
-        EXPECT_THAT(TextsOf(codegen, static_cast<CCodeGen::BlockId>(id)), ElementsAre(std::string("line of ") + names[id]));
+        EXPECT_THAT(TextsOf(codegen, static_cast<CCodeGen::BlockId>(id)),
+                    ElementsAre(std::string("line of ") + names[id]));
     }
     EXPECT_EQ(LineCount(codegen), 10U);
 }
@@ -202,8 +204,8 @@ TEST_F(CodeGenClauses, UniqueLinesStandOnce) {
 // Modes
 
 TEST_F(CodeGenClauses, AnUnknownModeNamesTheBlock) {
-    for (const char* text : {" prepend\nx\n<<EOT>>\n", " Append\n", " append more\n", " append # note\n", "\n",
-                             " appendage@x\n", " @x\n"}) {
+    for (const char* text : {" prepend\nx\n<<EOT>>\n", " Append\n", " append more\n", " append # note\n",
+                             "\n", " appendage@x\n", " @x\n"}) {
         EXPECT_FALSE(Parse("main-body", text)) << text;
         EXPECT_EQ(error, "ERROR: unknown codegen type 'main-body'") << text;
     }

@@ -10,9 +10,9 @@
 namespace tavrin {
 namespace {
 
+using test::TestSite;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using test::TestSite;
 
 std::vector<std::string> TextsOf(const CCodeGen& codegen, CCodeGen::BlockId id) {
     std::vector<std::string> texts;
@@ -26,8 +26,8 @@ std::vector<std::string> Everything(const CCodeGen& codegen) {
     for (int id = 0; id < CCodeGen::kBlockCount; ++id) {
         const CodeBlock& block = codegen.Block(static_cast<CCodeGen::BlockId>(id));
         for (size_t i = 0; i < block.Size(); ++i) {
-            lines.push_back(std::to_string(id) + "/" + std::to_string(static_cast<int>(block.Line(i).kind)) + "/" +
-                            block.Line(i).text);
+            lines.push_back(std::to_string(id) + "/" + std::to_string(static_cast<int>(block.Line(i).kind)) +
+                            "/" + block.Line(i).text);
         }
     }
     return lines;
@@ -49,8 +49,8 @@ TEST(ExpandAll, ExpandsTheFiveBlocksOfABox) {
     TestSite site;
     CCodeGen codegen = OneLineEach();
     codegen.ExpandAll("all", site.report);
-    EXPECT_THAT(Everything(codegen), ElementsAre("0/2/v", "1/2/x", "2/2/x", "3/2/x", "4/2/x", "5/2/v", "6/2/v",
-                                                 "7/2/x", "8/2/v", "9/2/v"));
+    EXPECT_THAT(Everything(codegen), ElementsAre("0/2/v", "1/2/x", "2/2/x", "3/2/x", "4/2/x", "5/2/v",
+                                                 "6/2/v", "7/2/x", "8/2/v", "9/2/v"));
     EXPECT_THAT(site.sink.alerts, IsEmpty());
 }
 
@@ -61,18 +61,21 @@ TEST(ExpandAll, ExpandsOneBlockByItsName) {
         codegen.ExpandAll(name, site.report);
         for (int id = 0; id < CCodeGen::kBlockCount; ++id) {
             const auto block = static_cast<CCodeGen::BlockId>(id);
-            EXPECT_THAT(TextsOf(codegen, block), ElementsAre(CCodeGen::BlockName(block) == name ? "v" : "x")) << name;
+            EXPECT_THAT(TextsOf(codegen, block), ElementsAre(CCodeGen::BlockName(block) == name ? "v" : "x"))
+                << name;
         }
         EXPECT_THAT(site.sink.alerts, IsEmpty());
     }
 }
 
 TEST(ExpandAll, OtherBlocksAreAlerted) {
-    for (const std::string name : {"global-header", "main-open", "main-args", "main-args-close", "main-close", "", "All"}) {
+    for (const std::string name :
+         {"global-header", "main-open", "main-args", "main-args-close", "main-close", "", "All"}) {
         TestSite site;
         CCodeGen codegen = OneLineEach();
         codegen.ExpandAll(name, site.report);
-        EXPECT_THAT(site.sink.alerts, ElementsAre("CCodeGen::ExpandAll(): blockname '" + name + "' not yet supported!"));
+        EXPECT_THAT(site.sink.alerts,
+                    ElementsAre("CCodeGen::ExpandAll(): blockname '" + name + "' not yet supported!"));
         EXPECT_THAT(TextsOf(codegen, kBody), ElementsAre("x"));
     }
 }
@@ -119,7 +122,8 @@ TEST(Merge, ALaterBoxsInsertedLinesComeFirst) {
         box.AddLine("main-body", "append", std::string(name) + " c");
         shader.Merge(box);
     }
-    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("second a", "second b", "first a", "first b", "first c", "second c"));
+    EXPECT_THAT(TextsOf(shader, kBody),
+                ElementsAre("second a", "second b", "first a", "first b", "first c", "second c"));
 }
 
 TEST(Merge, TheShadersOwnInsertedLinesStayReversed) {
@@ -187,12 +191,12 @@ TEST(Merge, VariablesAndMarksStayBehind) {
 
 // Expanding and merging at once
 
-// What the two steps give: a copy with the declarations is expanded and then merged.
-void MergeInTwoSteps(CCodeGen& shader, const CCodeGen& box, const CMex& variables,
+// What the steps one by one give: a copy with the declarations is expanded and then merged.
+void MergeStepByStep(CCodeGen& shader, const CCodeGen& box, const CMex& expander,
                      const std::vector<std::string>& declarations) {
     TestSite site;
     CCodeGen copy = box;
-    copy.Mex() = variables;
+    copy.Mex() = expander;
     for (const std::string& line : declarations) copy.AddLine("main-header", "append", line);
     copy.ExpandAll("all", site.report);
     shader.Merge(copy);
@@ -204,23 +208,63 @@ TEST(MergeExpanded, DeclarationsFollowTheBoxsHeader) {
     box.AddLine("main-header", "insert", "in first");
     box.AddLine("main-body", "append", "in body");
     box.AddLine("main-close", "append", "in close");
-    CMex variables;
-    variables.SetVariable("in", "v");
     CCodeGen shader;
     shader.AddLine("main-header", "append", "in shader");
-    shader.MergeExpanded(box, variables, {"float in;", "color out;"});
-    EXPECT_THAT(Everything(shader), ElementsAre("5/1/v first", "5/0/in shader", "5/0/v header", "5/0/float v;",
-                                                "5/0/color out;", "6/0/v body", "7/0/in close"));
+    shader.BoxExpander(box).SetVariable("in", "v");
+    shader.MergeExpanded(box, {"float in;", "color out;"});
+    EXPECT_THAT(Everything(shader),
+                ElementsAre("5/1/v first", "5/0/in shader", "5/0/v header", "5/0/float v;", "5/0/color out;",
+                            "6/0/v body", "7/0/in close"));
+}
+
+TEST(MergeExpanded, OnlyTheVariablesOfTheExpanderCount) {
+    CCodeGen box;
+    box.SetVariable("a", "the definition's");
+    box.AddLine("main-body", "append", "a b");
+    CCodeGen shader;
+    shader.SetVariable("a", "the shader's");
+    shader.BoxExpander(box).SetVariable("b", "added");
+    shader.MergeExpanded(box, {});
+    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("a added"));
+}
+
+TEST(MergeExpanded, NoVariableOfABoxReachesTheNextBoxOrTheShader) {
+    CCodeGen box;
+    box.AddLine("main-body", "append", "x");
+    CCodeGen shader;
+    shader.BoxExpander(box).SetVariable("x", "first");
+    shader.MergeExpanded(box, {});
+    shader.BoxExpander(box);
+    shader.MergeExpanded(box, {});
+    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("first", "x"));
+    for (CCodeGen* codegen : {&shader, &box}) {
+        std::string result;
+        codegen->ExpandString("x", result);
+        EXPECT_EQ(result, "x");
+    }
+}
+
+TEST(MergeExpanded, ACopyOfTheShaderMergesBoxesOfItsOwn) {
+    CCodeGen box;
+    box.AddLine("main-body", "append", "x");
+    CCodeGen shader;
+    shader.BoxExpander(box).SetVariable("x", "first");
+    shader.MergeExpanded(box, {});
+    CCodeGen copy = shader;
+    copy.BoxExpander(box).SetVariable("x", "second");
+    copy.MergeExpanded(box, {});
+    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("first"));
+    EXPECT_THAT(TextsOf(copy, kBody), ElementsAre("first", "second"));
 }
 
 TEST(MergeExpanded, LeavesTheBoxAsItWas) {
     CCodeGen box;
     box.AddLine("main-body", "append", "x");
-    CMex variables;
-    variables.SetVariable("x", "v");
-    variables.m_state = CMex::kAfterStrayClose;
     CCodeGen shader;
-    shader.MergeExpanded(box, variables, {});
+    CMex& expander = shader.BoxExpander(box);
+    expander.SetVariable("x", "v");
+    expander.m_state = CMex::kAfterStrayClose;
+    shader.MergeExpanded(box, {});
     EXPECT_THAT(TextsOf(box, kBody), ElementsAre("x"));
     EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("v"));
 }
@@ -229,9 +273,9 @@ class MergeExpandedEquals : public testing::TestWithParam<bool> {};
 
 TEST_P(MergeExpandedEquals, ExpandingACopyAndMergingIt) {
     std::mt19937 random(5);
-    const std::vector<std::string> texts = {"x",      "${y} = x;", "/* x",  "x */ y",  "",        "\"x",      "y\" x",
-                                            "x \\",   "xy",        "${xy}", "// x y",  "#incl x", "${none}",  "{",
-                                            "  x  ",  "*/",        "u",     "u",       "v",       "${x}${y}", "y x"};
+    const std::vector<std::string> texts = {
+        "x",       "${y} = x;", "/* x", "x */ y", "",   "\"x", "y\" x", "x \\", "xy",       "${xy}", "// x y",
+        "#incl x", "${none}",   "{",    "  x  ",  "*/", "u",   "u",     "v",    "${x}${y}", "y x"};
     const auto text = [&] { return texts[random() % texts.size()]; };
     const auto fill = [&](CCodeGen& codegen, size_t lines) {
         for (size_t i = 0; i < lines; ++i) {
@@ -246,16 +290,17 @@ TEST_P(MergeExpandedEquals, ExpandingACopyAndMergingIt) {
         for (size_t box = random() % 4 + 1; box > 0; --box) {
             CCodeGen codegen;
             fill(codegen, random() % 60);
-            CMex variables;
-            variables.SetVariable("x", std::to_string(box));
-            variables.SetVariable("y", text());
             if (GetParam()) {
-                variables.Tokens() = {{"/*"}, {"*/"}, {"//"}, {'\\'}, {'"'}, random() % 2 == 0};
+                codegen.Mex().Tokens() = {{"/*"}, {"*/"}, {"//"}, {'\\'}, {'"'}, random() % 2 == 0};
             }
+            CMex& expander = first.BoxExpander(codegen);
+            expander.SetVariable("x", std::to_string(box));
+            expander.SetVariable("x", "later");
+            expander.SetVariable("y", text());
             std::vector<std::string> declarations;
             for (size_t i = random() % 4; i > 0; --i) declarations.push_back(text());
-            MergeInTwoSteps(second, codegen, variables, declarations);
-            first.MergeExpanded(codegen, variables, declarations);
+            MergeStepByStep(second, codegen, expander, declarations);
+            first.MergeExpanded(codegen, declarations);
         }
         ASSERT_EQ(Everything(first), Everything(second)) << "round " << round;
     }

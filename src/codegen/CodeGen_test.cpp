@@ -49,8 +49,9 @@ TEST(CodeGen, CodesOfBothFormsAddAlike) {
     codegen.AddLineCoded("main-body", 5, "e");
     codegen.AddLineCoded("main-body", 5, "f");
     EXPECT_THAT(TextsOf(codegen, kBody), ElementsAre("d", "c", "a", "b", "e", "f"));
-    EXPECT_THAT(KindsOf(codegen, kBody), ElementsAre(LineKind::kInsert, LineKind::kInsert, LineKind::kAppend,
-                                                     LineKind::kAppend, LineKind::kUnique, LineKind::kUnique));
+    EXPECT_THAT(KindsOf(codegen, kBody),
+                ElementsAre(LineKind::kInsert, LineKind::kInsert, LineKind::kAppend, LineKind::kAppend,
+                            LineKind::kUnique, LineKind::kUnique));
 }
 
 TEST(CodeGen, UnknownCodesAndBlocksDoNothing) {
@@ -163,8 +164,8 @@ TEST(WriteCode, BlocksComeInTheirOrderAndHintsAreLeftOut) {
         const auto block = static_cast<CCodeGen::BlockId>(id);
         codegen.AddLine(block, LineKind::kAppend, "line_" + std::to_string(id));
     }
-    EXPECT_THAT(Written(codegen), ElementsAre("line_0", "line_1", "line_2", "line_3", "line_4", "line_5", "line_6",
-                                              "line_7", "line_8"));
+    EXPECT_THAT(Written(codegen), ElementsAre("line_0", "line_1", "line_2", "line_3", "line_4", "line_5",
+                                              "line_6", "line_7", "line_8"));
 }
 
 TEST(WriteCode, LinesOfBracesAloneMoveTheDepth) {
@@ -173,12 +174,16 @@ TEST(WriteCode, LinesOfBracesAloneMoveTheDepth) {
 }
 
 TEST(WriteCode, TheIndentationOfATemplateIsLost) {
-    EXPECT_THAT(WrittenBody({"\t  a  \t", "  {  ", "  b  ;  ", "\t}"}), ElementsAre("a", "{", "    b  ;", "}"));
+    EXPECT_THAT(WrittenBody({"\t  a  \t", "  {  ", "  b  ;  ", "\t}"}),
+                ElementsAre("a", "{", "    b  ;", "}"));
 }
 
 TEST(WriteCode, ABraceBesideOtherTextMovesNothing) {
-    EXPECT_THAT(WrittenBody({"if (x) {", "a", "}", "b", "{ }", "c", "};", "d"}),
-                ElementsAre("if (x) {", "a", "}", "b", "{ }", "c", "};", "d"));
+    EXPECT_THAT(WrittenBody({"if (x) {", "a", "{ }", "b", "{ // note", "c"}),
+                ElementsAre("if (x) {", "a", "{ }", "b", "{ // note", "c"));
+    EXPECT_THAT(
+        WrittenBody({"{", "a", "};", "b", "} else {", "c", "} // note", "d", "}"}),
+        ElementsAre("{", "    a", "    };", "    b", "    } else {", "    c", "    } // note", "    d", "}"));
 }
 
 TEST(WriteCode, AnEmptyLineIsIndentedToo) {
@@ -282,7 +287,8 @@ TEST(CodeGen, ResettingPutsBackTheDefaults) {
     CCodeGen codegen;
     codegen.AddLine("hinttext", "append", "a");
     codegen.SetVariable("x", "v");
-    codegen.m_lineComment = codegen.m_openComment = codegen.m_closeComment = codegen.m_varargSep = codegen.m_indent = "?";
+    codegen.m_lineComment = codegen.m_openComment = codegen.m_closeComment = codegen.m_varargSep =
+        codegen.m_indent = "?";
     codegen.Mex().m_state = CMex::kInComment;
     codegen.Reset();
     EXPECT_EQ(codegen.Block(CCodeGen::kHintText).Size(), 0U);

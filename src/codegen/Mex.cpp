@@ -55,13 +55,20 @@ void CMex::Expand(std::string_view text, std::string& result) {
 }
 
 void CMex::ExpandLines(std::vector<std::string>& lines) {
+    BeginLines();
+    for (const std::string& line : m_lines) ExpandLine(line, lines);
+}
+
+void CMex::BeginLines() {
     m_state = kPlain;
     m_lineCounter = 0;
-    lines.reserve(lines.size() + m_lines.size());
-    for (const std::string& line : m_lines) {
-        Append(line, lines.emplace_back());
-        ++m_lineCounter;
-    }
+}
+
+void CMex::ExpandLine(std::string_view line, std::vector<std::string>& lines) {
+    std::string& result = lines.emplace_back();
+    result.reserve(line.size());
+    Append(line, result);
+    ++m_lineCounter;
 }
 
 void CMex::Append(std::string_view text, std::string& result) {

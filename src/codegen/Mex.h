@@ -52,6 +52,10 @@ class CMex {
     // buffer to `lines` as an element of its own.
     void ExpandLines(std::vector<std::string>& lines);
 
+    // The same for lines that come one by one: the start, and then each line.
+    void BeginLines();
+    void ExpandLine(std::string_view line, std::vector<std::string>& lines);
+
     // Appends a pair; never replaces, so the first value given to a name is the one that counts.
     void SetVariable(std::string_view name, std::string_view value) { m_variables.Add(name, value); }
 

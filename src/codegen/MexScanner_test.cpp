@@ -105,11 +105,11 @@ TEST_F(MexScanner, ADroppedCommentSpansTexts) {
     EXPECT_EQ(Expanded("x */x"), "v");
 }
 
-TEST_F(MexScanner, AnOpenCommentInsideACommentOpensNothing) { EXPECT_EQ(Expanded("/* /* */ x"), "/* /* */ v"); }
-
-TEST_F(MexScanner, TheOpenTokenIsPassedOverWhole) {
-    EXPECT_EQ(Expanded("/*/ x */ x"), "/*/ x */ v");
+TEST_F(MexScanner, AnOpenCommentInsideACommentOpensNothing) {
+    EXPECT_EQ(Expanded("/* /* */ x"), "/* /* */ v");
 }
+
+TEST_F(MexScanner, TheOpenTokenIsPassedOverWhole) { EXPECT_EQ(Expanded("/*/ x */ x"), "/*/ x */ v"); }
 
 TEST_F(MexScanner, ALineCommentEndsWithItsText) {
     EXPECT_EQ(Expanded("x // x \" /*"), "v // x \" /*");

@@ -75,7 +75,9 @@ TEST(Mex, TheFirstClosingBraceEndsTheName) {
     EXPECT_EQ(Expanded({{"b", "w"}}, "${a${b}}"), "${aw}");
 }
 
-TEST(Mex, TheClosingBraceMayStandFarBehind) { EXPECT_EQ(Expanded({{"x", "v"}}, "${x; if (x) { x }"), "${v; if (v) { v }"); }
+TEST(Mex, TheClosingBraceMayStandFarBehind) {
+    EXPECT_EQ(Expanded({{"x", "v"}}, "${x; if (x) { x }"), "${v; if (v) { v }");
+}
 
 TEST(Mex, ADollarSignAloneIsText) {
     EXPECT_EQ(Expanded({{"x", "v"}}, "$x $ $$x ${x}$ $ {x}"), "$v $ $$v v$ $ {v}");
@@ -90,9 +92,7 @@ TEST(Mex, TheFirstValueOfANameIsUsed) {
     EXPECT_EQ(Expanded({{"x", "first"}, {"x", "second"}}, "x ${x}"), "first first");
 }
 
-TEST(Mex, ValuesAreNotScannedAgain) {
-    EXPECT_EQ(Expanded({{"x", "y ${y} x"}, {"y", "w"}}, "x"), "y ${y} x");
-}
+TEST(Mex, ValuesAreNotScannedAgain) { EXPECT_EQ(Expanded({{"x", "y ${y} x"}, {"y", "w"}}, "x"), "y ${y} x"); }
 
 TEST(Mex, AnEmptyValueRemovesTheName) { EXPECT_EQ(Expanded({{"x", ""}}, "[x][${x}]"), "[][]"); }
 
@@ -164,6 +164,16 @@ TEST(Mex, LinesAreAppendedToTheirTarget) {
     EXPECT_EQ(lines.size(), 4U);
 }
 
+TEST(Mex, LinesMayComeOneByOne) {
+    CMex mex = MexWith({{"x", "v"}});
+    std::vector<std::string> lines = {"before"};
+    mex.m_state = CMex::kAfterStrayClose;
+    mex.BeginLines();
+    mex.ExpandLine("x", lines);
+    mex.ExpandLine("", lines);
+    EXPECT_THAT(lines, ElementsAre("before", "v", ""));
+}
+
 TEST(Mex, NamesInBracesDoNotSpanLines) {
     CMex mex = MexWith({{"x", "v"}});
     mex.LineBuffer() = {"${x", "}"};
@@ -196,8 +206,10 @@ TEST(Mex, ACopyKeepsVariablesLinesAndState) {
 // through the steps one by one.
 TEST(Mex, TheFasterWayGivesWhatTheStepsGive) {
     std::mt19937 random(11);
-    constexpr std::string_view kPieces[] = {"$", "{", "}", "${", "x", "y", "_", "1", " ", "\xC3", "${x}", "xy", ".", ""};
-    CMex plain = MexWith({{"x", "<X>"}, {"xy", "${x}"}, {"1", "one"}, {"x}", "no"}, {" ", "blank"}, {"", "empty"}});
+    constexpr std::string_view kPieces[] = {"$", "{", "}",    "${",   "x",  "y", "_",
+                                            "1", " ", "\xC3", "${x}", "xy", ".", ""};
+    CMex plain =
+        MexWith({{"x", "<X>"}, {"xy", "${x}"}, {"1", "one"}, {"x}", "no"}, {" ", "blank"}, {"", "empty"}});
     CMex stepped = plain;
     stepped.Tokens().escapes = {'\x01'};
     for (int round = 0; round < 3000; ++round) {

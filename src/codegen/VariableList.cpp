@@ -5,7 +5,10 @@
 namespace tavrin {
 
 namespace {
-constexpr size_t kFirstSlots = 32;
+// Room for a box of a handful of buttons.
+constexpr size_t kFirstSlots = 64;
+constexpr size_t kFirstEntries = 32;
+constexpr size_t kFirstText = 1024;
 }
 
 uint32_t VariableList::Hash(std::string_view name) {
@@ -35,34 +38,44 @@ size_t VariableList::Slot(std::string_view name) const {
     return slot;
 }
 
-void VariableList::Grow() {
-    const std::vector<uint32_t> old = std::move(m_slots);
-    m_slots.assign(old.empty() ? kFirstSlots : old.size() * 2, kFree);
-    for (const uint32_t index : old) {
-        if (index != kFree) m_slots[Slot(Name(index))] = index;
+void VariableList::Index() const {
+    if (m_indexed == m_entries.size()) return;
+    if (m_slots.size() < m_entries.size() * 2) {
+        size_t count = kFirstSlots;
+        while (count < m_entries.size() * 2) count *= 2;
+        m_slots.assign(count, kFree);
+        m_indexed = 0;
+    }
+    for (; m_indexed < m_entries.size(); ++m_indexed) {
+        uint32_t& slot = m_slots[Slot(Name(m_indexed))];
+        if (slot == kFree) slot = static_cast<uint32_t>(m_indexed);  // an earlier one of the name counts
     }
 }
 
+uint32_t VariableList::IndexOf(std::string_view name) const {
+    if (m_entries.empty()) return kFree;
+    Index();
+    return m_slots[Slot(name)];
+}
+
 void VariableList::Add(std::string_view name, std::string_view value) {
-    if (m_used * 2 >= m_slots.size()) Grow();
-    const auto index = static_cast<uint32_t>(m_entries.size());
-    const size_t slot = Slot(name);
+    if (m_entries.empty()) {
+        m_text.reserve(kFirstText);
+        m_entries.reserve(kFirstEntries);
+    }
     const uint32_t nameStart = Put(name);
     const uint32_t valueStart = Put(value);
     m_entries.push_back({nameStart, static_cast<uint32_t>(name.size()), valueStart,
                          static_cast<uint32_t>(value.size())});
-    if (m_slots[slot] != kFree) return;  // an earlier variable of the name counts
-    m_slots[slot] = index;
-    ++m_used;
 }
 
 bool VariableList::Extend(std::string_view name, std::string_view value, std::string_view separator) {
-    const size_t slot = m_slots.empty() ? 0 : Slot(name);
-    if (m_slots.empty() || m_slots[slot] == kFree) {
+    const uint32_t index = IndexOf(name);
+    if (index == kFree) {
         Add(name, value);
         return false;
     }
-    Entry& entry = m_entries[m_slots[slot]];
+    Entry& entry = m_entries[index];
     if (entry.valueStart + entry.valueLength != m_text.size()) {
         entry.valueStart = Put(std::string(m_text, entry.valueStart, entry.valueLength));
     }
@@ -76,12 +89,11 @@ void VariableList::Clear() {
     m_text.clear();
     m_entries.clear();
     m_slots.clear();
-    m_used = 0;
+    m_indexed = 0;
 }
 
 VariableList::Found VariableList::Find(std::string_view name) const {
-    if (m_slots.empty()) return {};
-    const uint32_t index = m_slots[Slot(name)];
+    const uint32_t index = IndexOf(name);
     if (index == kFree) return {};
     return {true, Value(index)};
 }

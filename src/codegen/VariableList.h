@@ -2,7 +2,8 @@
 // of a name is the one that counts.
 //
 // All text lies in one buffer with a hash index over it, because a list is built and copied for every box
-// at every save: neither costs an allocation for each variable.
+// at every save: neither costs an allocation for each variable. The index is made at the first look-up, so
+// a list that is only built and copied does without.
 #pragma once
 
 #include <cstdint>
@@ -43,12 +44,15 @@ class VariableList {
     uint32_t Put(std::string_view text);
     // The slot in which the name stands, or the free one where it belongs.
     size_t Slot(std::string_view name) const;
-    void Grow();
+    // Brings the index up to the last entry.
+    void Index() const;
+    // The entry that counts for the name, kFree if there is none.
+    uint32_t IndexOf(std::string_view name) const;
 
     std::string m_text;
     std::vector<Entry> m_entries;
-    std::vector<uint32_t> m_slots;  // a power of two of them; an entry's index or kFree
-    size_t m_used = 0;
+    mutable std::vector<uint32_t> m_slots;  // a power of two of them; an entry's index or kFree
+    mutable size_t m_indexed = 0;           // entries that the index knows
 };
 
 }  // namespace tavrin

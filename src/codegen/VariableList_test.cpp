@@ -46,7 +46,8 @@ TEST(VariableList, AnEmptyListFindsNothing) {
 TEST(VariableList, NamesAreComparedWholeAndWithCase) {
     VariableList list;
     list.Add("name", "v");
-    for (const char* other : {"Name", "nam", "names", "", "name "}) EXPECT_EQ(ValueOf(list, other), "(none)") << other;
+    for (const char* other : {"Name", "nam", "names", "", "name "})
+        EXPECT_EQ(ValueOf(list, other), "(none)") << other;
 }
 
 TEST(VariableList, AnEmptyNameIsANameAndAnEmptyValueIsAValue) {
@@ -134,7 +135,8 @@ TEST(VariableList, BehavesAsAListThatIsSearchedFromItsStart) {
     VariableList list;
     std::vector<std::pair<std::string, std::string>> model;
     const auto find = [&model](const std::string& name) {
-        return std::find_if(model.begin(), model.end(), [&name](const auto& pair) { return pair.first == name; });
+        return std::find_if(model.begin(), model.end(),
+                            [&name](const auto& pair) { return pair.first == name; });
     };
     for (int step = 0; step < 3000; ++step) {
         const std::string name(random() % 12, static_cast<char>('a' + random() % 5));

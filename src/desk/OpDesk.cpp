@@ -58,7 +58,7 @@ void COpDesk::AddMacro(CArchive& archive) {
 
 void COpDesk::AddBox(const std::string& name, bool wasSelected) {
     auto box = std::make_unique<COpBox>();
-    if (!box->Define(name, m_host.Registry(), m_host.GetSite()) || !AdmitBox(*box)) return;
+    if (!m_host.DefineBox(*box, name) || !AdmitBox(*box)) return;
     m_view.LayoutBox(*box);
     m_pendingBoxes.push_back(std::move(box));
     m_pendingPlaced = false;
@@ -122,10 +122,8 @@ void COpDesk::DropPending() {
 }
 
 void COpDesk::RemoveBox(std::unique_ptr<COpBox> box) {
-    if (box->wid != 0) {
-        m_usedWids.Remove(box->wid);
-        m_view.RemoveFromBoxFinder(box->BoxTitleWid());
-    }
+    m_usedWids.Remove(box->wid);
+    m_view.RemoveFromBoxFinder(box->BoxTitleWid());
     if (m_mouseBox == box.get()) m_mouseBox = nullptr;
     for (const auto& input : box->inputs) {
         ForgetButton(*input);

@@ -44,7 +44,7 @@ class BoxWalk {
         for (; step.input < step.box->inputs.size(); ++step.input, step.peer = 0) {
             const ConnectionSet& peers = step.box->inputs[step.input]->connections;
             while (step.peer < peers.Size()) {
-                COpBox* feeder = peers.begin()[static_cast<std::ptrdiff_t>(step.peer++)]->owner;
+                COpBox* feeder = peers.begin()[step.peer++]->owner;
                 if (!m_entered.contains(feeder)) return feeder;
             }
         }

@@ -42,7 +42,7 @@ bool DocumentReader::ReadOpBox() {
     std::string filename;
     if (!Expect("{") || !Expect("filename") || !Operand(filename)) return false;
     auto made = std::make_unique<COpBox>();
-    if (!made->Define(filename, m_host.Registry(), m_host.GetSite())) return false;
+    if (!m_host.DefineBox(*made, filename)) return false;
     COpBox& box = *m_document.m_boxes.emplace_back(std::move(made));
     // A definition may come with copies of a vinput; the file decides how many there are.
     std::erase_if(box.inputs, [](const auto& input) { return input->instance != 1; });

@@ -28,6 +28,11 @@ class DocumentHost {
     virtual const CExportOptions& ExportDefaults() const = 0;
     // Render options that documents do not hold.
     virtual bool IsUnsavedOption(const std::string& name) const = 0;
+    // Loads a new box with its operator's definition; false, reported, if that fails. Overridden where no
+    // process may be started for it.
+    virtual bool DefineBox(COpBox& box, const std::string& operatorName) {
+        return box.Define(operatorName, Registry(), GetSite());
+    }
     // Selects the library that a document names and scans its operators. False if the name is no plain
     // name of a directory, so that it could lead out of the installation; nothing is changed then.
     virtual bool UseLibrary(const std::string& name) = 0;

@@ -1,4 +1,5 @@
 // What boxes and buttons are called in generated code, and how a box turns its templates into lines.
+#include <algorithm>
 #include <unordered_set>
 
 #include "library/OpBox.h"
@@ -20,11 +21,11 @@ constexpr std::string_view kCast = "TAVRN_Cast_";
 // Sets variables that are named by a prefix and a button, reusing one buffer for the names.
 class VariableWriter {
   public:
-    VariableWriter(CCodeGen& codegen, const TypeTables& types) : m_codegen(codegen), m_types(types) {}
+    VariableWriter(CMex& mex, const TypeTables& types) : m_mex(mex), m_types(types) {}
 
     void Set(std::string_view prefix, const COpButton& button, std::string_view value) {
         m_name.assign(prefix).append(button.name);
-        m_codegen.SetVariable(m_name, value);
+        m_mex.SetVariable(m_name, value);
     }
     void SetDeclaration(const COpButton& button) {
         const TypeTables::Declaration& declaration = m_types.GetDeclaration(button.CurrentType());
@@ -34,7 +35,7 @@ class VariableWriter {
     void SetCast(const COpButton& button) { Set(kCast, button, m_types.TranslateType(button.CurrentType())); }
 
   private:
-    CCodeGen& m_codegen;
+    CMex& m_mex;
     const TypeTables& m_types;
     std::string m_name;
 };
@@ -69,8 +70,11 @@ TiebackEnd FollowTiebacks(COpButton& start, Report& report) {
                          start.owner->BoxTitleWid().c_str(), start.DisplayName().c_str(), start.tieback.c_str());
             return {};
         }
-        if (target->connections.Empty()) return {target, nullptr};
-        output = target->connections.First();
+        // An argument without a name stands for its own variable, which leads on where the target is an
+        // output: one that bears the name of a deleted input.
+        const bool leadsOn = target->fixedtext.empty() && target->arg != 0 && target->argname.empty();
+        if (target->connections.Empty() && !leadsOn) return {target, nullptr};
+        output = target->connections.Empty() ? target : target->connections.First();
     }
     return {nullptr, output};
 }
@@ -109,7 +113,15 @@ std::string COpButton::Declaration(const TypeTables& types, Report& report) {
 
 void COpBox::PrepareVariables(const TypeTables& types) {
     codegen.ClearVariables();
-    VariableWriter writer(codegen, types);
+    SetVariables(codegen.Mex(), types);
+}
+
+bool COpBox::HasFixedValue() const {
+    return std::any_of(outputs.begin(), outputs.end(), [](const auto& output) { return !output->fixedvalue.empty(); });
+}
+
+void COpBox::SetVariables(CMex& mex, const TypeTables& types) const {
+    VariableWriter writer(mex, types);
     std::string_view last;
     for (const auto& button : inputs) {
         const bool isVinput = button->kind == ButtonKind::kVinput;
@@ -124,9 +136,9 @@ void COpBox::PrepareVariables(const TypeTables& types) {
         writer.Set(kIsConnect, *button, StateText(*button));
         writer.SetCast(*button);
     }
-    codegen.SetVariable("TAVRN_BoxWid", std::to_string(wid));
-    codegen.SetVariable("TAVRN_BoxTitle", filename);
-    codegen.SetVariable("TAVRN_BoxTitleWid", BoxTitleWid());
+    mex.SetVariable("TAVRN_BoxWid", std::to_string(wid));
+    mex.SetVariable("TAVRN_BoxTitle", filename);
+    mex.SetVariable("TAVRN_BoxTitleWid", BoxTitleWid());
     for (const auto& button : outputs) {
         writer.SetDeclaration(*button);
         writer.SetCast(*button);
@@ -134,7 +146,8 @@ void COpBox::PrepareVariables(const TypeTables& types) {
 }
 
 void COpBox::GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report) {
-    CMex local = codegen.Mex();
+    CMex& local = shader.BoxExpander(codegen);
+    SetVariables(local, types);
     for (const auto& button : inputs) {
         local.AppendVariable(button->name, button->MacroValue(report), button->vargseparator);
     }
@@ -155,7 +168,7 @@ void COpBox::GenerateCode(CCodeGen& shader, const TypeTables& types, Report& rep
     if (shader.MakeComment(BoxTitleWid(), comment)) {
         shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, std::move(comment));
     }
-    shader.MergeExpanded(codegen, local, declarations);
+    shader.MergeExpanded(codegen, declarations);
 }
 
 }  // namespace tavrin

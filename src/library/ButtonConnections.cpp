@@ -14,17 +14,27 @@ bool MadeBefore(const COpButton* left, const COpButton* right) { return left->Se
 }  // namespace
 
 void ConnectionSet::Insert(COpButton& button) {
-    const auto place = std::lower_bound(m_buttons.begin(), m_buttons.end(), &button, MadeBefore);
-    if (place == m_buttons.end() || *place != &button) m_buttons.insert(place, &button);
+    if (Empty()) {
+        m_only = &button;
+        return;
+    }
+    if (m_many.empty()) {
+        if (m_only == &button) return;
+        m_many.push_back(m_only);
+        m_only = nullptr;
+    }
+    const auto place = std::lower_bound(m_many.begin(), m_many.end(), &button, MadeBefore);
+    if (place == m_many.end() || *place != &button) m_many.insert(place, &button);
 }
 
 void ConnectionSet::Erase(const COpButton& button) {
-    const auto place = std::lower_bound(m_buttons.begin(), m_buttons.end(), &button, MadeBefore);
-    if (place != m_buttons.end() && *place == &button) m_buttons.erase(place);
+    if (m_only == &button) m_only = nullptr;
+    const auto place = std::lower_bound(m_many.begin(), m_many.end(), &button, MadeBefore);
+    if (place != m_many.end() && *place == &button) m_many.erase(place);
 }
 
 bool ConnectionSet::Contains(const COpButton& button) const {
-    return std::binary_search(m_buttons.begin(), m_buttons.end(), &button, MadeBefore);
+    return std::binary_search(begin(), end(), &button, MadeBefore);
 }
 
 COpButton::~COpButton() {

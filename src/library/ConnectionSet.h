@@ -9,22 +9,24 @@ namespace tavrin {
 
 class COpButton;
 
-// Holds few members as a rule; an output with many grows in order, so that additions stay cheap.
+// Most sets have one member at most, which is held in place: a walk over a network then touches half the
+// memory. Larger ones are kept in order, to which a member made last is added cheaply.
 class ConnectionSet {
   public:
     void Insert(COpButton& button);
     void Erase(const COpButton& button);
     bool Contains(const COpButton& button) const;
 
-    bool Empty() const { return m_buttons.empty(); }
-    size_t Size() const { return m_buttons.size(); }
-    COpButton* First() const { return m_buttons.empty() ? nullptr : m_buttons.front(); }
-    COpButton* Last() const { return m_buttons.empty() ? nullptr : m_buttons.back(); }
-    std::vector<COpButton*>::const_iterator begin() const { return m_buttons.begin(); }
-    std::vector<COpButton*>::const_iterator end() const { return m_buttons.end(); }
+    bool Empty() const { return m_only == nullptr && m_many.empty(); }
+    size_t Size() const { return m_many.empty() ? (m_only == nullptr ? 0 : 1) : m_many.size(); }
+    COpButton* First() const { return m_many.empty() ? m_only : m_many.front(); }
+    COpButton* Last() const { return m_many.empty() ? m_only : m_many.back(); }
+    COpButton* const* begin() const { return m_many.empty() ? &m_only : m_many.data(); }
+    COpButton* const* end() const { return begin() + Size(); }
 
   private:
-    std::vector<COpButton*> m_buttons;
+    COpButton* m_only = nullptr;     // while `m_many` is empty
+    std::vector<COpButton*> m_many;  // by serial number
 };
 
 }  // namespace tavrin

@@ -68,12 +68,16 @@ class COpBox : public LiveObject<COpBox> {
     int CountInputsNamed(std::string_view name) const;
     void ClearButtons();
 
-    // First pass of generation, to be finished on all boxes before the second: rebuilds the box's macro
-    // variables.
+    // First pass of generation, to be finished on all boxes before the second: rebuilds the macro variables
+    // in `codegen`. They are what a fixed value is expanded with for the boxes downstream, until the next
+    // generation; nothing else reads them, so boxes without a fixed value can be left out.
     void PrepareVariables(const TypeTables& types);
+    bool HasFixedValue() const;
     // Second pass: expands the box's templates and merges them into the working copy.
     void GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report);
 
+  private:
+    void SetVariables(CMex& mex, const TypeTables& types) const;
 };
 
 }  // namespace tavrin

@@ -1,11 +1,10 @@
 #include "render/RenderSession.h"
 
-#include <unistd.h>
-
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "codegen/CodeGen.h"
 #include "render/ArgInfo.h"
+#include "render/FilterScript.h"
 #include "render/HelpLines.h"
 #include "site/Site.h"
 #include "text/Tokens.h"
@@ -44,6 +43,13 @@ void AddHelpBanner(CCodeGen& shader, const std::string& help) {
 
 bool HasWhitespace(std::string_view text) { return text.find_first_of(" \t\n") != std::string_view::npos; }
 
+RenderSession::RenderSession(CTvDoc& document, Site& site, const CCodeGen& siteCodeGen)
+    : m_document(document), m_site(site), m_siteCodeGen(siteCodeGen), m_history(site) {
+    int multiple = 1;
+    site.settings.GetSettingInt("multiplerenders", multiple);
+    m_multipleRenders = multiple != 0;
+}
+
 std::string RenderSession::ShaderName() const {
     return m_document.Path().empty() ? "Untitled" : PathBase(m_document.Path());
 }
@@ -54,7 +60,9 @@ RenderSession::Generated RenderSession::Generate() {
     AddHelpBanner(shader, m_document.customshaderhelp);
     const std::vector<COpBox*> boxes = m_document.OrderBoxes();
     // Two passes: the name of a fixed value reads another box's variables.
-    for (COpBox* box : boxes) box->PrepareVariables(m_site.types);
+    for (COpBox* box : boxes) {
+        if (box->HasFixedValue()) box->PrepareVariables(m_site.types);
+    }
     for (COpBox* box : boxes) box->GenerateCode(shader, m_site.types, m_site.report);
     Generated generated;
     shader.WriteCode(generated.code);
@@ -97,21 +105,13 @@ void RenderSession::WriteRenderOptions() {
 }
 
 bool RenderSession::RunFilter() {
-    const std::string name = ShaderName();
-    const std::string errors = m_site.WorkPath("errors.txt");
     std::string filter = "bin/codefilter";
     m_site.settings.GetSettingToken("sourcecodeprefilter", filter);
-    const std::string command = "perl " + m_site.LibraryPath("bin/redirect.pl") + " " + m_site.WorkPath("codegenfile") +
-                                " - " + errors + " " + m_site.LibraryPath(filter) + " " + name + " " +
-                                m_site.WorkPath(name);
-    ::unlink(errors.c_str());
-    ProcessInfo process;
-    if (!m_site.commands.RunCommand(command, true, &process)) return false;
-    std::string text;
-    ReadFileToText(errors, text);
-    m_site.report.LogRaw(text);
-    if (process.exitCode != 0) m_site.report.LogLine("save shader command returned %d", process.exitCode);
-    return process.exitCode == 0;
+    const std::string name = ShaderName();
+    const auto code = RunFilterScript(m_site, m_site.WorkPath("codegenfile"), m_site.LibraryPath(filter), name,
+                                      m_site.WorkPath(name));
+    if (code.value_or(0) != 0) m_site.report.LogLine("save shader command returned %d", *code);
+    return code == 0;
 }
 
 std::string RenderSession::HistoryDir(int number) const { return m_site.WorkPath(std::to_string(number)); }
@@ -141,9 +141,20 @@ bool RenderSession::KeepHistory(const std::string& name) {
     MakeDirectory(directory);
     const std::string path = JoinPath(directory, name + m_site.docExt);
     std::string error;
-    if (WriteWholeFile(path, m_document.Store(), error)) return true;
+    if (WriteWholeFile(path, m_document.Store(), error)) {
+        m_history.AddEntry(RenderHistory::EntryText(m_nextRender, name));
+        return true;
+    }
     m_site.report.Alert("unable to create history file %s", path.c_str());
     return false;
+}
+
+bool RenderSession::LoadHistoryEntry(const std::string& name, int number) {
+    const std::string file = name + m_site.docExt;
+    if (!m_document.Open(JoinPath(HistoryDir(number), file))) return false;
+    // So that a save goes to the document's own place and never into the history.
+    m_document.SetPath(m_site.directories.docBrowserDir + Separator(kNativeStyle) + file);
+    return true;
 }
 
 void RenderSession::StopRender() { m_site.commands.KillChildren(); }

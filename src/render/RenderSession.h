@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "document/TvDoc.h"
+#include "render/RenderHistory.h"
 
 namespace tavrin {
 
@@ -17,8 +18,7 @@ struct Site;
 class RenderSession {
   public:
     // `siteCodeGen` is the template of the site, copied for each save.
-    RenderSession(CTvDoc& document, Site& site, const CCodeGen& siteCodeGen)
-        : m_document(document), m_site(site), m_siteCodeGen(siteCodeGen) {}
+    RenderSession(CTvDoc& document, Site& site, const CCodeGen& siteCodeGen);
 
     // The document's file name without directory and extension; "Untitled" for one without a path.
     std::string ShaderName() const;
@@ -40,8 +40,13 @@ class RenderSession {
     // Asks all children to stop.
     void StopRender();
 
+    const RenderHistory& History() const { return m_history; }
+    // Opens the document of a history entry. Its path becomes the place of a document of that name where
+    // document dialogs open. False, reported, if it cannot be opened; the document then stays as it was.
+    bool LoadHistoryEntry(const std::string& name, int number);
+
     bool m_keepHistory = true;
-    bool m_multipleRenders = true;
+    bool m_multipleRenders = true;  // from the site's setting
     int m_nextRender = 1;  // number of the next render; grows with every render started
 
   private:
@@ -54,6 +59,7 @@ class RenderSession {
     CTvDoc& m_document;
     Site& m_site;
     const CCodeGen& m_siteCodeGen;
+    RenderHistory m_history;
 };
 
 // True if the text contains a blank, a tab or a line feed.

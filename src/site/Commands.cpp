@@ -74,6 +74,8 @@ bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* pr
     while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
     }
     const std::lock_guard lock(m_waitedMutex);
+    // What an interrupted command leaves behind in its group goes with it.
+    if (m_interrupted) ::kill(-child, SIGKILL);
     m_waitedFor = -1;
     const int exitCode = WaitForEnd(child);
     if (processInfo != nullptr) processInfo->exitCode = exitCode;
@@ -160,6 +162,8 @@ void Commands::Work(Child& child, const Start& start) {
         while (::waitid(P_PID, static_cast<id_t>(pid), &information, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
         }
         const std::lock_guard lock(m_childMutex);
+        // What the child leaves behind in its group goes with it; not yet reaped, it still holds the number.
+        if (m_ending) ::kill(-pid, SIGKILL);
         child.pid = -1;
         exitCode = WaitForEnd(pid);
     }

@@ -17,10 +17,10 @@
 namespace tavrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using test::ReadFile;
 using test::TempDir;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 bool WaitUntil(const std::function<bool()>& condition) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
@@ -42,7 +42,8 @@ class CommandsTest : public testing::Test {
 
     // Runs the command with its output caught.
     std::string OutputOf(const std::string& command) {
-        const FileDescriptor output(::open((directory / "output").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+        const FileDescriptor output(
+            ::open((directory / "output").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
         commands.SetCommandOutput(output.Get());
         EXPECT_TRUE(commands.RunCommand(command, true));
         commands.SetCommandOutput(-1);
@@ -108,7 +109,8 @@ TEST_F(CommandsTest, CommandsSeeTheEnvironmentOfTheSite) {
 TEST_F(CommandsTest, ACommandThatIsNotWaitedForRunsOn) {
     const std::string go = directory / "go";
     const std::string done = directory / "done";
-    ASSERT_TRUE(commands.RunCommand(Script("while [ ! -e " + go + " ]; do sleep 0.01; done; echo x > " + done), false));
+    ASSERT_TRUE(commands.RunCommand(
+        Script("while [ ! -e " + go + " ]; do sleep 0.01; done; echo x > " + done), false));
     EXPECT_FALSE(PathExists(done));
     EXPECT_FALSE(commands.AnyChildRunning());
     EXPECT_FALSE(commands.AnyProcessLeft());
@@ -126,35 +128,41 @@ TEST_F(CommandsTest, ACommandThatIsNotWaitedForLeavesNothingBehind) {
     }));
 }
 
-TEST_F(CommandsTest, InterruptingEndsTheCommandThatIsWaitedFor) {
+TEST_F(CommandsTest, InterruptingEndsTheCommandThatIsWaitedForAndItsChildren) {
     const std::string pidFile = directory / "pid";
     const std::string command = Script("sleep 1000 &\necho $! > " + pidFile + "\nwait\n");
-    bool interrupted = false;
     std::thread other([&] {
         WaitUntil([&] { return ReadFile(pidFile).ends_with('\n'); });
-        interrupted = commands.InterruptCommand(SIGTERM);
+        commands.InterruptCommand(SIGTERM);
     });
     ProcessInfo info;
     EXPECT_TRUE(commands.RunCommand(command, true, &info));
     other.join();
-    EXPECT_TRUE(interrupted);
     EXPECT_EQ(info.exitCode, 128 + SIGTERM);
-    // Its own children are ended with it; whoever inherits them may take a moment to bury them.
+    // Whoever inherits the command's own child may take a moment to bury it.
     const std::string stat = "/proc/" + std::to_string(std::stoi(ReadFile(pidFile))) + "/stat";
-    EXPECT_TRUE(WaitUntil([&] { return !PathExists(stat) || ReadFile(stat).find(") Z ") != std::string::npos; }));
+    EXPECT_TRUE(WaitUntil([&] {
+        const std::string state = ReadFile(stat);
+        return state.empty() || state.find(") Z ") != std::string::npos;
+    }));
 }
 
-TEST_F(CommandsTest, WithoutACommandThereIsNothingToInterrupt) {
-    EXPECT_FALSE(commands.InterruptCommand(SIGTERM));
-    ASSERT_TRUE(commands.RunCommand("true", true));
-    EXPECT_FALSE(commands.InterruptCommand(SIGTERM));
+TEST_F(CommandsTest, AfterAnInterruptNoCommandStarts) {
+    commands.InterruptCommand(SIGTERM);
+    const std::string done = directory / "done";
+    EXPECT_FALSE(commands.RunCommand("touch " + done, true));
+    EXPECT_FALSE(commands.RunCommand("touch " + done, false));
+    EXPECT_FALSE(commands.RunCommand("no-such-program", true));
+    EXPECT_FALSE(PathExists(done));
+    EXPECT_THAT(sink.alerts, IsEmpty());
 }
 
 TEST_F(CommandsTest, ACommandThatIsNotWaitedForIsNotInterrupted) {
     const std::string go = directory / "go";
     const std::string done = directory / "done";
-    ASSERT_TRUE(commands.RunCommand(Script("while [ ! -e " + go + " ]; do sleep 0.01; done; echo x > " + done), false));
-    EXPECT_FALSE(commands.InterruptCommand(SIGKILL));
+    ASSERT_TRUE(commands.RunCommand(
+        Script("while [ ! -e " + go + " ]; do sleep 0.01; done; echo x > " + done), false));
+    commands.InterruptCommand(SIGKILL);
     directory.Write("go", "");
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(done) == "x\n"; }));
 }

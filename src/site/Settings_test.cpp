@@ -91,7 +91,8 @@ TEST(SettingToken, AnUnclosedQuoteEndsWithTheValue) { EXPECT_EQ(TokenOf("\"a b")
 TEST(SettingToken, AnEmptyValueDeliversTheEmptyText) { EXPECT_EQ(TokenOf(""), ""); }
 
 TEST(SettingToken, ReadsWhatTheTokenReaderReads) {
-    for (const std::string value : {"one two", "a\vb c", "a\fb", "a\"b c\"d", "x#y", "\"a#b\"", "a\\\\b", "\"q", "\\\"a b"}) {
+    for (const std::string value :
+         {"one two", "a\vb c", "a\fb", "a\"b c\"d", "x#y", "\"a#b\"", "a\\\\b", "\"q", "\\\"a b"}) {
         CArchive archive = test::ArchiveOf(value);
         std::string token;
         ASSERT_TRUE(ReadToken(archive, token));

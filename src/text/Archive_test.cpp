@@ -55,6 +55,13 @@ TEST(Archive, OnlyTheLastCarriageReturnBelongsToTheLineEnd) {
     EXPECT_EQ(line, "a\rb\r");
 }
 
+TEST(Archive, ACarriageReturnWithoutALineFeedIsText) {
+    CArchive archive = ArchiveOf("last\r");
+    std::string_view line;
+    ASSERT_TRUE(archive.ReadLine(line));
+    EXPECT_EQ(line, "last\r");
+}
+
 TEST(Archive, BytesAndLinesShareOnePosition) {
     CArchive archive = ArchiveOf("one two\nthree\n");
     archive.ReadByte();

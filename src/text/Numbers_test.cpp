@@ -18,7 +18,8 @@ TEST(ParseInt, TakesTheLeadingNumber) {
 }
 
 TEST(ParseInt, TextWithoutANumberIsZero) {
-    for (const char* text : {"", "abc", "-", "+", "+-5", "-+5", "++5", "- 5", ".5"}) EXPECT_EQ(ParseInt(text), 0) << text;
+    for (const char* text : {"", "abc", "-", "+", "+-5", "-+5", "++5", "- 5", ".5"})
+        EXPECT_EQ(ParseInt(text), 0) << text;
 }
 
 TEST(ParseInt, NumbersBeyondTheRangeAreHeldAtItsEnds) {
@@ -48,8 +49,9 @@ TEST(ParseFloat, NumbersBeyondTheRangeBecomeInfiniteOrZero) {
 }
 
 TEST(FormatG, PrintsAsPrintfDoes) {
-    for (const double value : {0.0, -0.0, 1.0, 0.1, 0.5, -2.25, 100000.0, 1000000.0, 123456.7, 0.0001, 0.00001, 1e300,
-                               static_cast<double>(0.1F), static_cast<double>(1.0F / 3.0F), 16777216.0}) {
+    for (const double value :
+         {0.0, -0.0, 1.0, 0.1, 0.5, -2.25, 100000.0, 1000000.0, 123456.7, 0.0001, 0.00001, 1e300,
+          static_cast<double>(0.1F), static_cast<double>(1.0F / 3.0F), 16777216.0}) {
         char expected[64];
         std::snprintf(expected, sizeof expected, "%g", value);
         EXPECT_EQ(FormatG(value), expected);
@@ -93,6 +95,14 @@ TEST(FieldScanner, ANumberThatDoesNotFitLeavesThePosition) {
     EXPECT_EQ(scanner.Float(), std::nullopt);
     EXPECT_EQ(scanner.Rest(), " x1");
     EXPECT_EQ(scanner.Word(), "x1");
+}
+
+TEST(FieldScanner, BlanksBehindANumberStay) {
+    FieldScanner scanner("1  2.5 =");
+    EXPECT_EQ(scanner.Int(), 1);
+    EXPECT_EQ(scanner.Rest(), "  2.5 =");
+    EXPECT_EQ(scanner.Float(), 2.5F);
+    EXPECT_FALSE(scanner.Literal("="));
 }
 
 TEST(FieldScanner, NumbersNeedNoBlanksBetweenThem) {

@@ -9,10 +9,10 @@
 namespace tavrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using test::ArchiveOf;
 using test::CollectingSink;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 class ReportTest : public testing::Test {
   protected:

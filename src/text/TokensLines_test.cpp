@@ -11,11 +11,11 @@
 namespace tavrin {
 namespace {
 
+using test::ArchiveOf;
+using test::TempDir;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-using test::ArchiveOf;
-using test::TempDir;
 
 std::vector<std::pair<std::string, std::string>> PairsOf(CArchive& archive) {
     std::vector<std::pair<std::string, std::string>> pairs;
@@ -31,11 +31,13 @@ std::vector<std::pair<std::string, std::string>> PairsOf(std::string_view text) 
 }
 
 TEST(ReadKeyValueLine, SplitsAtTheFirstBlanks) {
-    EXPECT_THAT(PairsOf("  key\t  one  two  \r\nother 2\n"), ElementsAre(Pair("key", "one  two"), Pair("other", "2")));
+    EXPECT_THAT(PairsOf("  key\t  one  two  \r\nother 2\n"),
+                ElementsAre(Pair("key", "one  two"), Pair("other", "2")));
 }
 
 TEST(ReadKeyValueLine, AKeyAloneHasAnEmptyValue) {
-    EXPECT_THAT(PairsOf("first 1\nkey\nkey2   \n"), ElementsAre(Pair("first", "1"), Pair("key", ""), Pair("key2", "")));
+    EXPECT_THAT(PairsOf("first 1\nkey\nkey2   \n"),
+                ElementsAre(Pair("first", "1"), Pair("key", ""), Pair("key2", "")));
 }
 
 TEST(ReadKeyValueLine, EmptyAndCommentLinesAreSkipped) {
@@ -153,7 +155,8 @@ TEST(QuoteString, LongTextsStayWhole) {
 }
 
 TEST(QuoteString, WhatItWritesIsReadBackAsOneToken) {
-    for (const std::string text : {R"(C:\dir\file "x")", "# no comment", "", " two\nlines ", R"(\\)", R"(ends in \)"}) {
+    for (const std::string text :
+         {R"(C:\dir\file "x")", "# no comment", "", " two\nlines ", R"(\\)", R"(ends in \)"}) {
         SCOPED_TRACE(text);
         CArchive archive = ArchiveOf(QuoteString(text) + " next");
         std::string token = "stale";

@@ -11,9 +11,9 @@
 namespace tavrin {
 namespace {
 
+using test::ArchiveOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using test::ArchiveOf;
 
 std::vector<std::string> TokensOf(std::string_view text) {
     CArchive archive = ArchiveOf(text);
@@ -39,7 +39,8 @@ TokenAndRest ReadTokenAndRest(std::string_view text) {
 }
 
 TEST(ReadToken, BlanksTabsAndLineEndsSeparateTokens) {
-    EXPECT_THAT(TokensOf("  one two\tthree\r\nfour\nfive  \n"), ElementsAre("one", "two", "three", "four", "five"));
+    EXPECT_THAT(TokensOf("  one two\tthree\r\nfour\nfive  \n"),
+                ElementsAre("one", "two", "three", "four", "five"));
 }
 
 TEST(ReadToken, VerticalTabAndFormFeedBelongToTheToken) {
@@ -91,7 +92,9 @@ TEST(ReadToken, ABackslashDoesNotProtectACommentSign) {
 
 // Quotes
 
-TEST(ReadToken, QuotesHoldBlanksTogether) { EXPECT_THAT(TokensOf("\"a b\tc\" d"), ElementsAre("a b\tc", "d")); }
+TEST(ReadToken, QuotesHoldBlanksTogether) {
+    EXPECT_THAT(TokensOf("\"a b\tc\" d"), ElementsAre("a b\tc", "d"));
+}
 
 TEST(ReadToken, ClosingQuoteEndsTheToken) {
     EXPECT_THAT(TokensOf("abc\"d e\"fg"), ElementsAre("abcd e", "fg"));
@@ -107,7 +110,9 @@ TEST(ReadToken, AnUnclosedQuoteRunsToTheEndOfTheFile) {
     EXPECT_THAT(TokensOf("\"never # closed\nkey value"), ElementsAre("never # closed\nkey value"));
 }
 
-TEST(ReadToken, AnUnclosedQuoteWithNothingBehindItIsNoToken) { EXPECT_THAT(TokensOf("a \""), ElementsAre("a")); }
+TEST(ReadToken, AnUnclosedQuoteWithNothingBehindItIsNoToken) {
+    EXPECT_THAT(TokensOf("a \""), ElementsAre("a"));
+}
 
 // Backslashes
 
@@ -136,7 +141,9 @@ TEST(ReadToken, ALoneBackslashIsNoToken) {
     EXPECT_THAT(TokensOf("\\\n\\\r\nx"), ElementsAre("x"));
 }
 
-TEST(ReadToken, ABackslashInQuotesProtectsALineEnd) { EXPECT_THAT(TokensOf("\"a\\\nb\""), ElementsAre("a\nb")); }
+TEST(ReadToken, ABackslashInQuotesProtectsALineEnd) {
+    EXPECT_THAT(TokensOf("\"a\\\nb\""), ElementsAre("a\nb"));
+}
 
 // What is left of the line
 

@@ -1,10 +1,11 @@
 #include "text/ValueFormat.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <string>
 
 #include "support/TestSite.h"
@@ -13,31 +14,17 @@
 namespace tavrin {
 namespace {
 
-// A locale whose decimal sign is a comma, in force on this thread while the object lives.
-class CommaLocale {
-  public:
-    CommaLocale() {
-        const std::string command = "localedef -i de_DE -f UTF-8 '" + (m_directory / "de_DE.UTF-8") + "' 2>/dev/null";
-        if (std::system(command.c_str()) != 0) return;
-        ::setenv("LOCPATH", m_directory.Path().c_str(), 1);
-        m_locale = ::newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
-        ::unsetenv("LOCPATH");
-        if (m_locale != nullptr) m_previous = ::uselocale(m_locale);
-    }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-    ~CommaLocale() {
-        if (m_locale == nullptr) return;
-        ::uselocale(m_previous);
-        ::freelocale(m_locale);
-    }
-    bool IsInForce() const { return m_locale != nullptr; }
-
-  private:
-    test::TempDir m_directory;
-    locale_t m_locale = nullptr;
-    locale_t m_previous = nullptr;
-};
+// In a process of its own, and in a locale from this directory whose decimal sign is a comma: writes what
+// numbers look like to standard error.
+[[noreturn]] void PrintWithDecimalComma(const std::string& directory) {
+    ::setenv("LOCPATH", directory.c_str(), 1);
+    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr) ::_exit(1);
+    const std::string ours = FormatNumbers("%g %.2f %e ", {0.5, 0.25, 1.5}) + FormatG(0.5) + " " +
+                             FormatF(0.5) + " " + FormatG(ParseFloat("0.75")) + " " +
+                             FormatG(*FieldScanner("0.25").Float());
+    std::fprintf(stderr, "%s, the user's own %.1f\n", ours.c_str(), 0.5);
+    ::_exit(0);
+}
 
 TEST(FormatNumbers, EachConversionTakesOneValue) {
     EXPECT_EQ(FormatNumbers("color(%g, %g, %g)", {0.1, 0.5, 1}), "color(0.1, 0.5, 1)");
@@ -53,7 +40,9 @@ TEST(FormatNumbers, FlagsWidthAndPrecisionAreHonoured) {
               "[  1.50][2     ][+3][0004.0][ 5][6.00000]");
 }
 
-TEST(FormatNumbers, AConversionWithoutAValueGivesNothing) { EXPECT_EQ(FormatNumbers("%g-%g-%5f", {1}), "1--"); }
+TEST(FormatNumbers, AConversionWithoutAValueGivesNothing) {
+    EXPECT_EQ(FormatNumbers("%g-%g-%5f", {1}), "1--");
+}
 
 TEST(FormatNumbers, ValuesLeftOverAreDropped) { EXPECT_EQ(FormatNumbers("<%g>", {1, 2, 3}), "<1>"); }
 
@@ -84,21 +73,13 @@ TEST(FormatNumbers, ZeroBytesInThePatternStay) {
     EXPECT_EQ(FormatNumbers(std::string_view("a\0%g", 4), {1}), std::string("a\0001", 3));
 }
 
-TEST(FormatNumbers, TheUsersLocaleChangesNothing) {
-    const CommaLocale locale;
-    if (!locale.IsInForce()) GTEST_SKIP() << "no locale with a decimal comma can be made here";
-    EXPECT_EQ(FormatNumbers("%g %.2f %e", {0.5, 0.25, 1.5}), "0.5 0.25 1.500000e+00");
-    EXPECT_EQ(FormatG(0.5), "0.5");
-    EXPECT_EQ(FormatF(0.5), "0.500000");
-    EXPECT_EQ(ParseFloat("0.5"), 0.5F);
-    EXPECT_EQ(*FieldScanner("0.25").Float(), 0.25F);
-}
-
-TEST(FormatNumbers, TheUsersLocaleIsBackAfterwards) {
-    const CommaLocale locale;
-    if (!locale.IsInForce()) GTEST_SKIP() << "no locale with a decimal comma can be made here";
-    FormatNumbers("%.2f", {0.5});
-    EXPECT_STREQ(std::localeconv()->decimal_point, ",");
+TEST(FormatNumbers, TheUsersLocaleChangesNothingAndIsNotChanged) {
+    const test::TempDir directory;
+    const std::string command =
+        "localedef -i de_DE -f UTF-8 '" + (directory / "de_DE.UTF-8") + "' 2>/dev/null";
+    if (std::system(command.c_str()) != 0) GTEST_SKIP() << "no locale with a decimal comma can be made here";
+    EXPECT_EXIT(PrintWithDecimalComma(directory.Path()), testing::ExitedWithCode(0),
+                "^0\\.5 0\\.25 1\\.500000e\\+00 0\\.5 0\\.500000 0\\.75 0\\.25, the user's own 0,5\n");
 }
 
 TEST(FormatString, TheConversionTakesTheText) {
@@ -106,7 +87,9 @@ TEST(FormatString, TheConversionTakesTheText) {
     EXPECT_EQ(FormatString("%s", ""), "");
 }
 
-TEST(FormatString, PercentSignsInTheTextStay) { EXPECT_EQ(FormatString("<%s>", "%s %n 100%"), "<%s %n 100%>"); }
+TEST(FormatString, PercentSignsInTheTextStay) {
+    EXPECT_EQ(FormatString("<%s>", "%s %n 100%"), "<%s %n 100%>");
+}
 
 TEST(FormatString, ZeroBytesInTheTextStay) {
     EXPECT_EQ(FormatString("<%s>", std::string_view("a\0b", 3)), std::string("<a\0b>", 5));

@@ -171,6 +171,138 @@ make_path("$dir/lib/glsl/dir.glsl");
 is(run(section([]) . shader(['//@use dir'], @good)), 1, 'a directory');
 like($err, qr{//\@use dir}, 'is refused');
 
+# ---- the types of shader
+
+# Writes the render options; no words take them away.
+sub choose {
+	my ($type) = @_;
+	delete $ENV{TAVRN_RENOPTS};
+	$ENV{TAVRN_RENOPTS} = put('options', "setenv MRAY_SIZE \"320,240\"\r\nsetenv TAVRN_SHADER_TYPE \"$type\"\r\n")
+		if defined $type;
+}
+
+sub files { join ' ', map { s{.*/}{}r } glob "$dir/work/*" }
+
+put('lib/glsl/scene.glsl', "in vec3 tvPlace;\nuniform vec4 tvLamp[2];\nout vec4 tvColor;\n"
+	. "vec3 tvShine(vec3 n) { return n * tvLamp[0].xyz; }\n");
+put('lib/glsl/helper.glsl', "// The helper of helpers.\nconst float LIMIT = 2.0;\nstruct Pair { float a; float b; };\n"
+	. "#define TWICE(x) ((x) * 2.0)\nfloat helper(float x)\n{\n    Pair pair = Pair(x, LIMIT);\n"
+	. "    return min(pair.a, TWICE(pair.b)); // helper\n}\nvec3 mrSeen(\n    in vec3 p,\n    in float amount)\n"
+	. "{\n    return p * helper(amount);\n}\n");
+my $scene = join "\n", '#version 330 core', '// Shader demo', '//@prelude scene', '//@arguments', '//@use helper',
+	'void main()', '{', '    tvColor = vec4(0.0, 0.0, 0.0, 1.0);', '    float Noise_1_result;', '    ', '    // Noise_1',
+	'    {', '        float mr_x = helper(Ks);', '        Noise_1_result = mr_x;', '    }', '    ', '    // Metal_2',
+	'    if (Noise_1_result < 0.0)', '        return;',
+	'    tvColor = vec4(tvShine(mrSeen(tvPlace, Noise_1_result)) * tint, 1.0);', '}', '';
+my @knobs = (arg('Ks', 'float', '0.500000', range => '0.000000 1.000000', comment => 'weight of the gloss'),
+	arg('tint', 'rgb', 'vec3(0.5, 0.2, 0.1)'));
+
+choose('surface');
+is(run(section([], @knobs) . $scene), 0, 'a surface shader');
+is($err, '', 'without a word');
+like($source, qr{^#version 330 core\n.*^in vec3 tvPlace;.*^uniform float Ks = .*^void main\(\)}ms, 'is whole');
+is(files(), 'demo demo.spv', 'and all there is');
+my $surface = $source;
+choose(undef);
+run(section([], @knobs) . $scene);
+is($source, $surface, 'it is what comes if nothing is chosen');
+choose('');
+run(section([], @knobs) . $scene);
+is($source, $surface, 'or if nothing is what is chosen');
+
+choose('module');
+is(run(section(['A metal.', '*/'], @knobs) . ($scene =~ s{^// Shader.*\n}{$&/*\n@{['*' x 72]}\nA metal.\n*/\n@{['*' x 72]}\n*/\n}mr)), 0,
+	'a module');
+is($err, '', 'without a word');
+is(files(), 'demo demo.frag demo.spv', 'has a whole shader beside it');
+is(unpack('V', get("$base.spv") // ''), 0x07230203, 'which is compiled');
+like($source, qr{^#ifndef TAVRN_MODULE_demo\n#define TAVRN_MODULE_demo\n/\*\n}, 'it guards itself and begins with the help text');
+like($source, qr{^A metal\.\n\* /$}m, 'which cannot end its comment');
+like($source, qr{^#endif // TAVRN_MODULE_demo\n\z}m, 'ends with its guard');
+unlike($source, qr{\bmain\b|^\s*(?:uniform|in|out)\s[^()]*;|#version|Shader demo}m, 'has no main and nothing of the outside');
+like($source, qr{^vec4 demo\(\n    float Ks, // = 0\.500000  \[0 1\]  weight of the gloss\n    vec3 tint // = vec3\(0\.5, 0\.2, 0\.1\)\n\)\n\{\n}m,
+	'its function has the arguments as parameters, with their defaults');
+like($source, qr{^    vec4 tvColor;\n    tvColor = vec4\(0\.0.*^    return tvColor;\n\}\n}ms, 'and gives the colour');
+like($source, qr{< 0\.0\)\n        return tvColor;\n}, 'wherever the statements leave it');
+like($source, qr{^//   tvPlace tvShine\(\)$}m, 'it tells what it wants of the renderer');
+like($source, qr{demo_LIMIT = 2\.0.*struct demo_Pair.*define demo_TWICE\(x\).*float demo_helper\(float x\).*vec3 demo_mrSeen\(\n    in vec3 p}s,
+	'what it defines bears its name');
+like($source, qr{demo_Pair pair = demo_Pair\(x, demo_LIMIT\);\n    return min\(pair\.a, demo_TWICE\(pair\.b\)\);},
+	'wherever it is used');
+like($source, qr{^        float mr_x = demo_helper\(Ks\);$}m, 'in the function too, with what it is indented by');
+my ($module, $complete) = ($source, get("$base.frag"));
+like($complete, qr{^#version 330 core\n.*in vec3 tvPlace;.*\Q$module\E.*void main\(\)\n\{\n    tvColor = demo\(0\.500000, vec3\(0\.5, 0\.2, 0\.1\)\);\n\}\n\z}s,
+	'the whole shader holds the module as it is, and calls it with the defaults');
+unlike($complete, qr{\bKs = }, 'without declaring the arguments');
+
+{
+	# Two modules, the same functions in both, in one shader; one of them twice.
+	my $first = $base;
+	$base = "$dir/work/other";
+	my $other = $module =~ s/\bdemo(_|\b)/other$1/gr =~ s/MODULE_demo/MODULE_other/gr;
+	put('both.frag', "#version 330 core\n" . get("$dir/lib/glsl/scene.glsl") . $module . $other . $module
+		. "void main() { tvColor = demo(0.5, vec3(1.0)) + other(0.1, vec3(0.0)); }\n");
+	is(system("glslangValidator -S frag $dir/both.frag >$dir/out 2>&1"), 0, 'modules can stand side by side')
+		or diag get("$dir/out");
+	$base = $first;
+}
+
+is(run(section([]) . ($scene =~ s/Ks/1.0/r =~ s/tint/1.0/r)), 0, 'a module without arguments');
+like($source, qr{^vec4 demo\(\)\n\{}m, 'has a function without parameters');
+is(run(section([], @knobs, $knobs[0]) . $scene), 0, 'an argument that two boxes share');
+is(() = $source =~ /float Ks/g, 1, 'is one parameter');
+
+choose('surface');
+run(section([], @knobs) . $scene);
+is(files(), 'demo demo.spv', 'back to a surface, the whole shader of the module is gone');
+
+choose('module');
+is(run(section([], @knobs) . ($scene =~ s/mr_x = helper/mr_x = nowhere/r)), 1, 'a fault in a module');
+my @lines = split /\n/, $source;
+like($err, qr{^demo: line (\d+) \(box Noise_1\): 'nowhere'}m, 'is placed at its box');
+$err =~ /line (\d+)/;
+like($lines[$1 - 1], qr/nowhere/, 'and its line in the module');
+ok(!-e "$base.spv", 'and leaves nothing compiled');
+is(run(section([], arg('Ks', 'float', 'vec2(1.0)', box => 'Mix', button => 'amount'), $knobs[1]) . $scene), 1,
+	'a default that does not fit');
+like($err, qr{^demo: line \d+ of demo\.frag: }m, 'is placed in the whole shader');
+is(run(section([], arg('helper', 'float', '1.0')) . $scene), 1, 'an argument named like a function');
+like($err, qr{'helper'.*name of its own}, 'is refused');
+is(run(section([], @knobs) . ($scene =~ s{//\@use}{uniform float mine;\n//\@use}r)), 1, 'a uniform of a box');
+like($err, qr{^demo: a module cannot have 'uniform float mine' of its own}, 'is refused');
+is(run(section([]) . "#version 330 core\nfloat x;\n"), 1, 'no main');
+like($err, qr{no void main}, 'is told');
+is(run(section([], @knobs) . ($scene =~ s/\}\n\z//r)), 1, 'a main that does not end');
+like($err, qr{no closing brace}, 'is told');
+is(run(section([], @knobs) . ($scene =~ s/void main\(\)\n\{/void main() {/r)), 0, 'a brace on the line of main') or diag $err;
+is(run(section([], @knobs) . ($scene =~ s/core/core\n#extension GL_ARB_gpu_shader5 : enable/r)), 0, 'an extension');
+like($source, qr{^// It needs: #extension GL_ARB_gpu_shader5 : enable$}m, 'is asked for');
+unlike($source, qr{^#extension}m, 'but cannot stand in the middle of a shader');
+like(get("$base.frag"), qr{^#version 330 core\n#extension}, 'and stands at the head of the whole one');
+
+for my $case (['my-shader', 'my_shader'], ['2nd', 'shader_2nd'], ['mix', 'shader_mix'], ['mrNoise', 'shader_mrNoise'],
+		['a__b-', 'a_b'], ["\xc3\xa9", 'shader']) {
+	my ($called, $function) = @$case;
+	my $pid = fork;
+	if (!$pid) {
+		open STDIN, '<', put('in', section([], @knobs) . $scene) or die;
+		open STDERR, '>', "$dir/err" or die;
+		exec $filter, $called, "$dir/work/named";
+	}
+	waitpid $pid, 0;
+	is($?, 0, "a module of the name $called") or diag get("$dir/err");
+	like(get("$dir/work/named"), qr{^vec4 $function\($}m, "has the function $function");
+}
+
+choose('volume');
+is(run(section([]) . shader([], @good)), 1, 'a type of shader that there is not');
+like($err, qr{^demo: there is no shader type 'volume': it can be surface or module$}, 'is told');
+$ENV{TAVRN_RENOPTS} = "$dir/none";
+is(run(section([]) . shader([], @good)), 1, 'render options that cannot be read');
+like($err, qr{^demo: cannot read the render options \Q$dir\E/none: No such file}, 'are told');
+choose(undef);
+unlink glob "$dir/work/*";
+
 # ---- errors of the check
 
 is(run(section([]) . shader([], '    Noise_1_result = foo;', '    ', '    // Clear Coat_12',
@@ -243,10 +375,16 @@ is(system("$filter demo 2>$dir/err </dev/null") >> 8, 2, 'a missing word');
 	my @files = grep { $_ ne 'surface' } map { m{([^/]+)\.glsl$} } glob "$mray/glsl/*.glsl";
 	cmp_ok(scalar @files, '>', 5, 'the library has its functions');
 	for my $file (@files) {
-		is(run(section([]) . join "\n", '#version 330 core', get("$mray/glsl/surface.glsl"), "//\@use $file",
-			'void main()', '{', 'tvColor = vec4(1.0);', '}'), 0, "glsl/$file.glsl") or diag $err;
+		for my $type (qw(surface module)) {
+			choose($type);
+			is(run(section([]) . join "\n", '#version 330 core', '//@prelude surface', "//\@use $file",
+				'void main()', '{', 'tvColor = vec4(1.0);', '}'), 0, "glsl/$file.glsl in a $type") or diag $err;
+		}
 	}
 }
+
+choose(undef);
+unlink "$base.frag";
 
 # ---- the checker
 

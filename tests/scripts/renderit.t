@@ -141,6 +141,22 @@ subtest 'messages name the box' => sub {
     like($text, qr/^Bad: line 3: error: no good$/m, 'outside main');
 };
 
+subtest 'a shader that is only a part' => sub {
+    put("$work/Part", "a part\n");
+    put("$work/Part.frag", "whole\n");
+    is((renderit('Part', 6))[0], 0, 'status');
+    is(slurp("$work/6/Part.frag"), "whole\n", 'the whole shader is rendered');
+    put("$work/Part.frag", "// reject\nvec4 f()\n{\n}\n// Not_1\nvec4 Part(float a)\n{\n    // Noise_3\n    b = oops;\n}\n");
+    my ($status, $text) = renderit('Part', 6);
+    is($status, 1, 'a fault');
+    like($text, qr/^Part: line 9 \(box Noise_3\): error: no good$/m, 'names the box of the part');
+    put("$work/Part.frag", "// reject\nvec4 f()\n{\n    // Noise_3\n}\n\n\n\n\n\n");
+    (undef, $text) = renderit('Part', 6);
+    like($text, qr/^Part: line 9: error: no good$/m, 'but not behind it');
+    unlink "$work/Part";
+    like((renderit('Part', 6))[1], qr/cannot read the shader \Q$work\E\/Part:/, 'a whole one alone is none');
+};
+
 subtest 'a failed render leaves no older picture' => sub {
     put("$work/Ball", "fine\n");
     renderit('Ball', 7);

@@ -1,0 +1,223 @@
+// LoadSiteDefaults: what the site files, the work directory and the children's environment come to.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "app/TvApp.h"
+#include "forms/FormFrame.h"
+#include "support/TestSite.h"
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class TvAppSiteTest : public testing::Test {
+  protected:
+    TvAppSiteTest() {
+        report.SetSink(&sink);
+        fs::create_directories(directory / "site/mray");
+        environment.Set("TAVRN_DIR", directory / "site");
+        environment.Set("TAVRN_TMPDIR", directory / "tmp");
+        environment.Set("PATH", "/usr/bin:/bin");
+    }
+
+    CTvApp& Load(const std::string& siteFile = {}) {
+        directory.Write("site/mray/tavrn.def", siteFile);
+        app = std::make_unique<CTvApp>(report, queue, environment, "/opt/tavrin/bin/tavrin");
+        app->LoadSiteDefaults();
+        return *app;
+    }
+    Site& LoadedSite(const std::string& siteFile = {}) { return Load(siteFile).GetSite(); }
+    std::string OurWorkDir(const std::string& root) const { return root + "/tavrn." + std::to_string(::getpid()); }
+
+    test::TempDir directory;
+    test::CollectingSink sink;
+    Report report;
+    PlainQueue queue;
+    Environment environment;
+    std::unique_ptr<CTvApp> app;
+};
+
+TEST_F(TvAppSiteTest, TheOperatorMenusBeginWithTheLibrarysOwn) {
+    EXPECT_THAT(LoadedSite("menudir.add ours\nmenudir.add theirs\n").menuDirs, ElementsAre("menu", "ours", "theirs"));
+}
+
+TEST_F(TvAppSiteTest, TheSiteFileAddsToTheBuiltInDataTypes) {
+    const Site& site = LoadedSite("datatype.add {\nname float\ndeclarehead \"varying float \"\n}\n");
+    EXPECT_EQ(site.types.GetDeclaration("float").head, "varying float ");
+    EXPECT_EQ(site.types.GetDeclaration("rgb").head, "color ");
+}
+
+TEST_F(TvAppSiteTest, TheSiteOverridesEditorAndDirectories) {
+    environment.Set("TAVRN_EDITORCMD", "vi");
+    const Site& site = LoadedSite(
+        "editorcmd \"gedit --wait\" # ours\ntavrnbrowser_dir documents # ours\nscriptbrowser_dir scripts\n");
+    EXPECT_EQ(site.directories.editorCmd, "gedit --wait");
+    EXPECT_EQ(site.directories.docBrowserDir, directory / "site/mray/documents");
+    EXPECT_EQ(site.directories.scriptBrowserDir, "scripts");
+}
+
+TEST_F(TvAppSiteTest, WithoutTheSettingsTheDefaultsStand) {
+    environment.Set("TAVRN_EDITORCMD", "vi");
+    const Site& site = LoadedSite();
+    EXPECT_EQ(site.directories.editorCmd, "vi");
+    EXPECT_EQ(site.directories.docBrowserDir, ".");
+    EXPECT_EQ(site.directories.scriptBrowserDir, "");
+    EXPECT_EQ(site.extShaderSource, "");
+    EXPECT_EQ(site.extCompiledShader, "");
+    EXPECT_EQ(site.extRenderIface, "");
+    EXPECT_EQ(site.extShaderIface, ".cus");
+}
+
+TEST_F(TvAppSiteTest, ExtensionsComeFromTheSite) {
+    const Site& site = LoadedSite("ext.shadersource .sl # source\next.compiledshader \".slo\"\next.renderiface .rif\n");
+    EXPECT_EQ(site.extShaderSource, ".sl");
+    EXPECT_EQ(site.extCompiledShader, ".slo");
+    EXPECT_EQ(site.extRenderIface, ".rif");
+    EXPECT_EQ(site.docExt, ".tvn");
+}
+
+TEST_F(TvAppSiteTest, TheFormGivesTheOptionsTheirDefaults) {
+    CTvApp& made = Load(
+        "roe {\nxfield {\nenvname DEPTH\nvalue 2\n}\nxfield {\nenvname SECRET\nvalue 3\nnotavrnsave\n}\n}\n"
+        "maxhistory 5\n");
+    EXPECT_EQ(made.GetAppVariable("DEPTH"), "2");
+    EXPECT_EQ(made.GetAppVariable("SECRET"), "3");
+    EXPECT_EQ(made.RenderOptionsForm().children.size(), 2U);
+    EXPECT_TRUE(made.IsUnsavedOption("SECRET"));
+    EXPECT_FALSE(made.IsUnsavedOption("DEPTH"));
+    int history = 0;
+    EXPECT_TRUE(made.GetSite().settings.GetSettingInt("maxhistory", history));
+}
+
+TEST_F(TvAppSiteTest, AFaultyFormIsReportedAndWhatItGaveStays) {
+    CTvApp& made = Load("roe {\nxfield {\nenvname DEPTH\nvalue 2\n}\nnonsense {\n}\n}\nmenudir.add ours\n");
+    EXPECT_EQ(sink.alerts.size(), 1U);
+    EXPECT_THAT(sink.LastAlert(), testing::StartsWith(directory / "site/mray/tavrn.def" + " near line "));
+    EXPECT_EQ(made.GetAppVariable("DEPTH"), "2");
+    EXPECT_THAT(made.GetSite().menuDirs, testing::Contains("ours"));
+}
+
+TEST_F(TvAppSiteTest, TheSitesTemplateAndExportDefaultsAreTheApplications) {
+    CTvApp& made = Load("codegen.linecomment \"--\"\nexportoptions {\n    tavrndir 1 /out\n}\n");
+    EXPECT_EQ(made.CodeGen().m_lineComment, "--");
+    EXPECT_EQ(made.ExportDefaults().tavrnPath, "/out/");
+}
+
+TEST_F(TvAppSiteTest, TheWorkDirectoryIsMadeBelowTheTemporaryRootWhichIsMadeToo) {
+    EXPECT_EQ(LoadedSite().directories.workDir, OurWorkDir(directory / "tmp"));
+    EXPECT_TRUE(fs::is_directory(app->GetSite().directories.workDir));
+    EXPECT_THAT(sink.alerts, IsEmpty());
+}
+
+TEST_F(TvAppSiteTest, TheTemporaryRootOfTheSystemIsUsedWhereTheEnvironmentNamesNoOther) {
+    environment.Set("TEMP", directory / "temp");
+    EXPECT_EQ(LoadedSite().directories.workDir, OurWorkDir(directory / "tmp"));
+    environment.Unset("TAVRN_TMPDIR");
+    EXPECT_EQ(LoadedSite().directories.workDir, OurWorkDir(directory / "temp"));
+    EXPECT_EQ(app->GetSite().environment.Get("TAVRN_TMPDIR"), directory / "temp");
+    environment.Set("TAVRN_TMPDIR", "");
+    EXPECT_EQ(LoadedSite().directories.workDir, OurWorkDir(directory / "temp"));
+    environment.Unset("TEMP");
+    EXPECT_EQ(LoadedSite().directories.workDir, OurWorkDir("/tmp"));
+    EXPECT_TRUE(app->CloseDown(std::chrono::milliseconds(0)));
+    EXPECT_FALSE(fs::exists(OurWorkDir("/tmp")));
+}
+
+TEST_F(TvAppSiteTest, AWorkDirectoryThatCannotBeMadeIsAlertedAndTheProgramGoesOn) {
+    environment.Set("TAVRN_TMPDIR", directory / "not/there");
+    CTvApp& made = Load();
+    const std::string path = OurWorkDir(directory / "not/there");
+    EXPECT_THAT(sink.alerts, ElementsAre("unable to create work directory " + path + "\n"));
+    EXPECT_EQ(made.GetSite().directories.workDir, path);
+    EXPECT_EQ(made.GetSite().environment.Get("TAVRN_WORKDIR"), path);
+    EXPECT_FALSE(made.StartUpProblem());
+    EXPECT_TRUE(made.CloseDown(std::chrono::milliseconds(0)));
+}
+
+TEST_F(TvAppSiteTest, AWorkDirectoryThatAnEarlierProcessLeftIsUsed) {
+    directory.Write("tmp/" + OurWorkDir("").substr(1) + "/codegenfile", "old");
+    Load();
+    EXPECT_THAT(sink.alerts, IsEmpty());
+    EXPECT_TRUE(app->CloseDown(std::chrono::milliseconds(0)));
+    EXPECT_FALSE(fs::exists(OurWorkDir(directory / "tmp")));
+}
+
+TEST_F(TvAppSiteTest, AFileOrALinkInTheWorkDirectorysPlaceIsLeftAlone) {
+    const std::string path = OurWorkDir(directory / "tmp");
+    directory.Write("tmp/" + OurWorkDir("").substr(1), "precious");
+    Load();
+    EXPECT_THAT(sink.alerts, ElementsAre("unable to create work directory " + path + "\n"));
+    EXPECT_TRUE(app->CloseDown(std::chrono::milliseconds(0)));
+    EXPECT_EQ(test::ReadFile(path), "precious");
+
+    fs::remove(path);
+    directory.Write("elsewhere/precious", "x");
+    fs::create_symlink(directory / "elsewhere", path);
+    Load();
+    EXPECT_EQ(sink.alerts.size(), 2U);
+    EXPECT_TRUE(app->CloseDown(std::chrono::milliseconds(0)));
+    EXPECT_TRUE(fs::exists(directory / "elsewhere/precious"));
+}
+
+TEST_F(TvAppSiteTest, ChildrenAreToldOfEveryDirectory) {
+    environment.Set("TAVRN_EDITORCMD", "vi");
+    environment.Set("TAVRN_DEBUG", "1");
+    const Site& site = LoadedSite("editorcmd \"gedit -w\"\n");
+    const std::string work = OurWorkDir(directory / "tmp");
+    EXPECT_THAT(site.environment.ToList(),
+                ElementsAre("COMSPEC=/bin/sh",
+                            "PATH=" + directory / "site/bin" + ":/opt/tavrin/libexec/tavrin:/usr/bin:/bin",
+                            "TAVRN_DEBUG=0", "TAVRN_DIR=" + directory / "site",
+                            "TAVRN_EDITORCMD=\"gedit -w\"", "TAVRN_LIB=" + directory / "site/mray",
+                            "TAVRN_RENOPTS=" + work + "/render_options", "TAVRN_TMPDIR=" + directory / "tmp",
+                            "TAVRN_WORKDIR=" + work));
+    EXPECT_TRUE(site.debugMode);
+}
+
+TEST_F(TvAppSiteTest, ChildrenInheritTheQuietModeAsItIs) {
+    environment.Set("TAVRN_QUIET", "yes");
+    EXPECT_EQ(LoadedSite().environment.Get("TAVRN_QUIET"), "yes");
+    environment.Unset("TAVRN_QUIET");
+    EXPECT_EQ(LoadedSite().environment.Get("TAVRN_QUIET"), std::nullopt);
+}
+
+TEST_F(TvAppSiteTest, WithoutASearchPathChildrenGetThePlatforms) {
+    environment.Unset("PATH");
+    EXPECT_EQ(LoadedSite().environment.Get("PATH"),
+              directory / "site/bin" + ":/opt/tavrin/libexec/tavrin:/usr/bin:/bin");
+}
+
+TEST_F(TvAppSiteTest, ACommandSeesTheChildrensEnvironment) {
+    Site& site = LoadedSite();
+    const std::string script =
+        directory.Write("show.sh", "printf '%s %s' \"$TAVRN_WORKDIR\" \"$COMSPEC\" > \"$TAVRN_WORKDIR/shown\"\n");
+    ASSERT_TRUE(site.commands.RunCommand("sh " + script, true));
+    EXPECT_EQ(test::ReadFile(site.WorkPath("shown")), site.directories.workDir + " /bin/sh");
+}
+
+TEST_F(TvAppSiteTest, KillFilesLieInTheWorkDirectory) {
+    Site& site = LoadedSite();
+    const std::string perlExec = directory.Write("site/bin/PerlExec", "#!/bin/sh\nprintf %s \"$TAVRN_KILLFILE\"\n");
+    fs::permissions(perlExec, fs::perms::owner_all);
+    site.commands.RunScriptCommand("script");
+    while (site.commands.AnyProcessLeft()) queue.RunPending(std::chrono::milliseconds(10));
+    queue.RunPending();
+    EXPECT_EQ(sink.log, site.WorkPath("kill.1"));
+}
+
+TEST_F(TvAppSiteTest, TheProcessEnvironmentIsNotWritten) {
+    const auto before = Environment::FromProcess().ToList();
+    Load();
+    app->UseLibrary("other");
+    app->CloseDown(std::chrono::milliseconds(0));
+    EXPECT_EQ(Environment::FromProcess().ToList(), before);
+}
+
+}  // namespace
+}  // namespace tavrin

@@ -1,0 +1,152 @@
+// Saving a document so that nothing is ever lost.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "support/TestHost.h"
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ReadFile;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+// While it lives, files can only grow to this size: what a write to a full disk looks like.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &m_previous);
+        rlimit limit = m_previous;
+        limit.rlim_cur = bytes;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &m_previous);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+  private:
+    void (*m_handler)(int);
+    rlimit m_previous{};
+};
+
+class TvDocSave : public test::DocumentTest {
+  protected:
+    TvDocSave() { fs::create_directory(folder); }
+
+    bool Save(const std::string& to) { return document.Save(to, error); }
+    std::vector<std::string> NamesInFolder() {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+        return names;
+    }
+    static mode_t ModeOf(const std::string& file) {
+        struct stat status {};
+        EXPECT_EQ(::stat(file.c_str(), &status), 0);
+        return status.st_mode & 07777;
+    }
+
+    std::string folder = host.Directory() / "documents";
+    std::string path = folder + "/doc.tvn";
+    std::string error;
+};
+
+TEST_F(TvDocSave, TheFileHoldsTheDocumentAndIsItsPath) {
+    document.SetModified();
+    ASSERT_TRUE(Save(path)) << error;
+    EXPECT_EQ(ReadFile(path), document.Store());
+    EXPECT_EQ(document.Path(), path);
+    EXPECT_FALSE(document.IsModified());
+    EXPECT_THAT(NamesInFolder(), ElementsAre("doc.tvn"));
+    EXPECT_THAT(Alerts(), IsEmpty());
+}
+
+TEST_F(TvDocSave, AFailureLeavesTheOldFileWhole) {
+    ASSERT_TRUE(Save(path));
+    const std::string old = ReadFile(path);
+    document.toolbar = {"new"};
+    document.SetPath("/before.tvn");
+    document.SetModified();
+    {
+        const FullDisk disk(100);
+        EXPECT_FALSE(Save(path));
+    }
+    EXPECT_EQ(error, "File too large");
+    EXPECT_EQ(ReadFile(path), old);
+    EXPECT_THAT(NamesInFolder(), ElementsAre("doc.tvn"));
+    EXPECT_EQ(document.Path(), "/before.tvn");
+    EXPECT_TRUE(document.IsModified());
+    EXPECT_THAT(document.toolbar, ElementsAre("new"));
+}
+
+TEST_F(TvDocSave, ADirectoryThatIsNotThereIsAFailure) {
+    EXPECT_FALSE(Save(folder + "/missing/doc.tvn"));
+    EXPECT_EQ(error, "No such file or directory");
+    EXPECT_FALSE(Save(folder));
+    EXPECT_EQ(error, "Is a directory");
+    EXPECT_EQ(document.Path(), "");
+}
+
+TEST_F(TvDocSave, ThePermissionsOfAnOldFileStay) {
+    ASSERT_TRUE(Save(path));
+    ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+    document.toolbar = {"new"};
+    ASSERT_TRUE(Save(path));
+    EXPECT_EQ(ModeOf(path), 0640U);
+    EXPECT_EQ(ReadFile(path), document.Store());
+}
+
+TEST_F(TvDocSave, ALinkStaysALinkAndItsFileIsReplaced) {
+    const std::string target = folder + "/target.tvn";
+    ASSERT_TRUE(Save(target));
+    fs::create_symlink("target.tvn", path);
+    document.toolbar = {"new"};
+    ASSERT_TRUE(Save(path));
+    EXPECT_TRUE(fs::is_symlink(path));
+    EXPECT_EQ(ReadFile(target), document.Store());
+    EXPECT_EQ(document.Path(), path);
+}
+
+TEST_F(TvDocSave, ADocumentThatWasCutShortIsWholeOnceItIsSaved) {
+    host.Directory().Write("documents/broken.tvn", "toolbar");
+    ASSERT_TRUE(document.Open(folder + "/broken.tvn"));
+    ASSERT_TRUE(document.WasCutShort());
+    {
+        const FullDisk disk(10);
+        EXPECT_FALSE(Save(path));
+    }
+    EXPECT_TRUE(document.WasCutShort());
+    ASSERT_TRUE(Save(path));
+    EXPECT_FALSE(document.WasCutShort());
+}
+
+TEST_F(TvDocSave, SavingReordersTheStack) {
+    for (const int wid : {3, 1, 2}) Add(test::MakeLink("a", wid));
+    ASSERT_TRUE(Save(path));
+    EXPECT_THAT(test::WidsOf(document), ElementsAre(1, 2, 3));
+}
+
+TEST_F(TvDocSave, SavingTwiceGivesTheSameFileAtTheSameTime) {
+    COpBox& from = Add(test::MakeLink("a", 1));
+    for (int wid = 20; wid > 1; --wid) test::Wire(from, 0, Add(test::MakeLink("b", wid)), 0);
+    ASSERT_TRUE(Save(path));
+    const std::string first = ReadFile(path);
+    EXPECT_THAT(first, StartsWith("# Tavrn file written at " + test::kTestTime));
+    ASSERT_TRUE(Save(folder + "/copy.tvn"));
+    EXPECT_EQ(ReadFile(folder + "/copy.tvn"), first);
+    EXPECT_EQ(ReadFile(path), first);
+}
+
+}  // namespace
+}  // namespace tavrin

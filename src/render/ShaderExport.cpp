@@ -1,0 +1,100 @@
+#include "render/ShaderExport.h"
+
+#include "base/Files.h"
+#include "base/Paths.h"
+#include "document/TvDoc.h"
+#include "render/RenderSession.h"
+#include "site/Site.h"
+
+namespace tavrin {
+
+namespace {
+
+struct KindFields {
+    int CExportOptions::*flag;
+    std::string CExportOptions::*path;
+};
+
+KindFields FieldsOf(ExportKind kind) {
+    switch (kind) {
+        case ExportKind::kShaderSource:
+            return {&CExportOptions::saveSource, &CExportOptions::sourcePath};
+        case ExportKind::kCompiledShader:
+            return {&CExportOptions::saveCompiled, &CExportOptions::compiledPath};
+        case ExportKind::kShaderIface:
+            return {&CExportOptions::saveShaderIface, &CExportOptions::shaderIfacePath};
+        case ExportKind::kRenderIface:
+            break;
+    }
+    return {&CExportOptions::saveRenderIface, &CExportOptions::renderIfacePath};
+}
+
+std::string TargetWord(int flag, const std::string& path) {
+    return flag != 0 && !path.empty() ? " \"" + path + "\"" : " -";
+}
+
+}  // namespace
+
+CExportOptions ShaderExport::OnlyThis(ExportKind kind, const std::string& path) {
+    CExportOptions options;
+    const KindFields fields = FieldsOf(kind);
+    options.*fields.flag = 1;
+    options.*fields.path = path;
+    return options;
+}
+
+std::string ShaderExport::DocumentPath(ExportKind kind) const { return m_document.exportOptions.*FieldsOf(kind).path; }
+
+bool ShaderExport::ExportPathOk(const std::string& path) {
+    const std::string full = FullPath(path);
+    if (!HasWhitespace(full)) return true;
+    m_site.report.Alert("export file path \"%s\" contains whitespace", full.c_str());
+    return false;
+}
+
+// Which flag checks which path is as it has always been, the last two pairs included.
+bool ShaderExport::PathsOk(const CExportOptions& options) {
+    return (options.saveTavrn == 0 || ExportPathOk(options.tavrnPath)) &&
+           (options.saveSource == 0 || ExportPathOk(options.sourcePath)) &&
+           (options.saveCompiled == 0 || ExportPathOk(options.compiledPath)) &&
+           (options.saveRenderIface == 0 || ExportPathOk(options.shaderIfacePath)) &&
+           (options.runPostSave == 0 || ExportPathOk(options.renderIfacePath));
+}
+
+bool ShaderExport::Export(const CExportOptions& options) {
+    if (m_document.m_boxes.empty()) {
+        m_site.report.Alert("desk is empty");
+        return false;
+    }
+    if (!PathsOk(options)) return false;
+    if (options.saveTavrn != 0 && !options.tavrnPath.empty()) {
+        std::string error;
+        if (!ReplaceFile(options.tavrnPath, m_document.Store(), error)) {
+            m_site.report.Alert("unable to write shader file %s", options.tavrnPath.c_str());
+            return false;
+        }
+    }
+    if (!m_session.SaveShader()) return false;
+    m_site.commands.RunScriptCommand(m_site.LibraryPath("bin/exportall") + " " + m_session.ShaderName() +
+                                     TargetWord(options.saveSource, options.sourcePath) +
+                                     TargetWord(options.saveCompiled, options.compiledPath) +
+                                     TargetWord(options.saveShaderIface, options.shaderIfacePath) +
+                                     TargetWord(options.saveRenderIface, options.renderIfacePath) +
+                                     TargetWord(options.runPostSave, options.postSaveScript));
+    return true;
+}
+
+void UpdateExportPaths(CTvDoc& document, const Site& site) {
+    const std::string base = PathBase(document.Title());
+    CExportOptions& options = document.exportOptions;
+    const auto rename = [&base](std::string& path, const std::string& extension) {
+        path = PathDir(path) + base + extension;
+    };
+    rename(options.tavrnPath, site.docExt);
+    rename(options.sourcePath, site.extShaderSource);
+    rename(options.compiledPath, site.extCompiledShader);
+    rename(options.renderIfacePath, site.extRenderIface);
+    rename(options.shaderIfacePath, site.extShaderIface);
+}
+
+}  // namespace tavrin

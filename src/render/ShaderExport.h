@@ -1,0 +1,43 @@
+// Export: the delivery of a finished shader by the library's script.
+#pragma once
+
+#include <string>
+
+#include "document/ExportOptions.h"
+
+namespace tavrin {
+
+class CTvDoc;
+class RenderSession;
+struct Site;
+
+// The kinds of file that are exported one by one.
+enum class ExportKind { kShaderSource, kCompiledShader, kShaderIface, kRenderIface };
+
+class ShaderExport {
+  public:
+    ShaderExport(CTvDoc& document, Site& site, RenderSession& session)
+        : m_document(document), m_site(site), m_session(session) {}
+
+    // Checks the paths, writes the document's copy, saves the shader and starts the library's export script
+    // on the targets. False if it was not started; the reason has been reported.
+    bool Export(const CExportOptions& options);
+
+    // Options that export one kind of file to a path, and the path that the document has for it.
+    static CExportOptions OnlyThis(ExportKind kind, const std::string& path);
+    std::string DocumentPath(ExportKind kind) const;
+
+  private:
+    bool PathsOk(const CExportOptions& options);
+    bool ExportPathOk(const std::string& path);
+
+    CTvDoc& m_document;
+    Site& m_site;
+    RenderSession& m_session;
+};
+
+// Gives the document's five export paths its present name and the site's present extensions; their
+// directories stay. To be called on any change of name, extension or shader type.
+void UpdateExportPaths(CTvDoc& document, const Site& site);
+
+}  // namespace tavrin

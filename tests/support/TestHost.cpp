@@ -1,0 +1,123 @@
+#include "support/TestHost.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "base/Paths.h"
+
+namespace tavrin::test {
+
+namespace {
+
+// Hands the operator's file, the last argument, to the output, the second, as it stands.
+constexpr const char* kRedirect =
+    "my ($in, $out, $err, $command, $file) = @ARGV;\n"
+    "open my $from, '<:raw', $file or exit 3;\n"
+    "open my $to, '>:raw', $out or exit 4;\n"
+    "local $/;\n"
+    "my $text = <$from>;\n"
+    "print {$to} $text if defined $text;\n";
+
+constexpr const char* kLinkDefinition = "input in { float { 0 0 1 0 %g } } output out { float out }";
+
+}  // namespace
+
+TestHost::TestHost() {
+    Site& site = m_test.site;
+    site.environment.Set("SOURCE_DATE_EPOCH", "1000000000");
+    site.directories.tavrnDir = m_test.directory / "installation";
+    MakeLibrary("mini");
+    UseLibrary("mini");
+    usedLibraries.clear();
+}
+
+void TestHost::MakeLibrary(const std::string& name) {
+    m_test.directory.Write("installation/" + name + "/bin/redirect.pl", kRedirect);
+    std::filesystem::create_directories(m_test.directory / ("installation/" + name + "/menu"));
+}
+
+bool TestHost::DefineBox(COpBox& box, const std::string& operatorName) {
+    const COpEntry* entry = m_registry.FindByName(operatorName);
+    if (startsProcesses || entry == nullptr) return DocumentHost::DefineBox(box, operatorName);
+    box.filename = entry->name;
+    CArchive archive = ArchiveOf(ReadFile(entry->path), entry->path);
+    return box.ReadDefinition(archive, m_test.site.directories.libDir, m_test.report);
+}
+
+bool TestHost::UseLibrary(const std::string& name) {
+    usedLibraries.push_back(name);
+    if (name.find('/') != std::string::npos) return false;
+    Directories& directories = m_test.site.directories;
+    directories.libName = name;
+    directories.libDir = JoinPath(directories.tavrnDir, name);
+    m_registry.Clear();
+    m_registry.AddDirectory(JoinPath(directories.libDir, "menu"));
+    return true;
+}
+
+std::string TestHost::AddOperator(const std::string& name, const std::string& text, const std::string& library) {
+    MakeLibrary(library);
+    const std::string key = std::to_string(1000 + m_operatorCounts[library]++);
+    const std::string path =
+        m_test.directory.Write("installation/" + library + "/menu/" + key + "." + name, text);
+    const Directories& directories = m_test.site.directories;
+    m_registry.Clear();
+    m_registry.AddDirectory(JoinPath(directories.libDir, "menu"));
+    return path;
+}
+
+void RecordingView::RemoveFromBoxFinder(const std::string& name) {
+    const auto place = std::find(finder.begin(), finder.end(), name);
+    if (place != finder.end()) finder.erase(place);
+}
+
+std::unique_ptr<COpBox> MakeBox(const std::string& filename, const std::string& definition, int wid) {
+    CollectingSink sink;
+    Report report;
+    report.SetSink(&sink);
+    auto box = std::make_unique<COpBox>();
+    CArchive archive = ArchiveOf(definition, filename);
+    EXPECT_TRUE(box->ReadDefinition(archive, "", report)) << sink.LastAlert();
+    box->filename = filename;
+    box->wid = wid;
+    return box;
+}
+
+std::unique_ptr<COpBox> MakeLink(const std::string& filename, int wid) {
+    return MakeBox(filename, kLinkDefinition, wid);
+}
+
+void Wire(COpBox& from, size_t output, COpBox& to, size_t input) {
+    to.inputs.at(input)->Connect(*from.outputs.at(output));
+}
+
+COpBox& BoxAt(const CTvDoc& document, size_t place) {
+    return **std::next(document.m_boxes.begin(), static_cast<std::ptrdiff_t>(place));
+}
+
+std::vector<int> WidsOf(const CTvDoc& document) {
+    std::vector<int> wids;
+    for (const auto& box : document.m_boxes) wids.push_back(box->wid);
+    return wids;
+}
+
+std::string CrLfText(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        if (c == '\n') result += '\r';
+        result += c;
+    }
+    return result;
+}
+
+bool DocumentTest::Load(std::string_view text) {
+    CArchive archive = ArchiveOf(text, "doc.tvn");
+    return document.Load(archive);
+}
+
+bool DocumentTest::LoadDeskOnly(std::string_view text) {
+    CArchive archive = ArchiveOf(text, "doc.tvn");
+    return document.ReadDeskOnly(archive);
+}
+
+}  // namespace tavrin::test

@@ -1,0 +1,99 @@
+// What the tests of documents and of the desk build on: an application in small, with a library of its own.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "desk/OpDesk.h"
+#include "document/TvDoc.h"
+#include "library/OpRegistry.h"
+#include "support/TestSite.h"
+
+namespace tavrin::test {
+
+// The library "mini" is selected and holds no operator. A definition goes through a real process, which
+// hands it on as it stands, unless a test wants none. The clock stands still at kTestTime.
+class TestHost : public DocumentHost {
+  public:
+    TestHost();
+
+    Site& GetSite() override { return m_test.site; }
+    const COpRegistry& Registry() const override { return m_registry; }
+    const std::map<std::string, std::string>& AppVariables() const override { return appVariables; }
+    const CExportOptions& ExportDefaults() const override { return exportDefaults; }
+    bool IsUnsavedOption(const std::string& name) const override { return unsavedOptions.contains(name); }
+    bool DefineBox(COpBox& box, const std::string& operatorName) override;
+    // Refuses a name with a separator in it.
+    bool UseLibrary(const std::string& name) override;
+    std::string DocumentVersion() const override { return "1.3.32"; }
+
+    // Puts an operator's file into a library and scans the selected one again; the file's path.
+    std::string AddOperator(const std::string& name, const std::string& text, const std::string& library = "mini");
+
+    CollectingSink& Sink() { return m_test.sink; }
+    const TempDir& Directory() const { return m_test.directory; }
+
+    std::map<std::string, std::string> appVariables;
+    CExportOptions exportDefaults;
+    std::set<std::string> unsavedOptions;
+    std::vector<std::string> usedLibraries;  // every name that UseLibrary got
+    bool startsProcesses = true;             // false: definitions are read directly, for tests that read many
+
+  private:
+    void MakeLibrary(const std::string& name);
+
+    TestSite m_test;
+    COpRegistry m_registry{m_test.report};
+    std::map<std::string, int> m_operatorCounts;  // by library
+};
+
+inline const std::string kTestTime = "Sun Sep 09 01:46:40 2001";
+
+// A view that remembers each call as a line of text.
+class RecordingView : public DeskView {
+  public:
+    void LayoutBox(COpBox& box) override { calls.push_back("layout " + box.BoxTitleWid()); }
+    void AddToBoxFinder(const std::string& name) override { finder.push_back(name); }
+    void RemoveFromBoxFinder(const std::string& name) override;
+    void ClearBoxFinder() override { finder.clear(); }
+    void Repaint() override { calls.emplace_back("repaint"); }
+    void RefreshAllViews() override { calls.emplace_back("refresh"); }
+    void UpdateScrollBars() override { calls.emplace_back("scrollbars"); }
+
+    std::vector<std::string> calls;   // but for those of the Box Finder
+    std::vector<std::string> finder;  // what the Box Finder shows, in the order of coming
+};
+
+// A box that reads a definition from the text, without any process.
+std::unique_ptr<COpBox> MakeBox(const std::string& filename, const std::string& definition, int wid = 0);
+// A box with one float input "in" and one float output "out".
+std::unique_ptr<COpBox> MakeLink(const std::string& filename, int wid);
+
+// Connects two boxes by the positions of their buttons.
+void Wire(COpBox& from, size_t output, COpBox& to, size_t input);
+
+COpBox& BoxAt(const CTvDoc& document, size_t place);
+std::vector<int> WidsOf(const CTvDoc& document);
+
+std::string CrLfText(std::string_view text);  // each line feed as CR LF
+
+class DocumentTest : public ::testing::Test {
+  protected:
+    // Reads a text as the file "doc.tvn".
+    bool Load(std::string_view text);
+    bool LoadDeskOnly(std::string_view text);
+    // Puts a box into the network, below the others.
+    COpBox& Add(std::unique_ptr<COpBox> box) { return *document.m_boxes.emplace_back(std::move(box)); }
+    const std::vector<std::string>& Alerts() { return host.Sink().alerts; }
+
+    TestHost host;
+    CTvDoc document{host};
+};
+
+}  // namespace tavrin::test
