@@ -80,6 +80,7 @@ bool BatchRun::Start() {
     commands.OnChildEnd([this](int exitCode) {
         if (exitCode == 0) return;
         m_failed = true;
+        m_sink.EndLine();
         m_report.LogLine("script ended with status %d", exitCode);
     });
     if (m_library && !m_app->SelectLibrary(*m_library)) {
@@ -150,7 +151,9 @@ void BatchRun::DoDescribe(const std::string& operatorName) {
 }
 
 void BatchRun::Print(const std::string& text) {
-    std::string_view left = text;
+    // Cleaned like everything that a terminal may show: names of operators come from files.
+    const std::string clean = TerminalSink(STDOUT_FILENO).Cleaned(text);
+    std::string_view left = clean;
     while (!left.empty()) {
         const ssize_t count = ::write(STDOUT_FILENO, left.data(), left.size());
         if (count < 0 && errno == EINTR) continue;

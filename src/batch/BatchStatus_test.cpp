@@ -178,7 +178,7 @@ TEST_F(BatchStatusTest, AFilterThatFailsIsToldInTheLogAndNothingIsRendered) {
 TEST_F(BatchStatusTest, ARenderThatFailsIsToldInTheLog) {
     Script("renderit", "print \"half \"; exit 4;\n");
     EXPECT_EQ(Run({In("doc.tvn"), "--render"}), 1);
-    EXPECT_EQ(log, "half script ended with status 4\n");
+    EXPECT_EQ(log, "half \nscript ended with status 4\n");
     EXPECT_EQ(Run({In("doc.tvn"), "--render", "--quiet"}), 1);
     EXPECT_EQ(log, "");
 }
@@ -217,6 +217,12 @@ TEST_F(BatchStatusTest, AWorkDirectoryThatCannotBeRemovedIsAFailure) {
     EXPECT_EQ(Run({In("doc.tvn"), "--save-shader"}), 1);
     EXPECT_THAT(log, StartsWith("unable to remove " + In("tmp/tavrn.")));
     EXPECT_FALSE(NothingIsLeft());
+}
+
+TEST_F(BatchStatusTest, NamesFromFilesCannotSteerTheTerminal) {
+    Write("site/small/menu/0020.Odd\x1b[2J", "");
+    EXPECT_EQ(Run({"--list-operators"}), 0);
+    EXPECT_THAT(data, HasSubstr("\nOdd?[2J\t"));
 }
 
 TEST_F(BatchStatusTest, DataThatCannotBeWrittenIsAFailure) {

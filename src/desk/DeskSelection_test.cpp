@@ -46,8 +46,8 @@ TEST_F(DeskSelection, EveryBoxIsSelectedAtOnceAndTheViewsRefreshedIfOneChanged) 
 TEST_F(DeskSelection, ClearingASelectionRepaintsNothing) {
     COpBox& box = Add(MakeLink("a", 1));
     box.selected = 1;
-    desk.m_selectedButton = box.outputs[0].get();
-    desk.m_selectedConnects = {box.inputs[0].get()};
+    desk.m_selectedButton = box.outputs.at(0).get();
+    desk.m_selectedConnects = {box.inputs.at(0).get()};
     desk.ClearBoxSelection();
     desk.ClearSelectedButton();
     desk.ClearSelectedConnects();
@@ -60,14 +60,14 @@ TEST_F(DeskSelection, ClearingASelectionRepaintsNothing) {
 TEST_F(DeskSelection, LiveReferencesAreLeftAloneWithoutAWord) {
     COpBox& box = Add(MakeLink("a", 1));
     desk.m_mouseBox = &box;
-    desk.m_mouseButton = desk.m_selectedButton = box.outputs[0].get();
-    desk.m_selectedConnects = {box.inputs[0].get()};
+    desk.m_mouseButton = desk.m_selectedButton = box.outputs.at(0).get();
+    desk.m_selectedConnects = {box.inputs.at(0).get()};
     desk.ValidateReferences();
     EXPECT_EQ(host.Sink().log, "");
     EXPECT_EQ(desk.m_mouseBox, &box);
-    EXPECT_EQ(desk.m_mouseButton, box.outputs[0].get());
-    EXPECT_EQ(desk.m_selectedButton, box.outputs[0].get());
-    EXPECT_THAT(desk.m_selectedConnects, ElementsAre(box.inputs[0].get()));
+    EXPECT_EQ(desk.m_mouseButton, box.outputs.at(0).get());
+    EXPECT_EQ(desk.m_selectedButton, box.outputs.at(0).get());
+    EXPECT_THAT(desk.m_selectedConnects, ElementsAre(box.inputs.at(0).get()));
     desk.m_mouseBox = nullptr;
     desk.m_mouseButton = desk.m_selectedButton = nullptr;
     desk.ValidateReferences();
@@ -79,9 +79,9 @@ TEST_F(DeskSelection, EachStaleReferenceIsLoggedAndMended) {
     auto gone = MakeLink("gone", 2);
     document.m_boxes.emplace_front(gone.get());  // the list believes that it owns the box
     desk.m_mouseBox = gone.get();
-    desk.m_mouseButton = gone->inputs[0].get();
-    desk.m_selectedButton = gone->outputs[0].get();
-    desk.m_selectedConnects = {gone->inputs[0].get(), kept.inputs[0].get(), gone->inputs[0].get()};
+    desk.m_mouseButton = gone->inputs.at(0).get();
+    desk.m_selectedButton = gone->outputs.at(0).get();
+    desk.m_selectedConnects = {gone->inputs.at(0).get(), kept.inputs.at(0).get(), gone->inputs.at(0).get()};
     gone.reset();
     desk.ValidateReferences();
     EXPECT_EQ(host.Sink().log,
@@ -93,7 +93,7 @@ TEST_F(DeskSelection, EachStaleReferenceIsLoggedAndMended) {
               "WARNING: m_mouseBox is invalid\r\n");
     EXPECT_THAT(WidsOf(document), ElementsAre(1));
     EXPECT_EQ(desk.m_selectedButton, nullptr);
-    EXPECT_THAT(desk.m_selectedConnects, ElementsAre(kept.inputs[0].get()));
+    EXPECT_THAT(desk.m_selectedConnects, ElementsAre(kept.inputs.at(0).get()));
     EXPECT_EQ(desk.m_mouseButton, nullptr);
     EXPECT_EQ(desk.m_mouseBox, nullptr);
     EXPECT_THAT(Alerts(), IsEmpty());
@@ -105,8 +105,8 @@ TEST_F(DeskSelection, ANetworkIsTakenUpInItsOrder) {
     COpBox& old = Add(MakeLink("old", 1));
     desk.OnInitialUpdate();
     desk.m_mouseBox = &old;
-    desk.m_mouseButton = desk.m_selectedButton = old.outputs[0].get();
-    desk.m_selectedConnects = {old.inputs[0].get()};
+    desk.m_mouseButton = desk.m_selectedButton = old.outputs.at(0).get();
+    desk.m_selectedConnects = {old.inputs.at(0).get()};
     desk.m_pendingBoxes.push_back(MakeLink("waiting", 2));
     document.DeleteContents();
     Add(MakeLink("a", 2));
@@ -155,21 +155,21 @@ TEST_F(DeskSelection, NumbersOfAFileThatAreNotPositiveLeaveTheCountAtOne) {
 
 TEST_F(DeskSelection, AnOutputAndAnInputOfOneBoxCanConnectAndWouldLoop) {
     const COpBox& box = Add(MakeLink("a", 1));
-    EXPECT_TRUE(box.outputs[0]->CanConnect(*box.inputs[0]));
-    EXPECT_TRUE(box.inputs[0]->CanConnect(*box.outputs[0]));
-    EXPECT_TRUE(box.outputs[0]->WouldLoop(*box.inputs[0]));
-    EXPECT_TRUE(box.inputs[0]->WouldLoop(*box.outputs[0]));
+    EXPECT_TRUE(box.outputs.at(0)->CanConnect(*box.inputs.at(0)));
+    EXPECT_TRUE(box.inputs.at(0)->CanConnect(*box.outputs.at(0)));
+    EXPECT_TRUE(box.outputs.at(0)->WouldLoop(*box.inputs.at(0)));
+    EXPECT_TRUE(box.inputs.at(0)->WouldLoop(*box.outputs.at(0)));
 }
 
 TEST_F(DeskSelection, TwoOutputsOrTwoInputsAndFlaggedButtonsCannotConnect) {
     const COpBox& first = Add(MakeLink("a", 1));
     const COpBox& second = Add(MakeLink("b", 2));
-    EXPECT_FALSE(first.outputs[0]->CanConnect(*second.outputs[0]));
-    EXPECT_FALSE(first.inputs[0]->CanConnect(*second.inputs[0]));
-    ASSERT_TRUE(first.outputs[0]->CanConnect(*second.inputs[0]));
-    second.inputs[0]->disableconnectflag = 1;
-    EXPECT_FALSE(first.outputs[0]->CanConnect(*second.inputs[0]));
-    EXPECT_FALSE(second.inputs[0]->CanConnect(*first.outputs[0]));
+    EXPECT_FALSE(first.outputs.at(0)->CanConnect(*second.outputs.at(0)));
+    EXPECT_FALSE(first.inputs.at(0)->CanConnect(*second.inputs.at(0)));
+    ASSERT_TRUE(first.outputs.at(0)->CanConnect(*second.inputs.at(0)));
+    second.inputs.at(0)->disableconnectflag = 1;
+    EXPECT_FALSE(first.outputs.at(0)->CanConnect(*second.inputs.at(0)));
+    EXPECT_FALSE(second.inputs.at(0)->CanConnect(*first.outputs.at(0)));
 }
 
 TEST_F(DeskSelection, AChainMayBeShortcutButNotClosed) {
@@ -179,11 +179,11 @@ TEST_F(DeskSelection, AChainMayBeShortcutButNotClosed) {
         Add(MakeBox("c", "input i { rgb { 0 0 0 %g } } input j { rgb { 0 0 0 %g } } output o { rgb out }", 3));
     Wire(first, 0, second, 0);
     Wire(second, 0, third, 0);
-    EXPECT_TRUE(third.outputs[0]->WouldLoop(*first.inputs[0]));
-    EXPECT_TRUE(first.inputs[0]->WouldLoop(*third.outputs[0]));
-    EXPECT_FALSE(second.outputs[0]->WouldLoop(*third.inputs[1]));
+    EXPECT_TRUE(third.outputs.at(0)->WouldLoop(*first.inputs.at(0)));
+    EXPECT_TRUE(first.inputs.at(0)->WouldLoop(*third.outputs.at(0)));
+    EXPECT_FALSE(second.outputs.at(0)->WouldLoop(*third.inputs.at(1)));
     // Casts need not agree.
-    EXPECT_TRUE(second.outputs[0]->CanConnect(*third.inputs[1]));
+    EXPECT_TRUE(second.outputs.at(0)->CanConnect(*third.inputs.at(1)));
 }
 
 TEST_F(DeskSelection, AnInputThatIsWiredAgainGivesUpItsSource) {
@@ -191,21 +191,21 @@ TEST_F(DeskSelection, AnInputThatIsWiredAgainGivesUpItsSource) {
     COpBox& second = Add(MakeLink("b", 2));
     COpBox& target = Add(MakeLink("c", 3));
     Wire(first, 0, target, 0);
-    second.outputs[0]->Connect(*target.inputs[0]);
-    EXPECT_EQ(target.inputs[0]->connections.First(), second.outputs[0].get());
-    EXPECT_EQ(target.inputs[0]->connections.Size(), 1U);
-    EXPECT_TRUE(first.outputs[0]->connections.Empty());
+    second.outputs.at(0)->Connect(*target.inputs.at(0));
+    EXPECT_EQ(target.inputs.at(0)->connections.First(), second.outputs.at(0).get());
+    EXPECT_EQ(target.inputs.at(0)->connections.Size(), 1U);
+    EXPECT_TRUE(first.outputs.at(0)->connections.Empty());
 }
 
 TEST_F(DeskSelection, APairWiredAgainFromItsOutputKeepsTheInputsSideAloneAndDropsOutOfTheWalk) {
     COpBox& from = Add(MakeLink("a", 1));
     COpBox& to = Add(MakeLink("b", 2));
     Wire(from, 0, to, 0);
-    EXPECT_TRUE(to.outputs[0]->WouldLoop(*from.inputs[0]));
-    from.outputs[0]->Connect(*to.inputs[0]);
-    EXPECT_EQ(to.inputs[0]->connections.First(), from.outputs[0].get());
-    EXPECT_TRUE(from.outputs[0]->connections.Empty());
-    EXPECT_FALSE(to.outputs[0]->WouldLoop(*from.inputs[0]));
+    EXPECT_TRUE(to.outputs.at(0)->WouldLoop(*from.inputs.at(0)));
+    from.outputs.at(0)->Connect(*to.inputs.at(0));
+    EXPECT_EQ(to.inputs.at(0)->connections.First(), from.outputs.at(0).get());
+    EXPECT_TRUE(from.outputs.at(0)->connections.Empty());
+    EXPECT_FALSE(to.outputs.at(0)->WouldLoop(*from.inputs.at(0)));
     EXPECT_EQ(document.Store().find("opbox:a,1"), std::string::npos);
     Wire(from, 0, to, 0);  // from the input's side it is made whole
     EXPECT_NE(document.Store().find("opbox:a,1,out,0 -> opbox:b,2,in,0"), std::string::npos);

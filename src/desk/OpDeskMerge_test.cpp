@@ -53,8 +53,8 @@ TEST_F(OpDeskMerge, MergedBoxesWaitWithFreshNumbersAndTheirConnections) {
     desk.MergeBoxes(boxes);
     EXPECT_THAT(boxes, IsEmpty());
     EXPECT_THAT(Pending(), ElementsAre("a_2", "b_3"));
-    EXPECT_EQ(to.inputs[0]->connections.First(), from.outputs[0].get());
-    EXPECT_TRUE(from.outputs[0]->connections.Contains(*to.inputs[0]));
+    EXPECT_EQ(to.inputs.at(0)->connections.First(), from.outputs.at(0).get());
+    EXPECT_TRUE(from.outputs.at(0)->connections.Contains(*to.inputs.at(0)));
     EXPECT_EQ(from.selected + to.selected, 2);
     EXPECT_FALSE(desk.m_pendingPlaced);
     EXPECT_TRUE(document.IsModified());
@@ -66,15 +66,15 @@ TEST_F(OpDeskMerge, TheFirstBoxIsTheOriginOfTheGroup) {
     Bring(MakeLink("a", 1), 100, 50);
     Bring(MakeLink("b", 2), 130, 40);
     desk.MergeBoxes(boxes);
-    EXPECT_THAT(desk.m_pendingBoxes[0]->xypos, ElementsAre(0.0F, 0.0F));
-    EXPECT_THAT(desk.m_pendingBoxes[1]->xypos, ElementsAre(30.0F, -10.0F));
+    EXPECT_THAT(desk.m_pendingBoxes.at(0)->xypos, ElementsAre(0.0F, 0.0F));
+    EXPECT_THAT(desk.m_pendingBoxes.at(1)->xypos, ElementsAre(30.0F, -10.0F));
 }
 
 TEST_F(OpDeskMerge, AtAnotherZoomTheGroupMovesByItsFactor) {
     document.zoomFactor = 0.5F;
     Bring(MakeLink("a", 1), 100, 50);
     desk.MergeBoxes(boxes);
-    EXPECT_THAT(desk.m_pendingBoxes[0]->xypos, ElementsAre(50.0F, 25.0F));
+    EXPECT_THAT(desk.m_pendingBoxes.at(0)->xypos, ElementsAre(50.0F, 25.0F));
 }
 
 TEST_F(OpDeskMerge, MergingNothingChangesNothing) {
@@ -90,8 +90,8 @@ TEST_F(OpDeskMerge, MergingNothingChangesNothing) {
 
 TEST_F(OpDeskMerge, MergingClearsEverySelectionAndDestroysWhatWaits) {
     COpBox& box = Admit(MakeLink("a", 0));
-    desk.m_selectedButton = box.outputs[0].get();
-    desk.m_selectedConnects = {box.inputs[0].get()};
+    desk.m_selectedButton = box.outputs.at(0).get();
+    desk.m_selectedConnects = {box.inputs.at(0).get()};
     for (const char* name : {"first", "second"}) {
         Bring(MakeLink(name, 1), 0, 0);
         desk.MergeBoxes(boxes);
@@ -118,9 +118,9 @@ TEST_F(OpDeskMerge, BoxesBeyondTheirLimitAreRefusedAndTheirConnectionsGo) {
     EXPECT_THAT(Alerts(), ElementsAre("WARNING: not creating \"two\" (only 2 allowed on desk)"));
     EXPECT_THAT(Pending(), ElementsAre("link_2", "two_3", "link_4"));
     EXPECT_EQ(COpBox::LiveCount(), live - 1);
-    EXPECT_EQ(kept.inputs[0]->connections.First(), first.outputs[0].get());
-    EXPECT_TRUE(kept.outputs[0]->connections.Empty());
-    EXPECT_TRUE(last.inputs[0]->connections.Empty());
+    EXPECT_EQ(kept.inputs.at(0)->connections.First(), first.outputs.at(0).get());
+    EXPECT_TRUE(kept.outputs.at(0)->connections.Empty());
+    EXPECT_TRUE(last.inputs.at(0)->connections.Empty());
     EXPECT_THAT(boxes, IsEmpty());
 }
 
@@ -134,9 +134,9 @@ TEST_F(OpDeskMerge, ASavedNetworkInTheLibraryIsAnOperator) {
     desk.AddOperator("macro");
     EXPECT_THAT(Alerts(), IsEmpty());
     ASSERT_THAT(Pending(), ElementsAre("src_2", "dst_3"));
-    EXPECT_EQ(desk.m_pendingBoxes[1]->inputs[0]->connections.First(), desk.m_pendingBoxes[0]->outputs[0].get());
-    EXPECT_THAT(desk.m_pendingBoxes[0]->xypos, ElementsAre(0.0F, 0.0F));
-    EXPECT_THAT(desk.m_pendingBoxes[1]->xypos, ElementsAre(4.0F, 4.0F));
+    EXPECT_EQ(desk.m_pendingBoxes.at(1)->inputs.at(0)->connections.First(), desk.m_pendingBoxes.at(0)->outputs.at(0).get());
+    EXPECT_THAT(desk.m_pendingBoxes.at(0)->xypos, ElementsAre(0.0F, 0.0F));
+    EXPECT_THAT(desk.m_pendingBoxes.at(1)->xypos, ElementsAre(4.0F, 4.0F));
     // Boxes and connections alone come across.
     EXPECT_EQ(document.lock, 0);
     EXPECT_THAT(document.toolbar, IsEmpty());
@@ -179,19 +179,19 @@ TEST_F(OpDeskMerge, CopiesAreConnectedAmongThemselvesAsTheirOriginalsAre) {
     copies.push_back(MakeLink("before", 0));
     COpDesk::CopyBoxes({&middle, &source}, copies);
     ASSERT_EQ(copies.size(), 3U);
-    EXPECT_EQ(copies[0]->filename, "before");
-    const COpBox& newMiddle = *copies[1];
-    const COpBox& newSource = *copies[2];
+    EXPECT_EQ(copies.at(0)->filename, "before");
+    const COpBox& newMiddle = *copies.at(1);
+    const COpBox& newSource = *copies.at(2);
     EXPECT_EQ(newMiddle.filename + newSource.filename, "ms");
     EXPECT_EQ(newMiddle.wid + newMiddle.selected, 0);
-    EXPECT_EQ(newMiddle.inputs[0]->connections.First(), newSource.outputs[1].get());
-    EXPECT_TRUE(newMiddle.inputs[1]->connections.Empty());  // it led out of the copied boxes
-    EXPECT_EQ(newMiddle.inputs[2]->connections.First(), newMiddle.outputs[0].get());
-    EXPECT_EQ(newMiddle.outputs[0]->connections.Size(), 1U);
-    EXPECT_TRUE(newSource.outputs[0]->connections.Empty());
+    EXPECT_EQ(newMiddle.inputs.at(0)->connections.First(), newSource.outputs.at(1).get());
+    EXPECT_TRUE(newMiddle.inputs.at(1)->connections.Empty());  // it led out of the copied boxes
+    EXPECT_EQ(newMiddle.inputs.at(2)->connections.First(), newMiddle.outputs.at(0).get());
+    EXPECT_EQ(newMiddle.outputs.at(0)->connections.Size(), 1U);
+    EXPECT_TRUE(newSource.outputs.at(0)->connections.Empty());
     // The originals keep theirs.
-    EXPECT_EQ(middle.inputs[0]->connections.First(), source.outputs[1].get());
-    EXPECT_EQ(outside.inputs[0]->connections.First(), middle.outputs[0].get());
+    EXPECT_EQ(middle.inputs.at(0)->connections.First(), source.outputs.at(1).get());
+    EXPECT_EQ(outside.inputs.at(0)->connections.First(), middle.outputs.at(0).get());
 }
 
 TEST_F(OpDeskMerge, CopyingNothingGivesNothing) {
@@ -203,24 +203,24 @@ TEST_F(OpDeskMerge, CopyingNothingGivesNothing) {
 TEST_F(OpDeskMerge, AVinputGrowsOnEitherSide) {
     COpBox& box =
         Add(MakeBox("m", "vinput v { string { format %s } } input i { string { } } output o { float out }", 2));
-    static_cast<COpValueString&>(*box.inputs[0]->values[0]).value = "edited";
+    static_cast<COpValueString&>(*box.inputs.at(0)->values.at(0)).value = "edited";
     Wire(box, 0, box, 0);
     desk.m_mouseBox = &box;
-    desk.m_mouseButton = box.inputs[0].get();
+    desk.m_mouseButton = box.inputs.at(0).get();
     COpButton* below = desk.GrowVinput(false);
-    EXPECT_EQ(below, box.inputs[1].get());
+    EXPECT_EQ(below, box.inputs.at(1).get());
     EXPECT_TRUE(document.IsModified());
     EXPECT_THAT(view.calls, ElementsAre("layout m_2", "refresh", "repaint"));
     const COpButton* above = desk.GrowVinput(true);
-    EXPECT_EQ(above, box.inputs[0].get());
-    EXPECT_EQ(desk.m_mouseButton, box.inputs[1].get());
+    EXPECT_EQ(above, box.inputs.at(0).get());
+    EXPECT_EQ(desk.m_mouseButton, box.inputs.at(1).get());
     EXPECT_THAT(InputNames(box), ElementsAre("v1", "v2", "v3", "i"));
     for (const COpButton* copy : {above, static_cast<const COpButton*>(below)}) {
         EXPECT_EQ(copy->ValueText(), "edited");
         EXPECT_TRUE(copy->connections.Empty());
         EXPECT_EQ(copy->owner, &box);
     }
-    EXPECT_FALSE(box.inputs[1]->connections.Empty());
+    EXPECT_FALSE(box.inputs.at(1)->connections.Empty());
 }
 
 TEST_F(OpDeskMerge, NothingElseGrows) {
@@ -228,7 +228,7 @@ TEST_F(OpDeskMerge, NothingElseGrows) {
     EXPECT_EQ(desk.GrowVinput(true), nullptr);
     desk.m_mouseBox = &box;
     EXPECT_EQ(desk.GrowVinput(true), nullptr);
-    for (COpButton* button : {box.inputs[0].get(), box.outputs[0].get()}) {
+    for (COpButton* button : {box.inputs.at(0).get(), box.outputs.at(0).get()}) {
         desk.m_mouseButton = button;
         EXPECT_EQ(desk.GrowVinput(true), nullptr);
     }

@@ -109,7 +109,7 @@ TEST_F(OpDesk, AnAddedOperatorWaitsUnderTheMouse) {
     desk.m_pendingPlaced = true;
     desk.AddOperator("nOISE");
     ASSERT_THAT(Pending(), ElementsAre("Noise_1"));
-    EXPECT_EQ(desk.m_pendingBoxes[0]->selected, 1);
+    EXPECT_EQ(desk.m_pendingBoxes.at(0)->selected, 1);
     EXPECT_FALSE(desk.m_pendingPlaced);
     EXPECT_THAT(document.m_boxes, IsEmpty());
     EXPECT_FALSE(document.IsModified());
@@ -120,8 +120,8 @@ TEST_F(OpDesk, AnAddedOperatorWaitsUnderTheMouse) {
 TEST_F(OpDesk, AddingClearsEverySelectionAndRefreshesTheViewsIfABoxWasSelected) {
     host.AddOperator("noise", "output o { float out }");
     COpBox& box = Admit(MakeLink("a", 0));
-    desk.m_selectedButton = box.outputs[0].get();
-    desk.m_selectedConnects = {box.inputs[0].get()};
+    desk.m_selectedButton = box.outputs.at(0).get();
+    desk.m_selectedConnects = {box.inputs.at(0).get()};
     view.calls.clear();
     desk.AddOperator("noise");
     EXPECT_EQ(box.selected, 0);
@@ -167,7 +167,7 @@ TEST_F(OpDesk, AnOperatorThatCannotBeAddedIsAlertedAndTheDeskIsAsItWas) {
     const size_t live = COpBox::LiveCount();
     for (const auto& [name, message] : kCases) {
         desk.AddOperator("waiting");
-        desk.m_selectedButton = box.outputs[0].get();
+        desk.m_selectedButton = box.outputs.at(0).get();
         box.selected = 1;
         host.Sink().alerts.clear();
         desk.AddOperator(name);
@@ -211,9 +211,9 @@ TEST_F(OpDesk, ARemovedBoxTakesItsNumberItsNameAndEveryReferenceAlong) {
     Wire(feeder, 0, box, 0);
     Wire(box, 0, fed, 0);
     desk.m_mouseBox = &box;
-    desk.m_mouseButton = box.inputs[0].get();
-    desk.m_selectedButton = box.outputs[0].get();
-    desk.m_selectedConnects = {box.inputs[0].get(), fed.inputs[0].get()};
+    desk.m_mouseButton = box.inputs.at(0).get();
+    desk.m_selectedButton = box.outputs.at(0).get();
+    desk.m_selectedConnects = {box.inputs.at(0).get(), fed.inputs.at(0).get()};
     const size_t live = COpBox::LiveCount();
     Remove(0);
     EXPECT_EQ(COpBox::LiveCount(), live - 1);
@@ -221,9 +221,9 @@ TEST_F(OpDesk, ARemovedBoxTakesItsNumberItsNameAndEveryReferenceAlong) {
     EXPECT_EQ(desk.m_mouseButton, nullptr);
     EXPECT_EQ(desk.m_selectedButton, nullptr);
     // The input that the box fed stays a member, unconnected.
-    EXPECT_THAT(desk.m_selectedConnects, ElementsAre(fed.inputs[0].get()));
-    EXPECT_TRUE(fed.inputs[0]->connections.Empty());
-    EXPECT_TRUE(feeder.outputs[0]->connections.Empty());
+    EXPECT_THAT(desk.m_selectedConnects, ElementsAre(fed.inputs.at(0).get()));
+    EXPECT_TRUE(fed.inputs.at(0)->connections.Empty());
+    EXPECT_TRUE(feeder.outputs.at(0)->connections.Empty());
     EXPECT_THAT(view.finder, ElementsAre("b_2", "c_3"));
     EXPECT_EQ(desk.NextWid(), 1);
 }
@@ -232,12 +232,12 @@ TEST_F(OpDesk, RemovingABoxLeavesReferencesToOthersAlone) {
     Admit(MakeLink("a", 0));
     COpBox& other = Admit(MakeLink("b", 0));
     desk.m_mouseBox = &other;
-    desk.m_mouseButton = other.outputs[0].get();
-    desk.m_selectedButton = other.inputs[0].get();
+    desk.m_mouseButton = other.outputs.at(0).get();
+    desk.m_selectedButton = other.inputs.at(0).get();
     Remove(0);
     EXPECT_EQ(desk.m_mouseBox, &other);
-    EXPECT_EQ(desk.m_mouseButton, other.outputs[0].get());
-    EXPECT_EQ(desk.m_selectedButton, other.inputs[0].get());
+    EXPECT_EQ(desk.m_mouseButton, other.outputs.at(0).get());
+    EXPECT_EQ(desk.m_selectedButton, other.inputs.at(0).get());
 }
 
 TEST_F(OpDesk, ABoxThatTheFileNumbersNoughtLeavesTheBoxFinderToo) {
@@ -255,7 +255,7 @@ TEST_F(OpDesk, DeletingPendingBoxesGivesTheirNumbersBack) {
         desk.AdmitBox(*box);
         desk.m_pendingBoxes.push_back(std::move(box));
     }
-    desk.m_mouseBox = desk.m_pendingBoxes[1].get();
+    desk.m_mouseBox = desk.m_pendingBoxes.at(1).get();
     desk.DeletePending(desk.m_pendingBoxes);
     EXPECT_THAT(Pending(), IsEmpty());
     EXPECT_THAT(view.finder, IsEmpty());
@@ -314,7 +314,7 @@ TEST_F(OpDesk, TheDeskTakesItsPendingAndClipboardBoxesAlong) {
         COpDesk other(document, host, view);
         other.m_pendingBoxes.push_back(MakeLink("a", 1));
         other.m_clipboardBoxes.push_back(MakeLink("b", 0));
-        Wire(*other.m_pendingBoxes[0], 0, *other.m_clipboardBoxes[0], 0);
+        Wire(*other.m_pendingBoxes.at(0), 0, *other.m_clipboardBoxes[0], 0);
     }
     EXPECT_EQ(COpBox::LiveCount(), live);
 }

@@ -134,9 +134,9 @@ TEST_F(BoxOrder, AWalkThroughACycleEnds) {
 TEST_F(BoxOrder, AnInputWhoseSourceDoesNotNameItIsFollowedAllTheSame) {
     COpBox& source = AddLink("z", 1);
     COpBox& sink = AddLink("a", 2);
-    source.outputs[0]->Connect(*sink.inputs[0]);
-    source.outputs[0]->Connect(*sink.inputs[0]);
-    ASSERT_TRUE(source.outputs[0]->connections.Empty());
+    source.outputs.at(0)->Connect(*sink.inputs.at(0));
+    source.outputs.at(0)->Connect(*sink.inputs.at(0));
+    ASSERT_TRUE(source.outputs.at(0)->connections.Empty());
     EXPECT_THAT(Order(), ElementsAre("z_1", "a_2"));
 }
 
@@ -186,7 +186,7 @@ TEST_F(BoxOrder, EqualsThePlainWalkOnNetworksOfEveryShape) {
             expected.push_back(box);
         };
         for (COpBox* box : sorted) {
-            if (box->outputs[0]->connections.Empty() && box->outputs[1]->connections.Empty()) visit(box);
+            if (box->outputs.at(0)->connections.Empty() && box->outputs.at(1)->connections.Empty()) visit(box);
         }
         ASSERT_EQ(document.OrderBoxes(), expected) << "round " << round;
         ASSERT_EQ(expected.size(), count);
@@ -201,15 +201,15 @@ TEST_F(BoxOrder, UnconnectedInputsComeByTheNamesOfTheirBoxesAndFromTheTop) {
     Wire(first, 0, noise10, 0);
     Wire(noise2, 0, sink, 1);
     EXPECT_THAT(document.CollectUnconnectedInputs(),
-                ElementsAre(first.inputs[0].get(), first.inputs[1].get(), noise10.inputs[1].get(),
-                            noise2.inputs[0].get(), noise2.inputs[1].get(), sink.inputs[0].get()));
+                ElementsAre(first.inputs.at(0).get(), first.inputs.at(1).get(), noise10.inputs.at(1).get(),
+                            noise2.inputs.at(0).get(), noise2.inputs.at(1).get(), sink.inputs.at(0).get()));
 }
 
 TEST_F(BoxOrder, OfACycleTheUnconnectedInputsAreCollectedToo) {
     COpBox& box = AddMix("a", 1);
     Wire(box, 0, box, 0);
     EXPECT_THAT(Order(), IsEmpty());
-    EXPECT_THAT(document.CollectUnconnectedInputs(), ElementsAre(box.inputs[1].get()));
+    EXPECT_THAT(document.CollectUnconnectedInputs(), ElementsAre(box.inputs.at(1).get()));
 }
 
 TEST_F(BoxOrder, SortingByNumberKeepsBoxesOfOneNumberInTheirOrder) {

@@ -218,10 +218,10 @@ TEST_F(ButtonSection, OutputsAreMatchedByPositionAlone) {
     const char* const definition = "output a { float out rgb out } output b { float out }";
     EXPECT_TRUE(LoadBox(
         definition, Button("output renamed renamed", "rgb", "pin 1") + Button("output a a", "float", "pin 2")));
-    EXPECT_EQ(Box().outputs[0]->pin, 1);
-    EXPECT_EQ(Box().outputs[0]->name, "a");
-    EXPECT_EQ(Box().outputs[0]->CurrentType(), "rgb");
-    EXPECT_EQ(Box().outputs[1]->pin, 2);
+    EXPECT_EQ(Box().outputs.at(0)->pin, 1);
+    EXPECT_EQ(Box().outputs.at(0)->name, "a");
+    EXPECT_EQ(Box().outputs.at(0)->CurrentType(), "rgb");
+    EXPECT_EQ(Box().outputs.at(1)->pin, 2);
     ExpectStop("output a { }", Button("output a a", "\"\"") + Button("output c c", "\"\""), 5,
                "undefined output c specified");
     ExpectStop(kFloat, Button("output o o", "float"), 2, "undefined output o specified");
@@ -260,7 +260,7 @@ TEST_F(ButtonSection, ACastThatTheButtonLacksIsReportedWithThoseThatItHas) {
 TEST_F(ButtonSection, TheEmptyCastOfAnOutputWithoutAnyTypeIsTakenInSilence) {
     EXPECT_TRUE(LoadBox("output o { }", Button("output o o", "\"\"", "pin 1")));
     EXPECT_THAT(Alerts(), IsEmpty());
-    EXPECT_EQ(Box().outputs[0]->pin, 1);
+    EXPECT_EQ(Box().outputs.at(0)->pin, 1);
     EXPECT_TRUE(LoadBox("output o { float out }", Button("output o o", "\"\"")));
     EXPECT_EQ(Alerts().size(), 1U);
 }
@@ -269,9 +269,9 @@ TEST_F(ButtonSection, ReadingDoesNotSpreadACastAlongItsLocks) {
     const char* const definition = "input i { float { 0 0 0 0 %g } rgb { 0 0 0 %g } } output o { float out rgb out } "
                                    "defs { castlock.add i o }";
     EXPECT_TRUE(LoadBox(definition, Button("input i i", "rgb") + Button("output o o", "float")));
-    EXPECT_EQ(In(0).CurrentType() + Box().outputs[0]->CurrentType(), "rgbfloat");
+    EXPECT_EQ(In(0).CurrentType() + Box().outputs.at(0)->CurrentType(), "rgbfloat");
     EXPECT_TRUE(LoadBox(definition, Button("output o o", "float") + Button("input i i", "rgb")));
-    EXPECT_EQ(In(0).CurrentType() + Box().outputs[0]->CurrentType(), "rgbfloat");
+    EXPECT_EQ(In(0).CurrentType() + Box().outputs.at(0)->CurrentType(), "rgbfloat");
 }
 
 TEST_F(ButtonSection, TheFileDecidesHowManyCopiesOfAVinputThereAre) {
@@ -298,6 +298,24 @@ TEST_F(ButtonSection, AVinputWhoseFirstCopyIsMissingGetsAFurtherOne) {
     EXPECT_TRUE(LoadBox(kVinput, Button("vinput v v7", "string", "string 7")));
     EXPECT_THAT(InputNames(), ElementsAre("v1", "v2", "w"));
     EXPECT_EQ(Text(0) + Text(1), "start7");
+}
+
+TEST_F(ButtonSection, VinputsOfOneNameThatComeToStandTogetherAreNumberedOn) {
+    const std::string a = "vinput a { string { value x } } ";
+    const std::string b = "vinput b { string { value x } } ";
+    EXPECT_TRUE(LoadBox(a + a, Button("vinput a a1", "string") + Button("vinput a a2", "string", "string 2")));
+    EXPECT_THAT(InputNames(), ElementsAre("a1", "a2", "a3"));
+    EXPECT_EQ(Text(0) + Text(1) + Text(2), "x2x");
+    EXPECT_TRUE(LoadBox(a + b + a, Button("vinput a a1", "string")));
+    EXPECT_THAT(InputNames(), ElementsAre("a1", "a2"));
+}
+
+TEST_F(ButtonSection, WhatOneBoxNamesDoesNotDecideOverTheNext) {
+    host.AddOperator("twin", kVinput);
+    EXPECT_TRUE(Load("opdesk { opbox { filename twin wid 1\n" + Button("vinput v v1", "string") + "}\n" +
+                     "opbox { filename twin wid 2 } }"));
+    EXPECT_EQ(BoxAt(document, 0).inputs.size(), 2U);
+    EXPECT_EQ(BoxAt(document, 1).inputs.size(), 1U);
 }
 
 TEST_F(ButtonSection, AVinputMayBeCalledByItsBareName) {

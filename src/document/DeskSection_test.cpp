@@ -177,22 +177,22 @@ TEST_F(DeskSection, TheOptionsOfABoxHaveOneForm) {
 TEST_F(DeskSection, ConnectionsAreMadeByNumberAndPosition) {
     EXPECT_TRUE(
         LoadDesk(Wired("opbox:src,1,a,0 -> opbox:dst,2,q,1\nopbox:wrong,1,names,1 -> opbox:do,2,no-harm,0\n}")));
-    EXPECT_EQ(SourceOf(1, 1), BoxAt(document, 0).outputs[0].get());
-    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs[1].get());
-    EXPECT_TRUE(BoxAt(document, 0).outputs[0]->connections.Contains(*BoxAt(document, 1).inputs[1]));
+    EXPECT_EQ(SourceOf(1, 1), BoxAt(document, 0).outputs.at(0).get());
+    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs.at(1).get());
+    EXPECT_TRUE(BoxAt(document, 0).outputs.at(0)->connections.Contains(*BoxAt(document, 1).inputs.at(1)));
 }
 
 TEST_F(DeskSection, OfTwoConnectionsIntoOneInputTheLaterOneWins) {
     EXPECT_TRUE(LoadDesk(Wired("opbox:src,1,a,0 -> opbox:dst,2,p,0 opbox:src,1,b,1 -> opbox:dst,2,p,0 }")));
-    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs[1].get());
-    EXPECT_TRUE(BoxAt(document, 0).outputs[0]->connections.Empty());
-    EXPECT_EQ(BoxAt(document, 1).inputs[0]->connections.Size(), 1U);
+    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs.at(1).get());
+    EXPECT_TRUE(BoxAt(document, 0).outputs.at(0)->connections.Empty());
+    EXPECT_EQ(BoxAt(document, 1).inputs.at(0)->connections.Size(), 1U);
 }
 
 TEST_F(DeskSection, AConnectionThatIsNamedTwiceStaysWhole) {
     EXPECT_TRUE(LoadDesk(Wired("opbox:src,1,a,0 -> opbox:dst,2,p,0 opbox:src,1,a,0 -> opbox:dst,2,p,0 }")));
-    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs[0].get());
-    EXPECT_TRUE(BoxAt(document, 0).outputs[0]->connections.Contains(*BoxAt(document, 1).inputs[0]));
+    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs.at(0).get());
+    EXPECT_TRUE(BoxAt(document, 0).outputs.at(0)->connections.Contains(*BoxAt(document, 1).inputs.at(0)));
 }
 
 TEST_F(DeskSection, ACycleLoadsWithoutAWordAndWalksOverItEnd) {
@@ -202,7 +202,7 @@ TEST_F(DeskSection, ACycleLoadsWithoutAWordAndWalksOverItEnd) {
     EXPECT_THAT(Alerts(), IsEmpty());
     const COpBox& first = BoxAt(document, 0);
     const COpBox& outside = BoxAt(document, 2);
-    EXPECT_TRUE(first.outputs[0]->WouldLoop(*BoxAt(document, 1).inputs[0]));
+    EXPECT_TRUE(first.outputs.at(0)->WouldLoop(*BoxAt(document, 1).inputs.at(0)));
     EXPECT_FALSE(COpButton::ReachesForward(outside, first));
     EXPECT_THAT(document.OrderBoxes(), ElementsAre(&outside));
 }
@@ -244,7 +244,7 @@ TEST_F(DeskSection, AConnectionToAButtonThatIsNotThereStopsTheReading) {
 TEST_F(DeskSection, ConnectionsBeforeTheBrokenOneAreKept) {
     ExpectStop(Wired("opbox:src,1,a,0 -> opbox:dst,2,p,0\nopbox:src,1,a,9 -> opbox:dst,2,q,1"), 6,
                "box 1 has no output 9");
-    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs[0].get());
+    EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs.at(0).get());
     EXPECT_EQ(SourceOf(1, 1), nullptr);
 }
 
@@ -252,8 +252,8 @@ TEST_F(DeskSection, OfANumberThatTheFileHasTwiceTheLastBoxIsConnected) {
     EXPECT_TRUE(LoadDesk(Box("src", 1) + Box("src", 1) + Box("dst", 2) +
                          "opconnects { opbox:src,1,a,0 -> opbox:dst,2,p,0 }"));
     EXPECT_THAT(WidsOf(document), ElementsAre(1, 1, 2));
-    EXPECT_EQ(SourceOf(2, 0), BoxAt(document, 1).outputs[0].get());
-    EXPECT_TRUE(BoxAt(document, 0).outputs[0]->connections.Empty());
+    EXPECT_EQ(SourceOf(2, 0), BoxAt(document, 1).outputs.at(0).get());
+    EXPECT_TRUE(BoxAt(document, 0).outputs.at(0)->connections.Empty());
 }
 
 TEST_F(DeskSection, NumbersAndAnchorsOfAnySizeAreTaken) {
@@ -264,8 +264,8 @@ TEST_F(DeskSection, NumbersAndAnchorsOfAnySizeAreTaken) {
         "opconnects { opbox:src,-5,a,0 -> opbox:dst,0,p,0 opbox:src,99999999999,a,0 -> opbox:dst,0,q,1 }"));
     EXPECT_THAT(WidsOf(document), ElementsAre(INT_MIN, -5, 0, INT_MAX));
     EXPECT_THAT(BoxAt(document, 0).xypos, ElementsAre(0.0F, 0.0F));
-    EXPECT_EQ(SourceOf(2, 0), BoxAt(document, 1).outputs[0].get());
-    EXPECT_EQ(SourceOf(2, 1), BoxAt(document, 3).outputs[0].get());
+    EXPECT_EQ(SourceOf(2, 0), BoxAt(document, 1).outputs.at(0).get());
+    EXPECT_EQ(SourceOf(2, 1), BoxAt(document, 3).outputs.at(0).get());
     const std::string text = document.Store();
     document.DeleteContents();
     EXPECT_TRUE(Load(text));

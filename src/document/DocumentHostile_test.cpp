@@ -166,7 +166,7 @@ TEST_F(DocumentHostile, ManyConnectionsAreReadInOneGo) {
     text += "} opconnects {\n";
     for (int copy = 0; copy < kCopies; ++copy) text += "opbox:op,1,o,0 -> opbox:op,1,v," + std::to_string(copy) + "\n";
     EXPECT_TRUE(LoadAndStore(text + "} }"));
-    EXPECT_EQ(BoxAt(document, 0).outputs[0]->connections.Size(), static_cast<size_t>(kCopies));
+    EXPECT_EQ(BoxAt(document, 0).outputs.at(0)->connections.Size(), static_cast<size_t>(kCopies));
 }
 
 }  // namespace

@@ -174,9 +174,9 @@ TEST_F(DocumentWriter, TheExampleIsWrittenByteByByte) {
     noise.xypos[0] = 100;
     noise.xypos[1] = 200;
     surface.xypos[0] = -64.5F;
-    surface.inputs[0]->pin = 1;
-    surface.inputs[0]->lock = 1;
-    surface.inputs[0]->comments = "in C:\\dir";
+    surface.inputs.at(0)->pin = 1;
+    surface.inputs.at(0)->lock = 1;
+    surface.inputs.at(0)->comments = "in C:\\dir";
     Wire(noise, 0, surface, 0);
     document.toolbar = {"noisebox", "surfacebox"};
     document.m_renderOptions = {{"OUT_FILE", "\"a\\b\" c"}, {"DEPTH", "2"}};
@@ -281,7 +281,7 @@ TEST_F(DocumentWriter, AllCastsOfAnInputAreWrittenInTheirOrder) {
 
 TEST_F(DocumentWriter, TheCurrentCastIsNamedWhole) {
     COpBox& box = Add(MakeBox("b", "input i { float { 0 0 0 0 %g } generic:matrix { value v } }", 1));
-    box.inputs[0]->currentcast = 1;
+    box.inputs.at(0)->currentcast = 1;
     EXPECT_EQ(LineOf(document.Store(), "currentcast"), "currentcast generic:matrix");
 }
 
@@ -310,9 +310,9 @@ TEST_F(DocumentWriter, ConnectionsFollowTheOutputsOfEachBox) {
 TEST_F(DocumentWriter, AConnectionThatIsLeftOnTheInputsSideAloneIsNotWritten) {
     COpBox& from = Add(test::MakeLink("a", 1));
     COpBox& to = Add(test::MakeLink("b", 2));
-    from.outputs[0]->Connect(*to.inputs[0]);
-    from.outputs[0]->Connect(*to.inputs[0]);
-    ASSERT_EQ(to.inputs[0]->connections.First(), from.outputs[0].get());
+    from.outputs.at(0)->Connect(*to.inputs.at(0));
+    from.outputs.at(0)->Connect(*to.inputs.at(0));
+    ASSERT_EQ(to.inputs.at(0)->connections.First(), from.outputs.at(0).get());
     EXPECT_THAT(document.Store(), HasSubstr("opconnects\r\n    {\r\n    }\r\n"));
 }
 

@@ -82,14 +82,14 @@ TEST_F(RoundTrip, QuotedTextsComeBackWhateverTheyHold) {
     for (const char* text : {"", " ", "say \"x\"", "\\", "\\\\\"", "#", "a\r\nb\n", "}", "{", "\t", "\xff\x01"}) {
         document.m_boxes.clear();
         COpBox& box = AddDefined("op", 1);
-        box.inputs[0]->argname = text;
-        box.inputs[0]->comments = text;
-        static_cast<COpValueString&>(*box.inputs[0]->values[0]).value = text;
+        box.inputs.at(0)->argname = text;
+        box.inputs.at(0)->comments = text;
+        static_cast<COpValueString&>(*box.inputs.at(0)->values.at(0)).value = text;
         ThereAndBack();
-        const COpButton& read = *BoxAt(document, 0).inputs[0];
+        const COpButton& read = *BoxAt(document, 0).inputs.at(0);
         EXPECT_EQ(read.argname, text);
         EXPECT_EQ(read.comments, text);
-        EXPECT_EQ(static_cast<COpValueString&>(*read.values[0]).value, text);
+        EXPECT_EQ(static_cast<COpValueString&>(*read.values.at(0)).value, text);
     }
 }
 
@@ -109,14 +109,14 @@ TEST_F(RoundTrip, VinputsComeBackWithTheirCopies) {
         "input between { float { 0 0 1 0 %g } } vinput other { generic:m { value x } } output o { rgb out }");
     COpBox& box = AddDefined("op", 1);
     COpBox& feeder = AddDefined("op", 2);
-    for (int copy = 0; copy < 2; ++copy) box.CopyButton(*box.inputs[1], copy == 0);
+    for (int copy = 0; copy < 2; ++copy) box.CopyButton(*box.inputs.at(1), copy == 0);
     box.CopyButton(*box.inputs.back(), false);
     for (size_t i = 0; i < box.inputs.size(); ++i) {
-        box.inputs[i]->argname = std::to_string(i);
-        box.inputs[i]->pin = static_cast<int>(i % 2);
+        box.inputs.at(i)->argname = std::to_string(i);
+        box.inputs.at(i)->pin = static_cast<int>(i % 2);
     }
-    box.inputs[2]->currentcast = 1;
-    static_cast<COpValueString&>(*box.inputs[2]->values[1]).value = "third";
+    box.inputs.at(2)->currentcast = 1;
+    static_cast<COpValueString&>(*box.inputs.at(2)->values.at(1)).value = "third";
     Wire(feeder, 0, box, 3);
     Wire(feeder, 0, box, 6);
     ThereAndBack();
@@ -124,16 +124,16 @@ TEST_F(RoundTrip, VinputsComeBackWithTheirCopies) {
     std::string names;
     for (const auto& input : read.inputs) names += input->DisplayName() + ":" + input->argname + " ";
     EXPECT_EQ(names, "layer1:0 layer2:1 layer3:2 layer4:3 between:4 other1:5 other2:6 ");
-    EXPECT_EQ(static_cast<COpValueString&>(*read.inputs[2]->values[1]).value, "third");
-    EXPECT_EQ(read.inputs[2]->CurrentType(), "string");
-    EXPECT_EQ(read.inputs[3]->connections.First(), BoxAt(document, 1).outputs[0].get());
-    EXPECT_EQ(read.inputs[6]->connections.First(), BoxAt(document, 1).outputs[0].get());
+    EXPECT_EQ(static_cast<COpValueString&>(*read.inputs.at(2)->values.at(1)).value, "third");
+    EXPECT_EQ(read.inputs.at(2)->CurrentType(), "string");
+    EXPECT_EQ(read.inputs.at(3)->connections.First(), BoxAt(document, 1).outputs.at(0).get());
+    EXPECT_EQ(read.inputs.at(6)->connections.First(), BoxAt(document, 1).outputs.at(0).get());
 }
 
 TEST_F(RoundTrip, ABoxWithoutItsVinputsComesBackWithoutThem) {
     host.AddOperator("op", "vinput v { rgb { 0 0 0 %g } vinstances 3 } input i { rgb { 0 0 0 %g } }");
     COpBox& box = AddDefined("op", 1);
-    for (int i = 0; i < 3; ++i) box.DeleteButton(*box.inputs[0]);
+    for (int i = 0; i < 3; ++i) box.DeleteButton(*box.inputs.at(0));
     ThereAndBack();
     EXPECT_EQ(BoxAt(document, 0).inputs.size(), 1U);
 }

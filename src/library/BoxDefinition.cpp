@@ -8,7 +8,6 @@
 #include "library/OpRegistry.h"
 #include "site/Site.h"
 #include "text/Archive.h"
-#include "text/Tokens.h"
 
 namespace tavrin {
 
@@ -33,9 +32,7 @@ bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry
     ProcessInfo process;
     if (!site.commands.RunCommand(commandLine, true, &process)) return false;
 
-    std::string errors;
-    ReadFileToText(errPath, errors);
-    site.report.LogRaw(errors);
+    site.LogFile(errPath);
     if (process.exitCode != 0) {
         site.report.Alert("\"%s\" returned %d", commandLine.c_str(), process.exitCode);
         return false;

@@ -78,7 +78,7 @@ TEST_F(BoxDefinition, TheRedirectScriptGetsTheFivePathsInTheirOrder) {
     MakeLibrary("open(my $e, '>', $ARGV[2]); print $e join('|', @ARGV); open(my $o, '>', $ARGV[1]);", "");
     EXPECT_TRUE(Define("Noise"));
     EXPECT_EQ(own.sink.log, "-|" + Work("boxdef.tmp") + "|" + Work("errors.txt") + "|" + LibDir() +
-                                "/bin/spp|" + LibDir() + "/menu/0100.Noise");
+                                "/bin/spp|" + LibDir() + "/menu/0100.Noise\r\n");
 }
 
 TEST_F(BoxDefinition, TheTitleIsTheFileNameInItsCaseOnDisk) {

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include "site/Site.h"
-#include "text/Tokens.h"
 
 namespace tavrin {
 
@@ -15,9 +14,7 @@ std::optional<int> RunFilterScript(Site& site, const std::string& input, const s
     ::unlink(errors.c_str());
     ProcessInfo process;
     if (!site.commands.RunCommand(command, true, &process)) return std::nullopt;
-    std::string text;
-    ReadFileToText(errors, text);
-    site.report.LogRaw(text);
+    site.LogFile(errors);
     return process.exitCode;
 }
 

@@ -1,5 +1,8 @@
 #include "render/RenderSession.h"
 
+#include <algorithm>
+#include <array>
+
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "codegen/CodeGen.h"
@@ -22,6 +25,14 @@ std::string JoinLines(const std::vector<std::string>& lines) {
     text.reserve(size);
     for (const std::string& line : lines) text.append(line).append("\n");
     return text;
+}
+
+// Names that the work directory has for files of its own, numbered history directories among them.
+bool IsWorkFile(const std::string& name) {
+    constexpr std::array kFiles = {"", ".", "..", "codegenfile", "hintfile", "render_options", "errors.txt",
+                                   "arginfo", "boxdef.tmp"};
+    return std::find(kFiles.begin(), kFiles.end(), name) != kFiles.end() || name.starts_with("kill.") ||
+           name.find_first_not_of("0123456789") == std::string::npos;
 }
 
 // The document's help as a comment at the head of the shader, in a language that has comments of more
@@ -70,11 +81,24 @@ RenderSession::Generated RenderSession::Generate() {
     return generated;
 }
 
-bool RenderSession::SaveShader() {
-    if (HasWhitespace(ShaderName())) {
+// Alerts a name that cannot be used for a file of the work directory.
+bool RenderSession::ShaderNameOk() {
+    const std::string name = ShaderName();
+    if (HasWhitespace(name)) {
         m_site.report.Alert("shader name contains whitespace characters");
-        return false;
+    } else if (name.find('"') != std::string::npos) {
+        m_site.report.Alert("shader name contains a double quote; save the document under another name");
+    } else if (IsWorkFile(name)) {
+        m_site.report.Alert("shader name %s is that of a work file; save the document under another name",
+                            name.c_str());
+    } else {
+        return true;
     }
+    return false;
+}
+
+bool RenderSession::SaveShader() {
+    if (!ShaderNameOk()) return false;
     return WriteCodeFiles(Generate()) && RunFilter();
 }
 

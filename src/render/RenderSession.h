@@ -50,6 +50,7 @@ class RenderSession {
     int m_nextRender = 1;  // number of the next render; grows with every render started
 
   private:
+    bool ShaderNameOk();
     std::string HistoryDir(int number) const;
     bool WriteCodeFiles(const Generated& generated);
     void WriteRenderOptions();

@@ -1,11 +1,19 @@
 #include "site/Site.h"
 
 #include "base/Paths.h"
+#include "text/Tokens.h"
 
 namespace tavrin {
 
 std::string Site::LibraryPath(const std::string& path) const { return ResolvePath(path, directories.libDir); }
 
 std::string Site::WorkPath(const std::string& name) const { return JoinPath(directories.workDir, name); }
+
+void Site::LogFile(const std::string& path) {
+    std::string text;
+    ReadFileToText(path, text);
+    if (!text.empty() && text.back() != '\n') text += "\r\n";
+    report.LogRaw(text);
+}
 
 }  // namespace tavrin

@@ -35,6 +35,9 @@ struct Site {
     std::string LibraryPath(const std::string& path) const;
     std::string WorkPath(const std::string& name) const;
 
+    // Brings a child's error file into the log, its last line completed; nothing if there is none.
+    void LogFile(const std::string& path);
+
     Report& report;
     Environment environment;  // what children are given
     Commands commands;

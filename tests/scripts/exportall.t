@@ -49,6 +49,7 @@ sub start {
 	my (@words) = @_;
 	my $pid = open(my $said, '-|') // die;
 	if (!$pid) {
+		setpgrp;
 		open STDERR, '>&', \*STDOUT;
 		open STDIN, '<', '/dev/zero';
 		exec "$installation/bin/PerlExec", "$bin/exportall", @words;
@@ -56,11 +57,21 @@ sub start {
 	return ($pid, $said);
 }
 
+# The processes that one has started.
+sub children {
+	my ($pid) = @_;
+	return grep { (get("/proc/$_/stat") // '') =~ /\) \w $pid / } map { m{(\d+)$} } glob '/proc/[0-9]*';
+}
+
 my ($status, $text);
 sub finish {
 	my ($pid, $said) = @_;
+	# What does not end by itself is ended here, with all that it has started.
+	local $SIG{ALRM} = sub { kill 'KILL', map { -$_ } $pid, children($pid); };
+	alarm 30;
 	$text = do { local $/; <$said> } // '';
 	close $said;
+	alarm 0;
 	$status = $? & 127 ? 'signal' : $? >> 8;
 	return $status;
 }
@@ -191,9 +202,9 @@ sub ended {
 	return !kill(0, $pid) || (get("/proc/$pid/stat") // '') =~ /\) Z /;
 }
 
-# A command with a child that would keep the pipe open for a minute.
-put("$dir/tools/long", "#!/bin/sh\nsleep 60 &\necho \$! >child\n: >started\nwait\n");
-put("$dir/tools/deaf", "#!/usr/bin/perl\n\$SIG{TERM} = 'IGNORE';\nopen my \$f, '>', 'started';\nclose \$f;\nsleep 1 for 1 .. 60;\n");
+# A command with a child that would keep the pipe open for long.
+put("$dir/tools/long", "#!/bin/sh\nsleep 600 &\necho \$! >child\n: >started\nwait\n");
+put("$dir/tools/deaf", "#!/usr/bin/perl\n\$SIG{TERM} = 'IGNORE';\nopen my \$f, '>', 'started';\nclose \$f;\nsleep 1 for 1 .. 600;\n");
 chmod 0755, "$dir/tools/long", "$dir/tools/deaf";
 for my $tool ('long', 'deaf') {
 	unlink "$dir/started";

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 
 #include "base/Paths.h"
 
@@ -92,6 +93,7 @@ void Wire(COpBox& from, size_t output, COpBox& to, size_t input) {
 }
 
 COpBox& BoxAt(const CTvDoc& document, size_t place) {
+    if (place >= document.m_boxes.size()) throw std::out_of_range("the document has no such box");
     return **std::next(document.m_boxes.begin(), static_cast<std::ptrdiff_t>(place));
 }
 
