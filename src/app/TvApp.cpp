@@ -204,6 +204,8 @@ void CTvApp::ShaderTypeChanged() {
     if (extension != m_site.shaderIfaceExts.end()) m_site.extShaderIface = extension->second;
 }
 
+void CTvApp::LoadFormDefaults() { m_form->LoadDefaults(*this); }
+
 void CTvApp::OpenInEditor(const std::string& path) {
     m_site.commands.RunCommand(m_site.directories.editorCmd + " \"" + path + "\"", false);
 }

@@ -73,6 +73,8 @@ class CTvApp : public DocumentHost, private FormHost {
 
     const CCodeGen& CodeGen() const { return m_codeGen; }
     CRenderOptionsEditor& RenderOptionsForm() { return *m_form; }
+    // Sets every control of the form to its default, and the document's options with them.
+    void LoadFormDefaults();
 
   private:
     void SetVariable(const std::string& name, const std::string& value) override { SetVariable(name, value, false); }

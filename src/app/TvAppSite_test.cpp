@@ -162,6 +162,7 @@ TEST_F(TvAppSiteTest, AFileOrALinkInTheWorkDirectorysPlaceIsLeftAlone) {
     Load();
     EXPECT_EQ(sink.alerts.size(), 2U);
     EXPECT_TRUE(app->CloseDown(std::chrono::milliseconds(0)));
+    EXPECT_TRUE(fs::is_symlink(path));
     EXPECT_TRUE(fs::exists(directory / "elsewhere/precious"));
 }
 

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <filesystem>
 
 #include "app/Version.h"
 #include "base/Files.h"
@@ -16,33 +15,53 @@ namespace tavrin {
 namespace {
 
 constexpr std::chrono::milliseconds kGrace{2000};   // for children to heed their kill file at the end
-constexpr std::chrono::milliseconds kQueueWait{50}; // between looks at whether a render goes on
-
-// Whether both lead to one file, by whatever way.
-bool IsSameFile(const std::string& one, const std::string& other) {
-    std::error_code missing;
-    return std::filesystem::equivalent(one, other, missing);
-}
 
 }  // namespace
 
 void BatchRun::SaveShader() {
-    m_steps.push_back([this] { m_failed = !m_session->SaveShader() || m_failed; });
+    AddStep([this] { return m_work->SaveShader(); });
 }
 void BatchRun::Render() {
-    m_steps.push_back([this] { DoRender(); });
+    AddStep([this] { return m_work->Render(); });
 }
 void BatchRun::Save(const std::string& path) {
-    m_steps.push_back([this, path] { DoSave(path); });
+    AddStep([this, path] { return m_work->Save(path, m_force); });
 }
 void BatchRun::Set(const std::string& name, const std::string& value) {
-    m_steps.push_back([this, name, value] { DoSet(name, value); });
+    AddStep([this, name, value] {
+        m_work->Set(name, value);
+        return true;
+    });
 }
 void BatchRun::ListOperators() {
-    m_steps.push_back([this] { Print(OperatorList(m_app->Registry())); });
+    AddStep([this] {
+        Print(OperatorList(m_app->Registry()));
+        return true;
+    });
 }
 void BatchRun::Describe(const std::string& operatorName) {
-    m_steps.push_back([this, operatorName] { DoDescribe(operatorName); });
+    AddStep([this, operatorName] { return DoDescribe(operatorName); });
+}
+void BatchRun::Script(const std::string& path) {
+    AddStep([this, path] { return m_work->RunScript(path); });
+}
+void BatchRun::ExportAll() {
+    AddStep([this] { return m_work->ExportAll(); });
+}
+void BatchRun::Export(const std::string& kind, const std::string& path) {
+    AddStep([this, kind, path] { return m_work->Export(kind, path); });
+}
+void BatchRun::Merge(const std::string& path) {
+    AddStep([this, path] { return m_work->Merge(path); });
+}
+void BatchRun::Add(const std::string& operatorName) {
+    AddStep([this, operatorName] { return m_work->Add(operatorName); });
+}
+void BatchRun::View(const std::string& kind) {
+    AddStep([this, kind] { return DoView(kind); });
+}
+void BatchRun::Check() {
+    AddStep([this] { return DoCheck(); });
 }
 void BatchRun::Version() {
     if (!m_printAndEnd) m_printAndEnd = "tavrin-batch " + VersionText(kProductVersion) + "\n";
@@ -97,57 +116,36 @@ bool BatchRun::Start() {
         Fail("there is no library " + directories.libName + " in " + directories.tavrnDir);
         return false;
     }
-    m_document = std::make_unique<CTvDoc>(*m_app);
-    m_app->SetDocument(m_document.get());
-    m_session = std::make_unique<RenderSession>(*m_document, m_app->GetSite(), m_app->CodeGen());
+    m_work = std::make_unique<BatchWork>(*m_app, m_queue, [this] { return m_interruption->Signal() != 0; });
     return true;
 }
 
 void BatchRun::RunSteps() {
-    m_report.TakePending();
-    if (!m_documentPath.empty() && !m_document->Open(m_documentPath)) return;
-    m_cutShort = m_document->WasCutShort();
-    if (m_cutShort && !m_report.HasPending()) Fail(m_documentPath + " was not read to its end");
-    m_app->ShaderTypeChanged();
+    if (!m_documentPath.empty() && !m_work->Open(m_documentPath)) return;
     for (const auto& step : m_steps) {
-        if (m_interruption->Signal() != 0) return;
-        step();
+        if (m_interruption->Signal() != 0 || m_work->IsClosing()) return;
         m_report.TakePending();
+        if (!step()) m_failed = true;
+        m_sink.EndLine();
     }
 }
 
-void BatchRun::DoRender() {
-    if (!m_session->RenderIt()) {
-        m_failed = true;
-        return;
-    }
-    const Commands& commands = m_app->GetSite().commands;
-    while (commands.AnyProcessLeft() && m_interruption->Signal() == 0) m_queue.RunPending(kQueueWait);
-    m_queue.RunPending();
-    m_sink.EndLine();
+bool BatchRun::DoDescribe(const std::string& operatorName) {
+    const auto text = m_work->Describe(operatorName);
+    if (text) Print(*text);
+    return text.has_value();
 }
 
-void BatchRun::DoSave(const std::string& path) {
-    if (m_cutShort && !m_force && IsSameFile(path, m_documentPath)) {
-        return Fail(path + " was not read to its end, and saving would lose the rest; save under another name, or"
-                           " use --force");
-    }
-    std::string error;
-    if (!m_document->Save(path, error)) Fail("unable to save " + path + ": " + error);
+bool BatchRun::DoView(const std::string& kind) {
+    const auto text = m_work->View(kind);
+    if (text) Print(*text);
+    return text.has_value();
 }
 
-void BatchRun::DoSet(const std::string& name, const std::string& value) {
-    if (!m_document->m_renderOptions.contains(name)) {
-        m_report.LogLine("WARNING: the library's form has no render option %s", name.c_str());
-    }
-    m_app->SetVariable(name, value, false);
-}
-
-void BatchRun::DoDescribe(const std::string& operatorName) {
-    COpBox box;
-    m_report.TakePending();
-    if (box.Define(operatorName, m_app->Registry(), m_app->GetSite())) return Print(OperatorDescription(box));
-    if (!m_report.HasPending()) Fail(operatorName + ": the definition ends too early");
+bool BatchRun::DoCheck() {
+    bool anyError = false;
+    Print(m_work->Check(anyError));
+    return !anyError;
 }
 
 void BatchRun::Print(const std::string& text) {
@@ -168,7 +166,6 @@ void BatchRun::Fail(const std::string& message) {
 }
 
 void BatchRun::Finish() {
-    // Boxes go before the site whose children and directories they may name.
     m_app->GetSite().commands.EndChildren(kGrace);
     m_queue.RunPending();
     const std::string& workDir = m_app->GetSite().directories.workDir;
@@ -179,7 +176,6 @@ void BatchRun::Finish() {
         }
     }
     if (!m_app->CloseDown(std::chrono::milliseconds(0))) m_failed = true;
-    m_app->SetDocument(nullptr);
 }
 
 int BatchRun::Status() const {

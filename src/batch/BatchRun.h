@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "app/TvApp.h"
+#include "batch/BatchWork.h"
 #include "batch/CommandLine.h"
 #include "batch/Interruption.h"
 #include "batch/TerminalSink.h"
-#include "render/RenderSession.h"
 
 namespace tavrin {
 
@@ -43,6 +43,13 @@ class BatchRun : private CommandLineDelegate {
     void Set(const std::string& name, const std::string& value) override;
     void ListOperators() override;
     void Describe(const std::string& operatorName) override;
+    void Script(const std::string& path) override;
+    void ExportAll() override;
+    void Export(const std::string& kind, const std::string& path) override;
+    void Merge(const std::string& path) override;
+    void Add(const std::string& operatorName) override;
+    void View(const std::string& kind) override;
+    void Check() override;
     void Help() override {
         if (!m_printAndEnd) m_printAndEnd = CommandLine::HelpText();
     }
@@ -54,10 +61,11 @@ class BatchRun : private CommandLineDelegate {
     void Finish();
     int Status() const;
 
-    void DoRender();
-    void DoSave(const std::string& path);
-    void DoSet(const std::string& name, const std::string& value);
-    void DoDescribe(const std::string& operatorName);
+    // Appends a step that is done when its turn comes; a false result is a failure.
+    void AddStep(std::function<bool()> step) { m_steps.push_back(std::move(step)); }
+    bool DoDescribe(const std::string& operatorName);
+    bool DoView(const std::string& kind);
+    bool DoCheck();
     void Print(const std::string& text);
     void Fail(const std::string& message);
 
@@ -67,16 +75,14 @@ class BatchRun : private CommandLineDelegate {
     std::optional<std::string> m_library;
     bool m_force = false;
     std::optional<std::string> m_printAndEnd;  // the first of --help and --version
-    std::vector<std::function<void()>> m_steps;
+    std::vector<std::function<bool()>> m_steps;
 
     TerminalSink m_sink{2};
     Report m_report;
     PlainQueue m_queue;
     bool m_failed = false;
-    bool m_cutShort = false;  // the document could not be read to its end
     std::unique_ptr<CTvApp> m_app;
-    std::unique_ptr<CTvDoc> m_document;
-    std::unique_ptr<RenderSession> m_session;
+    std::unique_ptr<BatchWork> m_work;
     // Last, so that its thread ends before what it interrupts.
     std::unique_ptr<Interruption> m_interruption;
 };

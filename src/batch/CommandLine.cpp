@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace tavrin {
@@ -13,43 +14,113 @@ struct Option {
     std::string_view operand;  // its name in the help; empty if the option takes none
     std::string_view help;     // lines of the help, the later ones indented by the printer
     void (*act)(CommandLineDelegate&, const std::string& operand);
+    std::span<const std::string_view> words = {};  // what the operand, up to its '=', must be one of
 };
 
-void ActOnSet(CommandLineDelegate& delegate, const std::string& operand) {
+constexpr std::array<std::string_view, 4> kExportWords = {export_words::kShaderSource, export_words::kCompiledShader,
+                                                          export_words::kShaderIface, export_words::kRenderIface};
+constexpr std::array<std::string_view, 3> kViewWords = {view_words::kSource, view_words::kRenderIface,
+                                                        view_words::kShaderIface};
+constexpr std::string_view kAssignment = "NAME=VALUE";
+constexpr std::string_view kExportTarget = "KIND=PATH";
+
+// Splits an operand at its first '=' and hands both parts on.
+template <void (CommandLineDelegate::*Act)(const std::string&, const std::string&)>
+void ActOnPair(CommandLineDelegate& delegate, const std::string& operand) {
     const auto equals = operand.find('=');
-    delegate.Set(operand.substr(0, equals), operand.substr(equals + 1));
+    (delegate.*Act)(operand.substr(0, equals), operand.substr(equals + 1));
+}
+template <void (CommandLineDelegate::*Act)(const std::string&)>
+void ActOn(CommandLineDelegate& delegate, const std::string& operand) {
+    (delegate.*Act)(operand);
+}
+template <void (CommandLineDelegate::*Act)()>
+void ActAlone(CommandLineDelegate& delegate, const std::string&) {
+    (delegate.*Act)();
 }
 
-constexpr std::array kOptions = {
+using Delegate = CommandLineDelegate;
+const std::array kSteps = {
     Option{"--save-shader", "", "Generate the shader and run the library's filter script on it.",
-           [](CommandLineDelegate& d, const std::string&) { d.SaveShader(); }},
-    Option{"--render", "", "Generate the shader, render it, and wait for the end.",
-           [](CommandLineDelegate& d, const std::string&) { d.Render(); }},
-    Option{"--save", "FILE.tvn", "Write the document.",
-           [](CommandLineDelegate& d, const std::string& file) { d.Save(file); }},
-    Option{"--set", "NAME=VALUE", "Give a render option a value.", ActOnSet},
-    Option{"--list-operators", "", "Print the library's operators: name, menu path and file, a tab between.",
-           [](CommandLineDelegate& d, const std::string&) { d.ListOperators(); }},
-    Option{"--describe", "OPERATOR", "Print an operator's help, inputs and outputs.",
-           [](CommandLineDelegate& d, const std::string& name) { d.Describe(name); }},
+           ActAlone<&Delegate::SaveShader>},
+    Option{"--render", "", "Generate the shader, render it, and wait for the end.", ActAlone<&Delegate::Render>},
+    Option{"--check", "",
+           "Generate, then print what a user should know before rendering,\none finding a line. A finding that is "
+           "an error makes the\nstatus 1.",
+           ActAlone<&Delegate::Check>},
+    Option{"--view", "KIND",
+           "Save the shader and print a text: source, renderiface (the\nrender interface) or shaderiface (the "
+           "shader interface).",
+           ActOn<&Delegate::View>, kViewWords},
+    Option{"--export", "KIND=PATH",
+           "Write one kind of file to a path, and wait for the end:\nshaderSource, compiledShader, shaderIFace or "
+           "renderIFace.",
+           ActOnPair<&Delegate::Export>, kExportWords},
+    Option{"--export-all", "", "Export what the document's export options ask for, and wait\nfor the end.",
+           ActAlone<&Delegate::ExportAll>},
+    Option{"--add", "OPERATOR", "Put a box of the operator, or the network that it is, on the\ndesk.",
+           ActOn<&Delegate::Add>},
+    Option{"--merge", "FILE.tvn", "Put the boxes of another document on the desk, with new\nnumbers.",
+           ActOn<&Delegate::Merge>},
+    Option{"--set", kAssignment, "Give a render option a value.", ActOnPair<&Delegate::Set>},
+    Option{"--save", "FILE.tvn", "Write the document.", ActOn<&Delegate::Save>},
+    Option{"--script", "FILE.tvx", "Run a script of actions to its end.", ActOn<&Delegate::Script>},
+    Option{"--list-operators", "", "Print the library's operators: name, menu path and file, a\ntab between.",
+           ActAlone<&Delegate::ListOperators>},
+    Option{"--describe", "OPERATOR", "Print an operator's help, inputs and outputs.", ActOn<&Delegate::Describe>},
+};
+const std::array kSettings = {
     Option{"--keep-work", "DIR", "Leave a copy of the work directory's files in DIR at the end,\nwhatever happens.",
-           [](CommandLineDelegate& d, const std::string& directory) { d.KeepWork(directory); }},
-    Option{"--library", "NAME", "Start with this library of the installation.",
-           [](CommandLineDelegate& d, const std::string& name) { d.Library(name); }},
-    Option{"--force", "", "Let --save replace a document that could not be read to its end.",
-           [](CommandLineDelegate& d, const std::string&) { d.Force(); }},
-    Option{"--quiet", "", "Do not print the log; alerts are printed all the same.",
-           [](CommandLineDelegate& d, const std::string&) { d.Quiet(); }},
-    Option{"--help", "", "Print this and end.", [](CommandLineDelegate& d, const std::string&) { d.Help(); }},
-    Option{"--version", "", "Print the version and end.",
-           [](CommandLineDelegate& d, const std::string&) { d.Version(); }},
+           ActOn<&Delegate::KeepWork>},
+    Option{"--library", "NAME", "Start with this library of the installation.", ActOn<&Delegate::Library>},
+    Option{"--force", "", "Let --save replace a document that could not be read to its\nend.",
+           ActAlone<&Delegate::Force>},
+    Option{"--quiet", "", "Do not print the log; alerts are printed all the same.", ActAlone<&Delegate::Quiet>},
+    Option{"--help", "", "Print this and end.", ActAlone<&Delegate::Help>},
+    Option{"--version", "", "Print the version and end.", ActAlone<&Delegate::Version>},
 };
 
 const Option* FindOption(std::string_view name) {
-    for (const Option& option : kOptions) {
+    for (const Option& option : kSteps) {
+        if (option.name == name) return &option;
+    }
+    for (const Option& option : kSettings) {
         if (option.name == name) return &option;
     }
     return nullptr;
+}
+
+// What is wrong with an option's operand; empty if nothing is.
+std::string FaultOf(const Option& option, const std::string& operand) {
+    const std::string name(option.name);
+    const bool isPair = option.operand == kAssignment || option.operand == kExportTarget;
+    const auto equals = operand.find('=');
+    if (isPair && (equals == 0 || equals == std::string::npos)) {
+        return name + " " + operand + ": expected " + std::string(option.operand);
+    }
+    const std::string word = isPair ? operand.substr(0, equals) : operand;
+    if (option.words.empty()) return {};
+    if (option.operand == kExportTarget && equals + 1 == operand.size()) return name + " " + operand + ": the path is empty";
+    std::string known;
+    for (const std::string_view candidate : option.words) {
+        if (candidate == word) return {};
+        known.append(known.empty() ? "" : ", ").append(candidate);
+    }
+    return name + " " + operand + ": expected one of " + known;
+}
+
+void AppendHelp(std::string& text, const Option& option) {
+    constexpr size_t kColumn = 22;
+    std::string line = "  " + std::string(option.name);
+    if (!option.operand.empty()) line.append(" ").append(option.operand);
+    if (line.size() >= kColumn) line.append("\n");
+    const size_t lineStart = line.rfind('\n') == std::string::npos ? 0 : line.rfind('\n') + 1;
+    line.append(kColumn - (line.size() - lineStart), ' ');
+    for (const char c : option.help) {
+        line += c;
+        if (c == '\n') line.append(kColumn, ' ');
+    }
+    text += line + "\n";
 }
 
 std::string Advice(const std::string& message) { return message + "; see tavrin-batch --help"; }
@@ -101,9 +172,11 @@ bool CommandLine::Parse(const std::vector<std::string>& words, std::string& erro
             error = Advice(name + " needs " + wanted + " behind it");
             return false;
         }
-        if (wanted == "NAME=VALUE" && (operand->front() == '=' || operand->find('=') == std::string::npos)) {
-            error = Advice(name + " " + *operand + ": expected NAME=VALUE");
-            return false;
+        if (operand) {
+            if (const std::string fault = FaultOf(*option, *operand); !fault.empty()) {
+                error = Advice(fault);
+                return false;
+            }
         }
         option->act(m_delegate, operand.value_or(std::string()));
     }
@@ -111,33 +184,47 @@ bool CommandLine::Parse(const std::vector<std::string>& words, std::string& erro
 }
 
 std::string CommandLine::HelpText() {
-    constexpr size_t kColumn = 26;
     std::string text =
         "Usage: tavrin-batch [OPTION...] [DOCUMENT.tvn]\n"
         "\n"
-        "Opens the document, if one is given, then does what the options ask, in their\n"
-        "order. Data goes to standard output, the log and alerts to standard error.\n"
+        "Does the work of the shader builder without a window: opens the document, if one\n"
+        "is given, then does what the options ask on it, in their order. An option can be\n"
+        "repeated. Data goes to standard output, the log and alerts to standard error.\n"
         "\n"
-        "Options:\n";
-    for (const Option& option : kOptions) {
-        std::string line = "  " + std::string(option.name);
-        if (!option.operand.empty()) line.append(" ").append(option.operand);
-        line.resize(std::max(line.size() + 1, kColumn), ' ');
-        for (const char c : option.help) {
-            line += c;
-            if (c == '\n') line.append(kColumn, ' ');
-        }
-        text += line + "\n";
-    }
+        "What can be done:\n";
+    for (const Option& option : kSteps) AppendHelp(text, option);
+    text += "\nWhat holds for the whole run:\n";
+    for (const Option& option : kSettings) AppendHelp(text, option);
     return text +
            "\n"
-           "Environment: TAVRN_DIR names the installation, TAVRN_LIB the library by the last\n"
-           "component of its path, TAVRN_TMPDIR the directory for work files.\n"
-           "SOURCE_DATE_EPOCH, where set, is the time written into documents.\n"
+           "Examples:\n"
+           "  tavrin-batch --render --keep-work out marble.tvn\n"
+           "      renders; the picture is out/1/marble.png\n"
+           "  tavrin-batch --check --render --export shaderSource=/site/marble.frag marble.tvn\n"
+           "      checks, renders, then delivers the source\n"
+           "  tavrin-batch --set MRAY_OBJECT=torus --save torus.tvn marble.tvn\n"
+           "      changes a render option and saves under another name\n"
+           "  tavrin-batch --describe Marble\n"
+           "      tells what an operator does\n"
            "\n"
-           "Status: 0 if all was done; 1 if something failed (an alert, a script that ended\n"
-           "with an error); 2 if the command line is wrong; 128 and the signal's number if\n"
-           "interrupted.\n";
+           "Scripts (.tvx) hold actions, one a line or separated by ';', comments behind '#':\n"
+           "  form render render, form render kill, form export all, form export compiledShader,\n"
+           "  form export shaderIFace, form loadtavrn PATH, form system COMMAND, form roe hide,\n"
+           "  form exit, roe use-defaults. An action that is unknown counts as a failure.\n"
+           "\n"
+           "Environment:\n"
+           "  TAVRN_DIR           the installation; ../share/tavrin beside the program if not set\n"
+           "  TAVRN_LIB           the library, by the last component of its path; mray if not set\n"
+           "  TAVRN_TMPDIR, TEMP  where the work directory is made; /tmp if neither is set\n"
+           "  SOURCE_DATE_EPOCH   the time that is written into documents\n"
+           "\n"
+           "Files:\n"
+           "  tavrn.def in the library, in the home directory and in the current directory are\n"
+           "  the site definitions, each overriding the one before.\n"
+           "\n"
+           "Status: 0 if all was done; 1 if something failed (an alert, a finding that is an\n"
+           "error, an unknown action, a script that ended with an error); 2 if the command\n"
+           "line is wrong; 128 and the signal's number if interrupted.\n";
 }
 
 }  // namespace tavrin

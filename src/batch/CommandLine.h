@@ -25,11 +25,31 @@ class CommandLineDelegate {
     virtual void Set(const std::string& name, const std::string& value) = 0;
     virtual void ListOperators() = 0;
     virtual void Describe(const std::string& operatorName) = 0;
+    virtual void Script(const std::string& path) = 0;
+    virtual void ExportAll() = 0;
+    virtual void Export(const std::string& kind, const std::string& path) = 0;
+    virtual void Merge(const std::string& path) = 0;
+    virtual void Add(const std::string& operatorName) = 0;
+    virtual void View(const std::string& kind) = 0;
+    virtual void Check() = 0;
 
     // Each replaces everything else.
     virtual void Help() = 0;
     virtual void Version() = 0;
 };
+
+// The words of --export and --view.
+namespace export_words {
+inline constexpr const char* kShaderSource = "shaderSource";
+inline constexpr const char* kCompiledShader = "compiledShader";
+inline constexpr const char* kShaderIface = "shaderIFace";
+inline constexpr const char* kRenderIface = "renderIFace";
+}  // namespace export_words
+namespace view_words {
+inline constexpr const char* kSource = "source";
+inline constexpr const char* kRenderIface = "renderiface";
+inline constexpr const char* kShaderIface = "shaderiface";
+}  // namespace view_words
 
 class CommandLine {
   public:

@@ -26,6 +26,15 @@ class NotingDelegate : public CommandLineDelegate {
     }
     void ListOperators() override { calls.emplace_back("list-operators"); }
     void Describe(const std::string& operatorName) override { calls.push_back("describe " + operatorName); }
+    void Script(const std::string& path) override { calls.push_back("script " + path); }
+    void ExportAll() override { calls.emplace_back("export-all"); }
+    void Export(const std::string& kind, const std::string& path) override {
+        calls.push_back("export " + kind + " to " + path);
+    }
+    void Merge(const std::string& path) override { calls.push_back("merge " + path); }
+    void Add(const std::string& operatorName) override { calls.push_back("add " + operatorName); }
+    void View(const std::string& kind) override { calls.push_back("view " + kind); }
+    void Check() override { calls.emplace_back("check"); }
     void Help() override { calls.emplace_back("help"); }
     void Version() override { calls.emplace_back("version"); }
 

@@ -1,6 +1,6 @@
 #include "batch/Describe.h"
 
-#include "library/OpBox.h"
+#include "document/TvDoc.h"
 #include "library/OpRegistry.h"
 #include "text/Numbers.h"
 #include "text/Tokens.h"
@@ -96,6 +96,14 @@ std::string OperatorDescription(const COpBox& box) {
     AppendHelp(text, box.boxhelp, "    ");
     for (const auto& input : box.inputs) AppendButton(text, *input);
     for (const auto& output : box.outputs) AppendButton(text, *output);
+    return text;
+}
+
+std::string NetworkDescription(const std::string& name, const CTvDoc& network) {
+    std::string text = name + "\n";
+    AppendHelp(text, network.customshaderhelp, "    ");
+    text += "\na network of these boxes\n";
+    for (const auto& box : network.m_boxes) text.append("    ").append(box->BoxTitleWid()).append("\n");
     return text;
 }
 

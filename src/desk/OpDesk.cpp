@@ -51,6 +51,13 @@ void COpDesk::AddOperator(const std::string& name) {
     }
 }
 
+bool COpDesk::IsMacro(const std::string& path) {
+    std::string reason;
+    std::string token;
+    auto archive = CArchive::Open(path, reason);
+    return archive && ReadToken(*archive, token) && token == kDocumentKeyword;
+}
+
 void COpDesk::AddMacro(CArchive& archive) {
     CTvDoc scratch(m_host);
     if (scratch.ReadDeskOnly(archive)) MergeBoxes(scratch.m_boxes);

@@ -103,6 +103,29 @@ TEST_F(SaveShaderTest, WhiteSpaceInTheNameStopsBeforeAnyFileIsWritten) {
     EXPECT_TRUE(fs::is_empty(site.directories.workDir));
 }
 
+TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
+    for (const char* name : {"codegenfile", "hintfile", "render_options", "errors.txt", "arginfo", "boxdef.tmp",
+                             "kill.3", "12", ""}) {
+        host.Sink().alerts.clear();
+        document.SetPath("/x/" + std::string(name) + ".tvn");
+        EXPECT_FALSE(session.SaveShader()) << name;
+        EXPECT_THAT(Alerts(), ElementsAre("shader name " + std::string(name) +
+                                          " is that of a work file; save the document under another name"));
+    }
+    EXPECT_TRUE(fs::is_empty(site.directories.workDir));
+    for (const char* name : {"codegenfile2", "kill", "12a"}) {
+        document.SetPath("/x/" + std::string(name) + ".tvn");
+        EXPECT_TRUE(session.SaveShader()) << name;
+    }
+}
+
+TEST_F(SaveShaderTest, ADoubleQuoteInTheNameIsRefused) {
+    document.SetPath("/x/my\"plastic.tvn");
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_THAT(Alerts(), ElementsAre("shader name contains a double quote; save the document under another name"));
+    EXPECT_TRUE(fs::is_empty(site.directories.workDir));
+}
+
 TEST_F(SaveShaderTest, OnlyBlanksTabsAndLineFeedsAreWhiteSpace) {
     EXPECT_TRUE(HasWhitespace("a b"));
     EXPECT_TRUE(HasWhitespace("a\t"));
@@ -168,6 +191,12 @@ TEST_F(SaveShaderTest, AFilterThatWarnsAndEndsWellHasItsWarningsInTheLog) {
     Script("codefilter", "print STDERR \"warning\\n\";\n");
     EXPECT_TRUE(session.SaveShader());
     EXPECT_EQ(Log(), "warning\r\n");
+}
+
+TEST_F(SaveShaderTest, AnErrorWithoutALineEndIsCompletedBeforeTheCode) {
+    Script("codefilter", "print STDERR 'no end'; exit 3;\n");
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_EQ(Log(), "no end\r\nsave shader command returned 3\r\n");
 }
 
 TEST_F(SaveShaderTest, AFilterThatASignalEndsHasFailed) {

@@ -188,7 +188,7 @@ put('lib/glsl/scene.glsl', "in vec3 tvPlace;\nuniform vec4 tvLamp[2];\nout vec4 
 put('lib/glsl/helper.glsl', "// The helper of helpers.\nconst float LIMIT = 2.0;\nstruct Pair { float a; float b; };\n"
 	. "#define TWICE(x) ((x) * 2.0)\nfloat helper(float x)\n{\n    Pair pair = Pair(x, LIMIT);\n"
 	. "    return min(pair.a, TWICE(pair.b)); // helper\n}\nvec3 mrSeen(\n    in vec3 p,\n    in float amount)\n"
-	. "{\n    return p * helper(amount);\n}\n");
+	. "{\n    return p * helper(amount);\n}\nfloat first(\n    float Ks[1])\n{\n    return Ks[0];\n}\n");
 my $scene = join "\n", '#version 330 core', '// Shader demo', '//@prelude scene', '//@arguments', '//@use helper',
 	'void main()', '{', '    tvColor = vec4(0.0, 0.0, 0.0, 1.0);', '    float Noise_1_result;', '    ', '    // Noise_1',
 	'    {', '        float mr_x = helper(Ks);', '        Noise_1_result = mr_x;', '    }', '    ', '    // Metal_2',
@@ -250,7 +250,7 @@ unlike($complete, qr{\bKs = }, 'without declaring the arguments');
 is(run(section([]) . ($scene =~ s/Ks/1.0/r =~ s/tint/1.0/r)), 0, 'a module without arguments');
 like($source, qr{^vec4 demo\(\)\n\{}m, 'has a function without parameters');
 is(run(section([], @knobs, $knobs[0]) . $scene), 0, 'an argument that two boxes share');
-is(() = $source =~ /float Ks/g, 1, 'is one parameter');
+is(() = $source =~ /float Ks,/g, 1, 'is one parameter');
 
 choose('surface');
 run(section([], @knobs) . $scene);

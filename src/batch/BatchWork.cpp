@@ -1,0 +1,247 @@
+#include "batch/BatchWork.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "base/Files.h"
+#include "batch/CommandLine.h"
+#include "batch/Describe.h"
+#include "forms/FormFrame.h"
+#include "library/OpRegistry.h"
+#include "render/NetworkCheck.h"
+#include "text/Archive.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::chrono::milliseconds kQueueWait{50};  // between looks at whether a process is left
+constexpr float kGapBesideTheRest = 200;             // desk units between networks
+
+// Whether both lead to one file, by whatever way.
+bool IsSameFile(const std::string& one, const std::string& other) {
+    std::error_code missing;
+    return std::filesystem::equivalent(one, other, missing);
+}
+
+ExportKind KindOf(const std::string& word) {
+    if (word == export_words::kShaderSource) return ExportKind::kShaderSource;
+    if (word == export_words::kCompiledShader) return ExportKind::kCompiledShader;
+    if (word == export_words::kShaderIface) return ExportKind::kShaderIface;
+    return ExportKind::kRenderIface;
+}
+
+}  // namespace
+
+BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted)
+    : m_app(app),
+      m_queue(queue),
+      m_isInterrupted(std::move(isInterrupted)),
+      m_document(app),
+      m_desk(m_document, app, m_view),
+      m_session(m_document, app.GetSite(), app.CodeGen()),
+      m_views(m_document, app.GetSite(), m_session),
+      m_export(m_document, app.GetSite(), m_session),
+      m_actions(*this, app.GetSite().commands, app.GetSite().report) {
+    m_app.SetDocument(&m_document);
+    NameHasChanged();
+}
+
+BatchWork::~BatchWork() { m_app.SetDocument(nullptr); }
+
+bool BatchWork::Fail(const std::string& message) {
+    GetSite().report.Alert("%s", message.c_str());
+    return false;
+}
+
+bool BatchWork::Open(const std::string& path) {
+    GetSite().report.TakePending();
+    if (!m_document.Open(path)) return false;
+    m_openedPath = path;
+    m_cutShort = m_document.WasCutShort();
+    if (m_cutShort && !GetSite().report.HasPending()) Fail(path + " was not read to its end");
+    m_desk.OnInitialUpdate();
+    NameHasChanged();
+    return true;
+}
+
+void BatchWork::NameHasChanged() {
+    m_app.ShaderTypeChanged();
+    UpdateExportPaths(m_document, GetSite());
+}
+
+bool BatchWork::Render() {
+    const bool started = m_session.RenderIt();
+    WaitForProcesses();
+    return started;
+}
+
+bool BatchWork::ExportAll() {
+    const bool started = m_export.Export(m_document.exportOptions);
+    WaitForProcesses();
+    return started;
+}
+
+bool BatchWork::Export(const std::string& kind, const std::string& path) {
+    const bool started = m_export.Export(ShaderExport::OnlyThis(KindOf(kind), path));
+    WaitForProcesses();
+    return started;
+}
+
+void BatchWork::WaitForProcesses() {
+    const Commands& commands = GetSite().commands;
+    while (commands.AnyProcessLeft() && !m_isInterrupted()) m_queue.RunPending(kQueueWait);
+    m_queue.RunPending();
+}
+
+bool BatchWork::Save(const std::string& path, bool force) {
+    if (m_cutShort && !force && IsSameFile(path, m_openedPath)) {
+        return Fail(path + " was not read to its end, and saving would lose the rest; save under another name, or"
+                           " use --force");
+    }
+    std::string error;
+    if (!m_document.Save(path, error)) return Fail("unable to save " + path + ": " + error);
+    NameHasChanged();
+    return true;
+}
+
+void BatchWork::Set(const std::string& name, const std::string& value) {
+    if (!m_document.m_renderOptions.contains(name)) {
+        GetSite().report.LogLine("WARNING: the library's form has no render option %s", name.c_str());
+    }
+    m_app.SetVariable(name, value, true);
+    NameHasChanged();
+}
+
+bool BatchWork::RunScript(const std::string& path) {
+    m_commandFailed = false;
+    const bool ran = m_actions.RunScriptFile(path);
+    WaitForProcesses();
+    return ran && m_actions.UnknownActions() == 0 && !m_commandFailed;
+}
+
+bool BatchWork::Merge(const std::string& path) {
+    std::string error;
+    auto archive = CArchive::Open(path, error);
+    if (!archive) {
+        GetSite().report.LogLine("unable to open %s for reading", path.c_str());
+        return Fail("unable to open " + path + " for reading");
+    }
+    CTvDoc scratch(m_app);
+    GetSite().report.TakePending();
+    if (!scratch.ReadDeskOnly(*archive)) {
+        if (!GetSite().report.HasPending()) Fail(path + " holds no network");
+        return false;
+    }
+    m_desk.MergeBoxes(scratch.m_boxes);
+    return DropBesideTheRest();
+}
+
+bool BatchWork::Add(const std::string& operatorName) {
+    GetSite().report.TakePending();
+    m_desk.AddOperator(operatorName);
+    const bool added = DropBesideTheRest();
+    if (!added && !GetSite().report.HasPending()) Fail(operatorName + " has put nothing on the desk");
+    return added;
+}
+
+// There is no mouse under which the boxes could wait.
+bool BatchWork::DropBesideTheRest() {
+    if (m_desk.m_pendingBoxes.empty()) return false;
+    if (!m_document.m_boxes.empty()) {
+        const auto left = [](const auto& one, const auto& other) { return one->xypos[0] < other->xypos[0]; };
+        const auto& rest = m_document.m_boxes;
+        const auto& pending = m_desk.m_pendingBoxes;
+        const float edge = (*std::max_element(rest.begin(), rest.end(), left))->xypos[0];
+        const float start = (*std::min_element(pending.begin(), pending.end(), left))->xypos[0];
+        for (const auto& box : pending) box->xypos[0] += edge + kGapBesideTheRest - start;
+    }
+    m_desk.DropPending();
+    return true;
+}
+
+std::optional<std::string> BatchWork::View(const std::string& kind) {
+    const auto path = kind == view_words::kSource        ? m_views.ViewShaderSource()
+                      : kind == view_words::kRenderIface ? m_views.ViewRenderInterface()
+                                                         : m_views.ViewShaderInterface();
+    if (!path) return std::nullopt;
+    std::string text;
+    std::string error;
+    if (ReadWholeFile(*path, text, error)) return text;
+    Fail("unable to open " + *path + " for reading: " + error);
+    return std::nullopt;
+}
+
+std::optional<std::string> BatchWork::Describe(const std::string& operatorName) {
+    Report& report = GetSite().report;
+    report.TakePending();
+    const COpEntry* entry = m_app.Registry().FindByName(operatorName);
+    if (entry != nullptr && COpDesk::IsMacro(entry->path)) {
+        const COpEntry found = *entry;  // opening a document may scan the operators again
+        CTvDoc network(m_app);
+        if (!network.Open(found.path)) return std::nullopt;
+        return NetworkDescription(found.name, network);
+    }
+    COpBox box;
+    if (box.Define(operatorName, m_app.Registry(), GetSite())) return OperatorDescription(box);
+    if (!report.HasPending()) Fail(operatorName + ": the definition ends too early");
+    return std::nullopt;
+}
+
+std::string BatchWork::Check(bool& anyError) {
+    std::vector<Finding> findings;
+    std::string error;
+    if (auto archive = CArchive::Open(m_openedPath, error)) {
+        findings = CheckDocumentFile(*archive, m_document, m_app.Registry());
+    }
+    const std::vector<Finding> network = CheckNetwork(m_document, GetSite().report);
+    findings.insert(findings.end(), network.begin(), network.end());
+    m_session.Generate();
+    std::string text;
+    for (const Finding& finding : findings) {
+        text += finding.Text() + "\n";
+        anyError = anyError || finding.severity == Finding::Severity::kError;
+    }
+    return text;
+}
+
+void BatchWork::Command(CommandId command) {
+    // Where a window would ask for the path of a single export, the one that it would offer is taken.
+    const auto exportOne = [this](ExportKind kind) {
+        return m_export.Export(ShaderExport::OnlyThis(kind, m_export.DocumentPath(kind)));
+    };
+    bool done = true;
+    switch (command) {
+        case CommandId::kRenderIt:
+            done = m_session.RenderIt();
+            break;
+        case CommandId::kStopRender:
+            m_session.StopRender();
+            break;
+        case CommandId::kExportAll:
+            done = m_export.Export(m_document.exportOptions);
+            break;
+        case CommandId::kExportCompiledShader:
+            done = exportOne(ExportKind::kCompiledShader);
+            break;
+        case CommandId::kExportShaderInterface:
+            done = exportOne(ExportKind::kShaderIface);
+            break;
+    }
+    m_commandFailed = m_commandFailed || !done;
+}
+
+void BatchWork::Close() {
+    m_closing = true;
+    m_actions.HaltScript();
+}
+
+void BatchWork::LoadFormDefaults() { m_app.LoadFormDefaults(); }
+
+bool BatchWork::PumpMessages(std::chrono::milliseconds wait) {
+    m_queue.RunPending(wait);
+    GetSite().report.TakePending();
+    return !m_isInterrupted() && !m_closing;
+}
+
+}  // namespace tavrin

@@ -1,0 +1,88 @@
+// What tavrin-batch does on its one document.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "app/Actions.h"
+#include "app/TvApp.h"
+#include "base/MainThreadQueue.h"
+#include "desk/OpDesk.h"
+#include "render/RenderSession.h"
+#include "render/ShaderExport.h"
+#include "render/ShaderViews.h"
+
+namespace tavrin {
+
+// The document with everything round it that a window program has in its frame. Made by the run after the
+// application has started. Every operation reports before it returns false.
+class BatchWork : private ActionTarget {
+  public:
+    // `isInterrupted` tells whether the program is being stopped: waiting ends then.
+    BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted);
+    ~BatchWork() override;
+
+    // False if the file cannot be opened. A file that cannot be read to its end is alerted, and the work
+    // goes on with what it gave.
+    bool Open(const std::string& path);
+
+    bool SaveShader() { return m_session.SaveShader(); }
+    // Renders and exports return when every process that they started has ended.
+    bool Render();
+    bool ExportAll();
+    bool Export(const std::string& kind, const std::string& path);
+
+    // Refuses the file that was not read to its end unless it is forced.
+    bool Save(const std::string& path, bool force);
+    void Set(const std::string& name, const std::string& value);
+    bool RunScript(const std::string& path);
+    bool Merge(const std::string& path);
+    bool Add(const std::string& operatorName);
+
+    // The text that the editor would be given; nothing if it could not be made.
+    std::optional<std::string> View(const std::string& kind);
+
+    // A line for each finding. `anyError` tells whether one is an error.
+    std::string Check(bool& anyError);
+
+    // What is printed of an operator: of a box its help and buttons, of a saved network its help and boxes.
+    std::optional<std::string> Describe(const std::string& operatorName);
+
+    // A script has asked for the end of the program.
+    bool IsClosing() const { return m_closing; }
+
+  private:
+    // What actions ask of a frame.
+    void Command(CommandId command) override;
+    void Close() override;
+    void HideRenderOptions() override {}
+    void OpenDocument(const std::string& path) override { Open(path); }
+    void LoadFormDefaults() override;
+    bool PumpMessages(std::chrono::milliseconds wait) override;
+
+    Site& GetSite() { return m_app.GetSite(); }
+    bool Fail(const std::string& message);
+    void WaitForProcesses();
+    // Drops what was added or merged, to the right of what stands on the desk.
+    bool DropBesideTheRest();
+    // Export paths follow the document's name and type.
+    void NameHasChanged();
+
+    CTvApp& m_app;
+    PlainQueue& m_queue;
+    std::function<bool()> m_isInterrupted;
+    CTvDoc m_document;
+    DeskView m_view;
+    COpDesk m_desk;
+    RenderSession m_session;
+    ShaderViews m_views;
+    ShaderExport m_export;
+    Actions m_actions;
+    std::string m_openedPath;
+    bool m_cutShort = false;  // the file at m_openedPath was not read to its end
+    bool m_closing = false;
+    bool m_commandFailed = false;  // one that the present script sent
+};
+
+}  // namespace tavrin
