@@ -1,145 +1,36 @@
 // Time and memory of turning networks into text: order, prepare, generate and the final lines in memory,
-// definitions' preprocessing apart. Prints a line for each network: boxes, kind, median milliseconds of
-// several runs, microseconds a box, bytes of code. The last line is the peak memory of the process.
-#include <sys/resource.h>
+// definitions apart. The floor is what cannot be saved: each box's lines once through a bare word scan with
+// a hash look-up.
+#include <unordered_map>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "base/MainThreadQueue.h"
-#include "codegen/CodeGen.h"
-#include "document/TvDoc.h"
-#include "library/OpRegistry.h"
+#include "bench/BareExpander.h"
+#include "bench/BenchNetwork.h"
 #include "render/RenderSession.h"
-#include "site/Site.h"
-#include "text/Archive.h"
-#include "text/Tokens.h"
 
 namespace {
 
 using namespace tavrin;
-
-constexpr int kRuns = 7;
-
-constexpr const char* kSiteTemplate = R"text(global-open append
-#version 330 core
-<<EOT>>
-main-open append
-void _SHADERNAME_()
-<<EOT>>
-main-header append
-{
-<<EOT>>
-main-close append
-}
-<<EOT>>
-)text";
-
-// An operator as a library has it: three inputs, an output, a shared line and a few statements.
-constexpr const char* kDefinition = R"text(size 64 48
-color 0.5 0.5 0.8
-icontext mix
-boxhelp {
-Mixes two colours by an amount.
-}
-input first { help {
-The first colour.
-}
-rgb { 0.5 0.5 0.5 "vec3(%g, %g, %g)" } float { 0.5 0 1 0 "%g" } }
-input second { help {
-The second colour.
-}
-rgb { 1 1 1 "vec3(%g, %g, %g)" } float { 1 0 1 0 "%g" } }
-input amount { help {
-How much of the second.
-}
-float { 0.5 0 1 0 "%g" } }
-output result { help {
-The mixture.
-}
-rgb out float out }
-defs { castlock.add first result }
-codegen.global-header unique
-//@use mixing
-<<EOT>>
-codegen.main-body append
-// mixes by ${TAVRN_Cast_amount}
-result = mrMix(mrColor(first), mrColor(second), amount);
-<<EOT>>
-)text";
-
-class BenchHost : public DocumentHost {
-  public:
-    BenchHost() : m_site(m_report, Environment(), m_queue), m_registry(m_report) {
-        m_site.types.SetDataType("rgb", {"vec3 ", ";"});
-        m_site.types.SetWord("rgb", "vec3");
-        CArchive archive = CArchive::FromText("template", kSiteTemplate);
-        std::string keyword;
-        std::string error;
-        while (ReadToken(archive, keyword)) m_codeGen.ParseClause(archive, keyword, {}, error);
-        m_codeGen.m_lineComment = "//";
-    }
-    Site& GetSite() override { return m_site; }
-    const COpRegistry& Registry() const override { return m_registry; }
-    const std::map<std::string, std::string>& AppVariables() const override { return m_variables; }
-    const CExportOptions& ExportDefaults() const override { return m_exports; }
-    bool IsUnsavedOption(const std::string&) const override { return false; }
-    bool UseLibrary(const std::string&) override { return true; }
-    std::string DocumentVersion() const override { return "bench"; }
-    const CCodeGen& CodeGen() const { return m_codeGen; }
-
-  private:
-    Report m_report;
-    PlainQueue m_queue;
-    Site m_site;
-    COpRegistry m_registry;
-    CCodeGen m_codeGen;
-    std::map<std::string, std::string> m_variables;
-    CExportOptions m_exports;
-};
-
-// Boxes of which each takes its inputs from earlier ones: the one before in a chain, two of the layer
-// before in a wide network.
-void Fill(CTvDoc& document, BenchHost& host, int count, int width) {
-    std::vector<COpBox*> boxes;
-    for (int i = 0; i < count; ++i) {
-        auto box = std::make_unique<COpBox>();
-        CArchive archive = CArchive::FromText("definition", kDefinition);
-        if (!box->ReadDefinition(archive, {}, host.GetSite().report)) std::exit(1);
-        box->filename = "Mix";
-        box->wid = i + 1;
-        boxes.push_back(box.get());
-        document.m_boxes.push_back(std::move(box));
-        if (i < width) continue;
-        const int layer = i - i % width - width;
-        boxes.back()->inputs[0]->Connect(*boxes[static_cast<size_t>(layer + i % width)]->outputs[0]);
-        boxes.back()->inputs[1]->Connect(*boxes[static_cast<size_t>(layer + (i * 7 + 3) % width)]->outputs[0]);
-    }
-}
+using namespace tavrin::bench;
 
 void Measure(BenchHost& host, const char* kind, int count, int width) {
     CTvDoc document(host);
     Fill(document, host, count, width);
     RenderSession session(document, host.GetSite(), host.CodeGen());
-    std::vector<double> times;
     size_t bytes = 0;
-    for (int run = 0; run < kRuns; ++run) {
-        const auto begin = std::chrono::steady_clock::now();
-        const RenderSession::Generated generated = session.Generate();
-        const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - begin;
-        times.push_back(time.count());
-        bytes = 0;
-        for (const std::string& line : generated.code) bytes += line.size() + 1;
-    }
-    std::sort(times.begin(), times.end());
-    const double median = times[kRuns / 2];
-    std::printf("generate %-6s %6d boxes  %8.3f ms  %6.2f us/box  %9zu bytes\n", kind, count, median,
-                median * 1000 / count, bytes);
+    std::vector<std::string> lines;
+    const double time = MedianMilliseconds([&] { lines = session.Generate().code; });
+    for (const std::string& line : lines) bytes += line.size() + 1;
+
+    const BareExpander expander(50);
+    std::string result;
+    const double floor = MedianMilliseconds([&] {
+        for (const std::string& line : lines) {
+            result.clear();
+            expander.Expand(line, result);
+        }
+    });
+    std::printf("generate %-5s %6d boxes  %8.3f ms  floor %7.3f ms  beyond it %5.2f us/box  %8zu bytes\n", kind, count,
+                time, floor, (time - floor) * 1000 / count, bytes);
 }
 
 }  // namespace
@@ -150,8 +41,6 @@ int main() {
         Measure(host, "chain", count, 1);
         Measure(host, "wide", count, 10);
     }
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    std::printf("peak memory %.1f MB\n", static_cast<double>(usage.ru_maxrss) / 1024);
+    PrintPeakMemory();
     return 0;
 }

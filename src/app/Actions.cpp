@@ -59,11 +59,12 @@ bool Actions::DoExport(const std::string& kind) {
     return true;
 }
 
-bool Actions::WaitForChildren() {
+void Actions::WaitForChildren() {
     while (m_commands.AnyChildRunning()) {
-        if (!m_target.PumpMessages(kWait)) return false;
+        if (m_target.PumpMessages(kWait)) continue;
+        m_script.reset();
+        return;
     }
-    return true;
 }
 
 bool Actions::RunScriptFile(const std::string& path) {
@@ -82,7 +83,7 @@ bool Actions::RunScriptFile(const std::string& path) {
     ScriptStatement statement;
     while (m_script && m_script->Next(statement)) {
         if (!DoAction(statement[0], statement[1], statement[2])) ++m_unknownActions;
-        if (!WaitForChildren()) break;
+        WaitForChildren();
     }
     m_script.reset();
     return true;

@@ -61,8 +61,8 @@ class Actions {
   private:
     bool DoFormAction(const std::string& message, const std::string& argument);
     bool DoExport(const std::string& kind);
-    // Waits until no child runs. False if the program is to quit.
-    bool WaitForChildren();
+    // Waits until no child runs. If the program is to quit meanwhile, that ends the script as well.
+    void WaitForChildren();
 
     ActionTarget& m_target;
     Commands& m_commands;

@@ -17,17 +17,18 @@ bool ScriptFile::Next(ScriptStatement& statement) {
 
 bool ScriptFile::ReadText(std::string& text) {
     text.clear();
-    m_line = m_archive.LineNumber();
+    m_line = m_nextLine;
     int c = m_archive.ReadByte();
     if (c < 0) return false;
     for (; c >= 0 && c != '\n' && c != ';'; c = m_archive.ReadByte()) {
         if (c == '#') {
             m_archive.SkipToLineEnd();
-            m_archive.ReadByte();  // the line feed
+            c = m_archive.ReadByte();  // the line feed
             break;
         }
         text += static_cast<char>(c);
     }
+    if (c == '\n') ++m_nextLine;
     return true;
 }
 

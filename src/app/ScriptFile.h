@@ -29,6 +29,7 @@ class ScriptFile {
 
     CArchive m_archive;
     int m_line = 0;
+    int m_nextLine = 1;
 };
 
 }  // namespace tavrin

@@ -18,7 +18,8 @@ std::vector<std::string> StatementsOf(const std::string& text) {
     ScriptFile script(ArchiveOf(text, "test.tvx"));
     std::vector<std::string> statements;
     ScriptStatement statement;
-    while (script.Next(statement)) statements.push_back(statement[0] + "|" + statement[1] + "|" + statement[2]);
+    while (script.Next(statement))
+        statements.push_back(statement[0] + "|" + statement[1] + "|" + statement[2]);
     return statements;
 }
 
@@ -32,7 +33,8 @@ TEST(ScriptFile, MissingWordsAreEmpty) {
 }
 
 TEST(ScriptFile, TheFourthWordIsPassedOver) {
-    EXPECT_THAT(StatementsOf("form system echo hello; form exit"), ElementsAre("form|system|echo", "form|exit|"));
+    EXPECT_THAT(StatementsOf("form system echo hello; form exit"),
+                ElementsAre("form|system|echo", "form|exit|"));
 }
 
 TEST(ScriptFile, ASemicolonEndsAStatementLikeALineFeed) {
@@ -52,8 +54,9 @@ TEST(ScriptFile, StatementsWithoutAWordAreSkipped) {
 }
 
 TEST(ScriptFile, ACommentRunsToTheEndOfItsLineSemicolonsIncluded) {
-    EXPECT_THAT(StatementsOf("# form exit; form exit\nform roe hide # form exit; form exit\nroe use-defaults"),
-                ElementsAre("form|roe|hide", "roe|use-defaults|"));
+    EXPECT_THAT(
+        StatementsOf("# form exit; form exit\nform roe hide # form exit; form exit\nroe use-defaults"),
+        ElementsAre("form|roe|hide", "roe|use-defaults|"));
 }
 
 TEST(ScriptFile, ANumberSignInsideAWordEndsTheStatementThere) {

@@ -141,7 +141,7 @@ TEST_F(TvAppEndsTest, TheEndWaitsForChildrenThatHeedTheirKillFile) {
         "child.pl",
         "$| = 1; print 'started '; select undef, undef, undef, 0.01 until -e $ENV{TAVRN_KILLFILE}; print 'stopped';");
     Load().GetSite().commands.RunScriptCommand(script);
-    while (sink.log.empty()) queue.RunPending(std::chrono::milliseconds(10));
+    for (int tries = 0; sink.log.empty() && tries < 3000; ++tries) queue.RunPending(std::chrono::milliseconds(10));
     EXPECT_TRUE(app->CloseDown(std::chrono::seconds(30)));
     queue.RunPending();
     EXPECT_EQ(sink.log, "started stopped");

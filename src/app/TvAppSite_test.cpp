@@ -207,7 +207,9 @@ TEST_F(TvAppSiteTest, KillFilesLieInTheWorkDirectory) {
     const std::string perlExec = directory.Write("site/bin/PerlExec", "#!/bin/sh\nprintf %s \"$TAVRN_KILLFILE\"\n");
     fs::permissions(perlExec, fs::perms::owner_all);
     site.commands.RunScriptCommand("script");
-    while (site.commands.AnyProcessLeft()) queue.RunPending(std::chrono::milliseconds(10));
+    for (int tries = 0; site.commands.AnyProcessLeft() && tries < 3000; ++tries) {
+        queue.RunPending(std::chrono::milliseconds(10));
+    }
     queue.RunPending();
     EXPECT_EQ(sink.log, site.WorkPath("kill.1"));
 }

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -106,6 +107,17 @@ class BatchInterruptedTest : public testing::Test {
         const pid_t program = Start(words);
         EXPECT_TRUE(WaitUntil([this, processes] { return Pids().size() == processes; }));
         ::kill(program, signal);
+        return EndOf(program);
+    }
+    // The status of a program that is expected to end by itself.
+    static int EndOf(pid_t program) {
+        const bool ended = WaitUntil([program] {
+            siginfo_t information{};
+            ::waitid(P_PID, static_cast<id_t>(program), &information, WEXITED | WNOHANG | WNOWAIT);
+            return information.si_pid == program;
+        });
+        EXPECT_TRUE(ended);
+        if (!ended) ::kill(program, SIGKILL);
         return WaitForEnd(program);
     }
     // Whatever ran has gone: the scripts, their children, the work directory.
@@ -179,8 +191,8 @@ TEST_F(BatchInterruptedTest, TwoAtOnceDoNotMeet) {
            "print $tries > 3000 ? 'alone' : 'both';\n");
     const pid_t first = Start({"--render"}, "first");
     const pid_t second = Start({"--render"}, "second");
-    EXPECT_EQ(WaitForEnd(first), 0);
-    EXPECT_EQ(WaitForEnd(second), 0);
+    EXPECT_EQ(EndOf(first), 0);
+    EXPECT_EQ(EndOf(second), 0);
     EXPECT_EQ(test::ReadFile(In("first")), "own both\n");
     EXPECT_EQ(test::ReadFile(In("second")), "own both\n");
     ExpectNothingLeft();

@@ -179,7 +179,9 @@ std::optional<std::string> BatchWork::Describe(const std::string& operatorName) 
     if (entry != nullptr && COpDesk::IsMacro(entry->path)) {
         const COpEntry found = *entry;  // opening a document may scan the operators again
         CTvDoc network(m_app);
+        const std::string unchangedHelp = network.customshaderhelp;
         if (!network.Open(found.path)) return std::nullopt;
+        if (network.customshaderhelp == unchangedHelp) network.customshaderhelp.clear();
         return NetworkDescription(found.name, network);
     }
     COpBox box;

@@ -9,6 +9,7 @@
 
 #include "base/FileDescriptor.h"
 #include "base/Process.h"
+#include "support/TestSite.h"
 
 namespace tavrin {
 namespace {
@@ -39,6 +40,12 @@ class InterruptionTest : public testing::Test {
         return ::read(m_reports.Get(), &letter, 1) == 1 ? letter : '-';
     }
     void Send(int signal) const { ASSERT_EQ(::kill(m_process, signal), 0); }
+    // Waits until no signal that was sent is left to be taken.
+    void WaitUntilTaken() const {
+        const std::string status = "/proc/" + std::to_string(m_process) + "/status";
+        while (test::ReadFile(status).find("\nShdPnd:\t0000000000000000\n") == std::string::npos) {
+        }
+    }
     // Lets the process end; the signal that it knew of.
     int End() {
         m_orders.Close();
@@ -103,6 +110,7 @@ TEST_F(InterruptionTest, AWhileAfterTheFirstSignalKillIsPassedOnByItself) {
 TEST_F(InterruptionTest, TheSignalOfItsOwnThreadIsNoInterruption) {
     Start();
     Send(SIGUSR1);
+    WaitUntilTaken();
     Send(SIGINT);
     EXPECT_EQ(NextReport(), 'T');
     EXPECT_EQ(End(), SIGINT);

@@ -134,7 +134,8 @@ TEST_F(OpDeskMerge, ASavedNetworkInTheLibraryIsAnOperator) {
     desk.AddOperator("macro");
     EXPECT_THAT(Alerts(), IsEmpty());
     ASSERT_THAT(Pending(), ElementsAre("src_2", "dst_3"));
-    EXPECT_EQ(desk.m_pendingBoxes.at(1)->inputs.at(0)->connections.First(), desk.m_pendingBoxes.at(0)->outputs.at(0).get());
+    EXPECT_EQ(desk.m_pendingBoxes.at(1)->inputs.at(0)->connections.First(),
+              desk.m_pendingBoxes.at(0)->outputs.at(0).get());
     EXPECT_THAT(desk.m_pendingBoxes.at(0)->xypos, ElementsAre(0.0F, 0.0F));
     EXPECT_THAT(desk.m_pendingBoxes.at(1)->xypos, ElementsAre(4.0F, 4.0F));
     // Boxes and connections alone come across.
@@ -142,6 +143,14 @@ TEST_F(OpDeskMerge, ASavedNetworkInTheLibraryIsAnOperator) {
     EXPECT_THAT(document.toolbar, IsEmpty());
     EXPECT_THAT(host.usedLibraries, IsEmpty());
     EXPECT_TRUE(document.IsModified());
+}
+
+TEST_F(OpDeskMerge, AMacroOperatorIsKnownByItsFirstWord) {
+    EXPECT_TRUE(COpDesk::IsMacro(host.AddOperator("a", "# saved\r\n\r\ntavrn-version 1")));
+    EXPECT_TRUE(COpDesk::IsMacro(host.AddOperator("b", document.Store())));
+    EXPECT_FALSE(COpDesk::IsMacro(host.AddOperator("c", "output o { float out } tavrn-version")));
+    EXPECT_FALSE(COpDesk::IsMacro(host.AddOperator("d", "# tavrn-version\n")));
+    EXPECT_FALSE(COpDesk::IsMacro(host.Directory() / "missing"));
 }
 
 TEST_F(OpDeskMerge, ASavedNetworkWithAnErrorBringsNothing) {

@@ -48,7 +48,8 @@ bool DocumentReader::ReadSection(const std::string& keyword) {
     if (keyword == "opdesk") return ReadOpDesk();
     if (keyword == "renderoptions") return ReadRenderOptions();
     if (keyword == "exportoptions") {
-        ReadExportOptions(m_archive, m_document.exportOptions, m_report);
+        // Reading goes on behind an unknown option, but what the section held after it is lost.
+        m_lostText = !ReadExportOptions(m_archive, m_document.exportOptions, m_report) || m_lostText;
         return true;
     }
     if (keyword == "customshaderhelp") return ReadHelp();

@@ -23,6 +23,8 @@ class DocumentReader : private TokenParser {
 
     // All sections. On success the boxes are in the order of their numbers and the document is unmodified.
     bool Read();
+    // Something of the file was passed over after an error, though reading went on.
+    bool HasLostText() const { return m_lostText; }
     // The boxes and connections alone; false also if the file has none.
     bool ReadDeskOnly();
 
@@ -52,6 +54,7 @@ class DocumentReader : private TokenParser {
 
     CTvDoc& m_document;
     DocumentHost& m_host;
+    bool m_lostText = false;
     // State of the box block at work.
     size_t m_inputCursor = 0;
     size_t m_outputCursor = 0;

@@ -1,5 +1,6 @@
 #include "document/DocumentWriter.h"
 
+#include <algorithm>
 #include <clocale>
 #include <ctime>
 
@@ -156,19 +157,28 @@ class Writer {
         }
     }
 
+    // An output's wires are written in the order of what they lead to, so that the file does not depend on
+    // the order in which they were made.
     void WriteConnections() {
         Line("    opconnects\r\n    {");
         for (const auto& box : m_document.m_boxes) {
             for (size_t output = 0; output < box->outputs.size(); ++output) {
-                for (const COpButton* input : box->outputs[output]->connections) {
-                    const COpBox& target = *input->owner;
-                    Line("        opbox:", box->filename, ",", box->wid, ",", box->outputs[output]->name, ",", output,
-                         " -> opbox:", target.filename, ",", target.wid, ",", input->name, ",",
-                         target.IndexOfButton(*input));
-                }
+                std::vector<const COpButton*> inputs(box->outputs[output]->connections.begin(),
+                                                     box->outputs[output]->connections.end());
+                std::stable_sort(inputs.begin(), inputs.end(), [](const COpButton* left, const COpButton* right) {
+                    if (left->owner->wid != right->owner->wid) return left->owner->wid < right->owner->wid;
+                    return left->owner->IndexOfButton(*left) < right->owner->IndexOfButton(*right);
+                });
+                for (const COpButton* input : inputs) WriteConnection(*box, output, *input);
             }
         }
         Line("    }\r\n");
+    }
+
+    void WriteConnection(const COpBox& box, size_t output, const COpButton& input) {
+        const COpBox& target = *input.owner;
+        Line("        opbox:", box.filename, ",", box.wid, ",", box.outputs[output]->name, ",", output, " -> opbox:",
+             target.filename, ",", target.wid, ",", input.name, ",", target.IndexOfButton(input));
     }
 
     void WriteRenderOptions() {

@@ -49,19 +49,20 @@ void ReadLine(std::string_view line, const ExportKey& key, CExportOptions& optio
 
 }  // namespace
 
-void ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report) {
+bool ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report) {
     std::string token;
-    if (!ReadToken(archive, token)) return;
+    if (!ReadToken(archive, token)) return true;
     while (ReadToken(archive, token) && token != "}") {
         const ExportKey* key = FindKey(token);
         if (key == nullptr) {
             report.AlertAt(archive, "unknown export option: %s", token.c_str());
-            return;
+            return false;
         }
         std::string_view rest;
         archive.ReadLine(rest);
         ReadLine(rest, *key, options);
     }
+    return true;
 }
 
 std::string ExportOptionLines(const CExportOptions& options) {

@@ -64,7 +64,8 @@ bool CTvDoc::Open(const std::string& path) {
     }
     DeleteContents();
     m_path = path;
-    m_cutShort = !Load(*archive);
+    DocumentReader reader(*this, *archive, m_host);
+    m_cutShort = !reader.Read() || reader.HasLostText();
     return true;
 }
 

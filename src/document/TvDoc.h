@@ -65,8 +65,8 @@ class CTvDoc {
     // the document is unmodified; on failure `error` holds the platform's message.
     bool Save(const std::string& path, std::string& error);
 
-    // Reading stopped at an error in the file that is now the document's path: saving there would lose
-    // what was not read.
+    // An error in the file that is now the document's path kept part of it from being read: saving there
+    // would lose that part.
     bool WasCutShort() const { return m_cutShort; }
 
     const std::string& Path() const { return m_path; }

@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 #include <unordered_set>
+#include <utility>
 
 #include "document/TvDoc.h"
 #include "library/OpRegistry.h"
@@ -132,12 +133,21 @@ std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document
     const auto add = [&](Severity severity, const std::string& message) {
         if (seen.insert(message).second) findings.push_back({severity, {}, {}, message});
     };
+    // A box begins "opbox { filename NAME"; the words of texts and values mean nothing here.
+    std::string before;
+    std::string beforeThat;
     while (ReadToken(archive, token)) {
-        if (token == "filename" && ReadToken(archive, name) && registry.FindByName(name) == nullptr) {
-            add(Severity::kError, "the library has no operator " + name);
-        } else if (token == "setenv" && ReadToken(archive, name) && !document.m_renderOptions.contains(name)) {
-            add(Severity::kWarning, "the form has no render option " + name);
+        if (token == "customshaderhelp") {
+            ReadTextBlock(archive, name);
+        } else if (token == "filename" && before == "{" && beforeThat == "opbox" && ReadToken(archive, name)) {
+            if (registry.FindByName(name) == nullptr) add(Severity::kError, "the library has no operator " + name);
+        } else if (token == "setenv" && ReadToken(archive, name)) {
+            if (!document.m_renderOptions.contains(name)) {
+                add(Severity::kWarning, "the form has no render option " + name);
+            }
+            ReadToken(archive, name);  // its value
         }
+        beforeThat = std::exchange(before, token);
     }
     return findings;
 }

@@ -1,6 +1,7 @@
 #include "render/RenderHistory.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/Files.h"
 #include "base/Paths.h"
@@ -23,6 +24,7 @@ bool IsNumber(const std::string& text) {
 RenderHistory::RenderHistory(Site& site) : m_site(site) {
     float limit = kDefaultMaxHistory;
     site.settings.GetSettingFloat("maxhistory", limit);
+    if (std::isnan(limit)) limit = kDefaultMaxHistory;
     m_maxHistory = static_cast<int>(std::clamp(limit, 0.0F, kMostHistory));
 }
 

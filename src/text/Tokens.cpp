@@ -1,6 +1,7 @@
 #include "text/Tokens.h"
 
 #include <algorithm>
+#include <array>
 
 #include "base/Files.h"
 #include "text/Numbers.h"
@@ -14,16 +15,29 @@ namespace {
 // them protects nothing. False at the end of the file.
 bool SkipToToken(CArchive& archive) {
     for (;;) {
-        const int c = archive.PeekByte();
-        if (c < 0) return false;
-        if (c == '#') {
-            archive.SkipToLineEnd();
-        } else if (EndsToken(static_cast<char>(c))) {
-            archive.Skip(1);
-        } else {
-            return true;
-        }
+        const std::string_view rest = archive.Rest();
+        size_t blanks = 0;
+        while (blanks < rest.size() && EndsToken(rest[blanks])) ++blanks;
+        archive.Skip(blanks);
+        if (blanks == rest.size()) return false;
+        if (rest[blanks] != '#') return true;
+        archive.SkipToLineEnd();
     }
+}
+
+// What stands for nothing but itself in a token outside quotes.
+constexpr std::array<bool, 256> kPlainTable = [] {
+    std::array<bool, 256> table{};
+    table.fill(true);
+    for (const char c : {' ', '\t', '\r', '\n', '#', '"', '\\'}) table[static_cast<unsigned char>(c)] = false;
+    return table;
+}();
+
+// How many plain bytes the text begins with.
+size_t PlainRun(std::string_view text) {
+    size_t length = 0;
+    while (length < text.size() && kPlainTable[static_cast<unsigned char>(text[length])]) ++length;
+    return length;
 }
 
 }  // namespace
@@ -37,7 +51,8 @@ bool ReadToken(CArchive& archive, std::string& token) {
     bool inQuotes = false;
     bool escaped = false;
     std::string_view rest = archive.Rest();
-    size_t i = 0;
+    size_t i = PlainRun(rest);  // most often the whole token
+    token.assign(rest, 0, i);
     for (; i < rest.size(); ++i) {
         const char c = rest[i];
         if (!inQuotes && (c == '#' || EndsToken(c))) {

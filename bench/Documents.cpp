@@ -1,0 +1,50 @@
+// Reading and writing documents in memory, definitions' preprocessing apart. The floors: reading the
+// tokens of the text, and copying it.
+#include "bench/BenchNetwork.h"
+
+namespace {
+
+using namespace tavrin;
+using namespace tavrin::bench;
+
+void Measure(BenchHost& host, int count) {
+    CTvDoc document(host);
+    Fill(document, host, count, 10);
+    std::string text;
+    const double write = MedianMilliseconds([&] { text = document.Store(); });
+    std::string copy;
+    const double copyFloor = MedianMilliseconds([&] { copy = text + "x"; });
+
+    std::vector<std::unique_ptr<COpBox>> boxes;
+    const double definitions = MedianMilliseconds(
+        [&] {
+            for (int i = 0; i < count; ++i) host.DefineBox(*boxes.emplace_back(std::make_unique<COpBox>()), "Mix");
+        },
+        [&] { boxes.clear(); });
+    const double tokens = MedianMilliseconds([&] {
+        CArchive archive = CArchive::FromText("document", text);
+        std::string token;
+        while (ReadToken(archive, token)) {
+        }
+    });
+    std::unique_ptr<CTvDoc> loaded;
+    const double read = MedianMilliseconds(
+        [&] {
+            loaded = std::make_unique<CTvDoc>(host);
+            CArchive archive = CArchive::FromText("document", text);
+            if (!loaded->Load(archive)) std::exit(1);
+        },
+        [&] { loaded.reset(); });
+    std::printf("read  %6d boxes  %8.3f ms beyond the definitions' %.3f ms  floor (tokens) %7.3f ms  (%zu bytes)\n", count,
+                read - definitions, definitions, tokens, text.size());
+    std::printf("write %6d boxes  %8.3f ms  floor (copy) %7.3f ms\n", count, write, copyFloor);
+}
+
+}  // namespace
+
+int main() {
+    BenchHost host;
+    for (const int count : {1000, 10000}) Measure(host, count);
+    PrintPeakMemory();
+    return 0;
+}

@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Runs the benchmarks on the release build. Each line is a figure: medians of several runs, with their floor
+# of the same run. Quote figures from an idle machine.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/build.sh release >/dev/null
+for bench in Expansion Generation Documents; do build/release/bench/bench_$bench; done
+perl bench/pipeline.pl build/release/bin/tavrin-batch
+echo "bench: done"
