@@ -8,7 +8,7 @@ packages=(
   perl perl-modules-5.36
   glslang-tools
   libegl-dev libgl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
-  libgtest-dev libgmock-dev
+  libgtest-dev libgmock-dev locales
 )
 
 missing=()

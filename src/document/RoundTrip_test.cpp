@@ -259,13 +259,12 @@ TEST_F(RandomNetwork, SavedReadAndSavedAgainIsTheSameText) {
     }
 }
 
-// A decimal comma in every way that this machine can be told of one: the C library's, where its tools can
-// make it, and that of the C++ streams.
+// A decimal comma in both ways that a program can be told of one: the C library's and that of the C++ streams.
 class CommaLocale {
   public:
     CommaLocale() : m_streams(std::locale::global(std::locale(std::locale(), new Comma))) {
         const std::string command = "localedef -i de_DE -f UTF-8 '" + (m_directory / "de_DE.UTF-8") + "' 2>/dev/null";
-        static_cast<void>(std::system(command.c_str()));
+        EXPECT_EQ(std::system(command.c_str()), 0) << "the package locales is missing; scripts/setup.sh installs it";
         ::setenv("LOCPATH", m_directory.Path().c_str(), 1);
         std::setlocale(LC_ALL, "de_DE.UTF-8");
         ::unsetenv("LOCPATH");

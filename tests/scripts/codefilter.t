@@ -8,9 +8,9 @@ use Test::More;
 
 my $filter = "$FindBin::Bin/../../installation/mray/bin/codefilter";
 my $dir = tempdir(CLEANUP => 1);
-make_path("$dir/lib/glsl", "$dir/work", "$dir/fake");
+make_path("$dir/lib/glsl", "$dir/scratch", "$dir/fake");
 $ENV{TAVRN_LIB} = "$dir/lib";
-my $base = "$dir/work/demo";
+my $base = "$dir/scratch/demo";
 
 sub put {
 	my ($name, $text) = @_;
@@ -76,7 +76,7 @@ is($err, '', 'without a word');
 is(get("$dir/out"), '', 'and nothing on standard output');
 like($source, qr{^#version 330 core\nout vec4 tvColor;\nvoid main}, 'the marker is gone');
 is(unpack('V', get("$base.spv") // ''), 0x07230203, 'the compiled shader is there');
-is_deeply([sort map { s{.*/}{}r } glob "$dir/work/*"], ['demo', 'demo.spv'], 'and nothing else');
+is_deeply([sort map { s{.*/}{}r } glob "$dir/scratch/*"], ['demo', 'demo.spv'], 'and nothing else');
 
 # ---- declarations
 
@@ -181,7 +181,7 @@ sub choose {
 		if defined $type;
 }
 
-sub files { join ' ', map { s{.*/}{}r } glob "$dir/work/*" }
+sub files { join ' ', map { s{.*/}{}r } glob "$dir/scratch/*" }
 
 put('lib/glsl/scene.glsl', "in vec3 tvPlace;\nuniform vec4 tvLamp[2];\nout vec4 tvColor;\n"
 	. "vec3 tvShine(vec3 n) { return n * tvLamp[0].xyz; }\n");
@@ -238,7 +238,7 @@ unlike($complete, qr{\bKs = }, 'without declaring the arguments');
 {
 	# Two modules, the same functions in both, in one shader; one of them twice.
 	my $first = $base;
-	$base = "$dir/work/other";
+	$base = "$dir/scratch/other";
 	my $other = $module =~ s/\bdemo(_|\b)/other$1/gr =~ s/MODULE_demo/MODULE_other/gr;
 	put('both.frag', "#version 330 core\n" . get("$dir/lib/glsl/scene.glsl") . $module . $other . $module
 		. "void main() { tvColor = demo(0.5, vec3(1.0)) + other(0.1, vec3(0.0)); }\n");
@@ -287,11 +287,11 @@ for my $case (['my-shader', 'my_shader'], ['2nd', 'shader_2nd'], ['mix', 'shader
 	if (!$pid) {
 		open STDIN, '<', put('in', section([], @knobs) . $scene) or die;
 		open STDERR, '>', "$dir/err" or die;
-		exec $filter, $called, "$dir/work/named";
+		exec $filter, $called, "$dir/scratch/named";
 	}
 	waitpid $pid, 0;
 	is($?, 0, "a module of the name $called") or diag get("$dir/err");
-	like(get("$dir/work/named"), qr{^vec4 $function\($}m, "has the function $function");
+	like(get("$dir/scratch/named"), qr{^vec4 $function\($}m, "has the function $function");
 }
 
 choose('volume');
@@ -301,7 +301,7 @@ $ENV{TAVRN_RENOPTS} = "$dir/none";
 is(run(section([]) . shader([], @good)), 1, 'render options that cannot be read');
 like($err, qr{^demo: cannot read the render options \Q$dir\E/none: No such file}, 'are told');
 choose(undef);
-unlink glob "$dir/work/*";
+unlink glob "$dir/scratch/*";
 
 # ---- errors of the check
 
@@ -401,7 +401,7 @@ unlink "$base.frag";
 	is(run(section([]) . shader([], @good)), 1, 'a glslangValidator that crashes');
 	like($err, qr{signal 11}, 'is told');
 	like($err, qr{odd words}, 'with its words');
-	is_deeply([map { s{.*/}{}r } glob "$dir/work/*"], ['demo'], 'and no half files');
+	is_deeply([map { s{.*/}{}r } glob "$dir/scratch/*"], ['demo'], 'and no half files');
 }
 
 done_testing;
