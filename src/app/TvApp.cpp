@@ -19,7 +19,6 @@ namespace {
 constexpr const char* kDefaultLibrary = "mray";
 constexpr const char* kDefaultEditor = "xdg-open";
 constexpr const char* kDefaultTemporaryRoot = "/tmp";
-constexpr const char* kShaderTypeOption = "TAVRN_SHADER_TYPE";
 constexpr const char* kDefaultShaderIfaceExt = ".cus";
 
 bool IsSwitchedOn(const std::optional<std::string>& value) {
@@ -35,7 +34,7 @@ std::string FirstOf(const Environment& environment, std::initializer_list<const 
 }
 
 bool IsPlainName(const std::string& name) {
-    return !name.empty() && name != "." && name != ".." && name.find_first_of("/\\") == std::string::npos;
+    return !name.empty() && name != "." && name != ".." && name.find_first_of("/\\ \t\r\n\"") == std::string::npos;
 }
 
 bool IsOwnDirectory(const std::string& path) {
@@ -97,6 +96,7 @@ bool CTvApp::UseLibrary(const std::string& name) {
 
 void CTvApp::ReloadOperators() {
     m_registry.Clear();
+    if (m_site.directories.libDir.empty()) return;
     for (const std::string& directory : m_site.menuDirs) m_registry.AddDirectory(m_site.LibraryPath(directory));
 }
 
@@ -205,6 +205,11 @@ void CTvApp::ShaderTypeChanged() {
 }
 
 void CTvApp::LoadFormDefaults() { m_form->LoadDefaults(*this); }
+
+void CTvApp::PushOptionsToForm() {
+    if (m_document == nullptr) return;
+    for (const auto& [name, value] : m_document->m_renderOptions) m_form->BroadcastOption(name, value);
+}
 
 void CTvApp::OpenInEditor(const std::string& path) {
     m_site.commands.RunCommand(m_site.directories.editorCmd + " \"" + path + "\"", false);

@@ -17,6 +17,9 @@ namespace tavrin {
 
 class CRenderOptionsEditor;
 
+// The one option with a reaction: it selects the extension of shader interface files.
+inline constexpr const char* kShaderTypeOption = "TAVRN_SHADER_TYPE";
+
 // One for the process, made by the program before anything else. It has no window and never ends the
 // process: StartUpProblem tells what must end it.
 class CTvApp : public DocumentHost, private FormHost {
@@ -75,6 +78,8 @@ class CTvApp : public DocumentHost, private FormHost {
     CRenderOptionsEditor& RenderOptionsForm() { return *m_form; }
     // Sets every control of the form to its default, and the document's options with them.
     void LoadFormDefaults();
+    // Shows the document's render options in the form.
+    void PushOptionsToForm();
 
   private:
     void SetVariable(const std::string& name, const std::string& value) override { SetVariable(name, value, false); }

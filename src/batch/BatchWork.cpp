@@ -39,12 +39,13 @@ BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInt
       m_isInterrupted(std::move(isInterrupted)),
       m_document(app),
       m_desk(m_document, app, m_view),
+      m_commands(app, m_document, m_desk, DocumentCommands::Announce::kNo),
       m_session(m_document, app.GetSite(), app.CodeGen()),
       m_views(m_document, app.GetSite(), m_session),
       m_export(m_document, app.GetSite(), m_session),
       m_actions(*this, app.GetSite().commands, app.GetSite().report) {
     m_app.SetDocument(&m_document);
-    NameHasChanged();
+    m_commands.NameHasChanged();
 }
 
 BatchWork::~BatchWork() { m_app.SetDocument(nullptr); }
@@ -56,18 +57,11 @@ bool BatchWork::Fail(const std::string& message) {
 
 bool BatchWork::Open(const std::string& path) {
     GetSite().report.TakePending();
-    if (!m_document.Open(path)) return false;
+    if (!m_commands.Open(path)) return false;
     m_openedPath = path;
     m_cutShort = m_document.WasCutShort();
     if (m_cutShort && !GetSite().report.HasPending()) Fail(path + " was not read to its end");
-    m_desk.OnInitialUpdate();
-    NameHasChanged();
     return true;
-}
-
-void BatchWork::NameHasChanged() {
-    m_app.ShaderTypeChanged();
-    UpdateExportPaths(m_document, GetSite());
 }
 
 bool BatchWork::Render() {
@@ -99,10 +93,7 @@ bool BatchWork::Save(const std::string& path, bool force) {
         return Fail(path + " was not read to its end, and saving would lose the rest; save under another name, or"
                            " use --force");
     }
-    std::string error;
-    if (!m_document.Save(path, error)) return Fail("unable to save " + path + ": " + error);
-    NameHasChanged();
-    return true;
+    return m_commands.Save(path);
 }
 
 void BatchWork::Set(const std::string& name, const std::string& value) {
@@ -110,7 +101,7 @@ void BatchWork::Set(const std::string& name, const std::string& value) {
         GetSite().report.LogLine("WARNING: the library's form has no render option %s", name.c_str());
     }
     m_app.SetVariable(name, value, true);
-    NameHasChanged();
+    m_commands.NameHasChanged();
 }
 
 bool BatchWork::RunScript(const std::string& path) {
@@ -121,20 +112,9 @@ bool BatchWork::RunScript(const std::string& path) {
 }
 
 bool BatchWork::Merge(const std::string& path) {
-    std::string error;
-    auto archive = CArchive::Open(path, error);
-    if (!archive) {
-        GetSite().report.LogLine("unable to open %s for reading", path.c_str());
-        return Fail("unable to open " + path + " for reading");
-    }
-    CTvDoc scratch(m_app);
     GetSite().report.TakePending();
-    if (!scratch.ReadDeskOnly(*archive)) {
-        if (!GetSite().report.HasPending()) Fail(path + " holds no network");
-        return false;
-    }
-    m_desk.MergeBoxes(scratch.m_boxes);
-    return DropBesideTheRest();
+    if (m_commands.Merge(path)) return DropBesideTheRest();
+    return GetSite().report.HasPending() ? false : Fail(path + " holds no network");
 }
 
 bool BatchWork::Add(const std::string& operatorName) {

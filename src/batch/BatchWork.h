@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/Actions.h"
+#include "app/DocumentCommands.h"
 #include "app/TvApp.h"
 #include "base/MainThreadQueue.h"
 #include "desk/OpDesk.h"
@@ -66,8 +67,6 @@ class BatchWork : private ActionTarget {
     void WaitForProcesses();
     // Drops what was added or merged, to the right of what stands on the desk.
     bool DropBesideTheRest();
-    // Export paths follow the document's name and type.
-    void NameHasChanged();
 
     CTvApp& m_app;
     PlainQueue& m_queue;
@@ -75,6 +74,7 @@ class BatchWork : private ActionTarget {
     CTvDoc m_document;
     DeskView m_view;
     COpDesk m_desk;
+    DocumentCommands m_commands;
     RenderSession m_session;
     ShaderViews m_views;
     ShaderExport m_export;

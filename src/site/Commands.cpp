@@ -136,18 +136,20 @@ void Commands::Work(Child& child, const Start& start) {
     request.standardError = childOutput.Get();
     std::string error;
     pid_t pid = -1;
+    bool ending = false;
     {
         const std::lock_guard lock(m_childMutex);
-        if (piped && !m_ending) pid = Spawn(request, error);
+        ending = m_ending;
+        if (piped && !ending) pid = Spawn(request, error);
         child.pid = pid;
     }
     childInput.Close();
     childOutput.Close();
-    if (pid < 0) {
+    if (pid < 0 && !ending) {
         post([this, line = start.commandLine] {
             m_report.LogRaw(FormatText("CreateProcess failed: \"%s\"", line.c_str()));
         });
-    } else {
+    } else if (pid >= 0) {
         ReadOutput(child, reader.Get());
     }
     reader.Close();

@@ -1,0 +1,99 @@
+#include "app/DocumentCommands.h"
+
+#include <ctime>
+
+#include "base/Paths.h"
+#include "render/ShaderExport.h"
+#include "text/Archive.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* kUntitled = "untitled.tvn";
+
+// The time of day as "09:05 PM".
+std::string TimeOfDay() {
+    const std::time_t now = std::time(nullptr);
+    std::tm fields{};
+    ::localtime_r(&now, &fields);
+    const int hour = fields.tm_hour % 12 == 0 ? 12 : fields.tm_hour % 12;
+    return FormatText("%02d:%02d %s", hour, fields.tm_min, fields.tm_hour < 12 ? "AM" : "PM");
+}
+
+}  // namespace
+
+void DocumentCommands::NameHasChanged() {
+    m_app.ShaderTypeChanged();
+    UpdateExportPaths(m_document, m_app.GetSite());
+}
+
+void DocumentCommands::Refresh() {
+    m_desk.OnInitialUpdate();
+    NameHasChanged();
+    m_app.PushOptionsToForm();
+}
+
+void DocumentCommands::Log(const char* what, const std::string& path) {
+    if (m_announce == Announce::kNo) return;
+    m_app.GetSite().report.LogLine("%s %s at %s", what, path.c_str(), TimeOfDay().c_str());
+}
+
+void DocumentCommands::New() {
+    m_document.DeleteContents();
+    m_document.SetPath(m_app.GetSite().directories.docBrowserDir + Separator(kNativeStyle) + kUntitled);
+    Refresh();
+}
+
+bool DocumentCommands::Open(const std::string& path) {
+    if (!m_document.Open(path)) return false;
+    m_app.GetSite().directories.docBrowserDir = PathDir(path);
+    Refresh();
+    Log("opened", path);
+    return true;
+}
+
+bool DocumentCommands::Merge(const std::string& path) {
+    Report& report = m_app.GetSite().report;
+    std::string error;
+    auto archive = CArchive::Open(path, error);
+    if (!archive) {
+        report.LogLine("unable to open %s for reading", path.c_str());
+        report.Alert("unable to open %s for reading", path.c_str());
+        return false;
+    }
+    CTvDoc scratch(m_app);
+    if (!scratch.ReadDeskOnly(*archive)) return false;
+    m_desk.MergeBoxes(scratch.m_boxes);
+    return true;
+}
+
+bool DocumentCommands::Save(const std::string& path) {
+    std::string error;
+    if (!m_document.Save(path, error)) {
+        m_app.GetSite().report.Alert("unable to save %s: %s", path.c_str(), error.c_str());
+        return false;
+    }
+    NameHasChanged();
+    Log("saved", path);
+    return true;
+}
+
+bool DocumentCommands::SaveAs(const std::string& path) {
+    if (!Save(path)) return false;
+    m_app.GetSite().directories.docBrowserDir = PathDir(path);
+    return true;
+}
+
+void DocumentCommands::Toggle(int& flag) {
+    flag = flag == 0 ? 1 : 0;
+    m_document.SetModified();
+}
+
+std::string DocumentCommands::WindowTitle() const {
+    const auto type = m_document.m_renderOptions.find(kShaderTypeOption);
+    if (type == m_document.m_renderOptions.end()) return m_document.Title();
+    return m_document.Title() + " [" + type->second + "]";
+}
+
+}  // namespace tavrin

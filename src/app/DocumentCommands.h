@@ -1,0 +1,59 @@
+// The commands on the one document: New, Open, Merge, Save and Save As, the option toggles, the title.
+#pragma once
+
+#include <string>
+
+#include "app/TvApp.h"
+#include "desk/OpDesk.h"
+
+namespace tavrin {
+
+// Keeps desk, form and export paths in step with the document. Asks nothing: whether a modified document may
+// go is settled before. Every operation reports before it returns false.
+class DocumentCommands {
+  public:
+    // Whether the log tells of every document that was opened or saved, with the time of day.
+    enum class Announce { kNo, kYes };
+
+    DocumentCommands(CTvApp& app, CTvDoc& document, COpDesk& desk, Announce announce)
+        : m_app(app), m_document(document), m_desk(desk), m_announce(announce) {}
+
+    // An empty document with the site's defaults, to be saved as "untitled.tvn" where document dialogs open.
+    void New();
+    // Document dialogs open in the file's directory from here on. False if the file cannot be opened; the
+    // document is then as it was. A file that could not be read to its end counts as opened.
+    bool Open(const std::string& path);
+    // Puts the boxes of a file under the mouse, with new numbers; nothing else of it is taken.
+    bool Merge(const std::string& path);
+    bool Save(const std::string& path);
+    // Document dialogs open in the file's directory from here on.
+    bool SaveAs(const std::string& path);
+
+    // The flags that the user toggles.
+    void ToggleIcons() { Toggle(m_document.showiconimages); }
+    void ToggleLineType() { Toggle(m_document.linetype); }
+    void ToggleLinesOverBoxes() { Toggle(m_document.drawlinesoverboxes); }
+    void ToggleVarNames() { Toggle(m_document.showvarnames); }
+    void ToggleLock() { Toggle(m_document.lock); }
+    // A locked desk's display options, all but the lock itself, are frozen with it.
+    bool CanToggleDisplay() const { return m_document.lock == 0; }
+
+    // The document's title, with the shader type in brackets behind it if the document has one.
+    std::string WindowTitle() const;
+
+    // To be called after a change of the document's name or its shader type: the extension of the shader
+    // interface and the export paths follow.
+    void NameHasChanged();
+
+  private:
+    void Toggle(int& flag);
+    void Log(const char* what, const std::string& path);
+    void Refresh();
+
+    CTvApp& m_app;
+    CTvDoc& m_document;
+    COpDesk& m_desk;
+    Announce m_announce;
+};
+
+}  // namespace tavrin

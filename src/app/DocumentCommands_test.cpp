@@ -1,0 +1,187 @@
+#include "app/DocumentCommands.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/Files.h"
+#include "forms/FormFields.h"
+#include "forms/FormFrame.h"
+#include "support/TestSite.h"
+
+namespace tavrin {
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+// An application with a library whose operators are copied as they stand, and a form with two options.
+class DocumentCommandsTest : public testing::Test {
+  protected:
+    DocumentCommandsTest() {
+        report.SetSink(&sink);
+        const char* copy = "open my $in, '<', $ARGV[4]; open my $out, '>', $ARGV[1]; print {$out} <$in>;";
+        directory.Write("site/small/bin/redirect.pl", copy);
+        directory.Write("site/small/bin/spp", "");
+        directory.Write("site/small/menu/0100.Grain", "input in { float { 1 0 1 0 \"%g\" } }\noutput out { float out }\n");
+        directory.Write("site/small/tavrn.def",
+                        "tavrnbrowser_dir /shaders\next.shadersource .src\next.shaderiface light .lif\n"
+                        "roe {\nchooser {\nenvname TAVRN_SHADER_TYPE\nvalue surface\nchoosercontents {\nsurface\nlight\n}\n}\n"
+                        "xfield {\nenvname SIZE\nvalue 4\n}\n}\n");
+        Environment environment = Environment::FromProcess();
+        environment.Set("TAVRN_DIR", directory / "site");
+        environment.Set("TAVRN_LIB", "/small");
+        environment.Set("TAVRN_TMPDIR", directory.Path());
+        environment.Set("HOME", directory.Path());
+        app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin");
+        app->LoadSiteDefaults();
+        document = std::make_unique<CTvDoc>(*app);
+        desk = std::make_unique<COpDesk>(*document, *app, view);
+        app->SetDocument(document.get());
+        commands = std::make_unique<DocumentCommands>(*app, *document, *desk, DocumentCommands::Announce::kYes);
+    }
+    ~DocumentCommandsTest() override { app->CloseDown(std::chrono::milliseconds(0)); }
+
+    // A saved document with one box and a shader type.
+    std::string SavedDocument(const std::string& name, const std::string& type) {
+        return directory.Write(name, "opdesk { opbox { filename Grain wid 7 } }\nrenderoptions { setenv TAVRN_SHADER_TYPE " +
+                                         type + " setenv SIZE 9 }\n");
+    }
+
+    test::TempDir directory;
+    test::CollectingSink sink;
+    Report report;
+    PlainQueue queue;
+    DeskView view;
+    std::unique_ptr<CTvApp> app;
+    std::unique_ptr<CTvDoc> document;
+    std::unique_ptr<COpDesk> desk;
+    std::unique_ptr<DocumentCommands> commands;
+};
+
+TEST_F(DocumentCommandsTest, ANewDocumentWillBeSavedAsUntitledWhereDialogsOpen) {
+    ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));
+    app->GetSite().directories.docBrowserDir = "/shaders";
+    commands->New();
+    EXPECT_EQ(document->Path(), "/shaders/untitled.tvn");
+    EXPECT_TRUE(document->m_boxes.empty());
+    EXPECT_FALSE(document->IsModified());
+    EXPECT_EQ(commands->WindowTitle(), "untitled.tvn [surface]");
+    EXPECT_EQ(desk->NextWid(), 1);
+}
+
+TEST_F(DocumentCommandsTest, OpeningTellsTheLogAndMovesTheDialogs) {
+    ASSERT_TRUE(commands->Open(SavedDocument("there/a.tvn", "light")));
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, directory / "there/");
+    EXPECT_THAT(sink.log, MatchesRegex("opened .*/there/a.tvn at [01][0-9]:[0-5][0-9] [AP]M\r\n"));
+}
+
+TEST_F(DocumentCommandsTest, AnOpenedDocumentTakesItsNumbersAndItsTypeAlong) {
+    ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));
+    EXPECT_EQ(commands->WindowTitle(), "a.tvn [light]");
+    EXPECT_EQ(document->exportOptions.shaderIfacePath, "./a.lif");
+    EXPECT_EQ(document->exportOptions.sourcePath, "./a.src");
+    for (int wid = 1; wid < 7; ++wid) EXPECT_EQ(desk->NextWid(), wid);
+    EXPECT_EQ(desk->NextWid(), 8);
+}
+
+TEST_F(DocumentCommandsTest, TheFormShowsTheOptionsOfTheOpenedDocument) {
+    const auto& field = dynamic_cast<const CFormXField&>(*app->RenderOptionsForm().children[1]);
+    ASSERT_EQ(field.text, "4");
+    ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));
+    EXPECT_EQ(field.text, "9");
+}
+
+TEST_F(DocumentCommandsTest, AFileThatCannotBeOpenedLeavesEverythingAsItWas) {
+    ASSERT_TRUE(commands->Open(SavedDocument("there/a.tvn", "light")));
+    sink.log.clear();
+    EXPECT_FALSE(commands->Open(directory / "none.tvn"));
+    EXPECT_THAT(sink.LastAlert(), HasSubstr("none.tvn"));
+    EXPECT_EQ(document->m_boxes.size(), 1U);
+    EXPECT_EQ(document->Title(), "a.tvn");
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, directory / "there/");
+    EXPECT_EQ(sink.log, "");
+}
+
+TEST_F(DocumentCommandsTest, MergedBoxesWaitWithNewNumbersAndNothingElseComes) {
+    commands->New();
+    ASSERT_TRUE(commands->Merge(SavedDocument("there/a.tvn", "light")));
+    ASSERT_EQ(desk->m_pendingBoxes.size(), 1U);
+    EXPECT_EQ(desk->m_pendingBoxes[0]->wid, 1);
+    EXPECT_TRUE(document->m_boxes.empty());
+    EXPECT_EQ(document->m_renderOptions["SIZE"], "4");
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, "/shaders");
+}
+
+TEST_F(DocumentCommandsTest, ASecondMergeDestroysWhatStillWaits) {
+    ASSERT_TRUE(commands->Merge(SavedDocument("a.tvn", "light")));
+    const size_t live = COpBox::LiveCount();
+    ASSERT_TRUE(commands->Merge(SavedDocument("a.tvn", "light")));
+    EXPECT_EQ(desk->m_pendingBoxes.size(), 1U);
+    EXPECT_EQ(COpBox::LiveCount(), live);
+}
+
+TEST_F(DocumentCommandsTest, AMergeThatCannotBeOpenedIsAlertedAndLogged) {
+    const std::string path = directory / "none.tvn";
+    EXPECT_FALSE(commands->Merge(path));
+    EXPECT_EQ(sink.LastAlert(), "unable to open " + path + " for reading");
+    EXPECT_EQ(sink.log, "unable to open " + path + " for reading\r\n");
+}
+
+TEST_F(DocumentCommandsTest, SavingTellsTheLogAndMarksTheDocumentUnmodified) {
+    document->SetModified();
+    ASSERT_TRUE(commands->Save(directory / "b.tvn"));
+    EXPECT_FALSE(document->IsModified());
+    EXPECT_THAT(sink.log, MatchesRegex("saved .*/b.tvn at [01][0-9]:[0-5][0-9] [AP]M\r\n"));
+    EXPECT_EQ(document->exportOptions.tavrnPath, "./b.tvn");
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, "/shaders");
+}
+
+TEST_F(DocumentCommandsTest, SavingUnderAnotherNameMovesTheDialogs) {
+    ASSERT_EQ(MakeDirectory(directory / "else"), 0);
+    ASSERT_TRUE(commands->SaveAs(directory / "else/b.tvn"));
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, directory / "else/");
+    EXPECT_EQ(commands->WindowTitle(), "b.tvn [surface]");
+}
+
+TEST_F(DocumentCommandsTest, AFailedSaveIsAlertedAndLeavesTheDocumentModified) {
+    document->SetModified();
+    EXPECT_FALSE(commands->SaveAs(directory / "missing/b.tvn"));
+    EXPECT_THAT(sink.LastAlert(), HasSubstr("missing/b.tvn: No such file or directory"));
+    EXPECT_TRUE(document->IsModified());
+    EXPECT_EQ(document->Path(), "");
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, "/shaders");
+    EXPECT_EQ(sink.log, "");
+}
+
+TEST_F(DocumentCommandsTest, TogglesFlipTheirFlagAndMarkTheDocument) {
+    struct Case {
+        void (DocumentCommands::*toggle)();
+        int CTvDoc::*flag;
+    };
+    for (const Case& one : {Case{&DocumentCommands::ToggleIcons, &CTvDoc::showiconimages},
+                            Case{&DocumentCommands::ToggleLineType, &CTvDoc::linetype},
+                            Case{&DocumentCommands::ToggleLinesOverBoxes, &CTvDoc::drawlinesoverboxes},
+                            Case{&DocumentCommands::ToggleVarNames, &CTvDoc::showvarnames},
+                            Case{&DocumentCommands::ToggleLock, &CTvDoc::lock}}) {
+        document->SetModified(false);
+        (*commands.*one.toggle)();
+        EXPECT_EQ((*document).*one.flag, 1);
+        EXPECT_TRUE(document->IsModified());
+        (*commands.*one.toggle)();
+        EXPECT_EQ((*document).*one.flag, 0);
+    }
+}
+
+TEST_F(DocumentCommandsTest, ALockedDeskFreezesItsDisplayOptions) {
+    EXPECT_TRUE(commands->CanToggleDisplay());
+    commands->ToggleLock();
+    EXPECT_FALSE(commands->CanToggleDisplay());
+}
+
+TEST_F(DocumentCommandsTest, WithoutAShaderTypeTheTitleIsTheFileName) {
+    document->m_renderOptions.erase("TAVRN_SHADER_TYPE");
+    EXPECT_EQ(commands->WindowTitle(), "Untitled.tvn");
+}
+
+}  // namespace
+}  // namespace tavrin
