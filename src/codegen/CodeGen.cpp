@@ -78,6 +78,7 @@ CMex& CCodeGen::BoxExpander(CCodeGen& box) {
 }
 
 void CCodeGen::MergeExpanded(const CCodeGen& box, const std::vector<std::string>& declarations) {
+    if (!m_boxMex.mex) m_boxMex.mex = std::make_unique<CMex>();
     CMex& mex = *m_boxMex.mex;
     mex.m_state = CMex::kPlain;
     const auto expand = [&mex](std::string_view text) {
