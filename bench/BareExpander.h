@@ -12,7 +12,8 @@ class BareExpander {
   public:
     // Knows `count` names, name0 to nameN.
     explicit BareExpander(int count) {
-        for (int i = 0; i < count; ++i) m_values["name" + std::to_string(i)] = "Box_" + std::to_string(i) + "_out";
+        for (int i = 0; i < count; ++i)
+            m_values["name" + std::to_string(i)] = "Box_" + std::to_string(i) + "_out";
     }
 
     void Expand(std::string_view text, std::string& result) const {

@@ -145,7 +145,8 @@ inline void Fill(CTvDoc& document, BenchHost& host, int count, int width) {
         if (i < width) continue;
         const int layer = i - i % width - width;
         boxes.back()->inputs[0]->Connect(*boxes[static_cast<size_t>(layer + i % width)]->outputs[0]);
-        boxes.back()->inputs[1]->Connect(*boxes[static_cast<size_t>(layer + (i * 7 + 3) % width)]->outputs[0]);
+        boxes.back()->inputs[1]->Connect(
+            *boxes[static_cast<size_t>(layer + (i * 7 + 3) % width)]->outputs[0]);
     }
 }
 

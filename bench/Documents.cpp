@@ -18,7 +18,8 @@ void Measure(BenchHost& host, int count) {
     std::vector<std::unique_ptr<COpBox>> boxes;
     const double definitions = MedianMilliseconds(
         [&] {
-            for (int i = 0; i < count; ++i) host.DefineBox(*boxes.emplace_back(std::make_unique<COpBox>()), "Mix");
+            for (int i = 0; i < count; ++i)
+                host.DefineBox(*boxes.emplace_back(std::make_unique<COpBox>()), "Mix");
         },
         [&] { boxes.clear(); });
     const double tokens = MedianMilliseconds([&] {
@@ -35,8 +36,9 @@ void Measure(BenchHost& host, int count) {
             if (!loaded->Load(archive)) std::exit(1);
         },
         [&] { loaded.reset(); });
-    std::printf("read  %6d boxes  %8.3f ms beyond the definitions' %.3f ms  floor (tokens) %7.3f ms  (%zu bytes)\n", count,
-                read - definitions, definitions, tokens, text.size());
+    std::printf(
+        "read  %6d boxes  %8.3f ms beyond the definitions' %.3f ms  floor (tokens) %7.3f ms  (%zu bytes)\n",
+        count, read - definitions, definitions, tokens, text.size());
     std::printf("write %6d boxes  %8.3f ms  floor (copy) %7.3f ms\n", count, write, copyFloor);
 }
 

@@ -23,7 +23,7 @@ int main() {
         bare.Expand(text, result);
     });
     const double time = MedianMilliseconds([&] { mex.Expand(text, result); });
-    std::printf("expand %zu bytes, %d names  %.3f ms  floor %.3f ms  speed %.2f of the floor's\n", text.size(), kNames, time,
-                floor, floor / time);
+    std::printf("expand %zu bytes, %d names  %.3f ms  floor %.3f ms  speed %.2f of the floor's\n",
+                text.size(), kNames, time, floor, floor / time);
     return 0;
 }

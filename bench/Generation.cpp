@@ -29,8 +29,8 @@ void Measure(BenchHost& host, const char* kind, int count, int width) {
             expander.Expand(line, result);
         }
     });
-    std::printf("generate %-5s %6d boxes  %8.3f ms  floor %7.3f ms  beyond it %5.2f us/box  %8zu bytes\n", kind, count,
-                time, floor, (time - floor) * 1000 / count, bytes);
+    std::printf("generate %-5s %6d boxes  %8.3f ms  floor %7.3f ms  beyond it %5.2f us/box  %8zu bytes\n",
+                kind, count, time, floor, (time - floor) * 1000 / count, bytes);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The floor of opening a document: the bare process pair that each box costs, redirect.pl and spp, started as
-// the program starts it and with nothing round it. Usage: bench_Pairs COUNT LIBRARY DEFINITION WORKDIR; prints
-// the milliseconds of COUNT pairs.
+// the program starts it and with nothing round it. Usage: bench_Pairs COUNT LIBRARY DEFINITION WORKDIR;
+// prints the milliseconds of COUNT pairs.
 #include "base/Process.h"
 #include "bench/BenchNetwork.h"
 
@@ -12,8 +12,8 @@ int main(int argc, char** argv) {
     const std::string library = argv[2];
     const std::string work = argv[4];
     SpawnRequest request;
-    request.words = {"perl", library + "/bin/redirect.pl", "-",    work + "/out",
-                     work + "/err", library + "/bin/spp",  argv[3]};
+    request.words = {"perl",        library + "/bin/redirect.pl", "-",    work + "/out",
+                     work + "/err", library + "/bin/spp",         argv[3]};
     request.environment = Environment::FromProcess().ToList();
     const auto begin = std::chrono::steady_clock::now();
     for (int i = 0; i < count; ++i) {

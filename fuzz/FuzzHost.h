@@ -24,9 +24,11 @@ inline CArchive ArchiveOf(const uint8_t* data, size_t size) {
 // Every operator has this definition.
 inline constexpr const char* kDefinition =
     "size 64 48\n"
-    "input amount { float { 0.5 0 1 0 \"%g\" } rgb { 1 1 1 \"rgb(%g,%g,%g)\" } generic:mat { value \"m\" } }\n"
+    "input amount { float { 0.5 0 1 0 \"%g\" } rgb { 1 1 1 \"rgb(%g,%g,%g)\" } generic:mat { value \"m\" } "
+    "}\n"
     "input text { string { value \"x\" format \"%s\" quoteflag 1 } }\n"
-    "vinput layer { vargseparator \", \" vinstances 2 xyz { 0 0 0 0 1 0 \"%g %g %g\" } rgba { 0 0 0 1 \"%g\" } }\n"
+    "vinput layer { vargseparator \", \" vinstances 2 xyz { 0 0 0 0 1 0 \"%g %g %g\" } rgba { 0 0 0 1 \"%g\" "
+    "} }\n"
     "output result { float out rgb out }\n"
     "output tieback=amount same { float out }\n"
     "output fixedvalue=${TAVRN_BoxWid} fixed { float out }\n"

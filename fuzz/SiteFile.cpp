@@ -24,9 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CExportOptions exports;
     CRenderOptionsEditor form;
     NoHost formHost;
-    SiteTargets targets{host.site, codeGen, exports, [&](CArchive& archive) {
-                            ReadForm(archive, form, formHost, host.site.report);
-                        }};
+    SiteTargets targets{host.site, codeGen, exports,
+                        [&](CArchive& archive) { ReadForm(archive, form, formHost, host.site.report); }};
     CArchive archive = fuzz::ArchiveOf(data, size);
     SiteFileReader(archive, targets).Read();
 

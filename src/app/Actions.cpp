@@ -12,7 +12,8 @@ constexpr std::chrono::milliseconds kWait{100};  // between looks at whether a c
 
 }  // namespace
 
-bool Actions::DoAction(const std::string& actionto, const std::string& actionmsg, const std::string& actionarg) {
+bool Actions::DoAction(const std::string& actionto, const std::string& actionmsg,
+                       const std::string& actionarg) {
     const std::string target(Trim(actionto));
     const std::string message(Trim(actionmsg));
     const std::string argument(Trim(actionarg));

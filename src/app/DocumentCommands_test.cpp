@@ -22,10 +22,12 @@ class DocumentCommandsTest : public testing::Test {
         const char* copy = "open my $in, '<', $ARGV[4]; open my $out, '>', $ARGV[1]; print {$out} <$in>;";
         directory.Write("site/small/bin/redirect.pl", copy);
         directory.Write("site/small/bin/spp", "");
-        directory.Write("site/small/menu/0100.Grain", "input in { float { 1 0 1 0 \"%g\" } }\noutput out { float out }\n");
+        directory.Write("site/small/menu/0100.Grain",
+                        "input in { float { 1 0 1 0 \"%g\" } }\noutput out { float out }\n");
         directory.Write("site/small/tavrn.def",
                         "tavrnbrowser_dir /shaders\next.shadersource .src\next.shaderiface light .lif\n"
-                        "roe {\nchooser {\nenvname TAVRN_SHADER_TYPE\nvalue surface\nchoosercontents {\nsurface\nlight\n}\n}\n"
+                        "roe {\nchooser {\nenvname TAVRN_SHADER_TYPE\nvalue surface\nchoosercontents "
+                        "{\nsurface\nlight\n}\n}\n"
                         "xfield {\nenvname SIZE\nvalue 4\n}\n}\n");
         Environment environment = Environment::FromProcess();
         environment.Set("TAVRN_DIR", directory / "site");
@@ -37,14 +39,16 @@ class DocumentCommandsTest : public testing::Test {
         document = std::make_unique<CTvDoc>(*app);
         desk = std::make_unique<COpDesk>(*document, *app, view);
         app->SetDocument(document.get());
-        commands = std::make_unique<DocumentCommands>(*app, *document, *desk, DocumentCommands::Announce::kYes);
+        commands =
+            std::make_unique<DocumentCommands>(*app, *document, *desk, DocumentCommands::Announce::kYes);
     }
     ~DocumentCommandsTest() override { app->CloseDown(std::chrono::milliseconds(0)); }
 
     // A saved document with one box and a shader type.
     std::string SavedDocument(const std::string& name, const std::string& type) {
-        return directory.Write(name, "opdesk { opbox { filename Grain wid 7 } }\nrenderoptions { setenv TAVRN_SHADER_TYPE " +
-                                         type + " setenv SIZE 9 }\n");
+        return directory.Write(
+            name, "opdesk { opbox { filename Grain wid 7 } }\nrenderoptions { setenv TAVRN_SHADER_TYPE " +
+                      type + " setenv SIZE 9 }\n");
     }
 
     test::TempDir directory;

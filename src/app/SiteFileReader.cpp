@@ -151,7 +151,8 @@ void SiteFileReader::ReadDataType() {
         } else if (*word == "declaretail") {
             declaration.tail = text;
         } else {
-            m_report.AlertAt(m_archive, "invalid keyword in datatype.add clause: %s", std::string(*word).c_str());
+            m_report.AlertAt(m_archive, "invalid keyword in datatype.add clause: %s",
+                             std::string(*word).c_str());
             break;
         }
     }

@@ -167,8 +167,9 @@ TEST_F(SiteFileReaderTest, ExportOptionsAreTheDefaultsOfDocuments) {
 }
 
 TEST_F(SiteFileReaderTest, TemplatesGoToTheSitesCodeGen) {
-    Read("codegen.linecomment \"//\" codegen.opencomment \"/*\"\n"
-         "codegen.main-open append\nsurface # not a comment\n<<EOT>>\nafter 1\n");
+    Read(
+        "codegen.linecomment \"//\" codegen.opencomment \"/*\"\n"
+        "codegen.main-open append\nsurface # not a comment\n<<EOT>>\nafter 1\n");
     EXPECT_EQ(codeGen.m_lineComment, "//");
     EXPECT_EQ(codeGen.m_openComment, "/*");
     EXPECT_THAT(Code(), ElementsAre("surface # not a comment"));
@@ -184,7 +185,8 @@ TEST_F(SiteFileReaderTest, AFileOfATemplateLiesInTheLibrary) {
 
 TEST_F(SiteFileReaderTest, AFaultyTemplateEndsTheFileAndKeepsWhatWasRead) {
     Read("before 1\n\ncodegen.main-open sideways\nafter 2\n");
-    EXPECT_THAT(test.sink.alerts, ElementsAre("tavrn.def near line 4: ERROR: unknown codegen type 'main-open'"));
+    EXPECT_THAT(test.sink.alerts,
+                ElementsAre("tavrn.def near line 4: ERROR: unknown codegen type 'main-open'"));
     EXPECT_THAT(test.sink.files, ElementsAre("tavrn.def"));
     EXPECT_EQ(Raw("before"), "1");
     EXPECT_EQ(Raw("after"), "(none)");
@@ -192,7 +194,8 @@ TEST_F(SiteFileReaderTest, AFaultyTemplateEndsTheFileAndKeepsWhatWasRead) {
 
 TEST_F(SiteFileReaderTest, AMessageWithPercentSignsIsShownAsItIs) {
     Read("codegen.main%s%n-open sideways\n");
-    EXPECT_THAT(test.sink.alerts, ElementsAre("tavrn.def near line 2: ERROR: unknown codegen type 'main%s%n-open'"));
+    EXPECT_THAT(test.sink.alerts,
+                ElementsAre("tavrn.def near line 2: ERROR: unknown codegen type 'main%s%n-open'"));
 }
 
 TEST_F(SiteFileReaderTest, CodeFormatClausesHaveNoEffect) {
@@ -204,8 +207,9 @@ TEST_F(SiteFileReaderTest, CodeFormatClausesHaveNoEffect) {
 }
 
 TEST_F(SiteFileReaderTest, ADataTypeNeedsNoOpeningBraceAndMayHaveComments) {
-    Read("datatype.add\nname color # \"x\"\n\n   declarehead \"varying color \"\t\n# declaretail =0\n"
-         "declaretail \" ;\"\n}\nafter 1\n");
+    Read(
+        "datatype.add\nname color # \"x\"\n\n   declarehead \"varying color \"\t\n# declaretail =0\n"
+        "declaretail \" ;\"\n}\nafter 1\n");
     EXPECT_EQ(Head("color"), "varying color ");
     EXPECT_EQ(Tail("color"), " ;");
     EXPECT_EQ(Raw("after"), "1");
@@ -213,8 +217,9 @@ TEST_F(SiteFileReaderTest, ADataTypeNeedsNoOpeningBraceAndMayHaveComments) {
 }
 
 TEST_F(SiteFileReaderTest, ADataTypeReplacesTheOneOfItsName) {
-    Read("datatype.add {\nname float\ndeclarehead \"varying float \"\ndeclaretail ;\n}\n"
-         "datatype.add {\nname float\ndeclarehead \"float \"\n}\n");
+    Read(
+        "datatype.add {\nname float\ndeclarehead \"varying float \"\ndeclaretail ;\n}\n"
+        "datatype.add {\nname float\ndeclarehead \"float \"\n}\n");
     EXPECT_EQ(Head("float"), "float ");
     EXPECT_EQ(Tail("float"), "");
 }
@@ -254,9 +259,10 @@ TEST_F(SiteFileReaderTest, ABadWordEndsADataTypeAndTheLinesLeftAreClauses) {
 }
 
 TEST_F(SiteFileReaderTest, ClearingTheDataTypesGivesTheBuiltInsBack) {
-    Read("datatype.add {\nname vec2\ndeclarehead \"vec2 \"\n}\n"
-         "datatype.add {\nname rgb\ndeclarehead \"vec3 \"\ndeclaretail ;\n}\n"
-         "wordtranslate.add rgb vec3\ndatatype.clearall\nafter 1\n");
+    Read(
+        "datatype.add {\nname vec2\ndeclarehead \"vec2 \"\n}\n"
+        "datatype.add {\nname rgb\ndeclarehead \"vec3 \"\ndeclaretail ;\n}\n"
+        "wordtranslate.add rgb vec3\ndatatype.clearall\nafter 1\n");
     EXPECT_EQ(Head("vec2"), "");
     EXPECT_EQ(Head("rgb"), "color ");
     EXPECT_EQ(Tail("rgb"), "");

@@ -120,8 +120,8 @@ TEST_F(SiteFilesTest, AnErrorInOneFileDoesNotKeepTheNextFromBeingRead) {
     Write("lib", "ext.shaderiface\nmenudir.add never\n");
     Write("here");
     ReadAll();
-    EXPECT_THAT(test.sink.alerts,
-                ElementsAre(test.directory / "lib/tavrn.def" + " near line 4: invalid shaderiface extension spec: "));
+    EXPECT_THAT(test.sink.alerts, ElementsAre(test.directory / "lib/tavrn.def" +
+                                              " near line 4: invalid shaderiface extension spec: "));
     EXPECT_THAT(test.sink.files, ElementsAre(test.directory / "lib/tavrn.def"));
     EXPECT_THAT(site.menuDirs, ElementsAre("lib", "here"));
 }

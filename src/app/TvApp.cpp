@@ -26,7 +26,8 @@ bool IsSwitchedOn(const std::optional<std::string>& value) {
 }
 
 // The first of the variables that is set and not empty, else the default.
-std::string FirstOf(const Environment& environment, std::initializer_list<const char*> names, std::string otherwise) {
+std::string FirstOf(const Environment& environment, std::initializer_list<const char*> names,
+                    std::string otherwise) {
     for (const char* name : names) {
         if (const auto value = environment.Get(name); value && !value->empty()) return *value;
     }
@@ -34,7 +35,8 @@ std::string FirstOf(const Environment& environment, std::initializer_list<const 
 }
 
 bool IsPlainName(const std::string& name) {
-    return !name.empty() && name != "." && name != ".." && name.find_first_of("/\\ \t\r\n\"") == std::string::npos;
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of("/\\ \t\r\n\"") == std::string::npos;
 }
 
 bool IsOwnDirectory(const std::string& path) {
@@ -44,7 +46,8 @@ bool IsOwnDirectory(const std::string& path) {
 
 }  // namespace
 
-CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment, const std::string& programPath)
+CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment,
+               const std::string& programPath)
     : m_site(report, std::move(environment), queue),
       m_registry(report),
       m_form(std::make_unique<CRenderOptionsEditor>()),
@@ -97,16 +100,16 @@ bool CTvApp::UseLibrary(const std::string& name) {
 void CTvApp::ReloadOperators() {
     m_registry.Clear();
     if (m_site.directories.libDir.empty()) return;
-    for (const std::string& directory : m_site.menuDirs) m_registry.AddDirectory(m_site.LibraryPath(directory));
+    for (const std::string& directory : m_site.menuDirs)
+        m_registry.AddDirectory(m_site.LibraryPath(directory));
 }
 
 void CTvApp::LoadSiteDefaults() {
     Directories& directories = m_site.directories;
     m_site.menuDirs.emplace_back("menu");
     m_site.types.ResetDataTypes();
-    SiteTargets targets{m_site, m_codeGen, m_exportDefaults, [this](CArchive& archive) {
-                            ReadForm(archive, *m_form, *this, m_site.report);
-                        }};
+    SiteTargets targets{m_site, m_codeGen, m_exportDefaults,
+                        [this](CArchive& archive) { ReadForm(archive, *m_form, *this, m_site.report); }};
     ReadSiteFiles(targets);
 
     const Settings& settings = m_site.settings;
@@ -149,8 +152,9 @@ void CTvApp::ExportEnvironment(const std::string& temporaryRoot) {
     environment.Set("TAVRN_DEBUG", "0");
     environment.Set("COMSPEC", "/bin/sh");
     // The installation's own programs are found by name.
-    environment.Set("PATH", JoinPath(directories.tavrnDir, "bin") + ":" + FullPath(m_programDir + "../libexec/tavrin") +
-                                ":" + environment.Get("PATH").value_or("/usr/bin:/bin"));
+    environment.Set("PATH", JoinPath(directories.tavrnDir, "bin") + ":" +
+                                FullPath(m_programDir + "../libexec/tavrin") + ":" +
+                                environment.Get("PATH").value_or("/usr/bin:/bin"));
 }
 
 std::optional<CTvApp::Problem> CTvApp::StartUpProblem() const {
@@ -164,7 +168,8 @@ std::optional<CTvApp::Problem> CTvApp::StartUpProblem() const {
         return fatal("Temporary directory path \"" + root + "\" includes whitespace");
     }
     if (!PathExists(directory)) return fatal("Tavrin directory \"" + directory + "\" does not exist");
-    if (m_site.directories.libDir.empty()) return Problem{"environment variable TAVRN_LIB not defined", false};
+    if (m_site.directories.libDir.empty())
+        return Problem{"environment variable TAVRN_LIB not defined", false};
     return std::nullopt;
 }
 
@@ -172,7 +177,8 @@ bool CTvApp::CloseDown(std::chrono::milliseconds grace) {
     m_site.commands.EndChildren(grace);
     const std::string& workDir = m_site.directories.workDir;
     if (!m_ownsWorkDir) return true;
-    return RemoveTree(workDir, [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
+    return RemoveTree(workDir,
+                      [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
 }
 
 void CTvApp::SetVariable(const std::string& name, const std::string& value, bool updateForm) {

@@ -82,7 +82,9 @@ class CTvApp : public DocumentHost, private FormHost {
     void PushOptionsToForm();
 
   private:
-    void SetVariable(const std::string& name, const std::string& value) override { SetVariable(name, value, false); }
+    void SetVariable(const std::string& name, const std::string& value) override {
+        SetVariable(name, value, false);
+    }
     void AddUnsavedOption(const std::string& name) override { m_unsavedOptions.insert(name); }
 
     void SelectLibraryFromEnvironment();

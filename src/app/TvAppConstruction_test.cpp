@@ -165,7 +165,8 @@ class TvAppLibrariesTest : public TvAppConstructionTest {
         directory.Write("site/mray/menu/0020.Maths/0010.Add", "");
         directory.Write("site/mray/extra/0010.Mix", "");
         directory.Write("site/glass/menu/0010.Lens", "");
-        directory.Write("site/mray/tavrn.def", "menudir.add extra\nmenudir.add " + directory / "shared" + "\n");
+        directory.Write("site/mray/tavrn.def",
+                        "menudir.add extra\nmenudir.add " + directory / "shared" + "\n");
         directory.Write("shared/0010.Ours", "");
         std::filesystem::create_directories(directory / "elsewhere");
         environment.Set("TAVRN_DIR", directory / "site");

@@ -52,15 +52,18 @@ TEST_F(TvAppEndsTest, AnInstallationThatIsThereIsNoProblem) { EXPECT_EQ(Problem(
 TEST_F(TvAppEndsTest, ABlankInTheInstallationsPathIsFatal) {
     fs::create_directories(directory / "my site/mray");
     environment.Set("TAVRN_DIR", directory / "my site");
-    EXPECT_EQ(Problem(), "Fatal Error: Tavrin directory path \"" + directory / "my site" + "\" includes whitespace");
+    EXPECT_EQ(Problem(),
+              "Fatal Error: Tavrin directory path \"" + directory / "my site" + "\" includes whitespace");
 }
 
 TEST_F(TvAppEndsTest, ABlankInTheTemporaryRootIsFatal) {
     environment.Set("TAVRN_TMPDIR", directory / "my tmp");
-    EXPECT_EQ(Problem(), "Fatal Error: Temporary directory path \"" + directory / "my tmp" + "\" includes whitespace");
+    EXPECT_EQ(Problem(),
+              "Fatal Error: Temporary directory path \"" + directory / "my tmp" + "\" includes whitespace");
     environment.Unset("TAVRN_TMPDIR");
     environment.Set("TEMP", directory / "my temp");
-    EXPECT_EQ(Problem(), "Fatal Error: Temporary directory path \"" + directory / "my temp" + "\" includes whitespace");
+    EXPECT_EQ(Problem(),
+              "Fatal Error: Temporary directory path \"" + directory / "my temp" + "\" includes whitespace");
 }
 
 TEST_F(TvAppEndsTest, AMissingInstallationIsFatal) {
@@ -137,11 +140,12 @@ TEST_F(TvAppEndsTest, AnApplicationThatNeverLoadedItsSiteEndsQuietly) {
 TEST_F(TvAppEndsTest, TheEndWaitsForChildrenThatHeedTheirKillFile) {
     const std::string perlExec = directory.Write("site/bin/PerlExec", "#!/bin/sh\nexec perl \"$@\"\n");
     fs::permissions(perlExec, fs::perms::owner_all);
-    const std::string script = directory.Write(
-        "child.pl",
-        "$| = 1; print 'started '; select undef, undef, undef, 0.01 until -e $ENV{TAVRN_KILLFILE}; print 'stopped';");
+    const std::string script = directory.Write("child.pl",
+                                               "$| = 1; print 'started '; select undef, undef, undef, 0.01 "
+                                               "until -e $ENV{TAVRN_KILLFILE}; print 'stopped';");
     Load().GetSite().commands.RunScriptCommand(script);
-    for (int tries = 0; sink.log.empty() && tries < 3000; ++tries) queue.RunPending(std::chrono::milliseconds(10));
+    for (int tries = 0; sink.log.empty() && tries < 3000; ++tries)
+        queue.RunPending(std::chrono::milliseconds(10));
     EXPECT_TRUE(app->CloseDown(std::chrono::seconds(30)));
     queue.RunPending();
     EXPECT_EQ(sink.log, "started stopped");

@@ -33,7 +33,9 @@ class TvAppSiteTest : public testing::Test {
         return *app;
     }
     Site& LoadedSite(const std::string& siteFile = {}) { return Load(siteFile).GetSite(); }
-    std::string OurWorkDir(const std::string& root) const { return root + "/tavrn." + std::to_string(::getpid()); }
+    std::string OurWorkDir(const std::string& root) const {
+        return root + "/tavrn." + std::to_string(::getpid());
+    }
 
     test::TempDir directory;
     test::CollectingSink sink;
@@ -44,7 +46,8 @@ class TvAppSiteTest : public testing::Test {
 };
 
 TEST_F(TvAppSiteTest, TheOperatorMenusBeginWithTheLibrarysOwn) {
-    EXPECT_THAT(LoadedSite("menudir.add ours\nmenudir.add theirs\n").menuDirs, ElementsAre("menu", "ours", "theirs"));
+    EXPECT_THAT(LoadedSite("menudir.add ours\nmenudir.add theirs\n").menuDirs,
+                ElementsAre("menu", "ours", "theirs"));
 }
 
 TEST_F(TvAppSiteTest, TheSiteFileAddsToTheBuiltInDataTypes) {
@@ -75,7 +78,8 @@ TEST_F(TvAppSiteTest, WithoutTheSettingsTheDefaultsStand) {
 }
 
 TEST_F(TvAppSiteTest, ExtensionsComeFromTheSite) {
-    const Site& site = LoadedSite("ext.shadersource .sl # source\next.compiledshader \".slo\"\next.renderiface .rif\n");
+    const Site& site =
+        LoadedSite("ext.shadersource .sl # source\next.compiledshader \".slo\"\next.renderiface .rif\n");
     EXPECT_EQ(site.extShaderSource, ".sl");
     EXPECT_EQ(site.extCompiledShader, ".slo");
     EXPECT_EQ(site.extRenderIface, ".rif");
@@ -171,13 +175,13 @@ TEST_F(TvAppSiteTest, ChildrenAreToldOfEveryDirectory) {
     environment.Set("TAVRN_DEBUG", "1");
     const Site& site = LoadedSite("editorcmd \"gedit -w\"\n");
     const std::string work = OurWorkDir(directory / "tmp");
-    EXPECT_THAT(site.environment.ToList(),
-                ElementsAre("COMSPEC=/bin/sh",
-                            "PATH=" + directory / "site/bin" + ":/opt/tavrin/libexec/tavrin:/usr/bin:/bin",
-                            "TAVRN_DEBUG=0", "TAVRN_DIR=" + directory / "site",
-                            "TAVRN_EDITORCMD=\"gedit -w\"", "TAVRN_LIB=" + directory / "site/mray",
-                            "TAVRN_RENOPTS=" + work + "/render_options", "TAVRN_TMPDIR=" + directory / "tmp",
-                            "TAVRN_WORKDIR=" + work));
+    EXPECT_THAT(
+        site.environment.ToList(),
+        ElementsAre("COMSPEC=/bin/sh",
+                    "PATH=" + directory / "site/bin" + ":/opt/tavrin/libexec/tavrin:/usr/bin:/bin",
+                    "TAVRN_DEBUG=0", "TAVRN_DIR=" + directory / "site", "TAVRN_EDITORCMD=\"gedit -w\"",
+                    "TAVRN_LIB=" + directory / "site/mray", "TAVRN_RENOPTS=" + work + "/render_options",
+                    "TAVRN_TMPDIR=" + directory / "tmp", "TAVRN_WORKDIR=" + work));
     EXPECT_TRUE(site.debugMode);
 }
 
@@ -196,15 +200,16 @@ TEST_F(TvAppSiteTest, WithoutASearchPathChildrenGetThePlatforms) {
 
 TEST_F(TvAppSiteTest, ACommandSeesTheChildrensEnvironment) {
     Site& site = LoadedSite();
-    const std::string script =
-        directory.Write("show.sh", "printf '%s %s' \"$TAVRN_WORKDIR\" \"$COMSPEC\" > \"$TAVRN_WORKDIR/shown\"\n");
+    const std::string script = directory.Write(
+        "show.sh", "printf '%s %s' \"$TAVRN_WORKDIR\" \"$COMSPEC\" > \"$TAVRN_WORKDIR/shown\"\n");
     ASSERT_TRUE(site.commands.RunCommand("sh " + script, true));
     EXPECT_EQ(test::ReadFile(site.WorkPath("shown")), site.directories.workDir + " /bin/sh");
 }
 
 TEST_F(TvAppSiteTest, KillFilesLieInTheWorkDirectory) {
     Site& site = LoadedSite();
-    const std::string perlExec = directory.Write("site/bin/PerlExec", "#!/bin/sh\nprintf %s \"$TAVRN_KILLFILE\"\n");
+    const std::string perlExec =
+        directory.Write("site/bin/PerlExec", "#!/bin/sh\nprintf %s \"$TAVRN_KILLFILE\"\n");
     fs::permissions(perlExec, fs::perms::owner_all);
     site.commands.RunScriptCommand("script");
     for (int tries = 0; site.commands.AnyProcessLeft() && tries < 3000; ++tries) {

@@ -153,9 +153,10 @@ TEST_F(TvAppVariablesTest, WithoutADocumentTheExtensionStays) {
 }
 
 TEST_F(TvAppVariablesTest, TheEditorIsStartedWithThePathAsOneWordAndNotWaitedFor) {
-    const std::string editor = directory.Write(
-        "editor.sh", "while [ ! -e \"$1\" ]; do sleep 0.01; done\nprintf '<%s>' \"$@\" > \"$1.new\"\n"
-                     "mv \"$1.new\" \"$1.shown\"\n");
+    const std::string editor =
+        directory.Write("editor.sh",
+                        "while [ ! -e \"$1\" ]; do sleep 0.01; done\nprintf '<%s>' \"$@\" > \"$1.new\"\n"
+                        "mv \"$1.new\" \"$1.shown\"\n");
     const std::string go = directory / "go";
     app->GetSite().directories.editorCmd = "sh " + editor + " " + go;
     app->OpenInEditor("/some/where/my file.tvn");

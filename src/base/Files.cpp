@@ -60,7 +60,8 @@ bool IsLink(const std::string& path) {
 
 // Writes, flushes and closes the file behind `file`; on failure `errno` tells why.
 bool FillAndClose(FileDescriptor file, std::string_view text, mode_t mode) {
-    if (!WriteAll(file.Get(), text) || ::fchmod(file.Get(), mode) != 0 || ::fsync(file.Get()) != 0) return false;
+    if (!WriteAll(file.Get(), text) || ::fchmod(file.Get(), mode) != 0 || ::fsync(file.Get()) != 0)
+        return false;
     return ::close(file.Release()) == 0;
 }
 
@@ -112,7 +113,8 @@ bool ReplaceFile(const std::string& path, std::string_view text, std::string& er
         return Fail(error, number);
     }
     // The rename itself is made durable by flushing the directory; a failure here loses nothing.
-    FileDescriptor parent(::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    FileDescriptor parent(
+        ::open(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (parent) ::fsync(parent.Get());
     return true;
 }
@@ -170,8 +172,10 @@ bool CopyTree(const std::string& from, const std::string& to, std::string& error
     std::error_code code;
     fs::create_directories(to, code);
     if (!code) {
-        fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::overwrite_existing |
-                               fs::copy_options::copy_symlinks, code);
+        fs::copy(from, to,
+                 fs::copy_options::recursive | fs::copy_options::overwrite_existing |
+                     fs::copy_options::copy_symlinks,
+                 code);
     }
     if (code) error = code.message();
     return !code;

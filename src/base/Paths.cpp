@@ -48,7 +48,8 @@ std::string PathBase(std::string_view path) {
 
 std::string JoinPath(std::string_view directory, std::string_view name, PathStyle style) {
     std::string result(directory);
-    if (result.empty() || kSeparators.find(result.back()) == std::string_view::npos) result += Separator(style);
+    if (result.empty() || kSeparators.find(result.back()) == std::string_view::npos)
+        result += Separator(style);
     result.append(name);
     return result;
 }

@@ -33,7 +33,8 @@ class SpawnSetup {
         ::posix_spawnattr_setpgroup(&attributes, 0);
         ::posix_spawnattr_setsigmask(&attributes, &none);
         ::posix_spawnattr_setsigdefault(&attributes, &all);
-        ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        ::posix_spawnattr_setflags(&attributes,
+                                   POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
     SpawnSetup(const SpawnSetup&) = delete;
     SpawnSetup& operator=(const SpawnSetup&) = delete;
@@ -114,8 +115,9 @@ std::string FindProgram(const std::string& word, std::string_view searchPath) {
 }
 
 pid_t Spawn(const SpawnRequest& request, std::string& error) {
-    const std::string program =
-        request.words.empty() ? std::string() : FindProgram(request.words.front(), SearchPathOf(request.environment));
+    const std::string program = request.words.empty()
+                                    ? std::string()
+                                    : FindProgram(request.words.front(), SearchPathOf(request.environment));
     if (program.empty()) {
         error = std::strerror(ENOENT);
         return -1;

@@ -59,7 +59,8 @@ bool Runs(const std::string& pid) {
 class BatchInterruptedTest : public testing::Test {
   protected:
     BatchInterruptedTest() {
-        for (const char* directory : {"tmp", "site/bin", "site/small/bin"}) fs::create_directories(In(directory));
+        for (const char* directory : {"tmp", "site/bin", "site/small/bin"})
+            fs::create_directories(In(directory));
         fs::copy(test::SourcePath("installation/bin/PerlExec"), In("site/bin"));
         fs::copy(test::SourcePath("installation/mray/bin/redirect.pl"), In("site/small/bin"));
         fs::copy(test::SourcePath("installation/mray/bin/spp"), In("site/small/bin"));
@@ -186,7 +187,8 @@ TEST_F(BatchInterruptedTest, TwoAtOnceDoNotMeet) {
            "my ($name, $number) = @ARGV;\n"
            "open my $file, '>', \"$ENV{TEST_DIR}/pid.$$\"; close $file;\n"
            "my $tries = 0;\n"
-           "select undef, undef, undef, 0.01 until (() = glob \"$ENV{TEST_DIR}/pid.*\") == 2 || ++$tries > 3000;\n"
+           "select undef, undef, undef, 0.01 until (() = glob \"$ENV{TEST_DIR}/pid.*\") == 2 || ++$tries > "
+           "3000;\n"
            "print -e \"$ENV{TAVRN_WORKDIR}/$number/$name.tvn\" ? 'own ' : 'lost ';\n"
            "print $tries > 3000 ? 'alone' : 'both';\n");
     const pid_t first = Start({"--render"}, "first");

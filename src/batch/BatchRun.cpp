@@ -14,7 +14,7 @@ namespace tavrin {
 
 namespace {
 
-constexpr std::chrono::milliseconds kGrace{2000};   // for children to heed their kill file at the end
+constexpr std::chrono::milliseconds kGrace{2000};  // for children to heed their kill file at the end
 
 }  // namespace
 
@@ -155,7 +155,8 @@ void BatchRun::Print(const std::string& text) {
     while (!left.empty()) {
         const ssize_t count = ::write(STDOUT_FILENO, left.data(), left.size());
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return Fail(std::string("unable to write to standard output: ") + std::strerror(errno));
+        if (count < 0)
+            return Fail(std::string("unable to write to standard output: ") + std::strerror(errno));
         left.remove_prefix(static_cast<size_t>(count));
     }
 }

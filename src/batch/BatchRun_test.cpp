@@ -30,7 +30,8 @@ class BatchRunTest : public testing::Test {
   protected:
     BatchRunTest() {
         fs::create_directories(m_directory / "tmp");
-        for (const char* name : {"TAVRN_DIR", "TAVRN_LIB", "TEMP", "homeDrive", "homePath", "SOURCE_DATE_EPOCH"}) {
+        for (const char* name :
+             {"TAVRN_DIR", "TAVRN_LIB", "TEMP", "homeDrive", "homePath", "SOURCE_DATE_EPOCH"}) {
             environment.Unset(name);
         }
         environment.Set("HOME", m_directory / "home");
@@ -42,7 +43,8 @@ class BatchRunTest : public testing::Test {
     Outcome Run(std::vector<std::string> words) {
         words.insert(words.begin(), test::BuildPath("bin/tavrin-batch"));
         const auto open = [this](const char* name) {
-            return FileDescriptor(::open((m_directory / name).c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+            return FileDescriptor(
+                ::open((m_directory / name).c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
         };
         const FileDescriptor data = open("data");
         const FileDescriptor log = open("log");
@@ -53,7 +55,9 @@ class BatchRunTest : public testing::Test {
         EXPECT_TRUE(fs::is_empty(m_directory / "tmp")) << "the work directory is left";
         return {status, test::ReadFile(m_directory / "data"), test::ReadFile(m_directory / "log")};
     }
-    static std::string Example(const std::string& name) { return test::SourcePath("examples/" + name + ".tvn"); }
+    static std::string Example(const std::string& name) {
+        return test::SourcePath("examples/" + name + ".tvn");
+    }
     static std::vector<std::string> Examples() {
         std::vector<std::string> names;
         for (const auto& entry : fs::directory_iterator(test::SourcePath("examples"))) {
@@ -93,8 +97,7 @@ TEST_F(BatchRunTest, SavingTheShaderOfEachExampleSucceeds) {
         // The lava is a module, a function to be included; the others are whole shaders.
         EXPECT_THAT(Read(name + "/" + name),
                     StartsWith(name == "lava" ? "#ifndef TAVRN_MODULE_lava\n" : "#version 330 core\n"));
-        EXPECT_THAT(Read(name + "/codegenfile"),
-                    AllOf(StartsWith("Help\n{\n"), HasSubstr("\nEndArginfo\n")));
+        EXPECT_THAT(Read(name + "/codegenfile"), AllOf(StartsWith("Help\n{\n"), HasSubstr("\nEndArginfo\n")));
     }
 }
 
@@ -108,8 +111,9 @@ TEST_F(BatchRunTest, ARenderMakesThePictureThatTheDocumentAsksFor) {
 }
 
 TEST_F(BatchRunTest, ARenderOptionChangesThePictureOfTheRendersBehindIt) {
-    const Outcome run = Run({Example("brick"), "--set", "MRAY_SAMPLES=1", "--set", "MRAY_SIZE=64,48", "--render",
-                             "--set", "MRAY_SIZE=32,40", "--render", "--keep-work", In("kept"), "--quiet"});
+    const Outcome run =
+        Run({Example("brick"), "--set", "MRAY_SAMPLES=1", "--set", "MRAY_SIZE=64,48", "--render", "--set",
+             "MRAY_SIZE=32,40", "--render", "--keep-work", In("kept"), "--quiet"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.log, "");
     EXPECT_EQ(SizeOfPng(Read("kept/1/brick.png")), "64x48");
@@ -130,7 +134,8 @@ TEST_F(BatchRunTest, ASavedDocumentIsTheSameWhenItIsSavedAgain) {
 }
 
 TEST_F(BatchRunTest, StepsAreDoneInTheirOrder) {
-    EXPECT_EQ(Run({"--save", In("before.tvn"), "--set", "MRAY_SIZE=1,2", "--save", In("after.tvn")}).status, 0);
+    EXPECT_EQ(Run({"--save", In("before.tvn"), "--set", "MRAY_SIZE=1,2", "--save", In("after.tvn")}).status,
+              0);
     EXPECT_THAT(Read("before.tvn"), HasSubstr("    setenv MRAY_SIZE \"320,240\"\r\n"));
     EXPECT_THAT(Read("after.tvn"), HasSubstr("    setenv MRAY_SIZE \"1,2\"\r\n"));
 }
@@ -174,7 +179,8 @@ TEST_F(BatchRunTest, ADocumentAloneIsOpenedAndChecked) {
 TEST_F(BatchRunTest, TheInstallationOfTheEnvironmentIsUsed) {
     environment.Set("TAVRN_DIR", test::SourcePath("installation"));
     environment.Set("TAVRN_LIB", "/anywhere/mray");
-    EXPECT_THAT(Run({"--list-operators"}).data, HasSubstr("\t" + test::SourcePath("installation/mray/menu/")));
+    EXPECT_THAT(Run({"--list-operators"}).data,
+                HasSubstr("\t" + test::SourcePath("installation/mray/menu/")));
 }
 
 TEST_F(BatchRunTest, HelpAndVersionReplaceEverythingElse) {
@@ -190,13 +196,16 @@ TEST_F(BatchRunTest, HelpAndVersionReplaceEverythingElse) {
 }
 
 TEST_F(BatchRunTest, AWrongCommandLineDoesNothing) {
-    for (const std::vector<std::string>& words :
-         {std::vector<std::string>{}, {"--quiet"}, {"--save", In("new.tvn"), "--rendr"}, {"--help", "--rendr"},
-          {"a.tvn", "b.tvn"}}) {
+    for (const std::vector<std::string>& words : {std::vector<std::string>{},
+                                                  {"--quiet"},
+                                                  {"--save", In("new.tvn"), "--rendr"},
+                                                  {"--help", "--rendr"},
+                                                  {"a.tvn", "b.tvn"}}) {
         const Outcome run = Run(words);
         EXPECT_EQ(run.status, 2);
         EXPECT_EQ(run.data, "");
-        EXPECT_THAT(run.log, AllOf(StartsWith("tavrin-batch: "), testing::EndsWith("; see tavrin-batch --help\n")));
+        EXPECT_THAT(run.log,
+                    AllOf(StartsWith("tavrin-batch: "), testing::EndsWith("; see tavrin-batch --help\n")));
     }
     EXPECT_FALSE(fs::exists(In("new.tvn")));
     EXPECT_EQ(Run({}).log, "tavrin-batch: nothing to do; see tavrin-batch --help\n");

@@ -25,7 +25,8 @@ constexpr const char* kPerl = "#!/usr/bin/perl\n";
 class BatchStatusTest : public testing::Test {
   protected:
     BatchStatusTest() {
-        for (const char* directory : {"tmp", "site/bin", "site/small/bin"}) fs::create_directories(In(directory));
+        for (const char* directory : {"tmp", "site/bin", "site/small/bin"})
+            fs::create_directories(In(directory));
         fs::copy(test::SourcePath("installation/bin/PerlExec"), In("site/bin"));
         fs::copy(test::SourcePath("installation/mray/bin/redirect.pl"), In("site/small/bin"));
         fs::copy(test::SourcePath("installation/mray/bin/spp"), In("site/small/bin"));
@@ -42,7 +43,9 @@ class BatchStatusTest : public testing::Test {
     }
 
     std::string In(const std::string& name) const { return m_directory / name; }
-    std::string Write(const std::string& name, const std::string& text) const { return m_directory.Write(name, text); }
+    std::string Write(const std::string& name, const std::string& text) const {
+        return m_directory.Write(name, text);
+    }
     std::string Read(const std::string& name) const { return test::ReadFile(In(name)); }
     void Script(const std::string& name, const std::string& text) const {
         fs::permissions(Write("site/small/bin/" + name, kPerl + text), fs::perms::owner_all);
@@ -81,7 +84,8 @@ class BatchStatusTest : public testing::Test {
 
 TEST_F(BatchStatusTest, AMissingDocumentStopsBeforeTheFirstStep) {
     EXPECT_EQ(Run({In("missing.tvn"), "--save", In("new.tvn"), "--list-operators"}), 1);
-    EXPECT_EQ(log, "ALERT: unable to open " + In("missing.tvn") + " for reading: No such file or directory\n");
+    EXPECT_EQ(log,
+              "ALERT: unable to open " + In("missing.tvn") + " for reading: No such file or directory\n");
     EXPECT_EQ(data, "");
     EXPECT_FALSE(fs::exists(In("new.tvn")));
     EXPECT_TRUE(NothingIsLeft());
@@ -91,16 +95,18 @@ TEST_F(BatchStatusTest, AMissingDocumentStopsBeforeTheFirstStep) {
 
 TEST_F(BatchStatusTest, EveryAlertIsPrintedAsItIsRaised) {
     EXPECT_EQ(Run({"--describe", "One", "--render", "--describe", "Two"}), 1);
-    EXPECT_EQ(log, "ALERT: One: unknown operator name\nALERT: desk is empty\nALERT: Two: unknown operator name\n");
+    EXPECT_EQ(log,
+              "ALERT: One: unknown operator name\nALERT: desk is empty\nALERT: Two: unknown operator name\n");
 }
 
 TEST_F(BatchStatusTest, ADocumentThatWasCutShortIsNotSavedOverItselfUnlessForced) {
     const std::string cut = std::string(kDocument) + "toolbar { nonsense }\nrenderoptions { }\n";
     const std::string document = Write("cut.tvn", cut);
     EXPECT_EQ(Run({document, "--save", document}), 1);
-    EXPECT_EQ(log, "ALERT: " + document + " near line 9: unexpected input\nALERT: " + document +
-                       " was not read to its end, and saving would lose the rest; save under another name, or use "
-                       "--force\n");
+    EXPECT_EQ(log,
+              "ALERT: " + document + " near line 9: unexpected input\nALERT: " + document +
+                  " was not read to its end, and saving would lose the rest; save under another name, or use "
+                  "--force\n");
     EXPECT_EQ(Read("cut.tvn"), cut);
     EXPECT_EQ(Run({document, "--save", In("copy.tvn")}), 1);
     EXPECT_THAT(Read("copy.tvn"), HasSubstr("filename Link"));
@@ -186,7 +192,8 @@ TEST_F(BatchStatusTest, ARenderThatFailsIsToldInTheLog) {
 TEST_F(BatchStatusTest, ALauncherThatIsMissingIsAFailure) {
     fs::remove(In("site/bin/PerlExec"));
     EXPECT_EQ(Run({In("doc.tvn"), "--render"}), 1);
-    EXPECT_THAT(log, StartsWith("CreateProcess failed: \"PerlExec " + In("site/small/bin/renderit") + " \"doc\" 1\""));
+    EXPECT_THAT(log, StartsWith("CreateProcess failed: \"PerlExec " + In("site/small/bin/renderit") +
+                                " \"doc\" 1\""));
 }
 
 TEST_F(BatchStatusTest, WhatScriptsPrintGoesToStandardError) {
@@ -235,9 +242,10 @@ TEST_F(BatchStatusTest, DataThatCannotBeWrittenIsAFailure) {
 }
 
 TEST_F(BatchStatusTest, AReaderThatHasGoneIsAFailureThatLeavesNothing) {
-    RunShell("{ until [ -e \"$TEST_GONE\" ]; do sleep 0.01; done; \"$0\" \"$@\"; echo $? >&2; } |"
-             " { exec <&-; : > \"$TEST_GONE\"; }",
-             {"--list-operators"});
+    RunShell(
+        "{ until [ -e \"$TEST_GONE\" ]; do sleep 0.01; done; \"$0\" \"$@\"; echo $? >&2; } |"
+        " { exec <&-; : > \"$TEST_GONE\"; }",
+        {"--list-operators"});
     EXPECT_EQ(log, "ALERT: unable to write to standard output: Broken pipe\n1\n");
     EXPECT_TRUE(NothingIsLeft());
 }
@@ -252,7 +260,8 @@ TEST_F(BatchStatusTest, WithoutStandardInputAllIsAsItWas) {
 
 TEST_F(BatchStatusTest, WithoutAnyStandardStreamTheWorkIsDoneAllTheSame) {
     EXPECT_EQ(Run({In("doc.tvn"), "--render", "--save", In("saved.tvn"), "--keep-work", In("kept")},
-                  "<&- >&- 2>&-"), 0);
+                  "<&- >&- 2>&-"),
+              0);
     EXPECT_THAT(Read("saved.tvn"), AllOf(StartsWith("# Tavrn file"), HasSubstr("filename Link")));
     EXPECT_TRUE(fs::exists(In("kept/1/doc.tvn")));
     EXPECT_TRUE(NothingIsLeft());

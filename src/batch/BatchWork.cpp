@@ -90,8 +90,9 @@ void BatchWork::WaitForProcesses() {
 
 bool BatchWork::Save(const std::string& path, bool force) {
     if (m_cutShort && !force && IsSameFile(path, m_openedPath)) {
-        return Fail(path + " was not read to its end, and saving would lose the rest; save under another name, or"
-                           " use --force");
+        return Fail(path +
+                    " was not read to its end, and saving would lose the rest; save under another name, or"
+                    " use --force");
     }
     return m_commands.Save(path);
 }

@@ -17,8 +17,9 @@ struct Option {
     std::span<const std::string_view> words = {};  // what the operand, up to its '=', must be one of
 };
 
-constexpr std::array<std::string_view, 4> kExportWords = {export_words::kShaderSource, export_words::kCompiledShader,
-                                                          export_words::kShaderIface, export_words::kRenderIface};
+constexpr std::array<std::string_view, 4> kExportWords = {
+    export_words::kShaderSource, export_words::kCompiledShader, export_words::kShaderIface,
+    export_words::kRenderIface};
 constexpr std::array<std::string_view, 3> kViewWords = {view_words::kSource, view_words::kRenderIface,
                                                         view_words::kShaderIface};
 constexpr std::string_view kAssignment = "NAME=VALUE";
@@ -43,17 +44,21 @@ using Delegate = CommandLineDelegate;
 const std::array kSteps = {
     Option{"--save-shader", "", "Generate the shader and run the library's filter script on it.",
            ActAlone<&Delegate::SaveShader>},
-    Option{"--render", "", "Generate the shader, render it, and wait for the end.", ActAlone<&Delegate::Render>},
+    Option{"--render", "", "Generate the shader, render it, and wait for the end.",
+           ActAlone<&Delegate::Render>},
     Option{"--check", "",
-           "Generate, then print what a user should know before rendering,\none finding a line. A finding that is "
+           "Generate, then print what a user should know before rendering,\none finding a line. A finding "
+           "that is "
            "an error makes the\nstatus 1.",
            ActAlone<&Delegate::Check>},
-    Option{"--view", "KIND",
-           "Save the shader and print a text: source, renderiface (the\nrender interface) or shaderiface (the "
-           "shader interface).",
-           ActOn<&Delegate::View>, kViewWords},
+    Option{
+        "--view", "KIND",
+        "Save the shader and print a text: source, renderiface (the\nrender interface) or shaderiface (the "
+        "shader interface).",
+        ActOn<&Delegate::View>, kViewWords},
     Option{"--export", "KIND=PATH",
-           "Write one kind of file to a path, and wait for the end:\nshaderSource, compiledShader, shaderIFace or "
+           "Write one kind of file to a path, and wait for the end:\nshaderSource, compiledShader, "
+           "shaderIFace or "
            "renderIFace.",
            ActOnPair<&Delegate::Export>, kExportWords},
     Option{"--export-all", "", "Export what the document's export options ask for, and wait\nfor the end.",
@@ -67,15 +72,18 @@ const std::array kSteps = {
     Option{"--script", "FILE.tvx", "Run a script of actions to its end.", ActOn<&Delegate::Script>},
     Option{"--list-operators", "", "Print the library's operators: name, menu path and file, a\ntab between.",
            ActAlone<&Delegate::ListOperators>},
-    Option{"--describe", "OPERATOR", "Print an operator's help, inputs and outputs.", ActOn<&Delegate::Describe>},
+    Option{"--describe", "OPERATOR", "Print an operator's help, inputs and outputs.",
+           ActOn<&Delegate::Describe>},
 };
 const std::array kSettings = {
-    Option{"--keep-work", "DIR", "Leave a copy of the work directory's files in DIR at the end,\nwhatever happens.",
+    Option{"--keep-work", "DIR",
+           "Leave a copy of the work directory's files in DIR at the end,\nwhatever happens.",
            ActOn<&Delegate::KeepWork>},
     Option{"--library", "NAME", "Start with this library of the installation.", ActOn<&Delegate::Library>},
     Option{"--force", "", "Let --save replace a document that could not be read to its\nend.",
            ActAlone<&Delegate::Force>},
-    Option{"--quiet", "", "Do not print the log; alerts are printed all the same.", ActAlone<&Delegate::Quiet>},
+    Option{"--quiet", "", "Do not print the log; alerts are printed all the same.",
+           ActAlone<&Delegate::Quiet>},
     Option{"--help", "", "Print this and end.", ActAlone<&Delegate::Help>},
     Option{"--version", "", "Print the version and end.", ActAlone<&Delegate::Version>},
 };
@@ -100,7 +108,8 @@ std::string FaultOf(const Option& option, const std::string& operand) {
     }
     const std::string word = isPair ? operand.substr(0, equals) : operand;
     if (option.words.empty()) return {};
-    if (option.operand == kExportTarget && equals + 1 == operand.size()) return name + " " + operand + ": the path is empty";
+    if (option.operand == kExportTarget && equals + 1 == operand.size())
+        return name + " " + operand + ": the path is empty";
     std::string known;
     for (const std::string_view candidate : option.words) {
         if (candidate == word) return {};

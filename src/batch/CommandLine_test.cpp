@@ -66,21 +66,23 @@ TEST_F(CommandLineTest, NoWordsAskForNothing) {
 
 TEST_F(CommandLineTest, EveryOptionReachesTheDelegateInItsPlace) {
     EXPECT_THAT(Parse({"--quiet", "--library", "glass", "--set", "A=1", "a.tvn", "--save-shader", "--render",
-                       "--save", "b.tvn", "--list-operators", "--describe", "Noise", "--keep-work", "work", "--force",
-                       "--help", "--version"}),
+                       "--save", "b.tvn", "--list-operators", "--describe", "Noise", "--keep-work", "work",
+                       "--force", "--help", "--version"}),
                 ElementsAre("quiet", "library glass", "set <A><1>", "document a.tvn", "save-shader", "render",
-                            "save b.tvn", "list-operators", "describe Noise", "keep-work work", "force", "help",
-                            "version"));
+                            "save b.tvn", "list-operators", "describe Noise", "keep-work work", "force",
+                            "help", "version"));
     EXPECT_EQ(error, "");
 }
 
 TEST_F(CommandLineTest, AnOptionMayCarryItsValueBehindAnEqualsSign) {
-    EXPECT_THAT(Parse({"--save=b=c.tvn", "--keep-work=w", "--library=glass", "--describe=Noise", "--set=A=1"}),
-                ElementsAre("save b=c.tvn", "keep-work w", "library glass", "describe Noise", "set <A><1>"));
+    EXPECT_THAT(
+        Parse({"--save=b=c.tvn", "--keep-work=w", "--library=glass", "--describe=Noise", "--set=A=1"}),
+        ElementsAre("save b=c.tvn", "keep-work w", "library glass", "describe Noise", "set <A><1>"));
 }
 
 TEST_F(CommandLineTest, AnOptionMayComeMoreThanOnce) {
-    EXPECT_THAT(Parse({"--render", "--set", "A=1", "--render"}), ElementsAre("render", "set <A><1>", "render"));
+    EXPECT_THAT(Parse({"--render", "--set", "A=1", "--render"}),
+                ElementsAre("render", "set <A><1>", "render"));
 }
 
 TEST_F(CommandLineTest, AValueMayBeEmptyOrHoldEqualsSignsButItsNameMayNot) {
@@ -140,10 +142,9 @@ TEST_F(CommandLineTest, ALoneDashIsADocument) { EXPECT_THAT(Parse({"-"}), Elemen
 TEST_F(CommandLineTest, TheHelpTellsOfEveryOptionAndOfTheStatus) {
     const std::string help = CommandLine::HelpText();
     EXPECT_THAT(help, testing::StartsWith("Usage: tavrin-batch [OPTION...] [DOCUMENT.tvn]\n"));
-    for (const char* option :
-         {"--save-shader ", "--render ", "--save FILE.tvn ", "--set NAME=VALUE ", "--list-operators ",
-          "--describe OPERATOR ", "--keep-work DIR ", "--library NAME ", "--force ", "--quiet ", "--help ",
-          "--version "}) {
+    for (const char* option : {"--save-shader ", "--render ", "--save FILE.tvn ", "--set NAME=VALUE ",
+                               "--list-operators ", "--describe OPERATOR ", "--keep-work DIR ",
+                               "--library NAME ", "--force ", "--quiet ", "--help ", "--version "}) {
         EXPECT_THAT(help, HasSubstr(std::string("\n  ") + option));
     }
     for (const char* variable : {"TAVRN_DIR", "TAVRN_LIB", "TAVRN_TMPDIR", "SOURCE_DATE_EPOCH"}) {

@@ -21,9 +21,9 @@ TEST(DescribeTest, OperatorsAreListedWithTheirMenusAndFiles) {
     EXPECT_EQ(OperatorList(registry), "");
     registry.AddDirectory(directory / "menu");
     EXPECT_EQ(OperatorList(registry),
-              "Noise\t\t" + directory / "menu/0010.Noise" + "\n" +
-                  "Add\tMaths > Simple\t" + directory / "menu/0020.Maths/0010.Simple/0010.Add" + "\n" +
-                  "Sine Wave\tMaths\t" + directory / "menu/0020.Maths/0020.Sine Wave" + "\n");
+              "Noise\t\t" + directory / "menu/0010.Noise" + "\n" + "Add\tMaths > Simple\t" +
+                  directory / "menu/0020.Maths/0010.Simple/0010.Add" + "\n" + "Sine Wave\tMaths\t" +
+                  directory / "menu/0020.Maths/0020.Sine Wave" + "\n");
 }
 
 std::string Described(const std::string& definition) {
@@ -76,10 +76,11 @@ TEST(DescribeTest, EveryTypeShowsItsDefault) {
 }
 
 TEST(DescribeTest, WhatStandsForAButtonIsTold) {
-    const std::string text = Described("input a { float { 0 0 1 0 %g } macro.fixedtext uv.x\n}\n"
-                                       "vinput layer { float { 0 0 1 0 %g } vinstances 2 }\n"
-                                       "output tieback=a same { float out }\n"
-                                       "output fixedvalue=3.14 pi { float out }\n");
+    const std::string text = Described(
+        "input a { float { 0 0 1 0 %g } macro.fixedtext uv.x\n}\n"
+        "vinput layer { float { 0 0 1 0 %g } vinstances 2 }\n"
+        "output tieback=a same { float out }\n"
+        "output fixedvalue=3.14 pi { float out }\n");
     EXPECT_THAT(text, HasSubstr("\ninput a\n    float: 0, from 0 to 1\n    unconnected: uv.x\n"));
     EXPECT_THAT(text, HasSubstr("\nvinput layer1\n"));
     EXPECT_THAT(text, HasSubstr("\nvinput layer2\n"));

@@ -45,7 +45,8 @@ void Interruption::Wait() {
     const sigset_t set = Signals();
     const timespec patience{kSecondsToHeedTerm, 0};
     while (!m_ending) {
-        const int signal = m_signal == 0 ? ::sigwaitinfo(&set, nullptr) : ::sigtimedwait(&set, nullptr, &patience);
+        const int signal =
+            m_signal == 0 ? ::sigwaitinfo(&set, nullptr) : ::sigtimedwait(&set, nullptr, &patience);
         if (m_ending || signal == kWakeUp) continue;
         if (m_signal != 0) {
             m_onSignal(SIGKILL);

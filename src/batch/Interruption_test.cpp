@@ -54,7 +54,8 @@ class InterruptionTest : public testing::Test {
 
   private:
     [[noreturn]] static void Live(int orders, int reports, int ignored) {
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::signal(signal, signal == ignored ? SIG_IGN : SIG_DFL);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+            ::signal(signal, signal == ignored ? SIG_IGN : SIG_DFL);
         const auto report = [reports](char letter) {
             [[maybe_unused]] const ssize_t written = ::write(reports, &letter, 1);
         };

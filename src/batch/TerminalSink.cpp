@@ -39,7 +39,8 @@ std::string TerminalSink::Cleaned(std::string_view text) {
     return result;
 }
 
-// Terminals take 0x80 to 0x9F for controls too, bare and as UTF-8; inside a longer UTF-8 character they are none.
+// Terminals take 0x80 to 0x9F for controls too, bare and as UTF-8; inside a longer UTF-8 character they are
+// none.
 bool TerminalSink::IsUpperControl(unsigned char byte) {
     if (byte >= 0xC0) {
         m_tailBytes = byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;

@@ -10,7 +10,8 @@ namespace tavrin {
 
 // Prints each alert as it is raised, on a line of its own behind "ALERT: ", and the log unless it is to be
 // quiet. Line ends become the platform's; bare carriage returns pass, since progress is shown with them;
-// other control characters, those beyond 0x7F too, become '?', so that no text from a file can steer the terminal.
+// other control characters, those beyond 0x7F too, become '?', so that no text from a file can steer the
+// terminal.
 class TerminalSink : public ReportSink {
   public:
     explicit TerminalSink(int descriptor) : m_descriptor(descriptor) {}

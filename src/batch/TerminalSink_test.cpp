@@ -21,7 +21,8 @@ class TerminalSinkTest : public testing::Test {
     }
 
     test::TempDir directory;
-    FileDescriptor file{::open((directory / "terminal").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)};
+    FileDescriptor file{
+        ::open((directory / "terminal").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)};
     std::unique_ptr<TerminalSink> sink = std::make_unique<TerminalSink>(file.Get());
 };
 
@@ -46,13 +47,22 @@ TEST_F(TerminalSinkTest, ControlCharactersCannotSteerTheTerminal) {
 }
 
 TEST_F(TerminalSinkTest, UpperControlCharactersCannotSteerTheTerminal) {
-    EXPECT_EQ(PrintedOf({"a\x9b" "2J"}), "a?2J");
-    EXPECT_EQ(PrintedOf({"|\xc2\x9b" "2J"}), "a?2J|\xc2?2J");
-    EXPECT_EQ(PrintedOf({"|\xc2", "\x9b" "2J"}), "a?2J|\xc2?2J|\xc2?2J");
+    EXPECT_EQ(PrintedOf({"a\x9b"
+                         "2J"}),
+              "a?2J");
+    EXPECT_EQ(PrintedOf({"|\xc2\x9b"
+                         "2J"}),
+              "a?2J|\xc2?2J");
+    EXPECT_EQ(PrintedOf({"|\xc2",
+                         "\x9b"
+                         "2J"}),
+              "a?2J|\xc2?2J|\xc2?2J");
 }
 
 TEST_F(TerminalSinkTest, LettersOfEveryLanguagePass) {
-    constexpr std::string_view kText = "Gr\xc3\xbc\xc3\x9f" "e \xe2\x82\xac \xe2\x80\x9c \xf0\x9f\x98\x80 \xc2\xa0.";
+    constexpr std::string_view kText =
+        "Gr\xc3\xbc\xc3\x9f"
+        "e \xe2\x82\xac \xe2\x80\x9c \xf0\x9f\x98\x80 \xc2\xa0.";
     EXPECT_EQ(PrintedOf({kText}), kText);
     for (const char& byte : kText) sink->OnLog(std::string_view(&byte, 1));
     EXPECT_EQ(Printed(), std::string(kText) + std::string(kText));

@@ -58,7 +58,8 @@ void CCodeGen::ExpandAll(std::string_view blockName, Report& report) {
         ++count;
     }
     if (count == 0) {
-        report.Alert("CCodeGen::ExpandAll(): blockname '%s' not yet supported!", std::string(blockName).c_str());
+        report.Alert("CCodeGen::ExpandAll(): blockname '%s' not yet supported!",
+                     std::string(blockName).c_str());
     }
 }
 
@@ -97,7 +98,8 @@ void CCodeGen::MergeExpanded(const CCodeGen& box, const std::vector<std::string>
             AddLine(block, line.kind, expands ? expand(line.text) : line.text);
         }
         if (block != kMainHeader) continue;
-        for (const std::string& declaration : declarations) AddLine(block, LineKind::kAppend, expand(declaration));
+        for (const std::string& declaration : declarations)
+            AddLine(block, LineKind::kAppend, expand(declaration));
     }
 }
 

@@ -48,7 +48,9 @@ class CCodeGen {
     // Adds a line by the words "append", "insert", "unique", alone or with "@" and a file behind; an
     // unknown block or mode does nothing.
     void AddLine(std::string_view block, std::string_view modeText, std::string text);
-    void AddLine(BlockId block, LineKind kind, std::string text) { m_blocks[AsIndex(block)].Add(kind, std::move(text)); }
+    void AddLine(BlockId block, LineKind kind, std::string text) {
+        m_blocks[AsIndex(block)].Add(kind, std::move(text));
+    }
     void AddLineCoded(std::string_view block, int code, std::string text);
     static int ModeCode(std::string_view modeText);
 

@@ -63,7 +63,8 @@ bool CCodeGen::ParseClause(CArchive& archive, const std::string& keyword, const 
     return isSetting ? read : ParseBlock(archive, keyword, libraryDir, errorText);
 }
 
-bool CCodeGen::ParseSetting(CArchive& archive, const std::string& keyword, bool& isSetting, std::string& errorText) {
+bool CCodeGen::ParseSetting(CArchive& archive, const std::string& keyword, bool& isSetting,
+                            std::string& errorText) {
     const auto readInto = [&](std::string& target, const char* missing) {
         std::string token;
         if (ReadToken(archive, token)) {
@@ -80,7 +81,8 @@ bool CCodeGen::ParseSetting(CArchive& archive, const std::string& keyword, bool&
     if (keyword == "setvariable") {
         std::string name;
         std::string value;
-        if (!readInto(name, " missing <varname> argument") || !readInto(value, " missing <varvalue> argument")) {
+        if (!readInto(name, " missing <varname> argument") ||
+            !readInto(value, " missing <varvalue> argument")) {
             return false;
         }
         SetVariable(name, value);

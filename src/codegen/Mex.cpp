@@ -170,8 +170,9 @@ void CMex::StepPlain(std::string_view text, size_t& i, std::string& result) {
         const std::vector<std::string>& tokens;
         State next;
     };
-    for (const Mark& mark : {Mark{m_syntax.openComments, kInComment}, Mark{m_syntax.closeComments, kAfterStrayClose},
-                             Mark{m_syntax.lineComments, kInLineComment}}) {
+    for (const Mark& mark :
+         {Mark{m_syntax.openComments, kInComment}, Mark{m_syntax.closeComments, kAfterStrayClose},
+          Mark{m_syntax.lineComments, kInLineComment}}) {
         const std::string_view token = TokenAt(mark.tokens, text, i);
         if (token.empty()) continue;
         if (m_syntax.keepComments && mark.next != kAfterStrayClose) result += token;

@@ -9,7 +9,7 @@ namespace {
 constexpr size_t kFirstSlots = 64;
 constexpr size_t kFirstEntries = 32;
 constexpr size_t kFirstText = 1024;
-}
+}  // namespace
 
 uint32_t VariableList::Hash(std::string_view name) {
     if (name.empty()) return 0;
@@ -65,8 +65,8 @@ void VariableList::Add(std::string_view name, std::string_view value) {
     }
     const uint32_t nameStart = Put(name);
     const uint32_t valueStart = Put(value);
-    m_entries.push_back({nameStart, static_cast<uint32_t>(name.size()), valueStart,
-                         static_cast<uint32_t>(value.size())});
+    m_entries.push_back(
+        {nameStart, static_cast<uint32_t>(name.size()), valueStart, static_cast<uint32_t>(value.size())});
 }
 
 bool VariableList::Extend(std::string_view name, std::string_view value, std::string_view separator) {

@@ -175,8 +175,8 @@ TEST_F(DeskSelection, TwoOutputsOrTwoInputsAndFlaggedButtonsCannotConnect) {
 TEST_F(DeskSelection, AChainMayBeShortcutButNotClosed) {
     COpBox& first = Add(MakeLink("a", 1));
     COpBox& second = Add(MakeLink("b", 2));
-    COpBox& third =
-        Add(MakeBox("c", "input i { rgb { 0 0 0 %g } } input j { rgb { 0 0 0 %g } } output o { rgb out }", 3));
+    COpBox& third = Add(
+        MakeBox("c", "input i { rgb { 0 0 0 %g } } input j { rgb { 0 0 0 %g } } output o { rgb out }", 3));
     Wire(first, 0, second, 0);
     Wire(second, 0, third, 0);
     EXPECT_TRUE(third.outputs.at(0)->WouldLoop(*first.inputs.at(0)));

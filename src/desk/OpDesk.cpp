@@ -90,8 +90,8 @@ bool COpDesk::AdmitBox(COpBox& box) {
 bool COpDesk::AdmitBox(COpBox& box, InstanceCounts& counts) {
     int& count = counts[box.filename];
     if (box.maxinstances != 0 && box.maxinstances < count + 1) {
-        m_host.GetSite().report.Alert("WARNING: not creating \"%s\" (only %d allowed on desk)", box.filename.c_str(),
-                                      box.maxinstances);
+        m_host.GetSite().report.Alert("WARNING: not creating \"%s\" (only %d allowed on desk)",
+                                      box.filename.c_str(), box.maxinstances);
         return false;
     }
     ++count;
@@ -151,7 +151,8 @@ void COpDesk::DeletePending(BoxVector& boxes) {
 
 void COpDesk::RaiseBox(const COpBox& box) {
     auto& stack = m_document.m_boxes;
-    const auto place = std::find_if(stack.begin(), stack.end(), [&](const auto& own) { return own.get() == &box; });
+    const auto place =
+        std::find_if(stack.begin(), stack.end(), [&](const auto& own) { return own.get() == &box; });
     if (place != stack.end()) stack.splice(stack.begin(), stack, place);
 }
 
@@ -189,7 +190,8 @@ void COpDesk::CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destinati
 }
 
 COpButton* COpDesk::GrowVinput(bool above) {
-    if (m_mouseBox == nullptr || m_mouseButton == nullptr || m_mouseButton->kind != ButtonKind::kVinput) return nullptr;
+    if (m_mouseBox == nullptr || m_mouseButton == nullptr || m_mouseButton->kind != ButtonKind::kVinput)
+        return nullptr;
     COpButton* copy = m_mouseBox->CopyButton(*m_mouseButton, above);
     m_view.LayoutBox(*m_mouseBox);
     m_document.SetModified();

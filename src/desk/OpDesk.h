@@ -77,8 +77,8 @@ class COpDesk {
 
     BoxVector m_clipboardBoxes;
     BoxVector m_pendingBoxes;
-    bool m_pendingPlaced = false;             // the pending boxes have been under the mouse
-    COpButton* m_selectedButton = nullptr;    // one end of a connection still to be made
+    bool m_pendingPlaced = false;                // the pending boxes have been under the mouse
+    COpButton* m_selectedButton = nullptr;       // one end of a connection still to be made
     std::vector<COpButton*> m_selectedConnects;  // inputs, each standing for the connection that enters it
     COpBox* m_mouseBox = nullptr;
     COpButton* m_mouseButton = nullptr;

@@ -127,9 +127,11 @@ TEST_F(OpDeskMerge, BoxesBeyondTheirLimitAreRefusedAndTheirConnectionsGo) {
 TEST_F(OpDeskMerge, ASavedNetworkInTheLibraryIsAnOperator) {
     host.AddOperator("src", "output o { float out }");
     host.AddOperator("dst", "input i { float { 0 0 1 0 %g } }");
-    host.AddOperator("macro", "# saved\ntavrn-version 1.3\ntavrn-renderer other\ntoolbar { button 0=x }\n"
-                              "opdesk { opbox { filename src wid 7 xypos 5 5 } opbox { filename dst wid 3 xypos 9 9 }\n"
-                              "opconnects { opbox:src,7,o,0 -> opbox:dst,3,i,0 } lock 1 }\n");
+    host.AddOperator(
+        "macro",
+        "# saved\ntavrn-version 1.3\ntavrn-renderer other\ntoolbar { button 0=x }\n"
+        "opdesk { opbox { filename src wid 7 xypos 5 5 } opbox { filename dst wid 3 xypos 9 9 }\n"
+        "opconnects { opbox:src,7,o,0 -> opbox:dst,3,i,0 } lock 1 }\n");
     Admit(MakeLink("old", 0));
     desk.AddOperator("macro");
     EXPECT_THAT(Alerts(), IsEmpty());
@@ -178,7 +180,8 @@ TEST_F(OpDeskMerge, AScratchDocumentGoesWithoutTouchingTheDesk) {
 
 TEST_F(OpDeskMerge, CopiesAreConnectedAmongThemselvesAsTheirOriginalsAre) {
     COpBox& source = Add(MakeBox("s", "output o { float out } output p { float out }", 1));
-    COpBox& middle = Add(MakeBox("m", "vinput v { float { 0 0 1 0 %g } vinstances 3 } output o { float out }", 2));
+    COpBox& middle =
+        Add(MakeBox("m", "vinput v { float { 0 0 1 0 %g } vinstances 3 } output o { float out }", 2));
     COpBox& outside = Add(MakeLink("x", 3));
     Wire(source, 1, middle, 0);
     Wire(outside, 0, middle, 1);
@@ -210,8 +213,8 @@ TEST_F(OpDeskMerge, CopyingNothingGivesNothing) {
 }
 
 TEST_F(OpDeskMerge, AVinputGrowsOnEitherSide) {
-    COpBox& box =
-        Add(MakeBox("m", "vinput v { string { format %s } } input i { string { } } output o { float out }", 2));
+    COpBox& box = Add(
+        MakeBox("m", "vinput v { string { format %s } } input i { string { } } output o { float out }", 2));
     static_cast<COpValueString&>(*box.inputs.at(0)->values.at(0)).value = "edited";
     Wire(box, 0, box, 0);
     desk.m_mouseBox = &box;

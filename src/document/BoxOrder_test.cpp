@@ -167,7 +167,8 @@ TEST_F(BoxOrder, EqualsThePlainWalkOnNetworksOfEveryShape) {
         const size_t count = 1 + random() % 12;
         std::vector<COpBox*> boxes;
         for (size_t i = 0; i < count; ++i) {
-            boxes.push_back(&AddMix(std::string(1, static_cast<char>('a' + random() % 3)), static_cast<int>(i)));
+            boxes.push_back(
+                &AddMix(std::string(1, static_cast<char>('a' + random() % 3)), static_cast<int>(i)));
         }
         for (size_t to = 1; to < count; ++to) {
             for (size_t input = 0; input < 2; ++input) {
@@ -186,7 +187,8 @@ TEST_F(BoxOrder, EqualsThePlainWalkOnNetworksOfEveryShape) {
             expected.push_back(box);
         };
         for (COpBox* box : sorted) {
-            if (box->outputs.at(0)->connections.Empty() && box->outputs.at(1)->connections.Empty()) visit(box);
+            if (box->outputs.at(0)->connections.Empty() && box->outputs.at(1)->connections.Empty())
+                visit(box);
         }
         ASSERT_EQ(document.OrderBoxes(), expected) << "round " << round;
         ASSERT_EQ(expected.size(), count);

@@ -104,7 +104,8 @@ bool DocumentReader::ReadNumbers(COpButton& button, const std::string& type) {
     }
     if (type == type_words::kXyz) {
         auto& v = static_cast<COpValueXyz&>(*value);
-        return Operand(v.x) && Operand(v.y) && Operand(v.z) && Operand(v.min) && Operand(v.max) && Operand(v.integer);
+        return Operand(v.x) && Operand(v.y) && Operand(v.z) && Operand(v.min) && Operand(v.max) &&
+               Operand(v.integer);
     }
     if (type == type_words::kRgb) {
         auto& v = static_cast<COpValueRgb&>(*value);

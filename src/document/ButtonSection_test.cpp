@@ -18,16 +18,20 @@ class ButtonSection : public test::DocumentTest {
         host.AddOperator("op" + std::to_string(++m_count), definition);
         document.DeleteContents();
         host.Sink().alerts.clear();
-        return Load("opdesk { opbox { filename op" + std::to_string(m_count) + " wid 1\n" + buttons + "\n} }");
+        return Load("opdesk { opbox { filename op" + std::to_string(m_count) + " wid 1\n" + buttons +
+                    "\n} }");
     }
     void ExpectStop(const std::string& definition, const std::string& buttons, int line,
                     const std::string& message = "unexpected input") {
         EXPECT_FALSE(LoadBox(definition, buttons)) << buttons;
-        EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line " + std::to_string(line) + ": " + message)) << buttons;
+        EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line " + std::to_string(line) + ": " + message))
+            << buttons;
     }
     // A block of a button; the body stands in the line below its beginning.
-    static std::string Button(const std::string& head, const std::string& cast, const std::string& body = "") {
-        return "opbutton." + head + " { opbuttondefs { currentcast " + cast + " wwms {\n" + body + "\n} } }\n";
+    static std::string Button(const std::string& head, const std::string& cast,
+                              const std::string& body = "") {
+        return "opbutton." + head + " { opbuttondefs { currentcast " + cast + " wwms {\n" + body +
+               "\n} } }\n";
     }
     COpBox& Box() { return BoxAt(document, 0); }
     COpButton& In(size_t place) { return *Box().inputs.at(place); }
@@ -40,7 +44,9 @@ class ButtonSection : public test::DocumentTest {
         for (const auto& input : Box().inputs) names.push_back(input->DisplayName());
         return names;
     }
-    std::string Text(size_t place) { return static_cast<COpValueString*>(In(place).FindValue("string"))->value; }
+    std::string Text(size_t place) {
+        return static_cast<COpValueString*>(In(place).FindValue("string"))->value;
+    }
 
   private:
     int m_count = 0;
@@ -67,10 +73,12 @@ TEST_F(ButtonSection, AnEmptyArgumentNameReadsBackEmpty) {
 }
 
 TEST_F(ButtonSection, EveryKindOfValueIsRead) {
-    EXPECT_TRUE(LoadBox("input i { float { 0 0 0 0 %g } xyz { 0 0 0 0 0 0 %g } rgb { 0 0 0 %g } rgba { 0 0 0 0 %g } "
-                        "string { value x } generic { value x } generic:m { value x } }",
-                        Button("input i i", "rgb", "float 1 2 3 1 xyz 4 5 6 7 8 1 rgb .1 .2 .3 rgba 1 2 3 4\n"
-                                                   "string \"s \\\" t\"\ngeneric \"g h\"\ngeneric m \"1 0\"")));
+    EXPECT_TRUE(
+        LoadBox("input i { float { 0 0 0 0 %g } xyz { 0 0 0 0 0 0 %g } rgb { 0 0 0 %g } rgba { 0 0 0 0 %g } "
+                "string { value x } generic { value x } generic:m { value x } }",
+                Button("input i i", "rgb",
+                       "float 1 2 3 1 xyz 4 5 6 7 8 1 rgb .1 .2 .3 rgba 1 2 3 4\n"
+                       "string \"s \\\" t\"\ngeneric \"g h\"\ngeneric m \"1 0\"")));
     EXPECT_THAT(Alerts(), IsEmpty());
     const auto& number = ValueOf<COpValueFloat>("float");
     EXPECT_THAT((std::vector<float>{number.value, number.min, number.max}), ElementsAre(1, 2, 3));
@@ -90,8 +98,9 @@ TEST_F(ButtonSection, EveryKindOfValueIsRead) {
 
 TEST_F(ButtonSection, ValuesOfATypeThatTheButtonLacksAreDropped) {
     EXPECT_TRUE(LoadBox("input i { string { value kept } }",
-                        Button("input i i", "string", "float 1 2 3 1 xyz 4 5 6 7 8 1 rgb 1 2 3 rgba 1 2 3 4\n"
-                                                      "generic \"g\"\ngeneric m \"1\"\npin 1")));
+                        Button("input i i", "string",
+                               "float 1 2 3 1 xyz 4 5 6 7 8 1 rgb 1 2 3 rgba 1 2 3 4\n"
+                               "generic \"g\"\ngeneric m \"1\"\npin 1")));
     EXPECT_THAT(Alerts(), IsEmpty());
     EXPECT_EQ(In(0).pin, 1);
     EXPECT_EQ(In(0).values.size(), 1U);
@@ -107,7 +116,8 @@ TEST_F(ButtonSection, AGenericValueIsTheRestOfItsLineWithBackslashesAsTheyAre) {
         {R"(generic:ignored "x")", "x"},
     };
     for (const auto& [line, value] : kPlain) {
-        EXPECT_TRUE(LoadBox("input i { generic { value old } }", Button("input i i", "generic", line))) << line;
+        EXPECT_TRUE(LoadBox("input i { generic { value old } }", Button("input i i", "generic", line)))
+            << line;
         EXPECT_EQ(ValueOf<COpValueGeneric>("generic").value, value) << line;
     }
     const std::pair<std::string, std::string> kNamed[] = {
@@ -120,7 +130,8 @@ TEST_F(ButtonSection, AGenericValueIsTheRestOfItsLineWithBackslashesAsTheyAre) {
         {R"(genericm m "open)", "open"},
     };
     for (const auto& [line, value] : kNamed) {
-        EXPECT_TRUE(LoadBox("input i { generic:m { value old } }", Button("input i i", "generic:m", line))) << line;
+        EXPECT_TRUE(LoadBox("input i { generic:m { value old } }", Button("input i i", "generic:m", line)))
+            << line;
         EXPECT_EQ(ValueOf<COpValueGeneric>("generic:m").value, value) << line;
     }
 }
@@ -143,7 +154,8 @@ TEST_F(ButtonSection, AGenericValueWithAQuoteGrowsABackslashWithEachSave) {
 }
 
 TEST_F(ButtonSection, FlagsOfTheDefinitionArePassedOverWithTheirLine) {
-    EXPECT_TRUE(LoadBox(kFloat, Button("input i i", "float", "disableargflag 1 oops }\ndisableconnectflag\narg 1")));
+    EXPECT_TRUE(
+        LoadBox(kFloat, Button("input i i", "float", "disableargflag 1 oops }\ndisableconnectflag\narg 1")));
     EXPECT_EQ(In(0).disableargflag, 0);
     EXPECT_EQ(In(0).arg, 1);
 }
@@ -157,18 +169,33 @@ TEST_F(ButtonSection, AnUnknownSettingIsNamedAndStopsTheReading) {
 }
 
 TEST_F(ButtonSection, AMissingTokenAnywhereIsUnexpected) {
-    host.AddOperator("all",
-                     "input i { float { 0 0 0 0 %g } xyz { 0 0 0 0 0 0 %g } rgb { 0 0 0 %g } rgba { 0 0 0 0 %g } "
-                     "string { value x } }");
+    host.AddOperator(
+        "all",
+        "input i { float { 0 0 0 0 %g } xyz { 0 0 0 0 0 0 %g } rgb { 0 0 0 %g } rgba { 0 0 0 0 %g } "
+        "string { value x } }");
     const std::string head = "opdesk { opbox { filename all\nopbutton.input i i ";
-    for (const char* rest : {"", "{ opbuttondefs {", "{ currentcast", "currentcast float", "currentcast float wwms",
-                             "currentcast float {", "currentcast float { pin", "currentcast float { stow",
-                             "currentcast float { lock", "currentcast float { arg", "currentcast float { argname",
-                             "currentcast float { comments", "currentcast float { float 1 2 3",
-                             "currentcast float { xyz 1 2 3 4 5", "currentcast float { rgb 1 2",
-                             "currentcast float { rgba 1 2 3", "currentcast float { string",
-                             "currentcast float { pin 1", "currentcast float { }", "currentcast float { } }",
-                             "currentcast float { } } x", "currentcast float { } x }"}) {
+    for (const char* rest : {"",
+                             "{ opbuttondefs {",
+                             "{ currentcast",
+                             "currentcast float",
+                             "currentcast float wwms",
+                             "currentcast float {",
+                             "currentcast float { pin",
+                             "currentcast float { stow",
+                             "currentcast float { lock",
+                             "currentcast float { arg",
+                             "currentcast float { argname",
+                             "currentcast float { comments",
+                             "currentcast float { float 1 2 3",
+                             "currentcast float { xyz 1 2 3 4 5",
+                             "currentcast float { rgb 1 2",
+                             "currentcast float { rgba 1 2 3",
+                             "currentcast float { string",
+                             "currentcast float { pin 1",
+                             "currentcast float { }",
+                             "currentcast float { } }",
+                             "currentcast float { } } x",
+                             "currentcast float { } x }"}) {
         host.Sink().alerts.clear();
         document.DeleteContents();
         EXPECT_FALSE(Load(head + rest)) << rest;
@@ -200,8 +227,8 @@ TEST_F(ButtonSection, AnInputThatTheDefinitionHasNotStopsTheReading) {
 TEST_F(ButtonSection, InputsAreFoundInTheDefinitionsOrderAlone) {
     const char* const definition =
         "input a { string { value x } } input b { string { value x } } input c { string { value x } }";
-    EXPECT_TRUE(LoadBox(definition,
-                        Button("input a a", "string", "string 1") + Button("input c c", "string", "string 3")));
+    EXPECT_TRUE(LoadBox(
+        definition, Button("input a a", "string", "string 1") + Button("input c c", "string", "string 3")));
     EXPECT_EQ(Text(0) + Text(1) + Text(2), "1x3");
     ExpectStop(definition, Button("input b b", "string") + Button("input a a", "string"), 5,
                "undefined input a specified");
@@ -216,8 +243,8 @@ TEST_F(ButtonSection, AnInputOfTheOtherKindIsReportedAndReadAllTheSame) {
 
 TEST_F(ButtonSection, OutputsAreMatchedByPositionAlone) {
     const char* const definition = "output a { float out rgb out } output b { float out }";
-    EXPECT_TRUE(LoadBox(
-        definition, Button("output renamed renamed", "rgb", "pin 1") + Button("output a a", "float", "pin 2")));
+    EXPECT_TRUE(LoadBox(definition, Button("output renamed renamed", "rgb", "pin 1") +
+                                        Button("output a a", "float", "pin 2")));
     EXPECT_EQ(Box().outputs.at(0)->pin, 1);
     EXPECT_EQ(Box().outputs.at(0)->name, "a");
     EXPECT_EQ(Box().outputs.at(0)->CurrentType(), "rgb");
@@ -234,7 +261,8 @@ TEST_F(ButtonSection, AnUnknownKindOfButtonStopsTheReading) {
 }
 
 TEST_F(ButtonSection, TheCastIsChosenByItsName) {
-    const char* const definition = "input i { float { 0 0 0 0 %g } generic:m { value x } generic:n { value x } }";
+    const char* const definition =
+        "input i { float { 0 0 0 0 %g } generic:m { value x } generic:n { value x } }";
     for (const char* cast : {"float", "generic:m", "generic:n"}) {
         EXPECT_TRUE(LoadBox(definition, Button("input i i", cast)));
         EXPECT_EQ(In(0).CurrentType(), cast);
@@ -245,14 +273,16 @@ TEST_F(ButtonSection, TheCastIsChosenByItsName) {
 }
 
 TEST_F(ButtonSection, ACastThatTheButtonLacksIsReportedWithThoseThatItHas) {
-    EXPECT_TRUE(LoadBox("input i { rgb { 0 0 0 %g } generic:m { value x } }", Button("input i i", "matrix", "arg 1")));
-    EXPECT_THAT(Alerts(),
-                ElementsAre("doc.tvn near line 4: illegal cast matrix for button op1_1:i.\n\nAvailable casts:\n"
-                            "\n        rgb\n        generic:m"));
+    EXPECT_TRUE(LoadBox("input i { rgb { 0 0 0 %g } generic:m { value x } }",
+                        Button("input i i", "matrix", "arg 1")));
+    EXPECT_THAT(
+        Alerts(),
+        ElementsAre("doc.tvn near line 4: illegal cast matrix for button op1_1:i.\n\nAvailable casts:\n"
+                    "\n        rgb\n        generic:m"));
     EXPECT_EQ(In(0).CurrentType(), "rgb");
     EXPECT_EQ(In(0).arg, 1);
-    EXPECT_TRUE(
-        LoadBox("vinput v { rgb { 0 0 0 %g } }", Button("vinput v v1", "rgb") + Button("vinput v v2", "generic")));
+    EXPECT_TRUE(LoadBox("vinput v { rgb { 0 0 0 %g } }",
+                        Button("vinput v v1", "rgb") + Button("vinput v v2", "generic")));
     EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 7: illegal cast generic for button op2_1:v2.\n\n"
                                       "Available casts:\n\n        rgb"));
 }
@@ -266,8 +296,9 @@ TEST_F(ButtonSection, TheEmptyCastOfAnOutputWithoutAnyTypeIsTakenInSilence) {
 }
 
 TEST_F(ButtonSection, ReadingDoesNotSpreadACastAlongItsLocks) {
-    const char* const definition = "input i { float { 0 0 0 0 %g } rgb { 0 0 0 %g } } output o { float out rgb out } "
-                                   "defs { castlock.add i o }";
+    const char* const definition =
+        "input i { float { 0 0 0 0 %g } rgb { 0 0 0 %g } } output o { float out rgb out } "
+        "defs { castlock.add i o }";
     EXPECT_TRUE(LoadBox(definition, Button("input i i", "rgb") + Button("output o o", "float")));
     EXPECT_EQ(In(0).CurrentType() + Box().outputs.at(0)->CurrentType(), "rgbfloat");
     EXPECT_TRUE(LoadBox(definition, Button("output o o", "float") + Button("input i i", "rgb")));
@@ -277,9 +308,9 @@ TEST_F(ButtonSection, ReadingDoesNotSpreadACastAlongItsLocks) {
 TEST_F(ButtonSection, TheFileDecidesHowManyCopiesOfAVinputThereAre) {
     EXPECT_TRUE(LoadBox(kVinput, Button("vinput v v1", "string", "string 1")));
     EXPECT_THAT(InputNames(), ElementsAre("v1", "w"));
-    EXPECT_TRUE(LoadBox(kVinput,
-                        Button("vinput v v1", "string", "string 1") + Button("vinput v v2", "string", "string 2") +
-                            Button("vinput v v3", "string", "arg 1") + Button("input w w", "string", "string 4")));
+    EXPECT_TRUE(LoadBox(
+        kVinput, Button("vinput v v1", "string", "string 1") + Button("vinput v v2", "string", "string 2") +
+                     Button("vinput v v3", "string", "arg 1") + Button("input w w", "string", "string 4")));
     EXPECT_THAT(InputNames(), ElementsAre("v1", "v2", "v3", "w"));
     EXPECT_EQ(Text(0) + Text(1) + Text(2) + Text(3), "1224");  // a copy begins as the one before it
     EXPECT_EQ(In(1).arg, 0);
@@ -303,7 +334,8 @@ TEST_F(ButtonSection, AVinputWhoseFirstCopyIsMissingGetsAFurtherOne) {
 TEST_F(ButtonSection, VinputsOfOneNameThatComeToStandTogetherAreNumberedOn) {
     const std::string a = "vinput a { string { value x } } ";
     const std::string b = "vinput b { string { value x } } ";
-    EXPECT_TRUE(LoadBox(a + a, Button("vinput a a1", "string") + Button("vinput a a2", "string", "string 2")));
+    EXPECT_TRUE(
+        LoadBox(a + a, Button("vinput a a1", "string") + Button("vinput a a2", "string", "string 2")));
     EXPECT_THAT(InputNames(), ElementsAre("a1", "a2", "a3"));
     EXPECT_EQ(Text(0) + Text(1) + Text(2), "x2x");
     EXPECT_TRUE(LoadBox(a + b + a, Button("vinput a a1", "string")));

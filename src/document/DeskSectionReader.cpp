@@ -117,7 +117,8 @@ bool DocumentReader::ReadConnection(const std::string& source) {
         return Stop(FormatText("box %s_%d has no input %d", to.filename.c_str(), targetWid, inputPosition));
     }
     // From the input's side, so that a pair that the file names twice stays whole.
-    to.inputs[static_cast<size_t>(inputPosition)]->Connect(*from.outputs[static_cast<size_t>(outputPosition)]);
+    to.inputs[static_cast<size_t>(inputPosition)]->Connect(
+        *from.outputs[static_cast<size_t>(outputPosition)]);
     return true;
 }
 

@@ -28,7 +28,8 @@ class DeskSection : public test::DocumentTest {
         host.Sink().alerts.clear();
         document.DeleteContents();
         EXPECT_FALSE(Load("opdesk {\n" + body)) << body;
-        EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line " + std::to_string(line) + ": " + message)) << body;
+        EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line " + std::to_string(line) + ": " + message))
+            << body;
     }
     static std::string Box(const std::string& name, int wid) {
         return "opbox { filename " + name + " wid " + std::to_string(wid) + " }\n";
@@ -43,8 +44,9 @@ class DeskSection : public test::DocumentTest {
 };
 
 TEST_F(DeskSection, TheStateOfTheDeskIsRead) {
-    EXPECT_TRUE(LoadDesk("drawlinesoverboxes 1\nshowvarnames 1\nlock 1\nshowiconimages 1\nlinetype trace\n"
-                         "offsetxy -3.5 40\nzoomxyf 1 0.25 2.5"));
+    EXPECT_TRUE(
+        LoadDesk("drawlinesoverboxes 1\nshowvarnames 1\nlock 1\nshowiconimages 1\nlinetype trace\n"
+                 "offsetxy -3.5 40\nzoomxyf 1 0.25 2.5"));
     EXPECT_THAT((std::vector<int>{document.drawlinesoverboxes, document.showvarnames, document.lock,
                                   document.showiconimages, document.linetype}),
                 testing::Each(1));
@@ -95,8 +97,8 @@ TEST_F(DeskSection, WhatIsNoNumberReadsAsNought) {
 TEST_F(DeskSection, TheSectionMustOpenAndHoldNothingUnknown) {
     EXPECT_FALSE(Load("opdesk\n\n}"));
     EXPECT_FALSE(Load("opdesk"));
-    EXPECT_THAT(Alerts(),
-                ElementsAre("doc.tvn near line 3: unexpected input", "doc.tvn near line 1: unexpected input"));
+    EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 3: unexpected input",
+                                      "doc.tvn near line 1: unexpected input"));
     ExpectStop("gridsize 5\n}", 2);
     ExpectStop("{\n}", 2);
 }
@@ -175,8 +177,8 @@ TEST_F(DeskSection, TheOptionsOfABoxHaveOneForm) {
 }
 
 TEST_F(DeskSection, ConnectionsAreMadeByNumberAndPosition) {
-    EXPECT_TRUE(
-        LoadDesk(Wired("opbox:src,1,a,0 -> opbox:dst,2,q,1\nopbox:wrong,1,names,1 -> opbox:do,2,no-harm,0\n}")));
+    EXPECT_TRUE(LoadDesk(
+        Wired("opbox:src,1,a,0 -> opbox:dst,2,q,1\nopbox:wrong,1,names,1 -> opbox:do,2,no-harm,0\n}")));
     EXPECT_EQ(SourceOf(1, 1), BoxAt(document, 0).outputs.at(0).get());
     EXPECT_EQ(SourceOf(1, 0), BoxAt(document, 0).outputs.at(1).get());
     EXPECT_TRUE(BoxAt(document, 0).outputs.at(0)->connections.Contains(*BoxAt(document, 1).inputs.at(1)));
@@ -208,8 +210,8 @@ TEST_F(DeskSection, ACycleLoadsWithoutAWordAndWalksOverItEnd) {
 }
 
 TEST_F(DeskSection, ABrokenConnectionStopsTheReading) {
-    for (const char* text : {"opbox:src,1,a", "opbox:src,one,a,0", "opbox:,1,a,0", "box:src,1,a,0", "opbox:src,1,,0",
-                             "opbox:src", "opdesk:src,1,a,0", "opbox:src,1,a,b", "{"}) {
+    for (const char* text : {"opbox:src,1,a", "opbox:src,one,a,0", "opbox:,1,a,0", "box:src,1,a,0",
+                             "opbox:src,1,,0", "opbox:src", "opdesk:src,1,a,0", "opbox:src,1,a,b", "{"}) {
         ExpectStop(Wired(std::string(text) + "\n-> opbox:dst,2,p,0 }"), 5);
         ExpectStop(Wired("opbox:src,1,a,0\n->\n" + std::string(text) + "\n}"), 7);
     }

@@ -17,9 +17,9 @@ class DocumentHostile : public test::DocumentTest {
   protected:
     DocumentHostile() {
         host.startsProcesses = false;
-        host.AddOperator(
-            "op",
-            "vinput v { float { 0 0 1 0 %g } string { value x } generic:m { value x } } output o { float out }");
+        host.AddOperator("op",
+                         "vinput v { float { 0 0 1 0 %g } string { value x } generic:m { value x } } output "
+                         "o { float out }");
         host.appVariables = {{"A", "1"}};
         document.DeleteContents();
     }
@@ -37,7 +37,8 @@ class DocumentHostile : public test::DocumentTest {
         host.Sink().alerts = alerts;
         return loaded;
     }
-    // Each beginning of the text from `begin` on, read as a file: either it reads, or one alert tells why not.
+    // Each beginning of the text from `begin` on, read as a file: either it reads, or one alert tells why
+    // not.
     void CutEverywhere(const std::string& text, size_t begin, size_t end) {
         for (size_t size = begin; size <= end; ++size) {
             host.Sink().alerts.clear();
@@ -46,7 +47,8 @@ class DocumentHostile : public test::DocumentTest {
             const std::string alert = host.Sink().LastAlert();
             // An export option that is none ends its section alone; a help text without its end says nothing.
             const bool inHelp = text.rfind("customshaderhelp", size) != std::string::npos;
-            const bool isWhole = alert.empty() || alert.find(": unknown export option: ") != std::string::npos;
+            const bool isWhole =
+                alert.empty() || alert.find(": unknown export option: ") != std::string::npos;
             ASSERT_TRUE(loaded ? isWhole : !alert.empty() || inHelp) << "cut at " << size << ": " << alert;
             ASSERT_LE(Alerts().size(), 1U) << "cut at " << size;
             ASSERT_TRUE(alert.empty() || alert.starts_with("doc.tvn near line ")) << alert;
@@ -83,11 +85,42 @@ TEST_F(DocumentHostile, NoiseIsPassedOver) {
 }
 
 TEST_F(DocumentHostile, KeywordsInAnyOrderEndTheReadingOneWayOrTheOther) {
-    static const std::vector<std::string> kWords = {
-        "tavrn-version", "toolbar", "opdesk", "renderoptions", "exportoptions", "customshaderhelp", "{", "}",
-        "{", "}", "button", "1=x", "setenv", "A", "tavrndir", "opconnects", "lock", "0", "1", "linetype",
-        "trace", "offsetxy", "zoomxyf", "\n", "\n", "\"", "\\", "#", "opbox:a,1,b,0", "->", "currentcast",
-        "wwms", ">", std::string(1, '\0'), "-1", "1e99"};
+    static const std::vector<std::string> kWords = {"tavrn-version",
+                                                    "toolbar",
+                                                    "opdesk",
+                                                    "renderoptions",
+                                                    "exportoptions",
+                                                    "customshaderhelp",
+                                                    "{",
+                                                    "}",
+                                                    "{",
+                                                    "}",
+                                                    "button",
+                                                    "1=x",
+                                                    "setenv",
+                                                    "A",
+                                                    "tavrndir",
+                                                    "opconnects",
+                                                    "lock",
+                                                    "0",
+                                                    "1",
+                                                    "linetype",
+                                                    "trace",
+                                                    "offsetxy",
+                                                    "zoomxyf",
+                                                    "\n",
+                                                    "\n",
+                                                    "\"",
+                                                    "\\",
+                                                    "#",
+                                                    "opbox:a,1,b,0",
+                                                    "->",
+                                                    "currentcast",
+                                                    "wwms",
+                                                    ">",
+                                                    std::string(1, '\0'),
+                                                    "-1",
+                                                    "1e99"};
     std::mt19937 random(11);
     for (int round = 0; round < 3000; ++round) {
         std::string text;
@@ -97,11 +130,30 @@ TEST_F(DocumentHostile, KeywordsInAnyOrderEndTheReadingOneWayOrTheOther) {
 }
 
 TEST_F(DocumentHostile, WordsOfABoxInAnyOrderEndTheReadingOneWayOrTheOther) {
-    static const std::vector<std::string> kWords = {
-        "{", "}", "}", "wid", "1", "-7", "xypos", "nan", "inf", "opboxdefs", "maxinstances",
-        "opbutton.vinput v v1", "opbutton.vinput v v9", "opbutton.output o o",
-        "{ opbuttondefs { currentcast float wwms {", "} } }", "pin", "argname \"x\"", "float 1 2 3 0",
-        "generic m \"x\"\n", "string \"\"", "\n", "opconnects {", "opbox:op,1,o,0 -> opbox:op,1,v,0"};
+    static const std::vector<std::string> kWords = {"{",
+                                                    "}",
+                                                    "}",
+                                                    "wid",
+                                                    "1",
+                                                    "-7",
+                                                    "xypos",
+                                                    "nan",
+                                                    "inf",
+                                                    "opboxdefs",
+                                                    "maxinstances",
+                                                    "opbutton.vinput v v1",
+                                                    "opbutton.vinput v v9",
+                                                    "opbutton.output o o",
+                                                    "{ opbuttondefs { currentcast float wwms {",
+                                                    "} } }",
+                                                    "pin",
+                                                    "argname \"x\"",
+                                                    "float 1 2 3 0",
+                                                    "generic m \"x\"\n",
+                                                    "string \"\"",
+                                                    "\n",
+                                                    "opconnects {",
+                                                    "opbox:op,1,o,0 -> opbox:op,1,v,0"};
     std::mt19937 random(13);
     for (int round = 0; round < 200; ++round) {
         std::string text = "opdesk { opbox { filename op\n";
@@ -164,7 +216,8 @@ TEST_F(DocumentHostile, ManyConnectionsAreReadInOneGo) {
         text += "opbutton.vinput v v" + std::to_string(copy) + " { currentcast float { } } }\n";
     }
     text += "} opconnects {\n";
-    for (int copy = 0; copy < kCopies; ++copy) text += "opbox:op,1,o,0 -> opbox:op,1,v," + std::to_string(copy) + "\n";
+    for (int copy = 0; copy < kCopies; ++copy)
+        text += "opbox:op,1,o,0 -> opbox:op,1,v," + std::to_string(copy) + "\n";
     EXPECT_TRUE(LoadAndStore(text + "} }"));
     EXPECT_EQ(BoxAt(document, 0).outputs.at(0)->connections.Size(), static_cast<size_t>(kCopies));
 }

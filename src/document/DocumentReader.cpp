@@ -39,7 +39,8 @@ bool DocumentReader::ReadSection(const std::string& keyword) {
         // While reading, so that the boxes that follow are looked up in that library.
         if (!Operand(word)) return false;
         if (!m_host.UseLibrary(word)) {
-            m_report.AlertAt(m_archive, "the library name \"%s\" leads out of the installation; reading on with %s",
+            m_report.AlertAt(m_archive,
+                             "the library name \"%s\" leads out of the installation; reading on with %s",
                              word.c_str(), m_host.GetSite().directories.libName.c_str());
         }
         return true;

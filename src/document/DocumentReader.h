@@ -39,7 +39,8 @@ class DocumentReader : private TokenParser {
     bool ReadOpBox();
     bool ReadBoxClause(COpBox& box, const std::string& keyword);
     bool ReadOpBoxButton(COpBox& box, const std::string& kind);
-    COpButton* FindInput(COpBox& box, const std::string& kind, const std::string& name, const std::string& fullName);
+    COpButton* FindInput(COpBox& box, const std::string& kind, const std::string& name,
+                         const std::string& fullName);
     COpButton* NextOutput(COpBox& box, const std::string& kind, const std::string& name);
     bool ReadButtonBlock(COpButton& button);
     bool ReadButtonClause(COpButton& button, const std::string& keyword);

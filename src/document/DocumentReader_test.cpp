@@ -23,7 +23,8 @@ class DocumentReader : public test::DocumentTest {
         host.Sink().alerts.clear();
         document.DeleteContents();
         EXPECT_FALSE(Load(text)) << text;
-        EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line " + std::to_string(line) + ": " + message)) << text;
+        EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line " + std::to_string(line) + ": " + message))
+            << text;
     }
     std::string HelpFrom(const std::string& block) {
         document.DeleteContents();
@@ -53,7 +54,8 @@ TEST_F(DocumentReader, TheRendererIsSelectedBeforeTheBoxesBehindItAreRead) {
     EXPECT_THAT(host.usedLibraries, ElementsAre("other"));
     EXPECT_EQ(host.GetSite().directories.libName, "other");
     EXPECT_EQ(document.m_boxes.size(), 1U);
-    EXPECT_FALSE(Load("opdesk { opbox { filename there } }\ntavrn-renderer mini\nopdesk { opbox { filename there } }"));
+    EXPECT_FALSE(Load(
+        "opdesk { opbox { filename there } }\ntavrn-renderer mini\nopdesk { opbox { filename there } }"));
     EXPECT_EQ(host.Sink().LastAlert(), "there: unknown operator name");
     ExpectStop("tavrn-renderer # none\n", 2);
 }
@@ -61,8 +63,8 @@ TEST_F(DocumentReader, TheRendererIsSelectedBeforeTheBoxesBehindItAreRead) {
 TEST_F(DocumentReader, ALibraryThatLeadsOutOfTheInstallationIsRefusedAndReadingGoesOn) {
     EXPECT_TRUE(Load("\ntavrn-renderer ../../evil\ntoolbar { button 0=x }\n"));
     EXPECT_EQ(host.GetSite().directories.libName, "mini");
-    EXPECT_THAT(Alerts(),
-                ElementsAre(testing::AllOf(StartsWith("doc.tvn near line 2: "), HasSubstr("\"../../evil\""))));
+    EXPECT_THAT(Alerts(), ElementsAre(testing::AllOf(StartsWith("doc.tvn near line 2: "),
+                                                     HasSubstr("\"../../evil\""))));
     EXPECT_THAT(document.toolbar, ElementsAre("x"));
 }
 
@@ -70,9 +72,9 @@ TEST_F(DocumentReader, SectionsMayComeInAnyOrder) {
     host.AddOperator("b", "");
     host.appVariables = {{"KEY", "old"}};
     document.DeleteContents();
-    EXPECT_TRUE(
-        Load("customshaderhelp\n{\n>help\n}\nexportoptions {\ntavrndir 1 /x/\n}\n"
-             "renderoptions { setenv KEY new }\nopdesk { opbox { filename b wid 4 } }\ntoolbar { button 0=b }\n"));
+    EXPECT_TRUE(Load(
+        "customshaderhelp\n{\n>help\n}\nexportoptions {\ntavrndir 1 /x/\n}\n"
+        "renderoptions { setenv KEY new }\nopdesk { opbox { filename b wid 4 } }\ntoolbar { button 0=b }\n"));
     EXPECT_EQ(document.customshaderhelp, "help");
     EXPECT_EQ(document.exportOptions.tavrnPath, "/x/");
     EXPECT_EQ(document.m_renderOptions["KEY"], "new");
@@ -164,9 +166,11 @@ TEST_F(DocumentReader, ABrokenToolbarStopsTheReading) {
 TEST_F(DocumentReader, OnlyKnownRenderOptionsAreTaken) {
     host.appVariables = {{"A", "1"}, {"B", "2"}};
     document.DeleteContents();
-    EXPECT_TRUE(Load(
-        "renderoptions\n{\n    setenv A \"a \\\"b\\\" \\\\c\"\n    setenv GONE \"x\"\n    setenv B \"\"\n}\n"));
-    EXPECT_EQ(document.m_renderOptions, (std::map<std::string, std::string>{{"A", "a \"b\" \\c"}, {"B", ""}}));
+    EXPECT_TRUE(
+        Load("renderoptions\n{\n    setenv A \"a \\\"b\\\" \\\\c\"\n    setenv GONE \"x\"\n    setenv B "
+             "\"\"\n}\n"));
+    EXPECT_EQ(document.m_renderOptions,
+              (std::map<std::string, std::string>{{"A", "a \"b\" \\c"}, {"B", ""}}));
     EXPECT_EQ(host.Sink().log, "discarding unknown render option GONE\r\n");
     EXPECT_THAT(Alerts(), IsEmpty());
 }
@@ -190,8 +194,9 @@ TEST_F(DocumentReader, BrokenRenderOptionsStopTheReading) {
 }
 
 TEST_F(DocumentReader, AnUnknownExportOptionEndsItsSectionAloneAndTheLoadGoesOn) {
-    EXPECT_TRUE(Load("exportoptions\n{\n    tavrndir 1 /a/\n    newdir 1 /b/\n    shadersourcedir 1 /c/\n}\n"
-                     "toolbar { button 0=x }\n"));
+    EXPECT_TRUE(
+        Load("exportoptions\n{\n    tavrndir 1 /a/\n    newdir 1 /b/\n    shadersourcedir 1 /c/\n}\n"
+             "toolbar { button 0=x }\n"));
     EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 4: unknown export option: newdir"));
     EXPECT_EQ(document.exportOptions.tavrnPath, "/a/");
     EXPECT_EQ(document.exportOptions.saveSource, 0);
@@ -201,7 +206,8 @@ TEST_F(DocumentReader, AnUnknownExportOptionEndsItsSectionAloneAndTheLoadGoesOn)
 TEST_F(DocumentReader, TheHelpLosesItsMarksAndNothingElse) {
     EXPECT_EQ(HelpFrom("{\n>x\n}\n"), "x");
     EXPECT_EQ(HelpFrom("{\r\n>    indented\r\n>\r\n>}\r\n>>\r\n}\r\n"), "    indented\r\n\r\n}\r\n>");
-    EXPECT_EQ(HelpFrom("{\n   >marked\n   plain\n\n> # no comment\n\t}\n"), "marked\r\nplain\r\n\r\n # no comment");
+    EXPECT_EQ(HelpFrom("{\n   >marked\n   plain\n\n> # no comment\n\t}\n"),
+              "marked\r\nplain\r\n\r\n # no comment");
 }
 
 TEST_F(DocumentReader, EmptyLinesBeforeTheHelpAreDroppedUnlessMarked) {
@@ -245,10 +251,10 @@ TEST_F(DocumentReader, TheDeskAloneIsReadForAMerge) {
     document.DeleteContents();
     const std::string help = document.customshaderhelp;
     document.SetModified();
-    EXPECT_TRUE(
-        LoadDeskOnly("tavrn-version 9 tavrn-renderer other toolbar { button 0=x } renderoptions { setenv A 2 }\n"
-                     "exportoptions {\ntavrndir 1 /x/\n}\ncustomshaderhelp\n{\n>h\n}\n"
-                     "opdesk { opbox { filename b wid 8 } opbox { filename b wid 2 } }\ntoolbar oops"));
+    EXPECT_TRUE(LoadDeskOnly(
+        "tavrn-version 9 tavrn-renderer other toolbar { button 0=x } renderoptions { setenv A 2 }\n"
+        "exportoptions {\ntavrndir 1 /x/\n}\ncustomshaderhelp\n{\n>h\n}\n"
+        "opdesk { opbox { filename b wid 8 } opbox { filename b wid 2 } }\ntoolbar oops"));
     EXPECT_THAT(host.usedLibraries, IsEmpty());
     EXPECT_THAT(document.toolbar, IsEmpty());
     EXPECT_EQ(document.m_renderOptions["A"], "1");
@@ -278,7 +284,8 @@ TEST_F(DocumentReader, BothLineEndsReadAlike) {
         "                currentcast string\n                wwms\n                {\n"
         "                    disableargflag 1\n                    generic \"a b\"\n"
         "                    string \"c\"\n                }\n            }\n        }\n    }\n}\n"
-        "renderoptions\n{\n    setenv A \"2\"\n}\nexportoptions\n{\n    tavrndir 1 /x y/\n    postsavescript 0 go \n}\n"
+        "renderoptions\n{\n    setenv A \"2\"\n}\nexportoptions\n{\n    tavrndir 1 /x y/\n    postsavescript "
+        "0 go \n}\n"
         "customshaderhelp\n{\n>a\n>\n>b\n}\n";
     ASSERT_TRUE(Load(text));
     const std::string withLf = document.Store();

@@ -46,7 +46,8 @@ class Writer {
     Writer(const CTvDoc& document, DocumentHost& host) : m_document(document), m_host(host) {}
 
     std::string Write() {
-        const std::string header = "# Tavrn file written at " + TimeText(m_host.GetSite().environment) + "\r\n\r\n";
+        const std::string header =
+            "# Tavrn file written at " + TimeText(m_host.GetSite().environment) + "\r\n\r\n";
         m_text = header;
         Line("tavrn-version ", m_host.DocumentVersion(), kLineEnd);
         Line("tavrn-renderer ", m_host.GetSite().directories.libName, kLineEnd);
@@ -78,7 +79,8 @@ class Writer {
 
     void WriteToolbar() {
         Line("toolbar\r\n{");
-        for (size_t i = 0; i < m_document.toolbar.size(); ++i) Line("    button ", i, "=", m_document.toolbar[i]);
+        for (size_t i = 0; i < m_document.toolbar.size(); ++i)
+            Line("    button ", i, "=", m_document.toolbar[i]);
         Line("}\r\n");
     }
 
@@ -165,10 +167,12 @@ class Writer {
             for (size_t output = 0; output < box->outputs.size(); ++output) {
                 std::vector<const COpButton*> inputs(box->outputs[output]->connections.begin(),
                                                      box->outputs[output]->connections.end());
-                std::stable_sort(inputs.begin(), inputs.end(), [](const COpButton* left, const COpButton* right) {
-                    if (left->owner->wid != right->owner->wid) return left->owner->wid < right->owner->wid;
-                    return left->owner->IndexOfButton(*left) < right->owner->IndexOfButton(*right);
-                });
+                std::stable_sort(
+                    inputs.begin(), inputs.end(), [](const COpButton* left, const COpButton* right) {
+                        if (left->owner->wid != right->owner->wid)
+                            return left->owner->wid < right->owner->wid;
+                        return left->owner->IndexOfButton(*left) < right->owner->IndexOfButton(*right);
+                    });
                 for (const COpButton* input : inputs) WriteConnection(*box, output, *input);
             }
         }
@@ -177,8 +181,9 @@ class Writer {
 
     void WriteConnection(const COpBox& box, size_t output, const COpButton& input) {
         const COpBox& target = *input.owner;
-        Line("        opbox:", box.filename, ",", box.wid, ",", box.outputs[output]->name, ",", output, " -> opbox:",
-             target.filename, ",", target.wid, ",", input.name, ",", target.IndexOfButton(input));
+        Line("        opbox:", box.filename, ",", box.wid, ",", box.outputs[output]->name, ",", output,
+             " -> opbox:", target.filename, ",", target.wid, ",", input.name, ",",
+             target.IndexOfButton(input));
     }
 
     void WriteRenderOptions() {
@@ -189,7 +194,8 @@ class Writer {
                 Line("    setenv ", key, " ", QuoteString(value));
             } else {
                 m_host.GetSite().report.LogLine(
-                    "WARNING: render option \"%s\" is not saved: a document cannot hold this name", key.c_str());
+                    "WARNING: render option \"%s\" is not saved: a document cannot hold this name",
+                    key.c_str());
             }
         }
         Line("}\r\n");
@@ -213,6 +219,8 @@ class Writer {
 
 }  // namespace
 
-std::string WriteDocument(const CTvDoc& document, DocumentHost& host) { return Writer(document, host).Write(); }
+std::string WriteDocument(const CTvDoc& document, DocumentHost& host) {
+    return Writer(document, host).Write();
+}
 
 }  // namespace tavrin

@@ -170,7 +170,8 @@ class DocumentWriter : public test::DocumentTest {
 TEST_F(DocumentWriter, TheExampleIsWrittenByteByByte) {
     COpBox& noise = Add(MakeBox("noisebox", "output result { float out }", 1));
     COpBox& surface = Add(MakeBox("surfacebox", R"(input amount { float { 0.5 0 1 0 %g }
-        rgb { 0.1 0.2 0.3 %g } wwms.argflag 1 wwms.argname "how \"much\"" } defs { maxinstances 3 })", 2));
+        rgb { 0.1 0.2 0.3 %g } wwms.argflag 1 wwms.argname "how \"much\"" } defs { maxinstances 3 })",
+                                  2));
     noise.xypos[0] = 100;
     noise.xypos[1] = 200;
     surface.xypos[0] = -64.5F;
@@ -192,7 +193,8 @@ TEST_F(DocumentWriter, TheExampleIsWrittenByteByByte) {
 TEST_F(DocumentWriter, AnEmptyDocumentHasEverySection) {
     document.customshaderhelp.clear();
     const std::string header = "# Tavrn file written at " + kTestTime + "\n\n";
-    const std::string before = header +
+    const std::string before =
+        header +
         "tavrn-version 1.3.32\n\ntavrn-renderer mini\n\ntoolbar\n{\n}\n\n"
         "opdesk\n{\n    # BOXES\n\n    opconnects\n    {\n    }\n\n    # DESK STATE\n"
         "    drawlinesoverboxes 0\n    showvarnames       0\n    lock               0\n"
@@ -243,7 +245,8 @@ TEST_F(DocumentWriter, EachCopyOfAVinputIsAButtonOfItsOwn) {
     Add(MakeBox("b", "vinput layer { rgb { 0 0 0 %g } vinstances 3 }", 1));
     const std::string text = document.Store();
     for (const char* head : {"layer layer1", "layer layer2", "layer layer3"}) {
-        EXPECT_THAT(text, HasSubstr("\r\n\r\n        opbutton.vinput " + std::string(head) + "\r\n        {\r\n"));
+        EXPECT_THAT(text,
+                    HasSubstr("\r\n\r\n        opbutton.vinput " + std::string(head) + "\r\n        {\r\n"));
     }
     EXPECT_THAT(text, Not(HasSubstr("layer4")));
 }
@@ -292,8 +295,10 @@ TEST_F(DocumentWriter, AnOutputWithoutAnyTypeHasAnEmptyCast) {
 
 TEST_F(DocumentWriter, ConnectionsFollowTheOutputsOfEachBox) {
     COpBox& first = Add(MakeBox("a", "output x { float out } output y { float out }", 1));
-    COpBox& second = Add(MakeBox("b", "input p { float { 0 0 0 0 %g } } vinput q { float { 0 0 0 0 %g } "
-                                      "vinstances 2 } output z { float out }", 2));
+    COpBox& second = Add(MakeBox("b",
+                                 "input p { float { 0 0 0 0 %g } } vinput q { float { 0 0 0 0 %g } "
+                                 "vinstances 2 } output z { float out }",
+                                 2));
     COpBox& third = Add(test::MakeLink("c", 3));
     Wire(second, 0, third, 0);
     Wire(first, 1, second, 2);

@@ -35,7 +35,9 @@ const ExportKey* FindKey(std::string_view key) {
     return nullptr;
 }
 
-bool EndsInSeparator(const std::string& path) { return !path.empty() && (path.back() == '/' || path.back() == '\\'); }
+bool EndsInSeparator(const std::string& path) {
+    return !path.empty() && (path.back() == '/' || path.back() == '\\');
+}
 
 void ReadLine(std::string_view line, const ExportKey& key, CExportOptions& options) {
     FieldScanner scanner(line);

@@ -39,8 +39,9 @@ TEST_F(ExportOptions, StartWithNothingToWriteAndTheCurrentDirectory) {
 }
 
 TEST_F(ExportOptions, EachKeySetsItsFlagAndItsPath) {
-    Read("{\ntavrndir 1 /t/\nshadersourcedir 2 /s/\ncompiledshaderdir 3 /c/\nshaderinterfacedir 4 /i/\n"
-         "renderinterfacedir 5 /r/\npostsavescript 6 run it\n}\nnext\n");
+    Read(
+        "{\ntavrndir 1 /t/\nshadersourcedir 2 /s/\ncompiledshaderdir 3 /c/\nshaderinterfacedir 4 /i/\n"
+        "renderinterfacedir 5 /r/\npostsavescript 6 run it\n}\nnext\n");
     EXPECT_EQ(options.saveTavrn, 1);
     EXPECT_EQ(options.tavrnPath, "/t/");
     EXPECT_EQ(options.saveSource, 2);
@@ -68,7 +69,8 @@ TEST_F(ExportOptions, AnEmptyPathLeavesThePathAndSetsTheFlag) {
 }
 
 TEST_F(ExportOptions, ADirectoryGetsTheSeparatorThatItLacks) {
-    Read("{\ntavrndir 1 /a/b\nshadersourcedir 1 /a/b/\ncompiledshaderdir 1 C:\\a\\\npostsavescript 1 /a/b\n}");
+    Read(
+        "{\ntavrndir 1 /a/b\nshadersourcedir 1 /a/b/\ncompiledshaderdir 1 C:\\a\\\npostsavescript 1 /a/b\n}");
     EXPECT_EQ(options.tavrnPath, "/a/b/");
     EXPECT_EQ(options.sourcePath, "/a/b/");
     EXPECT_EQ(options.compiledPath, "C:\\a\\");

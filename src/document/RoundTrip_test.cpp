@@ -29,7 +29,8 @@ std::vector<std::string> LinesOf(const std::string& text) {
 // Names the first line that differs, where both texts in full would fill the screen.
 void ExpectSameLines(const std::vector<std::string>& got, const std::vector<std::string>& expected) {
     const size_t least = std::min(got.size(), expected.size());
-    for (size_t line = 0; line < least; ++line) ASSERT_EQ(got[line], expected[line]) << "in line " << line + 1;
+    for (size_t line = 0; line < least; ++line)
+        ASSERT_EQ(got[line], expected[line]) << "in line " << line + 1;
     EXPECT_EQ(got.size(), expected.size());
 }
 
@@ -56,8 +57,8 @@ class RoundTrip : public test::DocumentTest {
 
 TEST_F(RoundTrip, AHelpTextComesBackAsItWas) {
     for (const char* help : {"", "x", "x\r\n", "x\r\n\r\n", "\r\nx", "\r\n\r\n\r\nx\r\n\r\n", "\r\n",
-                             "    indented\r\n\ttab", "}", "a\r\n}\r\nb", "> quoted\r\n>>", "# no comment", "\"open",
-                             "back\\slash", "toolbar {", "\xc3\xa9\xff"}) {
+                             "    indented\r\n\ttab", "}", "a\r\n}\r\nb", "> quoted\r\n>>", "# no comment",
+                             "\"open", "back\\slash", "toolbar {", "\xc3\xa9\xff"}) {
         document.customshaderhelp = help;
         ThereAndBack();
         EXPECT_EQ(document.customshaderhelp, help);
@@ -79,7 +80,8 @@ TEST_F(RoundTrip, AHelpTextLosesTheBlanksAtItsLineEndsAndGainsCarriageReturns) {
 
 TEST_F(RoundTrip, QuotedTextsComeBackWhateverTheyHold) {
     host.AddOperator("op", "input i { string { value x } }");
-    for (const char* text : {"", " ", "say \"x\"", "\\", "\\\\\"", "#", "a\r\nb\n", "}", "{", "\t", "\xff\x01"}) {
+    for (const char* text :
+         {"", " ", "say \"x\"", "\\", "\\\\\"", "#", "a\r\nb\n", "}", "{", "\t", "\xff\x01"}) {
         document.m_boxes.clear();
         COpBox& box = AddDefined("op", 1);
         box.inputs.at(0)->argname = text;
@@ -149,11 +151,12 @@ class RandomNetwork : public RoundTrip {
   protected:
     RandomNetwork() {
         host.startsProcesses = false;
-        host.AddOperator("everything",
-                         "input f { float { 0 0 0 0 %g } } input x { xyz { 0 0 0 0 0 0 %g } rgb { 0 0 0 %g } } "
-                         "vinput v { rgba { 0 0 0 0 %g } string { value x } generic { value x } vinstances 2 } "
-                         "input g { generic:m { value x } float { 0 0 0 0 %g } } output o { rgb out float out } "
-                         "output p { generic:m out }");
+        host.AddOperator(
+            "everything",
+            "input f { float { 0 0 0 0 %g } } input x { xyz { 0 0 0 0 0 0 %g } rgb { 0 0 0 %g } } "
+            "vinput v { rgba { 0 0 0 0 %g } string { value x } generic { value x } vinstances 2 } "
+            "input g { generic:m { value x } float { 0 0 0 0 %g } } output o { rgb out float out } "
+            "output p { generic:m out }");
         host.AddOperator("sink", "vinput a { float { 0 0 0 0 %g } } vinput b { float { 0 0 0 0 %g } }");
     }
 
@@ -233,7 +236,8 @@ class RandomNetwork : public RoundTrip {
         }
         document.linetype = static_cast<int>(Below(2));
         document.lock = static_cast<int>(Below(2));
-        for (float* number : {&document.offset[0], &document.offset[1], &document.zoom[0], &document.zoomFactor}) {
+        for (float* number :
+             {&document.offset[0], &document.offset[1], &document.zoom[0], &document.zoomFactor}) {
             *number = Number();
         }
     }
@@ -259,12 +263,15 @@ TEST_F(RandomNetwork, SavedReadAndSavedAgainIsTheSameText) {
     }
 }
 
-// A decimal comma in both ways that a program can be told of one: the C library's and that of the C++ streams.
+// A decimal comma in both ways that a program can be told of one: the C library's and that of the C++
+// streams.
 class CommaLocale {
   public:
     CommaLocale() : m_streams(std::locale::global(std::locale(std::locale(), new Comma))) {
-        const std::string command = "localedef -i de_DE -f UTF-8 '" + (m_directory / "de_DE.UTF-8") + "' 2>/dev/null";
-        EXPECT_EQ(std::system(command.c_str()), 0) << "the package locales is missing; scripts/setup.sh installs it";
+        const std::string command =
+            "localedef -i de_DE -f UTF-8 '" + (m_directory / "de_DE.UTF-8") + "' 2>/dev/null";
+        EXPECT_EQ(std::system(command.c_str()), 0)
+            << "the package locales is missing; scripts/setup.sh installs it";
         ::setenv("LOCPATH", m_directory.Path().c_str(), 1);
         std::setlocale(LC_ALL, "de_DE.UTF-8");
         ::unsetenv("LOCPATH");

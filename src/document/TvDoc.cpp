@@ -1,7 +1,7 @@
 #include "document/TvDoc.h"
 
-#include "base/Paths.h"
 #include "base/Files.h"
+#include "base/Paths.h"
 #include "document/DocumentReader.h"
 #include "document/DocumentWriter.h"
 #include "site/Site.h"

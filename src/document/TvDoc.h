@@ -92,7 +92,7 @@ class CTvDoc {
     int drawlinesoverboxes = 0;
     int showvarnames = 0;
     int lock = 0;
-    float offset[2] = {0, 0};  // pixels
+    float offset[2] = {0, 0};      // pixels
     float zoom[2] = {0.5F, 0.5F};  // saved, and read by nothing else
     float zoomFactor = 1;
     std::map<std::string, std::string> m_renderOptions;

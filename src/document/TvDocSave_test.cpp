@@ -48,7 +48,8 @@ class TvDocSave : public test::DocumentTest {
     bool Save(const std::string& to) { return document.Save(to, error); }
     std::vector<std::string> NamesInFolder() {
         std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+        for (const auto& entry : fs::directory_iterator(folder))
+            names.push_back(entry.path().filename().string());
         return names;
     }
     static mode_t ModeOf(const std::string& file) {

@@ -19,8 +19,12 @@ using testing::StartsWith;
 
 class TvDoc : public test::DocumentTest {
   protected:
-    std::string Write(const std::string& name, const std::string& text) { return host.Directory().Write(name, text); }
-    void SetKey(const std::string& key, const std::string& value) { host.GetSite().settings.Store(key, value); }
+    std::string Write(const std::string& name, const std::string& text) {
+        return host.Directory().Write(name, text);
+    }
+    void SetKey(const std::string& key, const std::string& value) {
+        host.GetSite().settings.Store(key, value);
+    }
 };
 
 TEST_F(TvDoc, ANewDocumentIsEmptyAndUnmodified) {
@@ -28,8 +32,9 @@ TEST_F(TvDoc, ANewDocumentIsEmptyAndUnmodified) {
     EXPECT_EQ(document.Path(), "");
     EXPECT_FALSE(document.IsModified());
     EXPECT_FALSE(document.WasCutShort());
-    EXPECT_EQ(document.showiconimages + document.linetype + document.drawlinesoverboxes + document.showvarnames +
-                  document.lock, 0);
+    EXPECT_EQ(document.showiconimages + document.linetype + document.drawlinesoverboxes +
+                  document.showvarnames + document.lock,
+              0);
     EXPECT_THAT(document.offset, ElementsAre(0.0F, 0.0F));
     EXPECT_THAT(document.zoom, ElementsAre(0.5F, 0.5F));
     EXPECT_EQ(document.zoomFactor, 1.0F);
@@ -92,11 +97,12 @@ TEST_F(TvDoc, TheHelpOfANewDocumentIsATemplate) {
         lines[line] = "ours";
     }
     EXPECT_THAT(
-        lines, ElementsAre("    T I T L E   O F   S H A D E R", "ours", "", "VARIABLES",
-                           "    VARNAME1 - short description", "    VARNAME2 - another short description", "",
-                           "DESCRIPTION", "    Your indepth description of the shader goes here.",
-                           "    This text is saved as part of your shader's tavrn file,",
-                           "    so it can be made available to others who use the shader.", "", "AUTHOR", "ours"));
+        lines,
+        ElementsAre("    T I T L E   O F   S H A D E R", "ours", "", "VARIABLES",
+                    "    VARNAME1 - short description", "    VARNAME2 - another short description", "",
+                    "DESCRIPTION", "    Your indepth description of the shader goes here.",
+                    "    This text is saved as part of your shader's tavrn file,",
+                    "    so it can be made available to others who use the shader.", "", "AUTHOR", "ours"));
 }
 
 TEST_F(TvDoc, DeletingTheContentsPutsEveryDefaultBack) {

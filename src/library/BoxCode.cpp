@@ -67,7 +67,8 @@ TiebackEnd FollowTiebacks(COpButton& start, Report& report) {
         }
         if (!seen.insert(target).second) {
             report.Alert("%s %s: the tieback to %s leads back to itself; cut one of the connections between",
-                         start.owner->BoxTitleWid().c_str(), start.DisplayName().c_str(), start.tieback.c_str());
+                         start.owner->BoxTitleWid().c_str(), start.DisplayName().c_str(),
+                         start.tieback.c_str());
             return {};
         }
         // An argument without a name stands for its own variable, which leads on where the target is an
@@ -92,7 +93,11 @@ std::string COpButton::VariableName(Report& report) {
         owner->codegen.ExpandString(fixedvalue, text);
         return text;
     }
-    return text.append(owner->filename).append("_").append(std::to_string(owner->wid)).append("_").append(DisplayName());
+    return text.append(owner->filename)
+        .append("_")
+        .append(std::to_string(owner->wid))
+        .append("_")
+        .append(DisplayName());
 }
 
 std::string COpButton::ArgumentName(Report& report) {
@@ -117,7 +122,8 @@ void COpBox::PrepareVariables(const TypeTables& types) {
 }
 
 bool COpBox::HasFixedValue() const {
-    return std::any_of(outputs.begin(), outputs.end(), [](const auto& output) { return !output->fixedvalue.empty(); });
+    return std::any_of(outputs.begin(), outputs.end(),
+                       [](const auto& output) { return !output->fixedvalue.empty(); });
 }
 
 void COpBox::SetVariables(CMex& mex, const TypeTables& types) const {

@@ -25,8 +25,8 @@ bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry
     }
     const std::string tmpPath = site.WorkPath("boxdef.tmp");
     const std::string errPath = site.WorkPath("errors.txt");
-    const std::string commandLine = "perl " + site.LibraryPath("bin/redirect.pl") + " - " + tmpPath + " " + errPath +
-                                    " " + site.LibraryPath("bin/spp") + " " + entry->path;
+    const std::string commandLine = "perl " + site.LibraryPath("bin/redirect.pl") + " - " + tmpPath + " " +
+                                    errPath + " " + site.LibraryPath("bin/spp") + " " + entry->path;
     ::unlink(tmpPath.c_str());
     ::unlink(errPath.c_str());
     ProcessInfo process;

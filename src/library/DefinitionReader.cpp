@@ -32,7 +32,8 @@ bool DefinitionReader::Read() {
 bool DefinitionReader::ReadClause(const std::string& keyword) {
     if (keyword == "iconimg") return Operand(m_box.iconimg);
     if (keyword == "size") return Operand(m_box.size[0]) && Operand(m_box.size[1]);
-    if (keyword == "color") return Operand(m_box.color[0]) && Operand(m_box.color[1]) && Operand(m_box.color[2]);
+    if (keyword == "color")
+        return Operand(m_box.color[0]) && Operand(m_box.color[1]) && Operand(m_box.color[2]);
     if (keyword == "icontext") return Operand(m_box.icontext);
     if (keyword == "boxhelp") {
         if (!Expect("{")) return false;
@@ -45,7 +46,8 @@ bool DefinitionReader::ReadClause(const std::string& keyword) {
     if (keyword == "defs") return ReadDefs();
     if (keyword.starts_with(kCodegenPrefix)) {
         std::string errorText;
-        if (m_box.codegen.ParseClause(m_archive, keyword.substr(kCodegenPrefix.size()), m_libraryDir, errorText)) {
+        if (m_box.codegen.ParseClause(m_archive, keyword.substr(kCodegenPrefix.size()), m_libraryDir,
+                                      errorText)) {
             return true;
         }
         m_report.AlertAt(m_archive, "%s", errorText.c_str());

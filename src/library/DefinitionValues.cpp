@@ -18,8 +18,8 @@ bool DefinitionReader::ReadValue(COpButton& button, const std::string& keyword) 
 }
 
 bool DefinitionReader::ReadGroup(COpValueFloat& value) {
-    return Expect("{") && Operand(value.value) && Operand(value.min) && Operand(value.max) && Flag(value.integer) &&
-           Operand(value.format) && Expect("}");
+    return Expect("{") && Operand(value.value) && Operand(value.min) && Operand(value.max) &&
+           Flag(value.integer) && Operand(value.format) && Expect("}");
 }
 
 bool DefinitionReader::ReadGroup(COpValueXyz& value) {

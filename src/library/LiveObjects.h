@@ -12,7 +12,9 @@ namespace tavrin {
 template <typename Object>
 class LiveObject {
   public:
-    static bool IsLive(const Object* object) { return object != nullptr && Registry().contains(static_cast<const LiveObject*>(object)); }
+    static bool IsLive(const Object* object) {
+        return object != nullptr && Registry().contains(static_cast<const LiveObject*>(object));
+    }
     static size_t LiveCount() { return Registry().size(); }
     uint64_t Serial() const { return m_serial; }
 

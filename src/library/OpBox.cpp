@@ -8,7 +8,8 @@ namespace {
 
 template <typename Buttons>
 auto PlaceOf(Buttons& buttons, const COpButton& button) {
-    return std::find_if(buttons.begin(), buttons.end(), [&](const auto& own) { return own.get() == &button; });
+    return std::find_if(buttons.begin(), buttons.end(),
+                        [&](const auto& own) { return own.get() == &button; });
 }
 
 }  // namespace
@@ -80,8 +81,8 @@ size_t COpBox::IndexOfButton(const COpButton& button) const {
 }
 
 int COpBox::CountInputsNamed(std::string_view name) const {
-    return static_cast<int>(
-        std::count_if(inputs.begin(), inputs.end(), [&](const auto& button) { return button->name == name; }));
+    return static_cast<int>(std::count_if(inputs.begin(), inputs.end(),
+                                          [&](const auto& button) { return button->name == name; }));
 }
 
 void COpBox::ClearButtons() {

@@ -44,8 +44,8 @@ class COpBox : public LiveObject<COpBox> {
     int size[2] = {0, 0};     // least width and height in desk units; 0 lets the texts decide
     float color[3] = {0, 0, 0};
     std::string icontext;
-    std::string boxhelp;   // lines joined by CR LF
-    int maxinstances = 0;  // how many the desk may hold; 0 means any number
+    std::string boxhelp;                               // lines joined by CR LF
+    int maxinstances = 0;                              // how many the desk may hold; 0 means any number
     std::multimap<std::string, std::string> castlock;  // names of buttons whose casts move together
     CCodeGen codegen;
     std::vector<std::unique_ptr<COpButton>> inputs;  // inputs and vinputs, top to bottom

@@ -83,7 +83,8 @@ void COpButton::SetCast(size_t index) {
     const std::string type = values[index]->type;
     const auto spread = [&](COpButton& button) {
         for (const auto& [first, second] : owner->castlock) {
-            const bool tied = (first == name && second == button.name) || (second == name && first == button.name);
+            const bool tied =
+                (first == name && second == button.name) || (second == name && first == button.name);
             if (!tied) continue;
             const int cast = button.FindCast(type);
             if (cast >= 0) button.currentcast = static_cast<size_t>(cast);

@@ -35,18 +35,18 @@ class COpButton : public LiveObject<COpButton> {
     // What every generation of code reads comes first, so that it lies together.
     COpBox* owner;
     ButtonKind kind;
-    int arg = 0;             // the button is an argument of the finished shader
-    size_t currentcast = 0;  // index into `values`
-    std::string name;        // from the definition; also the macro name in templates
+    int arg = 0;                                    // the button is an argument of the finished shader
+    size_t currentcast = 0;                         // index into `values`
+    std::string name;                               // from the definition; also the macro name in templates
     std::vector<std::unique_ptr<COpValue>> values;  // one for each cast, in definition order
     ConnectionSet connections;                      // peers; its size is what "connected" means
-    std::string tieback;        // outputs: display name of the box's input that this output passes through
-    std::string fixedvalue;     // outputs: text that stands for the output
-    std::string fixedtext;      // replaces the value of an unconnected input
-    std::string vargseparator;  // vinputs: text between the instances' values in the joined macro value
-    int instance = 1;           // number among equally named neighbours
-    int vinstances = 0;         // vinputs: how many instances a new box starts with
-    std::string help;           // lines joined by CR LF
+    std::string tieback;         // outputs: display name of the box's input that this output passes through
+    std::string fixedvalue;      // outputs: text that stands for the output
+    std::string fixedtext;       // replaces the value of an unconnected input
+    std::string vargseparator;   // vinputs: text between the instances' values in the joined macro value
+    int instance = 1;            // number among equally named neighbours
+    int vinstances = 0;          // vinputs: how many instances a new box starts with
+    std::string help;            // lines joined by CR LF
     int disableargflag = 0;      // the user gets no Argument entry
     int disableconnectflag = 0;  // nothing may be connected
     // How the argument is shown.

@@ -66,7 +66,8 @@ void COpRegistry::ScanDirectory(OpMenu& parentMenu, const std::string& directory
         if (isDirectory) {
             OpMenu& submenu = *m_submenus.emplace_back(std::make_unique<OpMenu>());
             ScanDirectory(submenu, path);
-            if (!submenu.items.empty()) parentMenu.items.push_back({OpMenuItem::Kind::kSubmenu, label, 0, &submenu});
+            if (!submenu.items.empty())
+                parentMenu.items.push_back({OpMenuItem::Kind::kSubmenu, label, 0, &submenu});
         } else if (ToLower(label) == kSeparatorName) {
             parentMenu.items.push_back({OpMenuItem::Kind::kSeparator, {}, 0, nullptr});
         } else {

@@ -21,7 +21,9 @@ struct LiteralOf {
     std::string operator()(const COpValueFloat& v) const { return FormatNumbers(v.format, {v.value}); }
     std::string operator()(const COpValueXyz& v) const { return FormatNumbers(v.format, {v.x, v.y, v.z}); }
     std::string operator()(const COpValueRgb& v) const { return FormatNumbers(v.format, {v.r, v.g, v.b}); }
-    std::string operator()(const COpValueRgba& v) const { return FormatNumbers(v.format, {v.r, v.g, v.b, v.a}); }
+    std::string operator()(const COpValueRgba& v) const {
+        return FormatNumbers(v.format, {v.r, v.g, v.b, v.a});
+    }
     std::string operator()(const COpValueString& v) const {
         return FormatString(v.format, v.quoteflag != 0 ? "\"" + v.value + "\"" : v.value);
     }

@@ -42,7 +42,8 @@ void WriteArgument(std::string& text, COpButton& button, Report& report) {
 
 std::string WriteArgInfo(const CTvDoc& document, Report& report) {
     std::string text = "Help\n{\n";
-    for (const std::string& line : HelpLines(document.customshaderhelp)) text.append(">").append(line).append("\n");
+    for (const std::string& line : HelpLines(document.customshaderhelp))
+        text.append(">").append(line).append("\n");
     text += "}\n\n";
     for (COpButton* button : document.CollectUnconnectedInputs()) {
         if (button->arg != 0 && !button->values.empty()) WriteArgument(text, *button, report);

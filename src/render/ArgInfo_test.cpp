@@ -102,8 +102,10 @@ TEST_F(ArgInfoTest, AnArgumentWithoutANameOfItsOwnIsCalledByItsBoxAndButton) {
 
 TEST_F(ArgInfoTest, ConnectedAndUnmarkedInputsAreLeftOut) {
     COpBox& source = Add(test::MakeLink("Source", 1));
-    COpBox& box = AddArguments("Mix", "input a { float { 0 0 1 0 %g } } input b { float { 0 0 1 0 %g } } "
-                                      "input c { float { 0 0 1 0 %g } } output out { float out }", 2);
+    COpBox& box = AddArguments("Mix",
+                               "input a { float { 0 0 1 0 %g } } input b { float { 0 0 1 0 %g } } "
+                               "input c { float { 0 0 1 0 %g } } output out { float out }",
+                               2);
     test::Wire(source, 0, box, 0);
     box.inputs[1]->arg = 0;
     box.outputs[0]->arg = 1;
@@ -147,8 +149,9 @@ TEST_F(ArgInfoTest, AMultipliedInputCarriesItsNumber) {
 }
 
 TEST_F(ArgInfoTest, BoxesComeByTitleWithoutRegardToCaseAndNotInTheOrderOfGeneration) {
-    constexpr const char* kTwo = "input b { float { 0 0 1 0 %g } } input a { float { 0 0 1 0 %g } } "
-                                 "output out { float out }";
+    constexpr const char* kTwo =
+        "input b { float { 0 0 1 0 %g } } input a { float { 0 0 1 0 %g } } "
+        "output out { float out }";
     COpBox& noise2 = AddArguments("noise", kTwo, 2);
     COpBox& zebra = AddArguments("Zebra", kTwo, 1);
     AddArguments("Noise", kTwo, 10);

@@ -109,14 +109,15 @@ TEST_F(GeneratedCodeTest, FeedersStandBeforeWhatTheyFeedWhateverTheirNames) {
     COpBox& last = Add(test::MakeBox("Aim", kPaint, 1));
     COpBox& first = Add(test::MakeBox("Zinc", kConstant, 2));
     test::Wire(first, 0, last, 0);
-    EXPECT_THAT(Code(), ElementsAre("surface demo", "()", "{", "    float Zinc_2_result;", "    ", "    // Zinc_2",
-                                    "    Zinc_2_result = 0.25;", "    ", "    // Aim_1",
+    EXPECT_THAT(Code(), ElementsAre("surface demo", "()", "{", "    float Zinc_2_result;", "    ",
+                                    "    // Zinc_2", "    Zinc_2_result = 0.25;", "    ", "    // Aim_1",
                                     "    Ci = color(Zinc_2_result);", "}"));
 }
 
 TEST_F(GeneratedCodeTest, WordsUnknownToABoxMeetTheSitesVariables) {
     siteCodeGen.SetVariable("PI", "3.14");
-    Add(test::MakeBox("Box", "codegen.main-body append\nx = PI * TAVRN_BoxWid; // _SHADERNAME_\n<<EOT>>\n", 4));
+    Add(test::MakeBox("Box", "codegen.main-body append\nx = PI * TAVRN_BoxWid; // _SHADERNAME_\n<<EOT>>\n",
+                      4));
     EXPECT_THAT(Code(), testing::Contains("    x = 3.14 * 4; // demo"));
 }
 
@@ -163,8 +164,8 @@ TEST_F(GeneratedCodeTest, HintsAreATextOfTheirOwn) {
 }
 
 TEST_F(GeneratedCodeTest, AMissingTiebackTargetIsAlertedAndLeavesItsNameOut) {
-    COpBox& relay = Add(test::MakeBox("Relay", "input in { float { 0 0 1 0 %g } } output tieback=in out { float out }",
-                                      1));
+    COpBox& relay = Add(
+        test::MakeBox("Relay", "input in { float { 0 0 1 0 %g } } output tieback=in out { float out }", 1));
     COpBox& user = Add(test::MakeBox("Paint", kPaint, 2));
     test::Wire(relay, 0, user, 0);
     relay.inputs.clear();

@@ -18,16 +18,17 @@ namespace {
 
 using Severity = Finding::Severity;
 
-std::string NameOf(const COpButton& button) { return button.owner->BoxTitleWid() + " " + button.DisplayName(); }
+std::string NameOf(const COpButton& button) {
+    return button.owner->BoxTitleWid() + " " + button.DisplayName();
+}
 
 // Collects the findings of one network.
 class NetworkCheck {
   public:
     NetworkCheck(const CTvDoc& document, Report& report) : m_document(document), m_report(report) {
         for (const auto& box : document.m_boxes) m_boxes.push_back(box.get());
-        std::stable_sort(m_boxes.begin(), m_boxes.end(), [](const COpBox* left, const COpBox* right) {
-            return left->wid < right->wid;
-        });
+        std::stable_sort(m_boxes.begin(), m_boxes.end(),
+                         [](const COpBox* left, const COpBox* right) { return left->wid < right->wid; });
     }
 
     std::vector<Finding> Run() {
@@ -74,12 +75,14 @@ class NetworkCheck {
             const COpButton& source = *input.connections.First();
             if (source.CurrentType() != input.CurrentType() && !source.values.empty()) {
                 Add(Severity::kWarning, input,
-                    "takes " + input.CurrentType() + " and is fed " + source.CurrentType() + " by " + NameOf(source));
+                    "takes " + input.CurrentType() + " and is fed " + source.CurrentType() + " by " +
+                        NameOf(source));
             }
             return;
         }
         if (input.arg != 0 && input.fixedtext.empty()) return CheckArgument(input);
-        if (input.MacroValue(m_report).empty()) Add(Severity::kError, input, "nothing is wired to it, and it has no value");
+        if (input.MacroValue(m_report).empty())
+            Add(Severity::kError, input, "nothing is wired to it, and it has no value");
     }
 
     void CheckArgument(COpButton& input) {
@@ -88,7 +91,8 @@ class NetworkCheck {
         if (isNew) return;
         const bool sameType = first->second->CurrentType() == input.CurrentType();
         Add(sameType ? Severity::kWarning : Severity::kError, input,
-            "is the argument " + name + (sameType ? ", as is " : " of another type than ") + NameOf(*first->second));
+            "is the argument " + name + (sameType ? ", as is " : " of another type than ") +
+                NameOf(*first->second));
     }
 
     void CheckOutput(COpButton& output) {
@@ -100,8 +104,9 @@ class NetworkCheck {
         std::map<std::string, int> counts;
         for (const COpBox* box : m_boxes) {
             if (++counts[box->filename] != box->maxinstances + 1 || box->maxinstances == 0) continue;
-            Add(Severity::kWarning, *box, {}, "is one more than the " + std::to_string(box->maxinstances) + " that " +
-                                                  box->filename + " allows on a desk");
+            Add(Severity::kWarning, *box, {},
+                "is one more than the " + std::to_string(box->maxinstances) + " that " + box->filename +
+                    " allows on a desk");
         }
     }
 
@@ -125,7 +130,8 @@ std::vector<Finding> CheckNetwork(const CTvDoc& document, Report& report) {
     return NetworkCheck(document, report).Run();
 }
 
-std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document, const COpRegistry& registry) {
+std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document,
+                                       const COpRegistry& registry) {
     std::vector<Finding> findings;
     std::set<std::string> seen;
     std::string token;
@@ -139,8 +145,10 @@ std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document
     while (ReadToken(archive, token)) {
         if (token == "customshaderhelp") {
             ReadTextBlock(archive, name);
-        } else if (token == "filename" && before == "{" && beforeThat == "opbox" && ReadToken(archive, name)) {
-            if (registry.FindByName(name) == nullptr) add(Severity::kError, "the library has no operator " + name);
+        } else if (token == "filename" && before == "{" && beforeThat == "opbox" &&
+                   ReadToken(archive, name)) {
+            if (registry.FindByName(name) == nullptr)
+                add(Severity::kError, "the library has no operator " + name);
         } else if (token == "setenv" && ReadToken(archive, name)) {
             if (!document.m_renderOptions.contains(name)) {
                 add(Severity::kWarning, "the form has no render option " + name);

@@ -32,6 +32,7 @@ std::vector<Finding> CheckNetwork(const CTvDoc& document, Report& report);
 
 // Looks at a document's file for what its reading passes over or stops at: operators that the library
 // lacks, and render options that are none of `document`'s.
-std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document, const COpRegistry& registry);
+std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document,
+                                       const COpRegistry& registry);
 
 }  // namespace tavrin

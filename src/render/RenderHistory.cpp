@@ -16,7 +16,8 @@ constexpr float kDefaultMaxHistory = 100;
 constexpr float kMostHistory = 1e9F;  // within what an int holds
 
 bool IsNumber(const std::string& text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 }  // namespace

@@ -29,8 +29,8 @@ std::string JoinLines(const std::vector<std::string>& lines) {
 
 // Names that the work directory has for files of its own, numbered history directories among them.
 bool IsWorkFile(const std::string& name) {
-    constexpr std::array kFiles = {"", ".", "..", "codegenfile", "hintfile", "render_options", "errors.txt",
-                                   "arginfo", "boxdef.tmp"};
+    constexpr std::array kFiles = {
+        "", ".", "..", "codegenfile", "hintfile", "render_options", "errors.txt", "arginfo", "boxdef.tmp"};
     return std::find(kFiles.begin(), kFiles.end(), name) != kFiles.end() || name.starts_with("kill.") ||
            name.find_first_not_of("0123456789") == std::string::npos;
 }
@@ -110,7 +110,8 @@ bool RenderSession::WriteCodeFiles(const Generated& generated) {
         m_site.report.Alert("%s: %s", path.c_str(), error.c_str());
         return false;
     };
-    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(generated.code))) return false;
+    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(generated.code)))
+        return false;
     WriteRenderOptions();
     return write("hintfile", JoinLines(generated.hints));
 }
@@ -121,7 +122,8 @@ void RenderSession::WriteRenderOptions() {
     for (const auto& [key, value] : m_document.m_renderOptions) {
         text.append("setenv ").append(key).append(" ").append(QuoteString(value)).append("\r\n");
     }
-    const std::string path = m_site.environment.Get("TAVRN_RENOPTS").value_or(m_site.WorkPath("render_options"));
+    const std::string path =
+        m_site.environment.Get("TAVRN_RENOPTS").value_or(m_site.WorkPath("render_options"));
     std::string error;
     if (!WriteWholeFile(path, text, error)) {
         m_site.report.Alert("%s: unable to open for writing", path.c_str());
@@ -132,8 +134,8 @@ bool RenderSession::RunFilter() {
     std::string filter = "bin/codefilter";
     m_site.settings.GetSettingToken("sourcecodeprefilter", filter);
     const std::string name = ShaderName();
-    const auto code = RunFilterScript(m_site, m_site.WorkPath("codegenfile"), m_site.LibraryPath(filter), name,
-                                      m_site.WorkPath(name));
+    const auto code = RunFilterScript(m_site, m_site.WorkPath("codegenfile"), m_site.LibraryPath(filter),
+                                      name, m_site.WorkPath(name));
     if (code.value_or(0) != 0) m_site.report.LogLine("save shader command returned %d", *code);
     return code == 0;
 }

@@ -47,7 +47,7 @@ class RenderSession {
 
     bool m_keepHistory = true;
     bool m_multipleRenders = true;  // from the site's setting
-    int m_nextRender = 1;  // number of the next render; grows with every render started
+    int m_nextRender = 1;           // number of the next render; grows with every render started
 
   private:
     bool ShaderNameOk();

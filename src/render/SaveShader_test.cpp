@@ -17,7 +17,8 @@ using testing::IsEmpty;
 
 // Notes its arguments, then runs the command with its streams as told.
 constexpr const char* kRedirect =
-    "open my $note, '>', \"$ENV{TAVRN_WORKDIR}/redirect.args\"; print $note map { \"<$_>\" } @ARGV; close $note;\n"
+    "open my $note, '>', \"$ENV{TAVRN_WORKDIR}/redirect.args\"; print $note map { \"<$_>\" } @ARGV; close "
+    "$note;\n"
     "my ($in, $out, $err, @command) = @ARGV;\n"
     "open STDIN, '<', $in; open STDERR, '>', $err; exec $^X, @command;\n";
 // Notes its arguments, its input and where it is told that the library lies.
@@ -47,8 +48,8 @@ class SaveShaderTest : public test::DocumentTest {
     std::string& Log() { return host.Sink().log; }
     std::string Command() const {
         const std::string bin = site.directories.libDir + "/bin/";
-        return "perl " + bin + "redirect.pl " + InWork("codegenfile") + " - " + InWork("errors.txt") + " " + bin +
-               "codefilter plastic " + InWork("plastic");
+        return "perl " + bin + "redirect.pl " + InWork("codegenfile") + " - " + InWork("errors.txt") + " " +
+               bin + "codefilter plastic " + InWork("plastic");
     }
 
     Site& site = host.GetSite();
@@ -59,8 +60,8 @@ class SaveShaderTest : public test::DocumentTest {
 TEST_F(SaveShaderTest, TheFilterGetsTheCodeOnItsInputAndTheNameAndPathOfTheShader) {
     EXPECT_TRUE(session.SaveShader());
     EXPECT_EQ(Read("redirect.args"), "<" + InWork("codegenfile") + "><-><" + InWork("errors.txt") + "><" +
-                                         site.directories.libDir + "/bin/codefilter><plastic><" + InWork("plastic") +
-                                         ">");
+                                         site.directories.libDir + "/bin/codefilter><plastic><" +
+                                         InWork("plastic") + ">");
     EXPECT_EQ(Read("filter.seen"), "<plastic><" + InWork("plastic") + ">" + Read("codegenfile"));
     EXPECT_EQ(Read("filter.env"), site.directories.libDir);
     EXPECT_THAT(Alerts(), IsEmpty());
@@ -72,13 +73,14 @@ TEST_F(SaveShaderTest, TheCodeFileHoldsTheArgumentsThenTheSource) {
         "Paint", "input Ks { float { 0.5 0 1 0 %g } }\ncodegen.main-body append\nCi = Ks;\n<<EOT>>\n", 2));
     box.inputs[0]->arg = 1;
     EXPECT_TRUE(session.SaveShader());
-    EXPECT_EQ(Read("codegenfile"),
-              "Help\n{\n>A plastic.\n}\n\n"
-              "ArgName Paint_2_Ks\n{\n"
-              "    Stow        0\n    Lock        0\n    Pin         0\n    BoxTitle    Paint\n"
-              "    ButtonTitle Ks\n    Comments    \n    float       0.5\n    MinMax      0.000000 1.000000\n}\n\n"
-              "EndArginfo\n"
-              "surface plastic\n\nCi = Paint_2_Ks;\n");
+    EXPECT_EQ(
+        Read("codegenfile"),
+        "Help\n{\n>A plastic.\n}\n\n"
+        "ArgName Paint_2_Ks\n{\n"
+        "    Stow        0\n    Lock        0\n    Pin         0\n    BoxTitle    Paint\n"
+        "    ButtonTitle Ks\n    Comments    \n    float       0.5\n    MinMax      0.000000 1.000000\n}\n\n"
+        "EndArginfo\n"
+        "surface plastic\n\nCi = Paint_2_Ks;\n");
 }
 
 TEST_F(SaveShaderTest, TheHintsHaveAFileOfTheirOwn) {
@@ -104,8 +106,8 @@ TEST_F(SaveShaderTest, WhiteSpaceInTheNameStopsBeforeAnyFileIsWritten) {
 }
 
 TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
-    for (const char* name : {"codegenfile", "hintfile", "render_options", "errors.txt", "arginfo", "boxdef.tmp",
-                             "kill.3", "12", ""}) {
+    for (const char* name : {"codegenfile", "hintfile", "render_options", "errors.txt", "arginfo",
+                             "boxdef.tmp", "kill.3", "12", ""}) {
         host.Sink().alerts.clear();
         document.SetPath("/x/" + std::string(name) + ".tvn");
         EXPECT_FALSE(session.SaveShader()) << name;
@@ -122,7 +124,8 @@ TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
 TEST_F(SaveShaderTest, ADoubleQuoteInTheNameIsRefused) {
     document.SetPath("/x/my\"plastic.tvn");
     EXPECT_FALSE(session.SaveShader());
-    EXPECT_THAT(Alerts(), ElementsAre("shader name contains a double quote; save the document under another name"));
+    EXPECT_THAT(Alerts(),
+                ElementsAre("shader name contains a double quote; save the document under another name"));
     EXPECT_TRUE(fs::is_empty(site.directories.workDir));
 }
 
@@ -218,14 +221,16 @@ TEST_F(SaveShaderTest, TheSiteMayNameAnotherFilterOfTheLibrary) {
     Script("ours.pl", kFilter);
     site.settings.Store("sourcecodeprefilter", "\"bin/ours.pl\" # ours");
     EXPECT_TRUE(session.SaveShader());
-    EXPECT_THAT(Read("redirect.args"), testing::HasSubstr("><" + site.directories.libDir + "/bin/ours.pl><plastic>"));
+    EXPECT_THAT(Read("redirect.args"),
+                testing::HasSubstr("><" + site.directories.libDir + "/bin/ours.pl><plastic>"));
     EXPECT_THAT(Read("filter.seen"), testing::StartsWith("<plastic>"));
 }
 
 TEST_F(SaveShaderTest, AnAbsoluteFilterIsUsedAsItStands) {
     site.settings.Store("sourcecodeprefilter", host.Directory().Write("ours.pl", kFilter));
     EXPECT_TRUE(session.SaveShader());
-    EXPECT_THAT(Read("redirect.args"), testing::HasSubstr("><" + host.Directory() / "ours.pl" + "><plastic>"));
+    EXPECT_THAT(Read("redirect.args"),
+                testing::HasSubstr("><" + host.Directory() / "ours.pl" + "><plastic>"));
     site.settings.Store("sourcecodeprefilter", "C:/tools/filter");
     session.SaveShader();
     EXPECT_THAT(Read("redirect.args"), testing::HasSubstr("><C:/tools/filter><plastic>"));

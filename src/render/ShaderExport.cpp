@@ -43,7 +43,9 @@ CExportOptions ShaderExport::OnlyThis(ExportKind kind, const std::string& path) 
     return options;
 }
 
-std::string ShaderExport::DocumentPath(ExportKind kind) const { return m_document.exportOptions.*FieldsOf(kind).path; }
+std::string ShaderExport::DocumentPath(ExportKind kind) const {
+    return m_document.exportOptions.*FieldsOf(kind).path;
+}
 
 bool ShaderExport::ExportPathOk(const std::string& path) {
     const std::string full = FullPath(path);

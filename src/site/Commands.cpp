@@ -27,8 +27,8 @@ constexpr std::chrono::milliseconds kTimeToHeedTerm{500};
 // One asynchronous child and the thread that owns its pipes.
 struct Commands::Child {
     int id = 0;
-    int pid = -1;                         // guarded by m_childMutex
-    std::atomic<bool> finished = false;   // the process has been reaped and the thread is about to end
+    int pid = -1;                        // guarded by m_childMutex
+    std::atomic<bool> finished = false;  // the process has been reaped and the thread is about to end
     FileDescriptor wake{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};  // readable: stop reading
     std::thread thread;
 };
@@ -71,7 +71,8 @@ bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* pr
     // The process is not reaped before its number is withdrawn, so that InterruptCommand never meets a
     // number that has passed to another process.
     siginfo_t information{};
-    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {
     }
     const std::lock_guard lock(m_waitedMutex);
     // What an interrupted command leaves behind in its group goes with it.
@@ -161,7 +162,8 @@ void Commands::Work(Child& child, const Start& start) {
     int exitCode = kCannotStart;
     if (pid >= 0) {
         siginfo_t information{};
-        while (::waitid(P_PID, static_cast<id_t>(pid), &information, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+        while (::waitid(P_PID, static_cast<id_t>(pid), &information, WEXITED | WNOWAIT) != 0 &&
+               errno == EINTR) {
         }
         const std::lock_guard lock(m_childMutex);
         // What the child leaves behind in its group goes with it; not yet reaped, it still holds the number.

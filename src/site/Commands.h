@@ -89,12 +89,12 @@ class Commands {
 
     std::mutex m_waitedMutex;
     bool m_interrupted = false;
-    int m_waitedFor = -1;          // process that RunCommand waits for
-    std::set<int> m_unwatched;     // processes started without waiting, to be reaped when they end
+    int m_waitedFor = -1;       // process that RunCommand waits for
+    std::set<int> m_unwatched;  // processes started without waiting, to be reaped when they end
 
     mutable std::mutex m_childMutex;
-    std::set<int> m_children;      // identifiers of running children
-    bool m_ending = false;         // nothing may be started any more
+    std::set<int> m_children;  // identifiers of running children
+    bool m_ending = false;     // nothing may be started any more
     std::list<std::unique_ptr<Child>> m_workers;
     int m_lastId = 0;
     // Closed workers must not reach an object that is gone: posted work holds this.

@@ -20,7 +20,10 @@ const TypeTables::Declaration& TypeTables::GetDeclaration(const std::string& typ
 }
 
 void TypeTables::ResetDataTypes() {
-    m_dataTypes = {{"rgb", {"color ", ""}}, {"xyz", {"point ", ""}}, {"float", {"float ", ""}}, {"string", {"string ", ""}}};
+    m_dataTypes = {{"rgb", {"color ", ""}},
+                   {"xyz", {"point ", ""}},
+                   {"float", {"float ", ""}},
+                   {"string", {"string ", ""}}};
 }
 
 }  // namespace tavrin

@@ -27,9 +27,13 @@ class TypeTables {
     // By the type's own word, without its "generic:"; two empty texts for a type that was never declared.
     const Declaration& GetDeclaration(const std::string& type) const;
 
-    void SetWord(const std::string& word, const std::string& translation) { m_wordTranslate[word] = translation; }
+    void SetWord(const std::string& word, const std::string& translation) {
+        m_wordTranslate[word] = translation;
+    }
     void ClearWords() { m_wordTranslate.clear(); }
-    void SetDataType(const std::string& name, Declaration declaration) { m_dataTypes[name] = std::move(declaration); }
+    void SetDataType(const std::string& name, Declaration declaration) {
+        m_dataTypes[name] = std::move(declaration);
+    }
     // Leaves the four built-in types and nothing else.
     void ResetDataTypes();
 

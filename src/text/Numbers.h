@@ -23,10 +23,10 @@ class FieldScanner {
   public:
     explicit FieldScanner(std::string_view text) : m_rest(text) {}
 
-    std::optional<int> Int();                 // %d
-    std::optional<float> Float();             // %g
-    std::optional<std::string_view> Word();   // %s
-    bool Literal(std::string_view text);      // the text exactly, blanks not passed over
+    std::optional<int> Int();                // %d
+    std::optional<float> Float();            // %g
+    std::optional<std::string_view> Word();  // %s
+    bool Literal(std::string_view text);     // the text exactly, blanks not passed over
     // One or more characters up to but without `stop`; %[^stop].
     std::optional<std::string_view> Until(char stop);
     void SkipBlanks();

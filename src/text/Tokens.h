@@ -47,7 +47,7 @@ std::string_view Trim(std::string_view text);
 std::string_view TrimRight(std::string_view text);
 
 bool EndsToken(char c);  // a blank, tab, carriage return or line feed: what separates tokens
-bool IsBlank(char c);  // a blank, tab, carriage return, line feed, vertical tab or form feed
+bool IsBlank(char c);    // a blank, tab, carriage return, line feed, vertical tab or form feed
 
 // ASCII letters to lower case; the rule for every comparison without regard to case.
 std::string ToLower(std::string_view text);

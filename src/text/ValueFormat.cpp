@@ -84,7 +84,8 @@ void AppendPadded(std::string& result, const Conversion& conversion, std::string
     }
     const auto dot = spec.find('.');
     const auto width = static_cast<size_t>(ParseInt(spec.substr(0, dot)));
-    if (dot != std::string_view::npos) value = value.substr(0, static_cast<size_t>(ParseInt(spec.substr(dot + 1))));
+    if (dot != std::string_view::npos)
+        value = value.substr(0, static_cast<size_t>(ParseInt(spec.substr(dot + 1))));
     const std::string padding(width > value.size() ? width - value.size() : 0, ' ');
     if (!left) result += padding;
     result += value;

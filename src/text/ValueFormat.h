@@ -8,8 +8,8 @@
 namespace tavrin {
 
 // Formats numbers by a pattern from a definition. The pattern never reaches the C library as it stands:
-// the conversions a, e, f and g in either case, with flags, width and precision of up to three digits, take one
-// value each; a conversion with no value left gives nothing; "%%" gives "%"; any other text that begins
+// the conversions a, e, f and g in either case, with flags, width and precision of up to three digits, take
+// one value each; a conversion with no value left gives nothing; "%%" gives "%"; any other text that begins
 // with '%' is text. The C locale is used whatever the user's is.
 std::string FormatNumbers(std::string_view pattern, std::initializer_list<double> values);
 

@@ -77,7 +77,8 @@ TEST(FormatNumbers, TheUsersLocaleChangesNothingAndIsNotChanged) {
     const test::TempDir directory;
     const std::string command =
         "localedef -i de_DE -f UTF-8 '" + (directory / "de_DE.UTF-8") + "' 2>/dev/null";
-    ASSERT_EQ(std::system(command.c_str()), 0) << "the package locales is missing; scripts/setup.sh installs it";
+    ASSERT_EQ(std::system(command.c_str()), 0)
+        << "the package locales is missing; scripts/setup.sh installs it";
     EXPECT_EXIT(PrintWithDecimalComma(directory.Path()), testing::ExitedWithCode(0),
                 "^0\\.5 0\\.25 1\\.500000e\\+00 0\\.5 0\\.500000 0\\.75 0\\.25, the user's own 0,5\n");
 }

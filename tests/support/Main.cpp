@@ -28,7 +28,8 @@ std::set<std::string> TestFilesInProgram() {
     const auto& all = *testing::UnitTest::GetInstance();
     for (int suite = 0; suite < all.total_test_suite_count(); ++suite) {
         const auto& tests = *all.GetTestSuite(suite);
-        for (int test = 0; test < tests.total_test_count(); ++test) files.insert(tests.GetTestInfo(test)->file());
+        for (int test = 0; test < tests.total_test_count(); ++test)
+            files.insert(tests.GetTestInfo(test)->file());
     }
     return files;
 }

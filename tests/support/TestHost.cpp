@@ -56,7 +56,8 @@ bool TestHost::UseLibrary(const std::string& name) {
     return true;
 }
 
-std::string TestHost::AddOperator(const std::string& name, const std::string& text, const std::string& library) {
+std::string TestHost::AddOperator(const std::string& name, const std::string& text,
+                                  const std::string& library) {
     MakeLibrary(library);
     const std::string key = std::to_string(1000 + m_operatorCounts[library]++);
     const std::string path =

@@ -34,7 +34,8 @@ class TestHost : public DocumentHost {
     std::string DocumentVersion() const override { return "1.3.32"; }
 
     // Puts an operator's file into a library and scans the selected one again; the file's path.
-    std::string AddOperator(const std::string& name, const std::string& text, const std::string& library = "mini");
+    std::string AddOperator(const std::string& name, const std::string& text,
+                            const std::string& library = "mini");
 
     CollectingSink& Sink() { return m_test.sink; }
     const TempDir& Directory() const { return m_test.directory; }
