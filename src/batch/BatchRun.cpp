@@ -35,7 +35,7 @@ void BatchRun::Set(const std::string& name, const std::string& value) {
 }
 void BatchRun::ListOperators() {
     AddStep([this] {
-        Print(OperatorList(m_app->Registry()));
+        PrintCleaned(OperatorList(m_app->Registry()));
         return true;
     });
 }
@@ -132,7 +132,7 @@ void BatchRun::RunSteps() {
 
 bool BatchRun::DoDescribe(const std::string& operatorName) {
     const auto text = m_work->Describe(operatorName);
-    if (text) Print(*text);
+    if (text) PrintCleaned(*text);
     return text.has_value();
 }
 
@@ -144,14 +144,14 @@ bool BatchRun::DoView(const std::string& kind) {
 
 bool BatchRun::DoCheck() {
     bool anyError = false;
-    Print(m_work->Check(anyError));
+    PrintCleaned(m_work->Check(anyError));
     return !anyError;
 }
 
+void BatchRun::PrintCleaned(const std::string& text) { Print(TerminalSink(STDOUT_FILENO).Cleaned(text)); }
+
 void BatchRun::Print(const std::string& text) {
-    // Cleaned like everything that a terminal may show: names of operators come from files.
-    const std::string clean = TerminalSink(STDOUT_FILENO).Cleaned(text);
-    std::string_view left = clean;
+    std::string_view left = text;
     while (!left.empty()) {
         const ssize_t count = ::write(STDOUT_FILENO, left.data(), left.size());
         if (count < 0 && errno == EINTR) continue;

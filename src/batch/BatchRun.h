@@ -66,7 +66,10 @@ class BatchRun : private CommandLineDelegate {
     bool DoDescribe(const std::string& operatorName);
     bool DoView(const std::string& kind);
     bool DoCheck();
+    // To standard output, byte by byte.
     void Print(const std::string& text);
+    // What the program words itself, in which names from files may hold anything: made harmless to terminals.
+    void PrintCleaned(const std::string& text);
     void Fail(const std::string& message);
 
     std::string m_programPath;
