@@ -7,7 +7,9 @@ packages=(
   g++ cmake ninja-build
   perl perl-modules-5.36
   glslang-tools
-  libegl-dev libgl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
+  libegl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
+  qt6-base-dev libqt6svg6-dev libglu1-mesa-dev libgl-dev
+  xvfb xauth openbox x11-utils xdotool fonts-dejavu-core
   libgtest-dev libgmock-dev locales
 )
 

@@ -10,7 +10,7 @@
 #include "app/TvApp.h"
 #include "batch/BatchWork.h"
 #include "batch/CommandLine.h"
-#include "batch/Interruption.h"
+#include "base/Interruption.h"
 #include "batch/TerminalSink.h"
 
 namespace tavrin {

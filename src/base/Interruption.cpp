@@ -1,4 +1,4 @@
-#include "batch/Interruption.h"
+#include "base/Interruption.h"
 
 #include <pthread.h>
 

@@ -1,0 +1,32 @@
+// The platform's file dialogs, as commands ask for them.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+#include <string>
+
+class QWidget;
+
+namespace tavrin {
+
+struct FileDialogRequest {
+    QString title;
+    QStringList filters;    // such as "Tavrin Documents (*.tvn)"
+    std::string directory;  // where it starts
+    std::string file;       // offered name, without directory; may be empty
+    QString extension;      // given to a name without one, without the dot; may be empty
+    int filterIndex = 0;    // chosen at first
+};
+
+struct ChosenFile {
+    std::string path;
+    int filterIndex = 0;  // chosen at last
+};
+
+// A file that exists, or nothing if the user cancels.
+std::optional<ChosenFile> AskFileToOpen(QWidget* owner, const FileDialogRequest& request);
+// A file to write, which the dialog asks about if it exists, or nothing if the user cancels.
+std::optional<ChosenFile> AskFileToSave(QWidget* owner, const FileDialogRequest& request);
+
+}  // namespace tavrin

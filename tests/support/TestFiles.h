@@ -1,0 +1,50 @@
+// Whether every test file on disk became part of the program that runs.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <iostream>
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace tavrin::test {
+
+inline std::set<std::string> TestFilesInProgram() {
+    std::set<std::string> files;
+    const auto& all = *testing::UnitTest::GetInstance();
+    for (int suite = 0; suite < all.total_test_suite_count(); ++suite) {
+        const auto& tests = *all.GetTestSuite(suite);
+        for (int test = 0; test < tests.total_test_count(); ++test)
+            files.insert(tests.GetTestInfo(test)->file());
+    }
+    return files;
+}
+
+// Names on standard error each test file of the rooms that has no test in this program, and counts them.
+// `rooms` are folders below `sourceDir` joined by ':'; one with '-' before it is left out of the others.
+inline int CountMissingTestFiles(const std::string& sourceDir, const std::string& rooms) {
+    namespace fs = std::filesystem;
+    std::set<std::string> onDisk;
+    std::set<std::string> leftOut;
+    std::istringstream list(rooms);
+    for (std::string room; std::getline(list, room, ':');) {
+        const bool without = room.starts_with('-');
+        const fs::path folder = fs::path(sourceDir) / room.substr(without ? 1 : 0);
+        for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+            const std::string path = entry.path().string();
+            if (path.ends_with("_test.cpp")) (without ? leftOut : onDisk).insert(path);
+        }
+    }
+    const std::set<std::string> built = TestFilesInProgram();
+    int missing = 0;
+    for (const std::string& file : onDisk) {
+        if (leftOut.contains(file) || built.contains(file)) continue;
+        std::cerr << file << ": this test file did not become part of the tests; configure the build again\n";
+        ++missing;
+    }
+    return missing;
+}
+
+}  // namespace tavrin::test

@@ -1,0 +1,154 @@
+#include "ui/support/Windows.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QEvent>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <set>
+
+#include "ui/Text.h"
+
+namespace tavrin::test {
+
+namespace {
+
+std::deque<std::function<void(QDialog&)>> g_answers;
+QStringList g_boxes;
+
+// Answers dialogs as they come up.
+class DialogWatcher : public QObject {
+  public:
+    bool eventFilter(QObject* object, QEvent* event) override {
+        auto* dialog = qobject_cast<QDialog*>(object);
+        if (dialog == nullptr || event->type() != QEvent::Show || !dialog->isModal()) return false;
+        // Its own loop is to run before it is answered.
+        QTimer::singleShot(0, this, [guarded = QPointer<QDialog>(dialog)] {
+            if (guarded == nullptr || !guarded->isVisible()) return;
+            if (g_answers.empty()) {
+                ADD_FAILURE() << "nobody answers the dialog \"" << Bytes(guarded->windowTitle())
+                              << "\": " << Bytes(guarded->property("text").toString());
+                guarded->reject();
+                return;
+            }
+            const auto answer = g_answers.front();
+            g_answers.pop_front();
+            answer(*guarded);
+        });
+        return false;
+    }
+};
+
+// Warnings of the toolkit are mistakes of ours.
+void OnToolkitMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtDebugMsg || type == QtInfoMsg) return;
+    ADD_FAILURE() << "the toolkit warns: " << Bytes(message);
+}
+
+// Each test begins and ends without windows.
+class NoWindowLeft : public testing::EmptyTestEventListener {
+    void OnTestStart(const testing::TestInfo&) override {
+        g_answers.clear();
+        g_boxes.clear();
+    }
+    void OnTestEnd(const testing::TestInfo&) override {
+        EXPECT_TRUE(g_answers.empty()) << g_answers.size() << " dialogs that were expected did not come";
+        g_answers.clear();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        for (const QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->inherits("QDesktopWidget") || widget->inherits("QTipLabel")) continue;
+            ADD_FAILURE() << "a window was left behind: " << widget->metaObject()->className() << " \""
+                          << Bytes(widget->windowTitle()) << "\"";
+        }
+    }
+};
+
+}  // namespace
+
+void WatchToolkit() {
+    qInstallMessageHandler(OnToolkitMessage);
+    static DialogWatcher watcher;
+    qApp->installEventFilter(&watcher);
+    testing::UnitTest::GetInstance()->listeners().Append(new NoWindowLeft);
+}
+
+bool WaitUntil(const std::function<bool()>& condition, int seconds) {
+    QElapsedTimer clock;
+    clock.start();
+    QTimer wakeUp;  // a condition may come true without any event
+    wakeUp.start(10);
+    while (!condition()) {
+        if (clock.elapsed() > seconds * 1000) return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+void HandleEvents() {
+    for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
+}
+
+void ShowActive(QWidget& window) {
+    window.show();
+    window.raise();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+}
+
+void WhenDialogComes(std::function<void(QDialog&)> answer) { g_answers.push_back(std::move(answer)); }
+
+void PressWhenBoxComes(const QString& button) {
+    WhenDialogComes([button](QDialog& dialog) {
+        const auto* box = qobject_cast<QMessageBox*>(&dialog);
+        if (box == nullptr) {
+            ADD_FAILURE() << "not a message box: " << Bytes(dialog.windowTitle());
+            dialog.reject();
+            return;
+        }
+        g_boxes << box->windowTitle() + ": " + box->text();
+        for (QAbstractButton* candidate : box->buttons()) {
+            if (candidate->text().remove('&') == button) {
+                candidate->click();
+                return;
+            }
+        }
+        ADD_FAILURE() << "the box has no button " << Bytes(button);
+        dialog.reject();
+    });
+}
+
+const QStringList& BoxesShown() { return g_boxes; }
+
+void ChooseFileWhenDialogComes(const std::string& path) {
+    WhenDialogComes([path](QDialog& dialog) {
+        auto* files = qobject_cast<QFileDialog*>(&dialog);
+        auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+        if (files == nullptr || name == nullptr) {
+            ADD_FAILURE() << "not a file dialog: " << Bytes(dialog.windowTitle());
+            dialog.reject();
+            return;
+        }
+        name->setText(Shown(path));
+        QTest::keyClick(name, Qt::Key_Return);
+        if (dialog.isVisible()) {
+            ADD_FAILURE() << "the file dialog does not take " << path;
+            dialog.reject();
+        }
+    });
+}
+
+void CancelWhenDialogComes() {
+    WhenDialogComes([](QDialog& dialog) { dialog.reject(); });
+}
+
+}  // namespace tavrin::test

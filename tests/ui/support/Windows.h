@@ -1,0 +1,41 @@
+// What tests of windows build on: waiting for conditions, answering boxes, watching the toolkit.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <string>
+
+class QWidget;
+class QDialog;
+
+namespace tavrin::test {
+
+// Makes each warning of the toolkit, and each window that a test leaves behind, a failure of that test.
+// Called once, by main.
+void WatchToolkit();
+
+// Handles events until the condition holds. False after `seconds`, which is long: a test that has to wait
+// that long has failed.
+bool WaitUntil(const std::function<bool()>& condition, int seconds = 20);
+// Handles what waits for the main thread now.
+void HandleEvents();
+
+// Shows the window and waits until it is there, and is the active one.
+void ShowActive(QWidget& window);
+
+// While a modal box or dialog runs, nothing behind the call that opened it goes on. So its answer is given
+// beforehand: `answer` is called once, from the event loop, with the next dialog that comes up.
+void WhenDialogComes(std::function<void(QDialog&)> answer);
+// The common answers. A message box: presses the button of that text ("Yes", "Discard"), '&' left out.
+void PressWhenBoxComes(const QString& button);
+// What the boxes that were answered by PressWhenBoxComes said: "TITLE: TEXT", in order. Emptied before each
+// test.
+const QStringList& BoxesShown();
+// Dialogs that came up with no answer waiting are closed after a moment and fail the test.
+
+// A file dialog: enters the path and accepts, or cancels.
+void ChooseFileWhenDialogComes(const std::string& path);
+void CancelWhenDialogComes();
+
+}  // namespace tavrin::test

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Runs a command on a virtual display of its own with a window manager, and ends both with it.
+set -euo pipefail
+home=$(mktemp -d)
+export XDG_RUNTIME_DIR=$home/runtime
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+# The user's directories: a test neither reads nor writes those of whoever runs it.
+export HOME=$home XDG_CONFIG_HOME=$home/.config XDG_STATE_HOME=$home/.local/state
+export QT_QPA_PLATFORM=xcb QT_QPA_PLATFORMTHEME= LIBGL_ALWAYS_SOFTWARE=1
+unset TAVRN_DIR TAVRN_LIB TAVRN_TMPDIR TAVRN_EDITORCMD EDITOR TAVRN_DEBUG TAVRN_QUIET
+exec 5>"$home/display"
+Xvfb -displayfd 5 -screen 0 1920x1200x24 -nolisten tcp >"$home/xvfb.log" 2>&1 &
+server=$!
+trap 'kill "${manager:-$server}" "$server" 2>/dev/null; wait 2>/dev/null; rm -rf "$home"' EXIT
+for _ in $(seq 200); do
+  [ -s "$home/display" ] && break
+  sleep 0.05
+done
+[ -s "$home/display" ] || { echo "under-display: no display came up" >&2; cat "$home/xvfb.log" >&2; exit 1; }
+export DISPLAY=:$(cat "$home/display")
+openbox >"$home/openbox.log" 2>&1 &
+manager=$!
+for _ in $(seq 200); do
+  xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x && break
+  sleep 0.05
+done
+"$@"
