@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Fuzzes a reader with libFuzzer: scripts/fuzz.sh TARGET [SECONDS]. Targets: Document, Definition, Template,
-# SiteFile, Form, Script. What it finds lies in build/fuzz/; put what is worth keeping into fuzz/corpus/,
-# from where every build replays it. Needs the packages clang and libclang-rt-14-dev.
+# SiteFile, Form, Script, SgiImage. What it finds lies in build/fuzz/; put what is worth keeping into
+# fuzz/corpus/, from where every build replays it. Needs the packages clang and libclang-rt-14-dev.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-declare -A corpora=([Document]=document [Definition]=definition [Template]=template [SiteFile]=site [Form]=form [Script]=script)
+declare -A corpora=([Document]=document [Definition]=definition [Template]=template [SiteFile]=site [Form]=form [Script]=script
+  [SgiImage]=image)
 target=${1:-}
 seconds=${2:-600}
 if [ -z "${corpora[$target]:-}" ]; then
@@ -16,7 +17,7 @@ command -v clang++ >/dev/null || { echo "fuzz: install clang and libclang-rt-14-
 flags=(-std=c++20 -O1 -g1 -fsanitize=address,undefined -fno-sanitize-recover=undefined -Isrc -I.)
 objects=build/fuzz/objects
 mkdir -p "$objects"
-for room in base text codegen site library forms document desk render app; do
+for room in base text images codegen site library forms document desk render app; do
   for source in src/$room/*.cpp; do
     case $source in *_test.cpp) continue ;; esac
     object=$objects/${source//\//_}.o

@@ -5,21 +5,13 @@
 #include <optional>
 #include <string>
 
+#include "app/CommandId.h"
 #include "app/ScriptFile.h"
 
 namespace tavrin {
 
 class Commands;
 class Report;
-
-// The command numbers of the menus that actions reach.
-enum class CommandId : int {
-    kRenderIt = 32792,
-    kStopRender = 32793,
-    kExportAll = 32900,
-    kExportCompiledShader = 32902,
-    kExportShaderInterface = 32904,
-};
 
 // What actions act on: the program's frame, or the batch run.
 class ActionTarget {

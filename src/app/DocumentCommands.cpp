@@ -39,6 +39,12 @@ void DocumentCommands::Log(const char* what, const std::string& path) {
     m_app.GetSite().report.LogLine("%s %s at %s", what, path.c_str(), TimeOfDay().c_str());
 }
 
+void DocumentCommands::StartUntitled() {
+    m_document.DeleteContents();
+    m_document.SetPath({});
+    Refresh();
+}
+
 void DocumentCommands::New() {
     m_document.DeleteContents();
     m_document.SetPath(m_app.GetSite().directories.docBrowserDir + Separator(kNativeStyle) + kUntitled);
@@ -48,12 +54,29 @@ void DocumentCommands::New() {
 bool DocumentCommands::Open(const std::string& path) {
     if (!m_document.Open(path)) return false;
     m_app.GetSite().directories.docBrowserDir = PathDir(path);
-    Refresh();
-    Log("opened", path);
+    HasBeenOpened(path);
     return true;
 }
 
-bool DocumentCommands::Merge(const std::string& path) {
+void DocumentCommands::HasBeenOpened(const std::string& path) {
+    Refresh();
+    Log("opened", path);
+}
+
+bool DocumentCommands::OpenRecovered(const std::string& copyPath, const std::string& documentPath,
+                                     bool wasCutShort) {
+    if (!m_document.Open(copyPath)) return false;
+    const bool isWhole = !m_document.WasCutShort();
+    m_document.SetPath(documentPath);
+    if (wasCutShort) m_document.SetCutShort();
+    Refresh();
+    m_document.SetModified();
+    if (m_announce == Announce::kYes)
+        m_app.GetSite().report.LogLine("recovered %s", m_document.Title().c_str());
+    return isWhole;
+}
+
+bool DocumentCommands::Merge(const std::string& path, const std::function<void()>& opened) {
     Report& report = m_app.GetSite().report;
     std::string error;
     auto archive = CArchive::Open(path, error);
@@ -62,6 +85,7 @@ bool DocumentCommands::Merge(const std::string& path) {
         report.Alert("unable to open %s for reading", path.c_str());
         return false;
     }
+    if (opened) opened();
     CTvDoc scratch(m_app);
     if (!scratch.ReadDeskOnly(*archive)) return false;
     m_desk.MergeBoxes(scratch.m_boxes);

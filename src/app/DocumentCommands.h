@@ -1,6 +1,7 @@
 // The commands on the one document: New, Open, Merge, Save and Save As, the option toggles, the title.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "app/TvApp.h"
@@ -18,13 +19,23 @@ class DocumentCommands {
     DocumentCommands(CTvApp& app, CTvDoc& document, COpDesk& desk, Announce announce)
         : m_app(app), m_document(document), m_desk(desk), m_announce(announce) {}
 
-    // An empty document with the site's defaults, to be saved as "untitled.tvn" where document dialogs open.
+    // An empty document with the site's defaults and without a path: what the program starts with.
+    void StartUntitled();
+    // The same, to be saved as "untitled.tvn" where document dialogs open.
     void New();
     // Document dialogs open in the file's directory from here on. False if the file cannot be opened; the
     // document is then as it was. A file that could not be read to its end counts as opened.
     bool Open(const std::string& path);
-    // Puts the boxes of a file under the mouse, with new numbers; nothing else of it is taken.
-    bool Merge(const std::string& path);
+    // To be called when the document was read from the file by another way.
+    void HasBeenOpened(const std::string& path);
+    // Reads a copy of unsaved work, taken of the document that belongs to `documentPath` (empty if it had
+    // no file); document dialogs open where they did. The document is modified, and as protected as its own
+    // file is if that `wasCutShort`. False if the copy could not be opened, which leaves the document as it
+    // was, or not be read to its end: what was read is then there, and the copy must be kept.
+    bool OpenRecovered(const std::string& copyPath, const std::string& documentPath, bool wasCutShort);
+    // Puts the boxes of a file under the mouse, with new numbers; nothing else of it is taken. `opened` is
+    // called between the opening of the file and the reading.
+    bool Merge(const std::string& path, const std::function<void()>& opened = {});
     bool Save(const std::string& path);
     // Document dialogs open in the file's directory from here on.
     bool SaveAs(const std::string& path);

@@ -106,6 +106,56 @@ TEST_F(DocumentCommandsTest, AFileThatCannotBeOpenedLeavesEverythingAsItWas) {
     EXPECT_EQ(sink.log, "");
 }
 
+TEST_F(DocumentCommandsTest, RecoveredWorkIsTheModifiedDocumentOfItsOwnFile) {
+    const std::string copy = SavedDocument("state/copy.tvn", "light");
+    app->GetSite().directories.docBrowserDir = "/shaders";
+    ASSERT_TRUE(commands->OpenRecovered(copy, "/there/a.tvn", false));
+    EXPECT_EQ(document->Path(), "/there/a.tvn");
+    EXPECT_TRUE(document->IsModified());
+    EXPECT_FALSE(document->WasCutShort());
+    EXPECT_EQ(commands->WindowTitle(), "a.tvn [light]");
+    EXPECT_EQ(document->exportOptions.sourcePath, "./a.src");
+    EXPECT_EQ(dynamic_cast<const CFormXField&>(*app->RenderOptionsForm().children[1]).text, "9");
+    EXPECT_EQ(desk->NextWid(), 1);
+    EXPECT_EQ(document->m_boxes.size(), 1U);
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, "/shaders");
+    EXPECT_EQ(sink.log, "recovered a.tvn\r\n");
+}
+
+TEST_F(DocumentCommandsTest, RecoveredWorkWithoutAFileIsUntitled) {
+    ASSERT_TRUE(commands->OpenRecovered(SavedDocument("copy.tvn", "light"), "", false));
+    EXPECT_EQ(document->Path(), "");
+    EXPECT_EQ(sink.log, "recovered Untitled.tvn\r\n");
+}
+
+TEST_F(DocumentCommandsTest, RecoveredWorkOfAFileThatWasCutShortStaysProtected) {
+    EXPECT_TRUE(commands->OpenRecovered(SavedDocument("copy.tvn", "light"), "/a.tvn", true));
+    EXPECT_TRUE(document->WasCutShort());
+}
+
+TEST_F(DocumentCommandsTest, ACopyThatCannotBeReadToItsEndGivesWhatWasRead) {
+    const std::string copy = directory.Write("copy.tvn", "opdesk { opbox { filename Grain wid 7 }\noops }");
+    EXPECT_FALSE(commands->OpenRecovered(copy, "/a.tvn", false));
+    EXPECT_EQ(sink.LastAlert(), copy + " near line 2: unexpected input");
+    EXPECT_EQ(document->m_boxes.size(), 1U);
+    EXPECT_EQ(document->Path(), "/a.tvn");
+    EXPECT_TRUE(document->IsModified());
+    EXPECT_TRUE(document->WasCutShort());
+    EXPECT_EQ(commands->WindowTitle(), "a.tvn [surface]");
+}
+
+TEST_F(DocumentCommandsTest, ACopyThatCannotBeOpenedLeavesEverythingAsItWas) {
+    ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));
+    desk->m_pendingBoxes.push_back(std::make_unique<COpBox>());
+    sink.log.clear();
+    EXPECT_FALSE(commands->OpenRecovered(directory / "none.tvn", "/b.tvn", true));
+    EXPECT_EQ(document->Title(), "a.tvn");
+    EXPECT_FALSE(document->IsModified());
+    EXPECT_FALSE(document->WasCutShort());
+    EXPECT_EQ(desk->m_pendingBoxes.size(), 1U);
+    EXPECT_EQ(sink.log, "");
+}
+
 TEST_F(DocumentCommandsTest, MergedBoxesWaitWithNewNumbersAndNothingElseComes) {
     commands->New();
     ASSERT_TRUE(commands->Merge(SavedDocument("there/a.tvn", "light")));

@@ -175,10 +175,18 @@ std::optional<CTvApp::Problem> CTvApp::StartUpProblem() const {
 
 bool CTvApp::CloseDown(std::chrono::milliseconds grace) {
     m_site.commands.EndChildren(grace);
+    return RemoveWorkDirectory();
+}
+
+bool CTvApp::RemoveWorkDirectory() {
     const std::string& workDir = m_site.directories.workDir;
     if (!m_ownsWorkDir) return true;
     return RemoveTree(workDir,
                       [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
+}
+
+void CTvApp::RestoreWorkDirectory() {
+    if (m_ownsWorkDir) MakeDirectory(m_site.directories.workDir);
 }
 
 void CTvApp::SetVariable(const std::string& name, const std::string& value, bool updateForm) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "codegen/CodeGen.h"
 #include "document/TvDoc.h"
@@ -47,6 +48,10 @@ class CTvApp : public DocumentHost, private FormHost {
     // The end of the program: stops the children within `grace`, then removes the work directory. False,
     // with a log line, if something of it stays.
     bool CloseDown(std::chrono::milliseconds grace);
+    // Removes the work directory alone, with the same result.
+    bool RemoveWorkDirectory();
+    // Makes the work directory again where it was removed, since the user did not quit after all.
+    void RestoreWorkDirectory();
 
     // The one document; none while there is no frame.
     void SetDocument(CTvDoc* document) { m_document = document; }
@@ -76,6 +81,8 @@ class CTvApp : public DocumentHost, private FormHost {
 
     const CCodeGen& CodeGen() const { return m_codeGen; }
     CRenderOptionsEditor& RenderOptionsForm() { return *m_form; }
+    // The rows that the form has for the toolbar's shader type box.
+    const std::vector<std::string>& ShaderTypes() const { return m_shaderTypes; }
     // Sets every control of the form to its default, and the document's options with them.
     void LoadFormDefaults();
     // Shows the document's render options in the form.
@@ -86,6 +93,8 @@ class CTvApp : public DocumentHost, private FormHost {
         SetVariable(name, value, false);
     }
     void AddUnsavedOption(const std::string& name) override { m_unsavedOptions.insert(name); }
+    void AddShaderType(const std::string& line) override { m_shaderTypes.push_back(line); }
+    void ClearShaderTypes() override { m_shaderTypes.clear(); }
 
     void SelectLibraryFromEnvironment();
     void MakeWorkDirectory(const std::string& temporaryRoot);
@@ -97,6 +106,7 @@ class CTvApp : public DocumentHost, private FormHost {
     CExportOptions m_exportDefaults;
     std::map<std::string, std::string> m_appVars;
     std::set<std::string> m_unsavedOptions;
+    std::vector<std::string> m_shaderTypes;
     std::unique_ptr<CRenderOptionsEditor> m_form;
     CTvDoc* m_document = nullptr;
     std::string m_programDir;

@@ -29,9 +29,13 @@ sigset_t Signals() {
 
 }  // namespace
 
-Interruption::Interruption(std::function<void(int)> onSignal) : m_onSignal(std::move(onSignal)) {
+void Interruption::Block() {
     const sigset_t set = Signals();
     ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
+Interruption::Interruption(std::function<void(int)> onSignal) : m_onSignal(std::move(onSignal)) {
+    Block();
     m_thread = std::thread([this] { Wait(); });
 }
 

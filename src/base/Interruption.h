@@ -12,6 +12,10 @@ namespace tavrin {
 // long as the program has not ended, SIGKILL some time later. A second signal skips that time.
 class Interruption {
   public:
+    // Blocks the signals in this thread and those that it starts, for a program that has threads before it
+    // can make the object.
+    static void Block();
+
     explicit Interruption(std::function<void(int signalToPassOn)> onSignal);
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;

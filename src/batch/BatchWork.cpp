@@ -37,18 +37,8 @@ BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInt
     : m_app(app),
       m_queue(queue),
       m_isInterrupted(std::move(isInterrupted)),
-      m_document(app),
-      m_desk(m_document, app, m_view),
-      m_commands(app, m_document, m_desk, DocumentCommands::Announce::kNo),
-      m_session(m_document, app.GetSite(), app.CodeGen()),
-      m_views(m_document, app.GetSite(), m_session),
-      m_export(m_document, app.GetSite(), m_session),
-      m_actions(*this, app.GetSite().commands, app.GetSite().report) {
-    m_app.SetDocument(&m_document);
-    m_commands.NameHasChanged();
-}
-
-BatchWork::~BatchWork() { m_app.SetDocument(nullptr); }
+      m_work(app, m_view, DocumentCommands::Announce::kNo),
+      m_actions(*this, app.GetSite().commands, app.GetSite().report) {}
 
 bool BatchWork::Fail(const std::string& message) {
     GetSite().report.Alert("%s", message.c_str());
@@ -57,27 +47,27 @@ bool BatchWork::Fail(const std::string& message) {
 
 bool BatchWork::Open(const std::string& path) {
     GetSite().report.TakePending();
-    if (!m_commands.Open(path)) return false;
+    if (!m_work.commands.Open(path)) return false;
     m_openedPath = path;
-    m_cutShort = m_document.WasCutShort();
+    m_cutShort = m_work.document.WasCutShort();
     if (m_cutShort && !GetSite().report.HasPending()) Fail(path + " was not read to its end");
     return true;
 }
 
 bool BatchWork::Render() {
-    const bool started = m_session.RenderIt();
+    const bool started = m_work.session.RenderIt();
     WaitForProcesses();
     return started;
 }
 
 bool BatchWork::ExportAll() {
-    const bool started = m_export.Export(m_document.exportOptions);
+    const bool started = m_work.exporter.Export(m_work.document.exportOptions);
     WaitForProcesses();
     return started;
 }
 
 bool BatchWork::Export(const std::string& kind, const std::string& path) {
-    const bool started = m_export.Export(ShaderExport::OnlyThis(KindOf(kind), path));
+    const bool started = m_work.exporter.Export(ShaderExport::OnlyThis(KindOf(kind), path));
     WaitForProcesses();
     return started;
 }
@@ -94,15 +84,15 @@ bool BatchWork::Save(const std::string& path, bool force) {
                     " was not read to its end, and saving would lose the rest; save under another name, or"
                     " use --force");
     }
-    return m_commands.Save(path);
+    return m_work.commands.Save(path);
 }
 
 void BatchWork::Set(const std::string& name, const std::string& value) {
-    if (!m_document.m_renderOptions.contains(name)) {
+    if (!m_work.document.m_renderOptions.contains(name)) {
         GetSite().report.LogLine("WARNING: the library's form has no render option %s", name.c_str());
     }
     m_app.SetVariable(name, value, true);
-    m_commands.NameHasChanged();
+    m_work.commands.NameHasChanged();
 }
 
 bool BatchWork::RunScript(const std::string& path) {
@@ -114,13 +104,13 @@ bool BatchWork::RunScript(const std::string& path) {
 
 bool BatchWork::Merge(const std::string& path) {
     GetSite().report.TakePending();
-    if (m_commands.Merge(path)) return DropBesideTheRest();
+    if (m_work.commands.Merge(path)) return DropBesideTheRest();
     return GetSite().report.HasPending() ? false : Fail(path + " holds no network");
 }
 
 bool BatchWork::Add(const std::string& operatorName) {
     GetSite().report.TakePending();
-    m_desk.AddOperator(operatorName);
+    m_work.desk.AddOperator(operatorName);
     const bool added = DropBesideTheRest();
     if (!added && !GetSite().report.HasPending()) Fail(operatorName + " has put nothing on the desk");
     return added;
@@ -128,23 +118,23 @@ bool BatchWork::Add(const std::string& operatorName) {
 
 // There is no mouse under which the boxes could wait.
 bool BatchWork::DropBesideTheRest() {
-    if (m_desk.m_pendingBoxes.empty()) return false;
-    if (!m_document.m_boxes.empty()) {
+    if (m_work.desk.m_pendingBoxes.empty()) return false;
+    if (!m_work.document.m_boxes.empty()) {
         const auto left = [](const auto& one, const auto& other) { return one->xypos[0] < other->xypos[0]; };
-        const auto& rest = m_document.m_boxes;
-        const auto& pending = m_desk.m_pendingBoxes;
+        const auto& rest = m_work.document.m_boxes;
+        const auto& pending = m_work.desk.m_pendingBoxes;
         const float edge = (*std::max_element(rest.begin(), rest.end(), left))->xypos[0];
         const float start = (*std::min_element(pending.begin(), pending.end(), left))->xypos[0];
         for (const auto& box : pending) box->xypos[0] += edge + kGapBesideTheRest - start;
     }
-    m_desk.DropPending();
+    m_work.desk.DropPending();
     return true;
 }
 
 std::optional<std::string> BatchWork::View(const std::string& kind) {
-    const auto path = kind == view_words::kSource        ? m_views.ViewShaderSource()
-                      : kind == view_words::kRenderIface ? m_views.ViewRenderInterface()
-                                                         : m_views.ViewShaderInterface();
+    const auto path = kind == view_words::kSource        ? m_work.views.ViewShaderSource()
+                      : kind == view_words::kRenderIface ? m_work.views.ViewRenderInterface()
+                                                         : m_work.views.ViewShaderInterface();
     if (!path) return std::nullopt;
     std::string text;
     std::string error;
@@ -175,11 +165,11 @@ std::string BatchWork::Check(bool& anyError) {
     std::vector<Finding> findings;
     std::string error;
     if (auto archive = CArchive::Open(m_openedPath, error)) {
-        findings = CheckDocumentFile(*archive, m_document, m_app.Registry());
+        findings = CheckDocumentFile(*archive, m_work.document, m_app.Registry());
     }
-    const std::vector<Finding> network = CheckNetwork(m_document, GetSite().report);
+    const std::vector<Finding> network = CheckNetwork(m_work.document, GetSite().report);
     findings.insert(findings.end(), network.begin(), network.end());
-    m_session.Generate();
+    m_work.session.Generate();
     std::string text;
     for (const Finding& finding : findings) {
         text += finding.Text() + "\n";
@@ -191,24 +181,26 @@ std::string BatchWork::Check(bool& anyError) {
 void BatchWork::Command(CommandId command) {
     // Where a window would ask for the path of a single export, the one that it would offer is taken.
     const auto exportOne = [this](ExportKind kind) {
-        return m_export.Export(ShaderExport::OnlyThis(kind, m_export.DocumentPath(kind)));
+        return m_work.exporter.Export(ShaderExport::OnlyThis(kind, m_work.exporter.DocumentPath(kind)));
     };
     bool done = true;
     switch (command) {
         case CommandId::kRenderIt:
-            done = m_session.RenderIt();
+            done = m_work.session.RenderIt();
             break;
         case CommandId::kStopRender:
-            m_session.StopRender();
+            m_work.session.StopRender();
             break;
         case CommandId::kExportAll:
-            done = m_export.Export(m_document.exportOptions);
+            done = m_work.exporter.Export(m_work.document.exportOptions);
             break;
         case CommandId::kExportCompiledShader:
             done = exportOne(ExportKind::kCompiledShader);
             break;
         case CommandId::kExportShaderInterface:
             done = exportOne(ExportKind::kShaderIface);
+            break;
+        default:  // no action sends any other
             break;
     }
     m_commandFailed = m_commandFailed || !done;

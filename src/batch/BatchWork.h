@@ -6,13 +6,8 @@
 #include <string>
 
 #include "app/Actions.h"
-#include "app/DocumentCommands.h"
-#include "app/TvApp.h"
+#include "app/Workspace.h"
 #include "base/MainThreadQueue.h"
-#include "desk/OpDesk.h"
-#include "render/RenderSession.h"
-#include "render/ShaderExport.h"
-#include "render/ShaderViews.h"
 
 namespace tavrin {
 
@@ -22,13 +17,12 @@ class BatchWork : private ActionTarget {
   public:
     // `isInterrupted` tells whether the program is being stopped: waiting ends then.
     BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted);
-    ~BatchWork() override;
 
     // False if the file cannot be opened. A file that cannot be read to its end is alerted, and the work
     // goes on with what it gave.
     bool Open(const std::string& path);
 
-    bool SaveShader() { return m_session.SaveShader(); }
+    bool SaveShader() { return m_work.session.SaveShader(); }
     // Renders and exports return when every process that they started has ended.
     bool Render();
     bool ExportAll();
@@ -71,13 +65,8 @@ class BatchWork : private ActionTarget {
     CTvApp& m_app;
     PlainQueue& m_queue;
     std::function<bool()> m_isInterrupted;
-    CTvDoc m_document;
     DeskView m_view;
-    COpDesk m_desk;
-    DocumentCommands m_commands;
-    RenderSession m_session;
-    ShaderViews m_views;
-    ShaderExport m_export;
+    Workspace m_work;
     Actions m_actions;
     std::string m_openedPath;
     bool m_cutShort = false;  // the file at m_openedPath was not read to its end

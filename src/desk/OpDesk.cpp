@@ -1,6 +1,7 @@
 #include "desk/OpDesk.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "library/OpRegistry.h"
 #include "site/Site.h"
@@ -129,24 +130,38 @@ void COpDesk::DropPending() {
 }
 
 void COpDesk::RemoveBox(std::unique_ptr<COpBox> box) {
-    m_usedWids.Remove(box->wid);
-    m_view.RemoveFromBoxFinder(box->BoxTitleWid());
-    if (m_mouseBox == box.get()) m_mouseBox = nullptr;
-    for (const auto& input : box->inputs) {
-        ForgetButton(*input);
-        std::erase(m_selectedConnects, input.get());
+    BoxVector boxes;
+    boxes.push_back(std::move(box));
+    DeletePending(boxes);
+}
+
+void COpDesk::DeletePending(BoxVector& boxes) {
+    if (!m_selectedConnects.empty()) {
+        std::unordered_set<const COpButton*> inputs;
+        for (const auto& box : boxes) {
+            for (const auto& input : box->inputs) inputs.insert(input.get());
+        }
+        std::erase_if(m_selectedConnects, [&](const COpButton* input) { return inputs.contains(input); });
     }
-    for (const auto& output : box->outputs) ForgetButton(*output);
+    for (auto& box : boxes) {
+        ForgetBox(*box);
+        box.reset();
+    }
+    boxes.clear();
+}
+
+void COpDesk::ForgetBox(const COpBox& box) {
+    m_usedWids.Remove(box.wid);
+    m_view.RemoveFromBoxFinder(box.BoxTitleWid());
+    if (m_mouseBox == &box) m_mouseBox = nullptr;
+    for (const auto* side : {&box.inputs, &box.outputs}) {
+        for (const auto& button : *side) ForgetButton(*button);
+    }
 }
 
 void COpDesk::ForgetButton(const COpButton& button) {
     if (m_mouseButton == &button) m_mouseButton = nullptr;
     if (m_selectedButton == &button) m_selectedButton = nullptr;
-}
-
-void COpDesk::DeletePending(BoxVector& boxes) {
-    for (auto& box : boxes) RemoveBox(std::move(box));
-    boxes.clear();
 }
 
 void COpDesk::RaiseBox(const COpBox& box) {
@@ -159,6 +174,8 @@ void COpDesk::RaiseBox(const COpBox& box) {
 // The factor on the anchor is as the desk has always behaved: at a zoom other than 1 a dragged box is seen
 // to move by the drag while its anchor moves further.
 void COpDesk::MoveBox(COpBox& box, float dx, float dy) {
+    box.layout.left += dx;
+    box.layout.bottom += dy;
     box.xypos[0] += m_document.zoomFactor * dx;
     box.xypos[1] += m_document.zoomFactor * dy;
 }

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "desk/DeskGeometry.h"
 #include "desk/WidPool.h"
 #include "document/TvDoc.h"
 
@@ -22,6 +24,8 @@ class DeskView {
     virtual void ClearBoxFinder() {}
     virtual void Repaint() {}
     virtual void RefreshAllViews() {}
+    // The button became an argument of the shader, or ceased to be one.
+    virtual void ArgumentChanged(COpButton&) {}
     virtual void UpdateScrollBars() {}
 };
 
@@ -49,6 +53,7 @@ class COpDesk {
     void DropPending();
     // Forgets every reference to a box that is out of the network, and destroys it.
     void RemoveBox(std::unique_ptr<COpBox> box);
+    // The same for all of them, which costs no search for each.
     void DeletePending(BoxVector& boxes);
     // Moves a box of the network to the top of the stack.
     void RaiseBox(const COpBox& box);
@@ -62,6 +67,30 @@ class COpDesk {
     static void CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination);
     // Adds a copy of the vinput under the mouse next to it; nothing if there is none.
     COpButton* GrowVinput(bool above);
+
+    // The Edit commands. The clipboard holds what was copied or cut last, nothing if nothing was selected,
+    // and outlives the document. Whether the desk is locked is for the caller to ask.
+    void CopySelection();
+    void CutBoxes();
+    // Hands clones of the clipboard to the mouse; what waited there is destroyed. `cursor` is the mouse in
+    // desk units if it is inside the desk's window: the first clone's anchor comes to lie there. Without it
+    // nothing is seen of them until the mouse comes.
+    void PasteBoxes(const std::optional<DeskPoint>& cursor);
+    // Deletes selected boxes and what waits under the mouse, and cuts selected connections.
+    void DeleteSelection();
+    bool CanPaste() const { return !m_clipboardBoxes.empty(); }
+    bool CanDelete() const {
+        return m_selectedButton != nullptr || !m_selectedConnects.empty() || AnyBoxSelected();
+    }
+
+    // The commands of the context menus. Those on a button mean the one under the mouse and do nothing
+    // where the menu does not offer them for it.
+    void DuplicateBox(const COpBox& box);  // the clone comes to the top, without connections
+    void DeleteBox(const COpBox& box);
+    void DeleteButton();  // vinputs only, the last copy among them
+    void DeleteConnections();
+    void ToggleArgument();
+    void ChooseCast(size_t cast);
 
     void ClearBoxSelection();
     void ClearSelectedButton() { m_selectedButton = nullptr; }
@@ -82,6 +111,7 @@ class COpDesk {
     std::vector<COpButton*> m_selectedConnects;  // inputs, each standing for the connection that enters it
     COpBox* m_mouseBox = nullptr;
     COpButton* m_mouseButton = nullptr;
+    float m_mouseDesk[2] = {0, 0};  // last position of the mouse in desk units
 
   private:
     using InstanceCounts = std::unordered_map<std::string, int>;
@@ -92,6 +122,10 @@ class COpDesk {
     void ClearSelections();
     void SetAllSelected(int selected);
     void ForgetButton(const COpButton& button);
+    void ForgetBox(const COpBox& box);
+    BoxVector TakeSelectedBoxes();
+    COpButton* LiveMouseButton() const;
+    void NetworkHasChanged();
 
     CTvDoc& m_document;
     DocumentHost& m_host;

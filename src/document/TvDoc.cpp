@@ -78,6 +78,15 @@ std::string CTvDoc::Store() {
     return WriteDocument(*this, m_host);
 }
 
+std::string CTvDoc::Snapshot() {
+    std::vector<BoxList::iterator> stack;
+    stack.reserve(m_boxes.size());
+    for (auto box = m_boxes.begin(); box != m_boxes.end(); ++box) stack.push_back(box);
+    std::string text = Store();
+    for (const auto& box : stack) m_boxes.splice(m_boxes.end(), m_boxes, box);
+    return text;
+}
+
 bool CTvDoc::Save(const std::string& path, std::string& error) {
     if (!ReplaceFile(path, Store(), error)) return false;
     m_path = path;
@@ -86,6 +95,8 @@ bool CTvDoc::Save(const std::string& path, std::string& error) {
     return true;
 }
 
-std::string CTvDoc::Title() const { return m_path.empty() ? "Untitled.tvn" : PathFile(m_path); }
+std::string CTvDoc::TitleOf(const std::string& path) {
+    return path.empty() ? "Untitled.tvn" : PathFile(path);
+}
 
 }  // namespace tavrin

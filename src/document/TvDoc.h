@@ -61,6 +61,8 @@ class CTvDoc {
 
     // The document as its file holds it; boxes are brought into the order of their numbers.
     std::string Store();
+    // The same text, from which nothing of the document changes, the order of the stack least of all.
+    std::string Snapshot();
     // Writes the file so that a failure leaves the old one whole. On success it is the document's path and
     // the document is unmodified; on failure `error` holds the platform's message.
     bool Save(const std::string& path, std::string& error);
@@ -68,11 +70,14 @@ class CTvDoc {
     // An error in the file that is now the document's path kept part of it from being read: saving there
     // would lose that part.
     bool WasCutShort() const { return m_cutShort; }
+    // For a document that was read from a copy of its unsaved work.
+    void SetCutShort() { m_cutShort = true; }
 
     const std::string& Path() const { return m_path; }
     void SetPath(const std::string& path) { m_path = path; }
     // File name, "Untitled.tvn" without a path.
-    std::string Title() const;
+    std::string Title() const { return TitleOf(m_path); }
+    static std::string TitleOf(const std::string& path);
     bool IsModified() const { return m_modified; }
     void SetModified(bool modified = true) { m_modified = modified; }
 

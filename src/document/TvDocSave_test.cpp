@@ -138,6 +138,24 @@ TEST_F(TvDocSave, SavingReordersTheStack) {
     EXPECT_THAT(test::WidsOf(document), ElementsAre(1, 2, 3));
 }
 
+TEST_F(TvDocSave, ASnapshotIsWhatTheFileWouldHoldAndChangesNothing) {
+    std::vector<const COpBox*> stack;
+    for (const int wid : {3, 1, 2, 1}) stack.push_back(&Add(test::MakeLink("a", wid)));
+    document.SetPath("/before.tvn");
+    document.SetModified();
+    const std::string snapshot = document.Snapshot();
+    std::vector<const COpBox*> after;
+    for (const auto& box : document.m_boxes) after.push_back(box.get());
+    EXPECT_EQ(after, stack);
+    EXPECT_EQ(document.Path(), "/before.tvn");
+    EXPECT_TRUE(document.IsModified());
+    EXPECT_FALSE(document.WasCutShort());
+    EXPECT_EQ(snapshot, document.Store());
+    document.SetModified(false);
+    document.Snapshot();
+    EXPECT_FALSE(document.IsModified());
+}
+
 TEST_F(TvDocSave, SavingTwiceGivesTheSameFileAtTheSameTime) {
     COpBox& from = Add(test::MakeLink("a", 1));
     for (int wid = 20; wid > 1; --wid) test::Wire(from, 0, Add(test::MakeLink("b", wid)), 0);

@@ -20,6 +20,18 @@ class Report;
 class TypeTables;
 struct Site;
 
+// Where the desk has laid a box out, in desk units: x to the right, y upward. Made anew from the box's anchor,
+// buttons and texts whenever one of them or the zoom changes; never saved.
+struct BoxLayout {
+    float left = 0;
+    float bottom = 0;  // of the body; the title stands on top of it
+    float titleHeight = 0;
+    float width = 0;
+    float bodyHeight = 0;
+    float leftColumnWidth = 0;  // the inputs
+    float rightColumnWidth = 0;
+};
+
 // Owned by exactly one list: the document's network, or the desk's pending or clipboard boxes.
 class COpBox : public LiveObject<COpBox> {
   public:
@@ -51,6 +63,7 @@ class COpBox : public LiveObject<COpBox> {
     std::vector<std::unique_ptr<COpButton>> inputs;  // inputs and vinputs, top to bottom
     std::vector<std::unique_ptr<COpButton>> outputs;
     int selected = 0;
+    BoxLayout layout;  // a clone starts with none
 
     // The name of the box in menus, comments and generated variable names: title, "_", number.
     std::string BoxTitleWid() const;

@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
@@ -20,6 +22,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kPollStep{5};
+constexpr std::chrono::milliseconds kTellStep{100};  // between two words on how long a wait lasts
 constexpr std::chrono::milliseconds kTimeToHeedTerm{500};
 
 }  // namespace
@@ -70,10 +73,7 @@ bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* pr
     }
     // The process is not reaped before its number is withdrawn, so that InterruptCommand never meets a
     // number that has passed to another process.
-    siginfo_t information{};
-    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 &&
-           errno == EINTR) {
-    }
+    WaitForExit(child);
     const std::lock_guard lock(m_waitedMutex);
     // What an interrupted command leaves behind in its group goes with it.
     if (m_interrupted) ::kill(-child, SIGKILL);
@@ -81,6 +81,25 @@ bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* pr
     const int exitCode = WaitForEnd(child);
     if (processInfo != nullptr) processInfo->exitCode = exitCode;
     return true;
+}
+
+// Returns when the process has ended, which leaves it to be reaped.
+void Commands::WaitForExit(int process) const {
+    if (m_waitObserver) {
+        const auto start = Clock::now();
+        const FileDescriptor watched(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
+        pollfd wait{watched.Get(), POLLIN, 0};
+        for (;;) {
+            m_waitObserver(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start));
+            // Where the system has no such descriptors the wait goes on below, untold.
+            if (watched.Get() < 0 || ::poll(&wait, 1, static_cast<int>(kTellStep.count())) > 0) break;
+        }
+    }
+    siginfo_t information{};
+    while (::waitid(P_PID, static_cast<id_t>(process), &information, WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {
+    }
+    if (m_waitObserver) m_waitObserver(std::nullopt);
 }
 
 void Commands::InterruptCommand(int signal) {

@@ -7,6 +7,7 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -40,6 +41,11 @@ class Commands {
     // Where the standard output of commands goes; -1, the start, lets them inherit ours.
     void SetCommandOutput(int descriptor) { m_commandOutput = descriptor; }
 
+    // Tells, on the main thread, how long RunCommand has been waiting: at the start with 0, now and then
+    // while it waits, and when the wait has ended with nothing.
+    using WaitObserver = std::function<void(std::optional<std::chrono::milliseconds>)>;
+    void OnWait(WaitObserver observer) { m_waitObserver = std::move(observer); }
+
     // Starts a command line, split by blanks and double quotes, without a shell. With `wait` it returns
     // when the process has ended, its exit code in `processInfo`. A command that cannot start is alerted
     // as "command failed: COMMAND"; false.
@@ -72,6 +78,7 @@ class Commands {
     struct Child;
     struct Start;
 
+    void WaitForExit(int process) const;
     void Work(Child& child, const Start& start);
     void ReadOutput(Child& child, int pipe);
     void ReapUnwatched();
@@ -86,6 +93,7 @@ class Commands {
     std::string m_workDir;
     int m_commandOutput = -1;
     std::function<void(int)> m_childEnd;
+    WaitObserver m_waitObserver;
 
     std::mutex m_waitedMutex;
     bool m_interrupted = false;

@@ -1,1 +1,4 @@
-int main() { return 0; }
+// tavrin: the desktop program.
+#include "ui/Program.h"
+
+int main(int argc, char** argv) { return tavrin::RunProgram(argc, argv); }

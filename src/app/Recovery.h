@@ -1,0 +1,86 @@
+// Unsaved work, written aside so that a crash or a kill loses no more than the last moments of it.
+#pragma once
+
+#include <ctime>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/RecoveryDirectory.h"
+#include "base/Environment.h"
+
+namespace tavrin {
+
+class CTvDoc;
+class DocumentCommands;
+class Report;
+class Settings;
+
+// The user's directory for what programs keep between runs: "tavrin" below $XDG_STATE_HOME, or below
+// $HOME/.local/state. Empty if neither variable holds an absolute path.
+std::string StateDirectory(const Environment& environment);
+
+// One for the process, called on the main thread. The copy lies in "recovery" below the state directory;
+// the document's own file is never touched. Programs that run at once do not see each other's copies. What
+// fails is logged, once until it works again, and never alerted.
+class Recovery {
+  public:
+    static constexpr int kDefaultInterval = 120;  // seconds
+    static constexpr int kFailuresAllowed = 3;    // attempts at reading a copy before it is offered no more
+
+    // The site's "autosave.interval" in seconds, at most a day; 0 turns writing aside off.
+    static int IntervalOf(const Settings& settings);
+
+    // Without a state directory nothing can be written aside.
+    Recovery(const std::string& stateDirectory, Report& report);
+    Recovery(const Recovery&) = delete;
+    Recovery& operator=(const Recovery&) = delete;
+    // Leaves a copy that was not discarded to the next start.
+    ~Recovery();
+
+    // Writes the document aside if it is modified and differs from what was written last; takes the copy
+    // away if it is not modified. The document stays as it is. False if it should have been written and
+    // could not be; an older copy then stays.
+    bool Update(CTvDoc& document);
+    // Takes the copy away: at a clean end, after New, Open and Save.
+    void Discard();
+
+    struct Found {
+        std::string copyPath;
+        std::string documentPath;  // of the document's own file; empty if it had none
+        std::string title;         // as the document's
+        std::time_t savedAt = 0;
+        bool wasCutShort = false;      // the document's own file had not been read to its end
+        bool documentIsNewer = false;  // the document's own file was written after the copy
+        int failures = 0;              // attempts at reading the copy so far
+    };
+    // The copies of processes that are gone, newest first. No other process finds them while this one
+    // lives. Clears away what processes without a copy have left.
+    std::vector<Found> FindLeftovers();
+    // Removes a copy that FindLeftovers gave.
+    void Remove(const Found& found);
+    // Opens a copy that FindLeftovers gave. If it was read to its end it is removed, as soon as the document
+    // is written aside anew. If not, the result is false and the copy stays: it is offered again by later
+    // starts, until reading has failed kFailuresAllowed times.
+    bool Restore(const Found& found, DocumentCommands& commands, CTvDoc& document);
+
+  private:
+    bool WriteAside(CTvDoc& document, std::string& error);
+    bool HoldSession(std::string& error);
+    void LogOnce(const std::string& error);
+    // The name of a session that this process has claimed; empty for any other.
+    std::string ClaimedSession(const Found& found) const;
+
+    std::string m_path;
+    RecoveryDirectory m_directory;
+    Report& m_report;
+    std::string m_session;  // empty until there is something to write
+    FileDescriptor m_lock;
+    std::map<std::string, FileDescriptor> m_claims;  // locks of what FindLeftovers gave, by session
+    bool m_hasCopy = false;
+    RecoveryOrigin m_origin;  // of the copy
+    size_t m_hash = 0;        // of what the copy holds
+    bool m_failureIsLogged = false;
+};
+
+}  // namespace tavrin

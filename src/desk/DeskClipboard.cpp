@@ -1,0 +1,158 @@
+// The Edit commands with the desk's own clipboard, and what the context menus do.
+#include <algorithm>
+#include <unordered_set>
+
+#include "desk/OpDesk.h"
+
+namespace tavrin {
+
+namespace {
+
+// Where a duplicate comes to lie, seen from its original.
+constexpr float kDuplicateOffset[2] = {16, -16};
+
+}  // namespace
+
+void COpDesk::NetworkHasChanged() {
+    m_document.SetModified();
+    m_view.RefreshAllViews();
+}
+
+// Out of the network, in the order of the stack.
+COpDesk::BoxVector COpDesk::TakeSelectedBoxes() {
+    BoxVector taken;
+    m_document.m_boxes.remove_if([&taken](auto& box) {
+        if (box->selected == 0) return false;
+        taken.push_back(std::move(box));
+        return true;
+    });
+    return taken;
+}
+
+void COpDesk::CopySelection() {
+    m_clipboardBoxes.clear();  // nothing refers to clones there
+    std::vector<COpBox*> selected;
+    for (const auto& box : m_document.m_boxes) {
+        if (box->selected != 0) selected.push_back(box.get());
+    }
+    CopyBoxes(selected, m_clipboardBoxes);
+}
+
+void COpDesk::CutBoxes() {
+    CopySelection();  // while the connections among the boxes still stand
+    BoxVector cut = TakeSelectedBoxes();
+    if (cut.empty()) return;
+    DeletePending(cut);
+    NetworkHasChanged();
+    m_view.UpdateScrollBars();
+}
+
+void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
+    if (m_clipboardBoxes.empty()) return;
+    ClearSelections();
+    DeletePending(m_pendingBoxes);
+    std::vector<COpBox*> source;
+    for (const auto& box : m_clipboardBoxes) source.push_back(box.get());
+    BoxVector clones;
+    CopyBoxes(source, clones);
+
+    m_pendingPlaced = cursor.has_value();
+    DeskPoint delta{clones.front()->xypos[0], clones.front()->xypos[1]};
+    if (cursor) {
+        // The view may have moved under a resting mouse; its next move is counted from here.
+        m_mouseDesk[0] = cursor->x;
+        m_mouseDesk[1] = cursor->y;
+        delta = {delta.x - cursor->x, delta.y - cursor->y};
+    }
+    InstanceCounts counts = CountInstances();
+    for (auto& clone : clones) {
+        MoveBox(*clone, -delta.x, -delta.y);
+        if (AdmitBox(*clone, counts)) m_pendingBoxes.push_back(std::move(clone));
+    }
+    clones.clear();  // those that were refused, with their connections
+    NetworkHasChanged();
+    m_view.Repaint();
+    m_view.UpdateScrollBars();
+}
+
+void COpDesk::DeleteSelection() {
+    BoxVector deleted = TakeSelectedBoxes();
+    if (!deleted.empty()) m_document.SetModified();
+    DeletePending(deleted);
+    DeletePending(m_pendingBoxes);
+    for (COpButton* input : m_selectedConnects) {
+        m_document.SetModified();
+        if (COpButton::IsLive(input)) input->Disconnect();
+    }
+    ClearSelectedConnects();
+    m_view.RefreshAllViews();
+    m_view.UpdateScrollBars();
+}
+
+void COpDesk::DuplicateBox(const COpBox& box) {
+    ClearBoxSelection();
+    auto clone = std::make_unique<COpBox>(box);
+    MoveBox(*clone, kDuplicateOffset[0], kDuplicateOffset[1]);
+    if (!AdmitBox(*clone)) return;
+    m_document.m_boxes.push_front(std::move(clone));
+    NetworkHasChanged();
+}
+
+void COpDesk::DeleteBox(const COpBox& box) {
+    auto& stack = m_document.m_boxes;
+    const auto place =
+        std::find_if(stack.begin(), stack.end(), [&](const auto& own) { return own.get() == &box; });
+    if (place == stack.end()) return;
+    auto owned = std::move(*place);
+    stack.erase(place);
+    RemoveBox(std::move(owned));
+    NetworkHasChanged();
+}
+
+// A menu may have been open for long: what it was opened on need not stand any more.
+COpButton* COpDesk::LiveMouseButton() const {
+    return COpButton::IsLive(m_mouseButton) ? m_mouseButton : nullptr;
+}
+
+void COpDesk::DeleteButton() {
+    COpButton* button = LiveMouseButton();
+    if (button == nullptr || button->kind != ButtonKind::kVinput) return;
+    COpBox& box = *button->owner;
+    std::erase(m_selectedConnects, button);
+    box.DeleteButton(*button);
+    m_mouseButton = nullptr;
+    ClearSelectedButton();
+    m_view.LayoutBox(box);
+    NetworkHasChanged();
+}
+
+void COpDesk::DeleteConnections() {
+    COpButton* button = LiveMouseButton();
+    if (button == nullptr || button->connections.Empty()) return;
+    if (button->IsOutput()) {
+        const std::unordered_set<const COpButton*> inputs(button->connections.begin(),
+                                                          button->connections.end());
+        std::erase_if(m_selectedConnects, [&](const COpButton* input) { return inputs.contains(input); });
+    } else {
+        std::erase(m_selectedConnects, button);
+    }
+    button->Disconnect();
+    NetworkHasChanged();
+}
+
+void COpDesk::ToggleArgument() {
+    COpButton* button = LiveMouseButton();
+    if (button == nullptr || button->IsOutput() || button->disableargflag != 0) return;
+    button->arg = button->arg == 0 ? 1 : 0;
+    m_view.ArgumentChanged(*button);
+    NetworkHasChanged();
+}
+
+void COpDesk::ChooseCast(size_t cast) {
+    COpButton* button = LiveMouseButton();
+    if (button == nullptr || cast >= button->values.size()) return;
+    button->SetCast(cast);
+    NetworkHasChanged();
+}
+
+}  // namespace tavrin

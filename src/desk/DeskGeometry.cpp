@@ -1,0 +1,145 @@
+#include "desk/DeskGeometry.h"
+
+#include <algorithm>
+
+#include "document/TvDoc.h"
+
+namespace tavrin {
+
+namespace {
+
+using namespace desk_lengths;
+
+constexpr float kNetworkMargin = 10;  // pixels round the network
+
+float ColumnWidth(const std::vector<std::unique_ptr<COpButton>>& buttons, float pixel, float pad,
+                  const TextMeasure& text) {
+    float widest = kMinColumnText;
+    for (const auto& button : buttons)
+        widest = std::max(widest, text.LabelWidth(button->DisplayName()) * pixel);
+    return pad + widest;
+}
+
+size_t ButtonCount(const COpBox& box, bool outputs) {
+    return outputs ? box.outputs.size() : box.inputs.size();
+}
+
+}  // namespace
+
+DeskRect DeskRect::Between(DeskPoint corner, DeskPoint opposite) {
+    const float left = std::min(corner.x, opposite.x);
+    const float bottom = std::min(corner.y, opposite.y);
+    return {left, bottom, std::max(corner.x, opposite.x) - left, std::max(corner.y, opposite.y) - bottom};
+}
+
+DeskRect DeskRect::UnitedWith(const DeskRect& other) const {
+    const DeskPoint low{std::min(left, other.left), std::min(bottom, other.bottom)};
+    return {low.x, low.y, std::max(Right(), other.Right()) - low.x, std::max(Top(), other.Top()) - low.y};
+}
+
+void LayoutBox(COpBox& box, float zoom, const TextMeasure& text, IconSize icon) {
+    const float pixel = 1 / zoom;  // in desk units
+    // Bevels and gaps are never thinner than their pixels.
+    const float thin = zoom < 1 ? pixel : 1;
+    const float pad = (kTextGap + 2 * kBevel) * thin;
+    const auto rows = [](const auto& buttons) { return static_cast<float>(buttons.size()) * kRowHeight; };
+    const bool hasIcon = icon.width > 0 && icon.height > 0;
+    // An icon's pixels count as desk units: it is magnified with the desk.
+    const float iconWidth = hasIcon ? static_cast<float>(icon.width) + pad : 0;
+    const float iconHeight = hasIcon ? static_cast<float>(icon.height) + pad : 0;
+    const float nameWidth = text.LabelWidth(box.BoxTitleWid()) * pixel + pad;
+    const float labelWidth = text.TitleWidth(box.icontext) * pixel + pad;
+
+    BoxLayout& layout = box.layout;
+    layout.titleHeight = kRowHeight;
+    layout.leftColumnWidth = ColumnWidth(box.inputs, pixel, pad, text);
+    layout.rightColumnWidth = ColumnWidth(box.outputs, pixel, pad, text);
+    const float columns = layout.leftColumnWidth + layout.rightColumnWidth;
+    layout.width =
+        std::max({static_cast<float>(box.size[0]), nameWidth, iconWidth + columns, labelWidth + columns});
+    layout.bodyHeight = std::max({static_cast<float>(box.size[1]) - layout.titleHeight, rows(box.inputs),
+                                  iconHeight, kRowHeight, rows(box.outputs)});
+    layout.left = box.xypos[0] - layout.width * 0.5F;
+    layout.bottom = box.xypos[1] - (layout.bodyHeight + layout.titleHeight) * 0.5F;
+}
+
+DeskRect BoxRect(const COpBox& box) {
+    const BoxLayout& layout = box.layout;
+    return {layout.left, layout.bottom, layout.width, layout.titleHeight + layout.bodyHeight};
+}
+
+DeskRect TitleRect(const COpBox& box) {
+    const BoxLayout& layout = box.layout;
+    return {layout.left, layout.bottom + layout.bodyHeight, layout.width, layout.titleHeight};
+}
+
+DeskRect PanelRect(const COpBox& box) {
+    const BoxLayout& layout = box.layout;
+    return {layout.left + layout.leftColumnWidth, layout.bottom,
+            layout.width - layout.leftColumnWidth - layout.rightColumnWidth, layout.bodyHeight};
+}
+
+DeskRect ButtonColumnRect(const COpBox& box, bool outputs) {
+    const BoxLayout& layout = box.layout;
+    if (!outputs) return {layout.left, layout.bottom, layout.leftColumnWidth, layout.bodyHeight};
+    return {layout.left + layout.width - layout.rightColumnWidth, layout.bottom, layout.rightColumnWidth,
+            layout.bodyHeight};
+}
+
+ButtonPlace ButtonPlace::Of(const COpButton& button) {
+    return {button.owner, button.IsOutput(), button.owner->IndexOfButton(button)};
+}
+
+DeskRect ButtonRect(const ButtonPlace& place) {
+    const DeskRect column = ButtonColumnRect(*place.box, place.isOutput);
+    const auto count = static_cast<float>(ButtonCount(*place.box, place.isOutput));
+    const float below = count - static_cast<float>(place.index) - 1;  // rows under this one
+    return {column.left, column.bottom + column.height * below / count, column.width, column.height / count};
+}
+
+DeskPoint ButtonAnchor(const ButtonPlace& place) {
+    const DeskRect rect = ButtonRect(place);
+    return {place.isOutput ? rect.Right() : rect.left, rect.Middle().y};
+}
+
+DeskRect GrowArrowRect(const ButtonPlace& place, bool above) {
+    const DeskRect button = ButtonRect(place);
+    return {button.left, above ? button.Top() : button.bottom - kGrowArrowHeight,
+            place.box->layout.leftColumnWidth, kGrowArrowHeight};
+}
+
+Polyline ConnectionPolyline(const ButtonPlace& output, const ButtonPlace& input, bool traced) {
+    const DeskPoint from = ButtonAnchor(output);
+    const DeskPoint to = ButtonAnchor(input);
+    if (!traced) return {{from, to}, 2};
+
+    const auto spacing = [](size_t steps) { return static_cast<float>(steps) * kRouteSpacing; };
+    const bool isDown = to.y <= from.y;
+    const float turn = spacing(isDown ? input.index + 1 : input.box->inputs.size() - input.index);
+    const float middle = to.x - turn;
+    if (middle > from.x + kRouteSpacing) return {{from, {middle, from.y}, {middle, to.y}, to}, 4};
+
+    const DeskRect target = BoxRect(*input.box);
+    const float out = from.x + spacing(isDown ? output.box->outputs.size() - output.index : output.index + 1);
+    const float past = isDown ? target.Top() + turn : target.bottom - turn;
+    return {{from, {out, from.y}, {out, past}, {middle, past}, {middle, to.y}, to}, 6};
+}
+
+std::optional<DeskRect> NetworkRect(const CTvDoc& document, float zoom) {
+    if (document.m_boxes.empty()) return std::nullopt;
+    DeskRect covered = BoxRect(*document.m_boxes.front());
+    for (const auto& box : document.m_boxes) covered = covered.UnitedWith(BoxRect(*box));
+    if (document.linetype == 1) {
+        for (const auto& box : document.m_boxes) {
+            ForEachConnection(*box, [&](const ButtonPlace& from, const ButtonPlace& to, COpButton&) {
+                for (const DeskPoint& point : ConnectionPolyline(from, to, true)) {
+                    covered = covered.UnitedWith({point.x, point.y, 0, 0});
+                }
+                return true;
+            });
+        }
+    }
+    return covered.GrownBy(kNetworkMargin / zoom);
+}
+
+}  // namespace tavrin

@@ -1,0 +1,124 @@
+// Where things lie on the desk: plain arithmetic in desk units, x to the right and y upward.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "library/OpBox.h"
+
+namespace tavrin {
+
+class CTvDoc;
+
+struct DeskPoint {
+    float x = 0;
+    float y = 0;
+    bool operator==(const DeskPoint&) const = default;
+};
+
+// Half open: left and bottom belong to it, right and top do not.
+struct DeskRect {
+    float left = 0;
+    float bottom = 0;
+    float width = 0;
+    float height = 0;
+    bool operator==(const DeskRect&) const = default;
+
+    static DeskRect Between(DeskPoint corner, DeskPoint opposite);
+    float Right() const { return left + width; }
+    float Top() const { return bottom + height; }
+    DeskPoint Middle() const { return {left + width * 0.5F, bottom + height * 0.5F}; }
+    bool Contains(DeskPoint point) const {
+        return point.x >= left && point.x < Right() && point.y >= bottom && point.y < Top();
+    }
+    // Both corners of the other lie inside.
+    bool Encloses(const DeskRect& other) const {
+        return Contains({other.left, other.bottom}) && Contains({other.Right(), other.Top()});
+    }
+    DeskRect UnitedWith(const DeskRect& other) const;
+    DeskRect GrownBy(float margin) const {
+        return {left - margin, bottom - margin, width + 2 * margin, height + 2 * margin};
+    }
+};
+
+namespace desk_lengths {
+inline constexpr float kRowHeight = 16;  // of the title too
+inline constexpr float kMinColumnText = 20;
+inline constexpr float kBevel = 2;
+inline constexpr float kTextGap = 4;  // between a text and the bevels round it, both sides together
+inline constexpr float kRouteSpacing = 8;
+inline constexpr float kGrowArrowHeight = 16;
+}  // namespace desk_lengths
+
+// The widths of texts in window pixels, in the fonts that belong to the zoom.
+class TextMeasure {
+  public:
+    virtual ~TextMeasure() = default;
+    virtual float LabelWidth(const std::string& text) const = 0;  // of titles, buttons and wires
+    virtual float TitleWidth(const std::string& text) const = 0;  // of the text in a box's middle
+};
+
+// In pixels; 0 without an icon.
+struct IconSize {
+    int width = 0;
+    int height = 0;
+};
+
+// Lays a box out round its anchor, as large as its texts, icon and buttons need. Depends on the zoom through
+// the texts, whose size in desk units it changes.
+void LayoutBox(COpBox& box, float zoom, const TextMeasure& text, IconSize icon);
+
+// What a laid out box covers, title included, and its pieces.
+DeskRect BoxRect(const COpBox& box);
+DeskRect TitleRect(const COpBox& box);
+DeskRect PanelRect(const COpBox& box);  // between the two columns of buttons
+DeskRect ButtonColumnRect(const COpBox& box, bool outputs);
+
+// A button by its place in its box, so that nothing need search for it.
+struct ButtonPlace {
+    const COpBox* box = nullptr;
+    bool isOutput = false;
+    size_t index = 0;
+
+    // Searches the box for the button.
+    static ButtonPlace Of(const COpButton& button);
+};
+DeskRect ButtonRect(const ButtonPlace& place);
+// Where lines meet the button: the middle of its outer edge.
+DeskPoint ButtonAnchor(const ButtonPlace& place);
+// The boxes above and below a vinput that it grows from.
+DeskRect GrowArrowRect(const ButtonPlace& place, bool above);
+
+struct Polyline {
+    std::array<DeskPoint, 6> points;
+    size_t count = 0;
+
+    const DeskPoint* begin() const { return points.data(); }
+    const DeskPoint* end() const { return points.data() + count; }
+};
+// The line from an output to an input: straight with two points, or traced at right angles with four, or with
+// six where it has to come round the target box. Lines of neighbouring buttons keep clear of one another.
+Polyline ConnectionPolyline(const ButtonPlace& output, const ButtonPlace& input, bool traced);
+
+// Calls `visit(ButtonPlace output, ButtonPlace input, COpButton& inputButton)` for each input of the box that
+// has a connection, top to bottom. `visit` returns whether to go on; the result is whether all were visited.
+template <typename Visit>
+bool ForEachConnection(const COpBox& box, Visit visit) {
+    for (size_t index = 0; index < box.inputs.size(); ++index) {
+        COpButton& input = *box.inputs[index];
+        if (input.connections.Empty()) continue;
+        const ButtonPlace target{&box, false, index};
+        if (!visit(ButtonPlace::Of(*input.connections.First()), target, input)) return false;
+    }
+    return true;
+}
+
+// What all boxes cover and, where lines are traced, the lines, with a margin of some pixels; nothing for an
+// empty network.
+std::optional<DeskRect> NetworkRect(const CTvDoc& document, float zoom);
+
+}  // namespace tavrin

@@ -1,0 +1,276 @@
+#include "desk/DeskGestures.h"
+
+#include <algorithm>
+
+#include "desk/HitTest.h"
+#include "text/Report.h"
+
+namespace tavrin {
+
+const char* const kDeskHint =
+    "LEFT: Select        SHIFT+LEFT: Add Selection        CTRL+LEFT: Toggle Selection        LEFT DRAG: Move "
+    "  "
+    "     WHEEL: Zoom        MIDDLE or SHIFT+RIGHT DRAG: Pan/Scroll        RIGHT: Menu";
+
+namespace {
+
+constexpr float kAutoScrollStep = 8;  // pixels
+constexpr const char* kLoopHelp = ">>>\r\n>>> HEY!!!  That would make an endless loop\r\n>>>";
+// A press and a release word it differently.
+constexpr const char* kLoopAtPress = "That would create endless loop!  Watch status box for warnings.";
+constexpr const char* kLoopAtRelease = "That would create an endless loop!  Watch status box for warnings.";
+
+bool IsVinput(const COpButton* button) { return button != nullptr && button->kind == ButtonKind::kVinput; }
+
+}  // namespace
+
+void DeskGestures::LeftDown(const PointerState& pointer) {
+    m_around.windows.Repaint();
+    m_gesture = Kind::kIdle;
+    if (!m_around.desk.m_pendingBoxes.empty()) {
+        m_around.desk.DropPending();
+        return;
+    }
+    const DeskPoint at = m_around.view.ToDesk(pointer.at);
+    COpBox* box = HitBox(m_around.document, at);
+    COpButton* button = box == nullptr ? nullptr : HitButton(*box, at);
+    // What the last move left, unless the view has changed under a pointer at rest.
+    Remember(pointer, at);
+    m_around.desk.m_mouseBox = box;
+    m_around.desk.m_mouseButton = button;
+    if (button != nullptr) {
+        PressButton(*button);
+    } else if (box != nullptr) {
+        PressBox(*box, pointer);
+    } else if (COpButton* input =
+                   HitConnection(m_around.document, at, m_around.lineWidth / m_around.view.Zoom())) {
+        PressLine(*input, pointer);
+    } else {
+        PressEmptyDesk(at, pointer);
+    }
+}
+
+void DeskGestures::PressButton(COpButton& button) {
+    COpDesk& desk = m_around.desk;
+    desk.ClearSelectedConnects();
+    COpButton* selected = desk.m_selectedButton;
+    if (selected != nullptr && selected->CanConnect(button)) {
+        if (selected->WouldLoop(button)) {
+            m_around.report.Alert("%s", kLoopAtPress);
+        } else {
+            Wire(button);
+        }
+        return;
+    }
+    desk.m_selectedButton = &button;
+    m_growArrowsShown = m_growArrowsShown || IsVinput(&button);
+    m_gesture = Kind::kWiring;
+}
+
+void DeskGestures::PressBox(COpBox& box, const PointerState& pointer) {
+    COpDesk& desk = m_around.desk;
+    desk.ClearSelectedButton();
+    desk.ClearSelectedConnects();
+    m_gesture = Kind::kMoving;
+    const bool wasSelected = box.selected != 0;
+    if (wasSelected && !pointer.control) return;  // what is selected stays, ready to be dragged
+    if (!pointer.control && !pointer.shift) desk.ClearBoxSelection();
+    box.selected = wasSelected ? 0 : 1;
+    if (box.selected != 0) desk.RaiseBox(box);
+    m_around.windows.RefreshAllViews();
+}
+
+void DeskGestures::PressLine(COpButton& input, const PointerState& pointer) {
+    COpDesk& desk = m_around.desk;
+    const bool anyBox = desk.AnyBoxSelected();
+    desk.ClearBoxSelection();
+    desk.ClearSelectedButton();
+    if (!pointer.control && !pointer.shift) desk.ClearSelectedConnects();
+    auto& lines = desk.m_selectedConnects;
+    const auto place = std::find(lines.begin(), lines.end(), &input);
+    if (place == lines.end()) {
+        lines.push_back(&input);
+    } else if (pointer.control) {
+        lines.erase(place);
+    }
+    if (anyBox) m_around.windows.RefreshAllViews();
+}
+
+void DeskGestures::PressEmptyDesk(DeskPoint at, const PointerState& pointer) {
+    COpDesk& desk = m_around.desk;
+    m_bandAnchor = at;
+    desk.ClearSelectedButton();
+    desk.ClearSelectedConnects();
+    m_gesture = pointer.control ? Kind::kBandToggle : Kind::kBandAdd;
+    if (pointer.control || pointer.shift || !desk.AnyBoxSelected()) return;
+    desk.ClearBoxSelection();
+    m_around.windows.RefreshAllViews();
+}
+
+void DeskGestures::Move(const PointerState& event) {
+    PointerState pointer = event;
+    DeskViewport& view = m_around.view;
+    DeskPoint at = view.ToDesk(pointer.at);
+    if (m_ignoreNextMove) {
+        m_ignoreNextMove = false;
+        Remember(pointer, at);
+        return;
+    }
+    FollowAutoScroll(at, pointer.left);
+    if (!view.Visible().Contains(at)) {
+        pointer.at = {std::clamp(pointer.at.x, 0.0F, std::max(view.Width() - 1, 0.0F)),
+                      std::clamp(pointer.at.y, 0.0F, std::max(view.Height() - 1, 0.0F))};
+        at = view.ToDesk(pointer.at);
+    }
+    const bool pans = pointer.middle || (pointer.right && pointer.shift);
+    if (pans && view.Pan(pointer.at.x - m_mousePoint.x, pointer.at.y - m_mousePoint.y)) {
+        m_around.windows.UpdateScrollBars();
+        m_around.windows.Repaint();
+        Remember(pointer, at);
+        return;
+    }
+    COpBox* box = HitBox(m_around.document, at);
+    FollowButton(box, box == nullptr ? nullptr : HitButton(*box, at), at);
+    const DeskPoint delta{at.x - Mouse().x, at.y - Mouse().y};
+    if (pointer.left && m_gesture == Kind::kMoving) m_around.desk.MoveSelectedBoxes(delta.x, delta.y);
+    if (pointer.left && m_gesture != Kind::kIdle) m_around.windows.Repaint();
+    DragPending(at, delta);
+    if (m_gesture != Kind::kMoving) ShowHelp();
+    Remember(pointer, at);
+}
+
+void DeskGestures::FollowAutoScroll(DeskPoint at, bool leftDown) {
+    const DeskRect visible = m_around.view.Visible();
+    m_autoScroll = leftDown && !visible.Contains(at);
+    if (!m_autoScroll) return;
+    const auto step = [](float position, float low, float high) {
+        return position < low ? -kAutoScrollStep : position >= high ? kAutoScrollStep : 0;
+    };
+    m_autoScrollDelta = {step(at.x, visible.left, visible.Right()),
+                         step(at.y, visible.bottom, visible.Top())};
+}
+
+// Takes up what is under the pointer. While the arrows are up, the button that they belong to stays until the
+// pointer is on another one and on neither arrow.
+void DeskGestures::FollowButton(COpBox* box, COpButton* button, DeskPoint at) {
+    COpDesk& desk = m_around.desk;
+    const bool differs = button != desk.m_mouseButton;
+    if (m_growArrowsShown) {
+        m_around.windows.Repaint();
+        if (!differs || IsInGrowArrow(at, true) || IsInGrowArrow(at, false)) return;
+        m_growArrowsShown = false;
+    } else if (differs && desk.m_selectedButton != nullptr) {
+        m_around.windows.Repaint();
+    }
+    desk.m_mouseButton = button;
+    desk.m_mouseBox = box;
+}
+
+void DeskGestures::DragPending(DeskPoint at, DeskPoint delta) {
+    COpDesk& desk = m_around.desk;
+    for (const auto& box : desk.m_pendingBoxes) {
+        if (desk.m_pendingPlaced) {
+            desk.MoveBox(*box, delta.x, delta.y);
+        } else {
+            desk.MoveBox(*box, at.x, at.y - box->layout.bodyHeight * 0.5F);
+        }
+    }
+    if (!desk.m_pendingBoxes.empty()) m_around.windows.Repaint();
+    desk.m_pendingPlaced = true;
+}
+
+void DeskGestures::ShowHelp() {
+    const COpDesk& desk = m_around.desk;
+    const COpButton* button = desk.m_mouseButton;
+    const COpButton* selected = desk.m_selectedButton;
+    if (button == nullptr) {
+        m_around.showStatus(desk.m_mouseBox != nullptr ? desk.m_mouseBox->boxhelp : kDeskHint);
+    } else if (selected != nullptr && selected->CanConnect(*button) && selected->WouldLoop(*button)) {
+        m_around.showStatus(kLoopHelp);
+    } else {
+        m_around.showStatus(button->help);
+    }
+}
+
+void DeskGestures::LeftUp(const PointerState& pointer) {
+    m_autoScroll = false;
+    m_around.windows.Repaint();
+    const DeskPoint at = m_around.view.ToDesk(pointer.at);
+    COpButton* grown = nullptr;
+    if (m_growArrowsShown) {
+        const bool above = IsInGrowArrow(at, true);
+        if (above || IsInGrowArrow(at, false)) grown = m_around.desk.GrowVinput(above);
+        m_growArrowsShown = false;
+    }
+    if (m_gesture == Kind::kWiring) FinishWire(grown);
+    if (m_gesture == Kind::kBandAdd || m_gesture == Kind::kBandToggle) FinishBand();
+    m_gesture = Kind::kIdle;
+}
+
+void DeskGestures::FinishWire(COpButton* grown) {
+    const COpButton* selected = m_around.desk.m_selectedButton;
+    if (selected == nullptr) return;
+    COpButton* target = nullptr;
+    for (COpButton* candidate : {m_around.desk.m_mouseButton, grown}) {
+        if (candidate != nullptr && selected->CanConnect(*candidate)) target = candidate;
+    }
+    if (target == nullptr) return;  // the button stays selected: a click on another one wires them as well
+    if (selected->WouldLoop(*target)) {
+        m_around.report.Alert("%s", kLoopAtRelease);
+    } else {
+        Wire(*target);
+    }
+}
+
+void DeskGestures::Wire(COpButton& target) {
+    m_around.desk.m_selectedButton->Connect(target);
+    m_around.desk.ClearSelectedButton();
+    m_around.document.SetModified();
+    m_around.windows.RefreshAllViews();
+}
+
+void DeskGestures::FinishBand() {
+    const DeskRect band = Band();
+    bool changed = false;
+    for (const auto& box : m_around.document.m_boxes) {
+        if (!band.Encloses(BoxRect(*box))) continue;
+        const int selected = m_gesture == Kind::kBandAdd || box->selected == 0 ? 1 : 0;
+        changed = changed || box->selected != selected;
+        box->selected = selected;
+    }
+    if (changed) m_around.windows.RefreshAllViews();
+}
+
+void DeskGestures::Tick() {
+    if (!m_autoScroll || m_gesture == Kind::kIdle) return;
+    const DeskPoint pixels = m_autoScrollDelta;
+    const float zoom = m_around.view.Zoom();
+    const DeskPoint delta{pixels.x / zoom, pixels.y / zoom};
+    if (m_gesture == Kind::kMoving) m_around.desk.MoveSelectedBoxes(delta.x, delta.y);
+    m_around.document.offset[0] -= pixels.x;
+    m_around.document.offset[1] -= pixels.y;
+    m_around.document.SetModified();
+    m_around.desk.m_mouseDesk[0] += delta.x;
+    m_around.desk.m_mouseDesk[1] += delta.y;
+    m_around.windows.Repaint();
+    m_around.windows.UpdateScrollBars();
+}
+
+void DeskGestures::UpdateGrowArrows() {
+    m_growArrowsShown = m_gesture == Kind::kWiring && IsVinput(m_around.desk.m_mouseButton);
+    m_growArrowUpHot = m_growArrowsShown && IsInGrowArrow(Mouse(), true);
+    m_growArrowDownHot = m_growArrowsShown && IsInGrowArrow(Mouse(), false);
+}
+
+bool DeskGestures::IsInGrowArrow(DeskPoint at, bool above) const {
+    const COpButton* button = m_around.desk.m_mouseButton;
+    return button != nullptr && GrowArrowRect(ButtonPlace::Of(*button), above).Contains(at);
+}
+
+void DeskGestures::Remember(const PointerState& pointer, DeskPoint at) {
+    m_mousePoint = pointer.at;
+    m_around.desk.m_mouseDesk[0] = at.x;
+    m_around.desk.m_mouseDesk[1] = at.y;
+}
+
+}  // namespace tavrin

@@ -1,0 +1,91 @@
+// What the pointer does on the desk: selecting, moving, wiring, rubber bands, panning.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "desk/DeskViewport.h"
+#include "desk/OpDesk.h"
+
+namespace tavrin {
+
+// The pointer as an event of the window tells it.
+struct PointerState {
+    WindowPoint at;
+    bool left = false;
+    bool middle = false;
+    bool right = false;
+    bool shift = false;
+    bool control = false;
+};
+
+// Shown while the pointer is over no box.
+extern const char* const kDeskHint;
+
+// A state machine that a window feeds with its events and asks what to draw. It owns nothing but the gesture
+// that runs; the selection and what lies under the mouse are the desk's. Wires that may not be are refused
+// with an alert; nothing else can fail. Nothing may be fed while the document is locked.
+class DeskGestures {
+  public:
+    enum class Kind { kIdle, kMoving, kWiring, kBandAdd, kBandToggle };
+
+    // All outlive it. `windows` is told what to repaint and refresh, `showStatus` what help to show.
+    struct Surroundings {
+        CTvDoc& document;
+        COpDesk& desk;
+        DeskViewport& view;
+        DeskView& windows;
+        Report& report;
+        float lineWidth;  // pixels; how near a click on a line must be
+        std::function<void(const std::string&)> showStatus;
+    };
+    explicit DeskGestures(Surroundings surroundings) : m_around(std::move(surroundings)) {}
+
+    void LeftDown(const PointerState& pointer);
+    void Move(const PointerState& pointer);
+    void LeftUp(const PointerState& pointer);
+    // To be called at even times while a gesture runs: scrolls while boxes are held beyond the window's edge.
+    void Tick();
+    // The next move only tells where the pointer is: a menu has closed, and this is no drag.
+    void IgnoreNextMove() { m_ignoreNextMove = true; }
+
+    // The window takes what it draws from here. Before each paint the arrows by which a vinput grows are to
+    // follow the state of things.
+    void UpdateGrowArrows();
+    Kind Current() const { return m_gesture; }
+    DeskPoint Mouse() const { return {m_around.desk.m_mouseDesk[0], m_around.desk.m_mouseDesk[1]}; }
+    DeskRect Band() const { return DeskRect::Between(m_bandAnchor, Mouse()); }
+    bool GrowArrowsShown() const { return m_growArrowsShown; }
+    void HideGrowArrows() { m_growArrowsShown = false; }
+    bool IsGrowArrowHot(bool above) const { return above ? m_growArrowUpHot : m_growArrowDownHot; }
+
+  private:
+    // What a press met, each with the pointer's modifiers.
+    void PressButton(COpButton& button);
+    void PressBox(COpBox& box, const PointerState& pointer);
+    void PressLine(COpButton& input, const PointerState& pointer);
+    void PressEmptyDesk(DeskPoint at, const PointerState& pointer);
+
+    void FollowAutoScroll(DeskPoint at, bool leftDown);
+    void FollowButton(COpBox* box, COpButton* button, DeskPoint at);
+    void DragPending(DeskPoint at, DeskPoint delta);
+    void ShowHelp();
+    void FinishWire(COpButton* grown);
+    void Wire(COpButton& target);
+    void FinishBand();
+    bool IsInGrowArrow(DeskPoint at, bool above) const;
+    void Remember(const PointerState& pointer, DeskPoint at);
+
+    Surroundings m_around;
+    Kind m_gesture = Kind::kIdle;
+    WindowPoint m_mousePoint;  // last position in the window
+    DeskPoint m_bandAnchor;
+    bool m_growArrowsShown = false;
+    bool m_growArrowUpHot = false;
+    bool m_growArrowDownHot = false;
+    bool m_ignoreNextMove = false;
+    bool m_autoScroll = false;
+    DeskPoint m_autoScrollDelta;  // pixels
+};
+
+}  // namespace tavrin

@@ -1,0 +1,21 @@
+// The command line of the desktop program.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+struct ProgramOptions {
+    std::string documentPath;  // empty for none
+    bool help = false;
+    bool version = false;
+    std::string error;  // what is wrong with the command line; empty if nothing
+};
+
+// The toolkit's own options, and what follows them, are not known here: they have been taken out before.
+ProgramOptions ParseProgramOptions(const std::vector<std::string>& words);
+
+std::string ProgramHelp();
+
+}  // namespace tavrin

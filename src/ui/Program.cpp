@@ -1,0 +1,110 @@
+#include "ui/Program.h"
+
+#include <QApplication>
+#include <QSurfaceFormat>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+
+#include "app/TvApp.h"
+#include "app/Version.h"
+#include "base/Interruption.h"
+#include "ui/CommandLine.h"
+#include "ui/IniProfile.h"
+#include "ui/Messages.h"
+#include "ui/QtQueue.h"
+#include "ui/Text.h"
+#include "ui/frame/MainFrame.h"
+#include "ui/icons/Icons.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr int kWrongCommandLine = 2;
+constexpr int kSignalBase = 128;
+constexpr std::chrono::milliseconds kGrace{1000};  // for children when the program is ended from outside
+
+std::string ProgramPath(const char* invokedAs) {
+    std::error_code unknown;
+    const std::string path = std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+    return unknown ? invokedAs : path;
+}
+
+// The desk draws with OpenGL 1.1 calls.
+void AskForContext() {
+    QSurfaceFormat format;
+    format.setVersion(2, 1);
+    format.setProfile(QSurfaceFormat::CompatibilityProfile);
+    format.setDepthBufferSize(24);
+    format.setSamples(0);
+    QSurfaceFormat::setDefaultFormat(format);
+}
+
+// The document of the command line. If that cannot be opened, the program ends.
+bool OpenNamedDocument(MainFrame& frame, Report& report, const std::string& path) {
+    if (path.empty() || frame.OpenDocumentFile(path)) return true;
+    const auto alert = report.TakePending();
+    const std::string text = alert ? alert->text : "unable to open " + path;
+    std::fprintf(stderr, "tavrin: %s\n", text.c_str());
+    ShowStop(nullptr, "Alert", Shown(text));
+    return false;
+}
+
+int RunWindows(const std::string& programPath, const std::string& documentPath) {
+    QtQueue queue;
+    Report report;
+    IniProfile profile;
+    CTvApp app(report, queue, Environment::FromProcess(), programPath);
+    int status = EXIT_FAILURE;
+    {
+        MainFrame frame({app, queue, profile}, true);
+        // Called on a thread of its own. What is unsaved goes aside before the loop ends.
+        Interruption interruption([&](int signal) {
+            app.GetSite().commands.InterruptCommand(signal);
+            queue.Post([&] {
+                frame.SaveAside();
+                QCoreApplication::exit(EXIT_FAILURE);
+            });
+        });
+        if (OpenNamedDocument(frame, report, documentPath)) {
+            frame.show();
+            status = QApplication::exec();
+        }
+        if (interruption.Signal() != 0) status = kSignalBase + interruption.Signal();
+    }
+    app.CloseDown(kGrace);
+    return status;
+}
+
+}  // namespace
+
+int RunProgram(int& argc, char** argv) {
+    // Before the toolkit wants a display.
+    std::vector<std::string> words(argv + 1, argv + argc);
+    ProgramOptions options = ParseProgramOptions(words);
+    if (options.help) {
+        std::fputs(ProgramHelp().c_str(), stdout);
+        return EXIT_SUCCESS;
+    }
+    if (options.version) {
+        std::printf("tavrin %s\n", VersionText(kProductVersion).c_str());
+        return EXIT_SUCCESS;
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+    Interruption::Block();
+    AskForContext();
+    QApplication application(argc, argv);
+    options = ParseProgramOptions({argv + 1, argv + argc});
+    if (!options.error.empty()) {
+        std::fprintf(stderr, "tavrin: %s\n", options.error.c_str());
+        return kWrongCommandLine;
+    }
+    QApplication::setApplicationName("tavrin");
+    QApplication::setDesktopFileName("tavrin");
+    QApplication::setWindowIcon(ApplicationIcon());
+    QApplication::setQuitOnLastWindowClosed(false);
+    return RunWindows(ProgramPath(argv[0]), options.documentPath);
+}
+
+}  // namespace tavrin

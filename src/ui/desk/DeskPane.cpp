@@ -1,0 +1,206 @@
+#include "ui/desk/DeskPane.h"
+
+#include <QCursor>
+#include <QGridLayout>
+#include <QScrollBar>
+#include <QTimer>
+#include <QWheelEvent>
+#include <algorithm>
+
+#include "base/Paths.h"
+#include "images/SgiImage.h"
+#include "site/Site.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr int kWheelStep = 120;  // eighths of a degree in a notch
+
+// The wheel zooms wherever it is turned over the pane.
+class DeskScrollBar : public QScrollBar {
+  public:
+    using QScrollBar::QScrollBar;
+
+  protected:
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+};
+
+// Nothing for what moves no bar, such as the end of a drag.
+std::optional<ScrollAction> ActionOf(int sliderAction) {
+    switch (sliderAction) {
+        case QAbstractSlider::SliderSingleStepSub:
+            return ScrollAction::kLineUp;
+        case QAbstractSlider::SliderSingleStepAdd:
+            return ScrollAction::kLineDown;
+        case QAbstractSlider::SliderPageStepSub:
+            return ScrollAction::kPageUp;
+        case QAbstractSlider::SliderPageStepAdd:
+            return ScrollAction::kPageDown;
+        case QAbstractSlider::SliderMove:
+            return ScrollAction::kThumb;
+        case QAbstractSlider::SliderToMinimum:
+            return ScrollAction::kTop;
+        case QAbstractSlider::SliderToMaximum:
+            return ScrollAction::kBottom;
+        default:
+            return std::nullopt;
+    }
+}
+
+// A bar of the toolkit ends at its last position, not at the far end of what there is.
+void Show(QScrollBar& bar, const ScrollRange& range) {
+    bar.setRange(range.minimum, std::max(range.maximum - range.page, range.position));
+    bar.setPageStep(range.page);
+    bar.setValue(range.position);
+    bar.setEnabled(range.canScroll);
+}
+
+}  // namespace
+
+DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Callbacks callbacks)
+    : QWidget(parent),
+      m_document(document),
+      m_desk(desk),
+      m_callbacks(std::move(callbacks)),
+      m_style(DeskStyle::Read(site.settings)),
+      m_view(document, m_style.zoom),
+      m_fonts(m_style.font,
+              [this](const std::string& message) {
+                  QTimer::singleShot(0, this, [this, message] { m_callbacks.fail(message); });
+              }),
+      m_gestures(
+          {document, desk, m_view, m_windows, site.report, m_style.connectWidth, m_callbacks.showStatus}),
+      m_painter({document, desk, m_gestures, m_view, m_style, m_fonts, site.report}),
+      m_widget(new DeskWidget(this, m_gestures,
+                              {[this] { m_fonts.ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
+                               [this](const std::string& message) { m_callbacks.fail(message); }})),
+      m_across(MakeScrollBar(Qt::Horizontal)),
+      m_down(MakeScrollBar(Qt::Vertical)) {
+    if (!m_style.wallpaper.empty()) LoadWallpaper(site);
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(0);
+    grid->addWidget(m_widget, 0, 0);
+    grid->addWidget(m_down, 0, 1);
+    grid->addWidget(m_across, 1, 0);
+    grid->setRowStretch(0, 1);
+    grid->setColumnStretch(0, 1);
+}
+
+DeskPane::~DeskPane() = default;
+
+QScrollBar* DeskPane::MakeScrollBar(Qt::Orientation orientation) {
+    auto* bar = new DeskScrollBar(orientation, this);
+    connect(bar, &QScrollBar::actionTriggered, this,
+            [this, orientation](int action) { Scroll(orientation, action); });
+    return bar;
+}
+
+void DeskPane::LayoutBox(COpBox& box) {
+    const float zoom = m_view.Zoom();
+    tavrin::LayoutBox(box, zoom, DeskTextMeasure(m_fonts, zoom), IconSize{});
+}
+
+// The site's. One that cannot be read leaves the desk plain, with a word in the log.
+void DeskPane::LoadWallpaper(Site& site) {
+    auto image = std::make_unique<CSgiImage>(
+        ResolvePath(m_style.wallpaper, site.directories.tavrnDir),
+        [&site](const std::string& line) { site.report.LogLine("%s", line.c_str()); });
+    if (image->pixels != nullptr) m_wallpaper = std::move(image);
+}
+
+void DeskPane::SetWallpaper(std::unique_ptr<CSgiImage> image) {
+    m_wallpaper = std::move(image);
+    Repaint();
+}
+
+void DeskPane::LayoutAll() {
+    const float zoom = m_view.Zoom();
+    const DeskTextMeasure measure(m_fonts, zoom);
+    const auto layOut = [&](auto& boxes) {
+        for (const auto& box : boxes) tavrin::LayoutBox(*box, zoom, measure, IconSize{});
+    };
+    layOut(m_document.m_boxes);
+    layOut(m_desk.m_pendingBoxes);
+    layOut(m_desk.m_clipboardBoxes);
+}
+
+void DeskPane::Repaint() { m_widget->update(); }
+
+void DeskPane::OnUpdate() {
+    setEnabled(m_document.lock == 0);
+    Repaint();
+}
+
+void DeskPane::ViewChanged(bool changed) {
+    if (!changed) return;
+    UpdateScrollBars();
+    Repaint();
+}
+
+void DeskPane::SetScrollBarsShown(bool shown) {
+    m_showScrollBars = shown;
+    UpdateScrollBars();
+}
+
+void DeskPane::UpdateScrollBars() {
+    m_across->setVisible(m_showScrollBars);
+    m_down->setVisible(m_showScrollBars);
+    if (!m_showScrollBars) return;
+    Show(*m_across, m_view.HorizontalRange());
+    Show(*m_down, m_view.VerticalRange());
+}
+
+void DeskPane::Scroll(Qt::Orientation orientation, int sliderAction) {
+    const auto action = ActionOf(sliderAction);
+    if (!action) return;
+    if (orientation == Qt::Horizontal) {
+        m_view.ScrollHorizontally(*action, m_across->sliderPosition());
+    } else {
+        m_view.ScrollVertically(*action, m_down->sliderPosition());
+    }
+    ViewChanged(true);
+}
+
+void DeskPane::wheelEvent(QWheelEvent* event) {
+    const int turn = event->angleDelta().y();
+    if ((turn > 0) != (m_wheelTurn > 0)) m_wheelTurn = 0;
+    m_wheelTurn += turn;
+    for (; m_wheelTurn >= kWheelStep; m_wheelTurn -= kWheelStep) ViewChanged(m_view.Wheel(1));
+    for (; m_wheelTurn <= -kWheelStep; m_wheelTurn += kWheelStep) ViewChanged(m_view.Wheel(-1));
+    event->accept();
+}
+
+std::optional<DeskPoint> DeskPane::CursorOnDesk() const {
+    const QPoint at = m_widget->mapFromGlobal(QCursor::pos());
+    if (!m_widget->isVisible() || !m_widget->rect().contains(at)) return std::nullopt;
+    return m_view.ToDesk({static_cast<float>(at.x()), static_cast<float>(at.y())});
+}
+
+void DeskPane::Resized() {
+    FollowPixelRatio();
+    const QSize size = m_widget->size();
+    m_view.SetSize(static_cast<float>(size.width()), static_cast<float>(size.height()));
+    if (!size.isEmpty()) UpdateScrollBars();
+}
+
+void DeskPane::FollowPixelRatio() {
+    const auto ratio = static_cast<float>(m_widget->devicePixelRatioF());
+    if (ratio == m_fonts.PixelRatio()) return;
+    m_fonts.SetPixelRatio(ratio);
+    m_layoutDirty = true;
+}
+
+void DeskPane::Paint() {
+    m_desk.ValidateReferences();
+    FollowPixelRatio();
+    if (m_layoutDirty || m_view.Zoom() != m_lastZoom) LayoutAll();
+    m_gestures.UpdateGrowArrows();
+    m_painter.Paint(m_callbacks.highlightedBox(),
+                    {m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
+    m_layoutDirty = false;
+    m_lastZoom = m_view.Zoom();
+}
+
+}  // namespace tavrin

@@ -1,0 +1,110 @@
+// The desk as a piece of the frame: its window with scroll bars round it.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "desk/DeskGestures.h"
+#include "ui/desk/DeskFonts.h"
+#include "ui/desk/DeskPainter.h"
+#include "ui/desk/DeskWidget.h"
+
+class QScrollBar;
+
+namespace tavrin {
+
+class CSgiImage;
+struct Site;
+
+// Lives as long as the frame, its parent; document, desk and site outlive it.
+// While the document is locked it is disabled, and no event reaches it.
+class DeskPane : public QWidget {
+  public:
+    struct Callbacks {
+        std::function<std::string()> highlightedBox;  // the Box Finder's current name; empty for none
+        std::function<void(const std::string&)> showStatus;
+        std::function<void()> changed;                 // the document or the selection; not by a call below
+        std::function<void(const std::string&)> fail;  // the program must end with this message
+    };
+    DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Callbacks callbacks);
+    ~DeskPane() override;
+
+    // What COpDesk asks of its windows. Layout needs no context: it can be asked for before the pane is
+    // shown.
+    void LayoutAll();
+    void LayoutBox(COpBox& box);
+    void Repaint();
+    void UpdateScrollBars();
+    // After any change of the document: repaints, and follows the lock.
+    void OnUpdate();
+
+    void SetScrollBarsShown(bool shown);
+    bool ScrollBarsShown() const { return m_showScrollBars; }
+
+    void ZoomIn() { ViewChanged(m_view.ZoomIn()); }
+    void ZoomOut() { ViewChanged(m_view.ZoomOut()); }
+    void ZoomReset() { ViewChanged(m_view.ZoomReset()); }
+    void FitToWindow() { ViewChanged(m_view.FitToWindow()); }
+    void CentreOnBox(const std::string& boxTitleWid) { ViewChanged(m_view.CentreOnBox(boxTitleWid)); }
+
+    // Where the cursor is, unless it is outside the desk.
+    std::optional<DeskPoint> CursorOnDesk() const;
+
+    DeskGestures& Gestures() { return m_gestures; }
+    const DeskViewport& View() const { return m_view; }
+    DeskWidget& Desk() { return *m_widget; }
+
+    // Takes the place of the wallpaper that is there.
+    void SetWallpaper(std::unique_ptr<CSgiImage> image);
+
+    bool m_showWallpaper = true;
+    bool m_tileWallpaper = false;
+
+  protected:
+    void wheelEvent(QWheelEvent* event) override;
+
+  private:
+    // What gestures ask of the windows.
+    class Windows : public DeskView {
+      public:
+        explicit Windows(DeskPane& pane) : m_pane(pane) {}
+        void LayoutBox(COpBox& box) override { m_pane.LayoutBox(box); }
+        void Repaint() override { m_pane.Repaint(); }
+        void RefreshAllViews() override { m_pane.m_callbacks.changed(); }
+        void UpdateScrollBars() override { m_pane.UpdateScrollBars(); }
+
+      private:
+        DeskPane& m_pane;
+    };
+
+    void LoadWallpaper(Site& site);
+    QScrollBar* MakeScrollBar(Qt::Orientation orientation);
+    void Scroll(Qt::Orientation orientation, int sliderAction);
+    void ViewChanged(bool changed);
+    void Paint();
+    void Resized();
+    void FollowPixelRatio();
+
+    CTvDoc& m_document;
+    COpDesk& m_desk;
+    Callbacks m_callbacks;
+    DeskStyle m_style;
+    DeskViewport m_view;
+    DeskFonts m_fonts;
+    std::unique_ptr<CSgiImage> m_wallpaper;
+    Windows m_windows{*this};
+    DeskGestures m_gestures;
+    DeskPainter m_painter;
+    DeskWidget* m_widget;
+    QScrollBar* m_across;
+    QScrollBar* m_down;
+    bool m_showScrollBars = true;
+    bool m_layoutDirty = true;  // every box is laid out on the next paint
+    float m_lastZoom = 0;       // of the last paint
+    int m_wheelTurn = 0;        // eighths of a degree that have not made a step yet
+};
+
+}  // namespace tavrin

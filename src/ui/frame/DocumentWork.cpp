@@ -1,0 +1,122 @@
+#include "ui/frame/DocumentWork.h"
+
+#include "app/RecentFiles.h"
+#include "app/Workspace.h"
+#include "base/Paths.h"
+#include "ui/FileDialogs.h"
+#include "ui/Messages.h"
+#include "ui/Text.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* kDocumentFilter = "Tavrin Documents (*.tvn)";
+constexpr const char* kAllFilter = "All Files (*)";
+constexpr const char* kExtension = "tvn";
+
+}  // namespace
+
+DocumentWork::DocumentWork(QWidget& frame, Workspace& work, RecentFiles& recentFiles, Callbacks callbacks)
+    : m_frame(frame), m_work(work), m_recentFiles(recentFiles), m_callbacks(std::move(callbacks)) {}
+
+void DocumentWork::New() {
+    if (!SettleChanges()) return;
+    m_work.commands.New();
+    m_callbacks.workIsSafe();
+    m_callbacks.documentReplaced();
+}
+
+void DocumentWork::Open() {
+    FileDialogRequest request;
+    request.title = "Open";
+    request.filters = {kDocumentFilter, kAllFilter};
+    request.directory = m_work.app.GetSite().directories.docBrowserDir;
+    request.extension = kExtension;
+    request.filterIndex = m_lastFilterIndex;
+    const auto chosen = AskFileToOpen(&m_frame, request);
+    if (!chosen) return;
+    m_work.app.GetSite().directories.docBrowserDir = PathDir(chosen->path);
+    m_lastFilterIndex = chosen->filterIndex;
+    OpenDocument(chosen->path);
+}
+
+bool DocumentWork::OpenDocument(const std::string& path) {
+    if (!SettleChanges()) return false;
+    const std::string fullPath = FullPath(path);
+    if (!m_work.commands.Open(fullPath)) return false;
+    m_recentFiles.Add(fullPath);
+    m_callbacks.workIsSafe();
+    m_callbacks.documentReplaced();
+    return true;
+}
+
+bool DocumentWork::OpenHistoryEntry(const std::string& name, int number) {
+    if (!SettleChanges()) return false;
+    if (!m_work.session.LoadHistoryEntry(name, number)) return false;
+    m_work.commands.HasBeenOpened(m_work.document.Path());
+    m_callbacks.workIsSafe();
+    m_callbacks.documentReplaced();
+    return true;
+}
+
+void DocumentWork::Merge() {
+    FileDialogRequest request;
+    request.title = "Merge";
+    request.filters = {kDocumentFilter};
+    request.directory = m_work.app.GetSite().directories.docBrowserDir;
+    request.extension = kExtension;
+    const auto chosen = AskFileToOpen(&m_frame, request);
+    if (!chosen) return;
+    m_work.commands.Merge(chosen->path, [this] {
+        if (m_callbacks.slidersFrozen()) return;
+        ShowWarning(&m_frame, "Warning", "Freezing slider desk to prevent mass slider creation");
+        m_callbacks.freezeSliders();
+    });
+}
+
+bool DocumentWork::Save() {
+    const std::string& path = m_work.document.Path();
+    return path.empty() ? SaveAs() : SaveTo(path, false);
+}
+
+bool DocumentWork::SaveAs() {
+    FileDialogRequest request;
+    request.title = "Save As";
+    request.filters = {kDocumentFilter, kAllFilter};
+    const std::string& path = m_work.document.Path();
+    request.directory = path.empty() ? m_work.app.GetSite().directories.docBrowserDir : PathDir(path);
+    request.file = m_work.document.Title();
+    request.extension = kExtension;
+    const auto chosen = AskFileToSave(&m_frame, request);
+    return chosen && SaveTo(chosen->path, true);
+}
+
+bool DocumentWork::SaveTo(const std::string& path, bool asNew) {
+    const bool losesRest = m_work.document.WasCutShort() && path == m_work.document.Path();
+    if (losesRest && !AskWarning(&m_frame, Shown(path + " was not read to its end because of an error in it."
+                                                        "  Saving replaces the file and loses what was not"
+                                                        " read.  Save anyway?"))) {
+        return false;
+    }
+    if (!(asNew ? m_work.commands.SaveAs(path) : m_work.commands.Save(path))) return false;
+    m_recentFiles.Add(FullPath(path));
+    m_callbacks.workIsSafe();
+    m_callbacks.nameChanged();
+    return true;
+}
+
+bool DocumentWork::SettleChanges() {
+    if (!m_work.document.IsModified()) return true;
+    switch (AskSaveChanges(&m_frame, Shown(m_work.document.Title()))) {
+        case SaveAnswer::kSave:
+            return Save();
+        case SaveAnswer::kDiscard:
+            return true;
+        case SaveAnswer::kCancel:
+            break;
+    }
+    return false;
+}
+
+}  // namespace tavrin

@@ -1,0 +1,53 @@
+// The document's commands with the dialogs and questions that belong to them.
+#pragma once
+
+#include <functional>
+#include <string>
+
+class QWidget;
+
+namespace tavrin {
+
+class Profile;
+class RecentFiles;
+struct Workspace;
+
+// Belongs to the frame.
+class DocumentWork {
+  public:
+    struct Callbacks {
+        std::function<void()> documentReplaced;  // another document is shown now
+        std::function<void()> nameChanged;
+        std::function<void()> workIsSafe;  // nothing unsaved is left of what was edited
+        std::function<bool()> slidersFrozen;
+        std::function<void()> freezeSliders;
+    };
+
+    DocumentWork(QWidget& frame, Workspace& work, RecentFiles& recentFiles, Callbacks callbacks);
+
+    void New();
+    void Open();
+    // The normal way to open a file, whoever asks for it: settles changes, opens, remembers the file. False
+    // if the user cancels or the file cannot be opened; the document is then as it was.
+    bool OpenDocument(const std::string& path);
+    // Opens the copy that a render has kept. It is not remembered as a recent file.
+    bool OpenHistoryEntry(const std::string& name, int number);
+    void Merge();
+    // False if the document was not saved.
+    bool Save();
+    bool SaveAs();
+
+    // Asks whether changes are to be saved, and saves them. False if the document is to stay.
+    bool SettleChanges();
+
+  private:
+    bool SaveTo(const std::string& path, bool asNew);
+
+    QWidget& m_frame;
+    Workspace& m_work;
+    RecentFiles& m_recentFiles;
+    Callbacks m_callbacks;
+    int m_lastFilterIndex = 0;  // chosen last in the Open dialog
+};
+
+}  // namespace tavrin

@@ -1,0 +1,55 @@
+#include "ui/frame/IdleWork.h"
+
+#include <QWidget>
+
+#include "app/TvApp.h"
+#include "ui/Messages.h"
+#include "ui/Text.h"
+#include "ui/frame/Splash.h"
+
+namespace tavrin {
+
+IdleWork::IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, Callbacks callbacks)
+    : m_app(app), m_frame(frame), m_splash(std::move(splash)), m_callbacks(std::move(callbacks)) {}
+
+IdleWork::~IdleWork() = default;
+
+void IdleWork::Step() {
+    if (m_isShowing) return;
+    if (!m_startupChecked) CheckStart();
+    ShowPendingAlert();
+}
+
+void IdleWork::CheckStart() {
+    if (m_splash != nullptr && m_splash->TimeLeft() > 0 && !m_app.GetSite().report.HasPending()) return;
+    m_splash.reset();
+    m_frame.update();
+    m_startupChecked = true;
+    const auto problem = m_app.StartUpProblem();
+    if (!problem) {
+        m_callbacks.started();
+        return;
+    }
+    if (problem->isFatalError) {
+        m_isShowing = true;
+        ShowStop(&m_frame, "Fatal Error", Shown(problem->text));
+        m_isShowing = false;
+    } else {
+        m_app.GetSite().report.Alert("%s", problem->text.c_str());
+        ShowPendingAlert();
+    }
+    m_callbacks.quit();
+}
+
+void IdleWork::ShowPendingAlert() {
+    Report& report = m_app.GetSite().report;
+    const auto alert = report.TakePending();
+    if (!alert) return;
+    if (!alert->file.empty()) m_app.OpenInEditor(alert->file);
+    m_isShowing = true;
+    ShowStop(m_frame.isVisible() ? &m_frame : nullptr, "Alert", Shown(alert->text));
+    m_isShowing = false;
+    report.LogLine("ALERT: %s", alert->text.c_str());
+}
+
+}  // namespace tavrin

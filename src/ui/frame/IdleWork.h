@@ -1,0 +1,42 @@
+// What the program does when nothing else is to be done: the checks after its start, and the alert that
+// waits.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace tavrin {
+
+class CTvApp;
+class Splash;
+
+// Belongs to the frame.
+class IdleWork {
+  public:
+    struct Callbacks {
+        std::function<void()> quit;     // the program cannot go on
+        std::function<void()> started;  // the checks after the start have passed
+    };
+
+    // Takes the splash over.
+    IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, Callbacks callbacks);
+    ~IdleWork();
+
+    // One idle pass. Does nothing while a box of an earlier pass is still open.
+    void Step();
+
+  private:
+    void CheckStart();
+    void ShowPendingAlert();
+
+    CTvApp& m_app;
+    QWidget& m_frame;
+    std::unique_ptr<Splash> m_splash;
+    Callbacks m_callbacks;
+    bool m_startupChecked = false;
+    bool m_isShowing = false;  // a box is open
+};
+
+}  // namespace tavrin

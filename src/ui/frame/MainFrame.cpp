@@ -1,0 +1,380 @@
+#include "ui/frame/MainFrame.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include "forms/FormFrame.h"
+#include "ui/Messages.h"
+#include "ui/QtQueue.h"
+#include "ui/TableWindow.h"
+#include "ui/Text.h"
+#include "ui/desk/DeskPane.h"
+#include "ui/frame/EventPump.h"
+#include "ui/frame/SafetyCopies.h"
+#include "ui/frame/Splash.h"
+#include "ui/frame/StatusBox.h"
+#include "ui/icons/Icons.h"
+#include "ui/library/BoxFinder.h"
+#include "ui/library/MenuFinder.h"
+#include "ui/library/OperatorToolBar.h"
+#include "ui/log/LogWindow.h"
+#include "ui/render/ExportDlg.h"
+#include "ui/render/RenderHistoryDlg.h"
+#include "ui/sliders/HelpEditor.h"
+#include "ui/sliders/SliderPane.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr QSize kFirstSize(1280, 860);  // of a frame that was never placed
+constexpr int kToolIcon = 20;           // pixels a side
+constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";
+constexpr std::chrono::milliseconds kGrace{2000};  // for children to heed their kill file at the end
+
+QStringList ArgumentRow(COpButton& button, Report& report) {
+    return {Shown(button.VariableName(report)), button.arg != 0 ? "yes" : "no", Shown(button.argname),
+            Shown(button.comments)};
+}
+
+// The document among what is being dropped; empty if there is none.
+std::string DroppedDocument(const QMimeData& data, const std::string& extension) {
+    for (const QUrl& file : data.urls()) {
+        const QString path = file.toLocalFile();
+        if (path.endsWith(Shown(extension), Qt::CaseInsensitive)) return Bytes(path);
+    }
+    return {};
+}
+
+}  // namespace
+
+class MainFrame::Sink : public ReportSink {
+  public:
+    explicit Sink(MainFrame& frame) : m_frame(frame) {}
+    void OnAlert(const std::string&, const std::string&) override { m_frame.m_idle.Request(); }
+    void OnLog(std::string_view text) override { m_frame.m_windows.log->Append(text); }
+
+  private:
+    MainFrame& m_frame;
+};
+
+MainFrame::MainFrame(const Ground& ground, bool showSplash)
+    : m_app(ground.app),
+      m_queue(ground.queue),
+      m_profile(ground.profile),
+      m_idle([this] { OnIdle(); }),
+      m_sink(std::make_unique<Sink>(*this)),
+      m_dispatch(*this, GetSite().commands, GetSite().report),
+      m_recentFiles(ground.profile) {
+    setObjectName("MainFrame");
+    setWindowIcon(ApplicationIcon());
+    resize(kFirstSize);
+    WindowPlaces(m_profile).RestoreWindow(*this, "MainWindow", {true, false});
+    if (showSplash) m_splash = std::make_unique<Splash>(this, m_app.ProductVersion());
+    m_windows.log = new LogWindow(this, m_profile);
+    GetSite().report.SetSink(m_sink.get());
+    m_app.LoadSiteDefaults();
+    DeskView& view = *this;
+    m_work = std::make_unique<Workspace>(m_app, view, DocumentCommands::Announce::kYes);
+
+    CreateWindows();
+    CreateBars();
+    CreateClientArea();
+    CreateMenus();
+    RetitleCommands();
+    WindowPlaces places(m_profile);
+    m_windows.RestorePlaces(places);
+
+    m_queue.OnRan([this] { m_idle.Request(); });
+    m_safetyCopies = std::make_unique<SafetyCopies>(*m_work);
+    m_idleWork = std::make_unique<IdleWork>(
+        m_app, *this, std::move(m_splash),
+        IdleWork::Callbacks{.quit = [this] { close(); },
+                            .started =
+                                [this] {
+                                    const auto settle = [this] { return m_documents->SettleChanges(); };
+                                    if (m_safetyCopies->OfferLeftovers(*this, settle)) DocumentReplaced();
+                                }});
+    m_work->commands.StartUntitled();
+    DocumentReplaced();
+    setAcceptDrops(true);
+    // The splash goes after its time even if nothing happens meanwhile.
+    QTimer::singleShot(Splash::kTime + 1, this, [this] { m_idle.Request(); });
+}
+
+MainFrame::~MainFrame() {
+    m_queue.OnRan({});
+    // The document goes before the windows that its desk speaks to, children before the queue they post to.
+    m_renders.reset();
+    m_safetyCopies.reset();
+    delete m_splitter;
+    m_work.reset();
+    GetSite().report.SetSink(nullptr);
+}
+
+void MainFrame::CreateWindows() {
+    Report& report = GetSite().report;
+    m_windows.renderOptions = new TableWindow("Render Options [F2]", this, {"Option", "Value"}, [this] {
+        TableWindow::Rows rows;
+        for (const auto& [name, value] : m_work->document.m_renderOptions)
+            rows.push_back({Shown(name), Shown(value)});
+        return rows;
+    });
+    m_windows.argumentEditor = new TableWindow(
+        "Argument Editor [F5]", this, {"Input", "Argument", "Name", "Comment"}, [this, &report] {
+            TableWindow::Rows rows;
+            for (COpButton* button : m_work->document.CollectUnconnectedInputs()) {
+                rows.push_back(ArgumentRow(*button, report));
+            }
+            return rows;
+        });
+    const auto changed = [this] {
+        m_work->document.SetModified();
+        m_idle.Request();
+    };
+    const auto document = [this] { return &m_work->document; };
+    m_windows.helpEditor = new CHelpEditor(this, document, changed);
+    m_windows.boxFinder =
+        new BoxFinder(this, {.centreOnBox = [this](const std::string& name) { m_desk->CentreOnBox(name); },
+                             .repaintDesk = [this] { Repaint(); }});
+    m_windows.menuFinder =
+        new MenuFinder(this, m_app.Registry(), [this](uint32_t id) { AddOperatorById(id); });
+    m_windows.renderHistory = new CRenderHistoryDlg(
+        this, [this]() -> const std::deque<std::string>& { return m_work->session.History().Entries(); },
+        [this](const std::string& name, int number) { m_documents->OpenHistoryEntry(name, number); });
+    m_windows.exportDialog = new CExportDlg(
+        this, {.document = document,
+               .defaults = [this]() -> const CExportOptions& { return m_app.ExportDefaults(); },
+               .updateExportPaths = [this] { UpdateExportPaths(m_work->document, GetSite()); },
+               .documentChanged = changed});
+    for (ToolWindow* window : m_windows.All()) window->OnShownOrHidden([this] { m_idle.Request(); });
+}
+
+void MainFrame::CreateBars() {
+    m_actions = std::make_unique<CommandActions>(*this, [this](CommandId id) { Command(id); });
+    auto* tools = addToolBar("Main Toolbar");
+    tools->setObjectName("MainToolBar");
+    tools->setIconSize({kToolIcon, kToolIcon});
+    tools->setMovable(false);
+    m_actions->Fill(*tools, ToolBarLayout());
+    addToolBarBreak();
+    m_operatorBar = new OperatorToolBar(
+        this, m_app.Registry(),
+        {.shaderTypeChosen =
+             [this](const std::string& type) {
+                 m_app.SetVariable(kShaderTypeOption, type, true);
+                 UpdateTitle();
+             },
+         .render = [this] { Command(CommandId::kRenderIt); },
+         .customize = [this] { Command(CommandId::kCustomize); },
+         .addOperator = [this](uint32_t id) { AddOperatorById(id); },
+         .logLine = [this](const std::string& line) { GetSite().report.LogLine("%s", line.c_str()); },
+         .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); }});
+    m_operatorBar->setObjectName("OperatorToolBar");
+    m_operatorBar->setMovable(false);
+    addToolBar(m_operatorBar);
+    m_operatorBar->SetShaderTypes(m_app.ShaderTypes());
+    statusBar();
+
+    int shown = 1;
+    GetSite().settings.GetSettingInt("desk.statusbar", shown);
+    m_showStatus = shown != 0;
+    std::string imageDir;
+    GetSite().settings.GetSettingToken("imagebrowser_dir", imageDir);
+    m_imageBrowserDir = GetSite().LibraryPath(imageDir);
+    float ground[3] = {0.76F, 0.76F, 0.76F};
+    GetSite().settings.GetSettingRgb("status.backgroundcolor", ground);
+    m_statusBox = new CStatusBox(this, ground);
+    m_statusBox->setVisible(m_showStatus);
+    m_renders = std::make_unique<RenderWork>(*this, *m_work, *m_statusBox,
+                                             [this] { m_windows.renderHistory->Refresh(); });
+    m_documents = std::make_unique<DocumentWork>(
+        *this, *m_work, m_recentFiles,
+        DocumentWork::Callbacks{.documentReplaced = [this] { DocumentReplaced(); },
+                                .nameChanged = [this] { UpdateTitle(); },
+                                .workIsSafe = [this] { m_safetyCopies->Discard(); },
+                                .slidersFrozen = [this] { return m_sliders->IsFrozen(); },
+                                .freezeSliders = [this] { m_sliders->SetFrozen(true); }});
+}
+
+void MainFrame::CreateClientArea() {
+    m_splitter = new QSplitter(Qt::Horizontal, this);
+    m_splitter->setChildrenCollapsible(false);
+    m_sliders = new SliderPane(m_splitter);
+    m_sliderColumnWidth = m_sliders->ColumnWidth();
+    m_sliders->setFixedWidth(m_sliderColumnWidth);
+    m_desk = new DeskPane(m_splitter, m_work->document, m_work->desk, GetSite(),
+                          {.highlightedBox = [this] { return m_windows.boxFinder->CurrentName(); },
+                           .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
+                           .changed = [this] { RefreshAllViews(); },
+                           .fail =
+                               [this](const std::string& text) {
+                                   ShowStop(this, "Fatal Error", Shown(text));
+                                   m_isClosed = true;
+                                   QCoreApplication::exit(EXIT_FAILURE);
+                               }});
+    m_splitter->setStretchFactor(1, 1);
+    auto* central = new QWidget(this);
+    auto* column = new QVBoxLayout(central);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_splitter, 1);
+    column->addWidget(m_statusBox);
+    setCentralWidget(central);
+    m_desk->setFocus();
+    m_desk->SetScrollBarsShown(m_profile.GetInt(kScrollBarsKey, 1) != 0);
+}
+
+void MainFrame::CreateMenus() {
+    for (const MenuSpec& spec : MenuBarLayout()) {
+        QMenu* menu = menuBar()->addMenu(spec.title);
+        menu->setToolTipsVisible(false);
+        m_actions->Fill(*menu, spec.slots, [this](QMenu& files) { AddRecentFiles(files); });
+        connect(menu, &QMenu::aboutToShow, this, [this] { m_actions->Update(State()); });
+    }
+    ShowOperatorMenus();
+}
+
+// The extensions are those of the library at hand, and of this moment.
+void MainFrame::RetitleCommands() {
+    const Site& site = GetSite();
+    const auto retitle = [this](CommandId id, const std::string& extension) {
+        QString text = SpecOf(id).text;
+        m_actions->SetText(id, text.replace("()", "(" + Shown(extension) + ")"));
+    };
+    retitle(CommandId::kExportShaderSource, site.extShaderSource);
+    retitle(CommandId::kExportCompiledShader, site.extCompiledShader);
+    retitle(CommandId::kExportRenderInterface, site.extRenderIface);
+    retitle(CommandId::kExportShaderInterface, site.extShaderIface);
+    retitle(CommandId::kViewShaderSource, site.extShaderSource);
+    retitle(CommandId::kViewRenderInterface, site.extRenderIface);
+    retitle(CommandId::kViewShaderInterface, site.extShaderIface);
+}
+
+void MainFrame::DocumentReplaced() {
+    ShowOperatorMenus();
+    const auto& options = m_work->document.m_renderOptions;
+    if (const auto type = options.find(kShaderTypeOption); type != options.end()) {
+        m_operatorBar->ShowShaderType(type->second);
+    }
+    m_operatorBar->RebuildButtons(m_work->document.toolbar);
+    m_windows.helpEditor->Refresh();
+    UpdateTitle();
+    m_desk->LayoutAll();
+    RefreshAllViews();
+    UpdateScrollBars();
+}
+
+void MainFrame::UpdateTitle() {
+    // "[*]" is where the toolkit puts the mark of a modified document.
+    setWindowTitle(Shown(m_work->commands.WindowTitle()).replace("[*]", "[*][*]") + "[*]");
+    setWindowModified(m_work->document.IsModified());
+    m_work->commands.NameHasChanged();
+    m_windows.exportDialog->Refresh();
+}
+
+void MainFrame::SetLocked(bool locked) {
+    if (locked == m_locked) return;
+    m_locked = locked;
+    m_sliders->setEnabled(!locked);
+    m_desk->setEnabled(!locked);
+    const QList<QAction*> menus = menuBar()->actions();
+    for (qsizetype place = kFirstLockedMenu; place < menus.size() - 1; ++place)
+        menus[place]->setEnabled(!locked);
+    m_operatorBar->SetLocked(locked);
+    m_windows.boxFinder->SetLocked(locked);
+    m_windows.menuFinder->SetLocked(locked);
+}
+
+void MainFrame::OnIdle() {
+    if (m_isClosed) return;
+    m_actions->Update(State());
+    setWindowModified(m_work->document.IsModified());
+    m_idleWork->Step();
+}
+
+bool MainFrame::PumpMessages(std::chrono::milliseconds wait) {
+    PumpEvents(wait);
+    return !m_isClosed;
+}
+
+void MainFrame::SaveAside() { m_safetyCopies->Update(); }
+
+// The questions before the end, in their order. What was done before a "no" stays done.
+bool MainFrame::MayClose() {
+    if (m_dispatch.ScriptRunning()) {
+        if (!AskWarning(this, "Running script.  Quit anyway?")) return false;
+        m_dispatch.HaltScript();
+    }
+    const std::string& workDir = GetSite().directories.workDir;
+    // A child at work would fill the directory again, or lose the ground under its feet.
+    if (!workDir.empty() && (GetSite().commands.AnyProcessLeft() || !m_app.RemoveWorkDirectory())) {
+        if (!AskWarning(this,
+                        Shown("An open editor or image window or an in-progress render prevent removal of"
+                              " work directory " +
+                              workDir + ".  Quit anyway?"))) {
+            return false;
+        }
+        m_app.CloseDown(kGrace);
+    }
+    WindowPlaces places(m_profile);
+    places.SaveWindow(*this, "MainWindow");
+    m_windows.SavePlaces(places);
+    m_profile.SetInt(kScrollBarsKey, m_desk->ScrollBarsShown() ? 1 : 0);
+    return m_documents->SettleChanges();
+}
+
+void MainFrame::closeEvent(QCloseEvent* event) {
+    if (!m_isClosed && !MayClose()) {
+        event->ignore();
+        return;
+    }
+    m_safetyCopies->Discard();
+    m_isClosed = true;
+    for (ToolWindow* window : m_windows.All()) window->hide();
+    event->accept();
+    QCoreApplication::quit();
+}
+
+void MainFrame::dragEnterEvent(QDragEnterEvent* event) {
+    if (!DroppedDocument(*event->mimeData(), GetSite().docExt).empty()) event->acceptProposedAction();
+}
+
+void MainFrame::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    // Once the drop is over: a question may come up.
+    QTimer::singleShot(0, this, [this, path = DroppedDocument(*event->mimeData(), GetSite().docExt)] {
+        OpenDocumentFile(path);
+    });
+}
+
+void MainFrame::LayoutBox(COpBox& box) {
+    if (m_desk != nullptr) m_desk->LayoutBox(box);
+}
+void MainFrame::AddToBoxFinder(const std::string& boxTitleWid) { m_windows.boxFinder->AddName(boxTitleWid); }
+void MainFrame::RemoveFromBoxFinder(const std::string& boxTitleWid) {
+    m_windows.boxFinder->RemoveName(boxTitleWid);
+}
+void MainFrame::ClearBoxFinder() { m_windows.boxFinder->Clear(); }
+void MainFrame::Repaint() {
+    if (m_desk != nullptr) m_desk->Repaint();
+}
+void MainFrame::UpdateScrollBars() {
+    if (m_desk != nullptr) m_desk->UpdateScrollBars();
+}
+
+void MainFrame::RefreshAllViews() {
+    Repaint();
+    SetLocked(m_work->document.lock != 0);
+    m_windows.RefreshTables();
+    m_idle.Request();
+}
+
+}  // namespace tavrin

@@ -1,0 +1,38 @@
+// The box at the bottom of the frame that tells of what is under the mouse and of what goes on.
+#pragma once
+
+#include <QFrame>
+#include <functional>
+#include <string>
+
+class QLabel;
+class QPlainTextEdit;
+
+namespace tavrin {
+
+class CStatusBox : public QFrame {
+  public:
+    using Clock = std::function<long()>;  // whole seconds
+
+    // `background` has three components from 0 to 1. The clock is a parameter for tests.
+    CStatusBox(QWidget* frame, const float (&background)[3], Clock clock = {});
+
+    // Shows a text, unless an earlier one is still being held. The text is held for `holdSeconds`.
+    void SetStatus(const std::string& text, int holdSeconds = 0);
+    void ClearStatus() { SetStatus({}); }
+    QString Status() const;
+
+    // What the program is busy with, beside the status text; empty for nothing. Shown at once if `isUrgent`,
+    // for use while the event loop does not run.
+    void SetActivity(const QString& text, bool isUrgent = false);
+    QString Activity() const;
+
+  private:
+    QPlainTextEdit* m_text;
+    QLabel* m_activity;
+    Clock m_clock;
+    long m_since = 0;  // when the text that is held was set
+    int m_hold = 0;    // seconds; 0 for none
+};
+
+}  // namespace tavrin

@@ -1,0 +1,76 @@
+#include "ui/frame/StatusBox.h"
+
+#include <gtest/gtest.h>
+
+#include <QPlainTextEdit>
+
+#include "ui/support/Windows.h"
+
+namespace tavrin {
+namespace {
+
+constexpr float kGrey[3] = {0.76F, 0.76F, 0.76F};
+
+class StatusBoxTest : public testing::Test {
+  protected:
+    long now = 1000;
+    CStatusBox box{nullptr, kGrey, [this] { return now; }};
+};
+
+TEST_F(StatusBoxTest, ATextWithAHoldIsNotOverwrittenBeforeItsTimeIsOver) {
+    box.SetStatus("held", 5);
+    now += 2;
+    box.SetStatus("too early");
+    EXPECT_EQ(box.Status(), "held");
+    now += 2;
+    box.ClearStatus();
+    EXPECT_EQ(box.Status(), "held");
+    now += 1;
+    box.SetStatus("in time");
+    EXPECT_EQ(box.Status(), "in time");
+}
+
+TEST_F(StatusBoxTest, ATextWithoutAHoldGivesWayAtOnce) {
+    box.SetStatus("one");
+    box.SetStatus("two");
+    EXPECT_EQ(box.Status(), "two");
+    box.ClearStatus();
+    EXPECT_EQ(box.Status(), "");
+}
+
+TEST_F(StatusBoxTest, AHoldEndsWithTheTextThatFollowsIt) {
+    box.SetStatus("held", 5);
+    now += 5;
+    box.SetStatus("next");
+    now += 1;
+    box.SetStatus("and next");
+    EXPECT_EQ(box.Status(), "and next");
+}
+
+TEST_F(StatusBoxTest, ShowsThreeLinesWholeAndTakesNoInput) {
+    box.show();
+    box.SetStatus(">>>\r\n>>> HEY!!!\r\n>>>");
+    const auto* text = box.findChild<QPlainTextEdit*>("status");
+    EXPECT_EQ(text->blockCount(), 3);
+    EXPECT_GE(text->viewport()->height(), 3 * QFontMetrics(text->font()).lineSpacing());
+    EXPECT_FALSE(text->isEnabled());
+}
+
+TEST_F(StatusBoxTest, ItsTextIsDarkOnALightGroundAndLightOnADarkOne) {
+    const float dark[3] = {0.1F, 0.1F, 0.2F};
+    const CStatusBox other(nullptr, dark);
+    EXPECT_LT(qGray(box.palette().color(QPalette::Disabled, QPalette::Text).rgb()), 50);
+    EXPECT_GT(qGray(other.palette().color(QPalette::Disabled, QPalette::Text).rgb()), 200);
+}
+
+TEST_F(StatusBoxTest, ActivityStandsBesideTheText) {
+    box.SetStatus("help", 100);
+    box.SetActivity("Rendering marble: 1.0 s");
+    EXPECT_EQ(box.Status(), "help");
+    EXPECT_EQ(box.Activity(), "Rendering marble: 1.0 s");
+    box.SetActivity({});
+    EXPECT_EQ(box.Activity(), "");
+}
+
+}  // namespace
+}  // namespace tavrin

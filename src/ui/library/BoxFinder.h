@@ -1,0 +1,56 @@
+// The window "Box Finder": the boxes on the desk in one alphabetical list.
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "ui/ToolWindow.h"
+
+class QTimer;
+
+namespace tavrin {
+
+class FinderList;
+
+// Lives as long as the frame. Names are those of BoxTitleWid; the desk keeps them up to date.
+class BoxFinder : public ToolWindow {
+  public:
+    struct Callbacks {
+        std::function<void(const std::string& name)> centreOnBox;
+        std::function<void()> repaintDesk;
+    };
+
+    BoxFinder(QWidget* frame, Callbacks callbacks);
+
+    // Each costs the logarithm of the count: the list itself follows when the window is shown, or at the
+    // next turn of the event loop.
+    void AddName(const std::string& name);
+    // Removes a row of exactly that text, if there is one.
+    void RemoveName(const std::string& name);
+    // Empties the list and forgets the current name.
+    void Clear();
+
+    // The name chosen last, whose box paints highlighted; empty if none was since the window was closed.
+    const std::string& CurrentName() const { return m_currentName; }
+
+    void SetLocked(bool locked) { setEnabled(!locked); }
+
+  protected:
+    void Closing() override;
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void RowsChanged();
+    void UpdateList();
+    void Choose(const std::string& name);
+
+    Callbacks m_callbacks;
+    std::multiset<std::pair<std::string, std::string>> m_names;  // in lower case, and as it is
+    std::string m_currentName;
+    FinderList* m_list;  // a child
+    QTimer* m_update;    // a child; runs while the list is behind the names
+};
+
+}  // namespace tavrin

@@ -1,0 +1,46 @@
+// The list that fills a finder: rows of text in fixed colours, chosen by a double click or Enter.
+#pragma once
+
+#include <QListView>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tavrin {
+
+class FinderModel;
+
+struct FinderRow {
+    std::string text;
+    bool isHeading = false;  // typing does not find it
+};
+
+// Owned by its window. Typing selects the next row that begins with what was typed.
+class FinderList : public QListView {
+  public:
+    struct Colours {
+        QColor background;
+        QColor text;
+    };
+
+    // `chosen` gets the text of the row, headings too. The colours stand whatever the palette is.
+    FinderList(QWidget* parent, const Colours& colours, std::function<void(const std::string&)> chosen);
+    ~FinderList() override;
+
+    // Replaces all rows; a row of the selected text stays selected, and the list does not scroll if it
+    // need not.
+    void SetRows(std::vector<FinderRow> rows);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+  private:
+    void Choose(const QModelIndex& index);
+
+    std::unique_ptr<FinderModel> m_model;
+    std::function<void(const std::string&)> m_chosen;
+};
+
+}  // namespace tavrin

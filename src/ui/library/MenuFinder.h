@@ -1,0 +1,32 @@
+// The window "Menu Finder": all operators of the library in one alphabetical list.
+#pragma once
+
+#include "ui/ToolWindow.h"
+#include "ui/library/OperatorMenus.h"
+
+namespace tavrin {
+
+class COpRegistry;
+class FinderList;
+
+// Lives as long as the frame. Empty until the first Refresh.
+class MenuFinder : public ToolWindow {
+  public:
+    // `choose` gets the command of the operator of a row that was double-clicked or entered, from the event
+    // loop, as if its menu item had been chosen. Rows that name no operator do nothing.
+    MenuFinder(QWidget* frame, const COpRegistry& registry, OperatorChooser choose);
+
+    // Lists the registry's operators as they are now, each first character under a heading of its own.
+    void Refresh();
+    // A locked desk takes no operators.
+    void SetLocked(bool locked) { setEnabled(!locked); }
+
+  private:
+    void Choose(const std::string& name);
+
+    const COpRegistry& m_registry;
+    OperatorChooser m_choose;
+    FinderList* m_list;  // a child
+};
+
+}  // namespace tavrin

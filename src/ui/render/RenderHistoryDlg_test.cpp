@@ -1,0 +1,172 @@
+#include "ui/render/RenderHistoryDlg.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QListWidget>
+#include <QScrollBar>
+#include <QTest>
+#include <QWheelEvent>
+
+#include "render/RenderHistory.h"
+#include "ui/support/Windows.h"
+
+namespace tavrin {
+namespace {
+
+using testing::ElementsAre;
+
+class RenderHistoryDlg : public testing::Test {
+  protected:
+    RenderHistoryDlg() { list = window.findChild<QListWidget*>(); }
+
+    void Add(int number, const std::string& name) {
+        entries.push_front(RenderHistory::EntryText(number, name));
+        window.Refresh();
+    }
+    std::vector<std::string> Rows() const {
+        std::vector<std::string> rows;
+        for (int row = 0; row < list->count(); ++row) rows.push_back(list->item(row)->text().toStdString());
+        return rows;
+    }
+    std::string CurrentRow() const {
+        return list->currentItem() == nullptr ? "none" : list->currentItem()->text().toStdString();
+    }
+    QPoint At(int row) const { return list->visualItemRect(list->item(row)).center(); }
+    void Click(int row) { QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(row)); }
+    void DoubleClick(QPoint place) {
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, place);
+    }
+    void Turn(int eighths) {
+        const QPointF place(5, 5);
+        QWheelEvent event(place, list->viewport()->mapToGlobal(place), {}, {0, eighths}, Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(list->viewport(), &event);
+    }
+
+    std::deque<std::string> entries;
+    std::vector<std::string> opened;  // "NAME NUMBER"
+    CRenderHistoryDlg window{nullptr, [this]() -> const std::deque<std::string>& { return entries; },
+                             [this](const std::string& name, int number) {
+                                 opened.push_back(name + " " + std::to_string(number));
+                             }};
+    QListWidget* list;
+};
+
+TEST_F(RenderHistoryDlg, ShowsTheEntriesNewestFirst) {
+    EXPECT_EQ(window.windowTitle(), "Render History [F6]");
+    Add(7, "plastic");
+    Add(123, "plastic");
+    EXPECT_THAT(Rows(), ElementsAre("123 plastic", "07 plastic"));
+}
+
+TEST_F(RenderHistoryDlg, ADoubleClickOpensTheEntryUnderIt) {
+    Add(7, "plastic");
+    Add(123, "marble");
+    test::ShowActive(window);
+    DoubleClick(At(1));
+    EXPECT_THAT(opened, ElementsAre("plastic 7"));
+    DoubleClick(At(0));
+    EXPECT_THAT(opened, ElementsAre("plastic 7", "marble 123"));
+}
+
+TEST_F(RenderHistoryDlg, ADoubleClickBesideTheEntriesOpensNothing) {
+    test::ShowActive(window);
+    DoubleClick(list->viewport()->rect().center());
+    Add(1, "plastic");
+    DoubleClick(list->viewport()->rect().center());
+    EXPECT_THAT(opened, ElementsAre());
+}
+
+TEST_F(RenderHistoryDlg, ALineThatIsNoEntryOpensNothing) {
+    entries = {"no number"};
+    window.Refresh();
+    test::ShowActive(window);
+    DoubleClick(At(0));
+    EXPECT_THAT(opened, ElementsAre());
+}
+
+TEST_F(RenderHistoryDlg, EnterOpensTheCurrentRowAndNothingBeforeOneWasChosen) {
+    Add(1, "plastic");
+    Add(2, "marble");
+    test::ShowActive(window);
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_THAT(opened, ElementsAre());
+    QTest::keyClick(list, Qt::Key_End);
+    QTest::keyClick(list, Qt::Key_Return);
+    QTest::keyClick(list, Qt::Key_Up);
+    QTest::keyClick(list, Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_THAT(opened, ElementsAre("plastic 1", "marble 2"));
+}
+
+TEST_F(RenderHistoryDlg, ANameIsHandedOnWithItsBytes) {
+    Add(1, "caf\xE9");
+    test::ShowActive(window);
+    DoubleClick(At(0));
+    EXPECT_THAT(opened, ElementsAre("caf\xE9 1"));
+}
+
+TEST_F(RenderHistoryDlg, TheCurrentRowStaysOnItsEntry) {
+    for (int number = 1; number <= 3; ++number) Add(number, "plastic");
+    test::ShowActive(window);
+    Click(1);
+    Add(4, "plastic");
+    EXPECT_EQ(CurrentRow(), "02 plastic");
+    EXPECT_TRUE(list->currentItem()->isSelected());
+    entries.pop_back();
+    window.Refresh();
+    EXPECT_THAT(Rows(), ElementsAre("04 plastic", "03 plastic", "02 plastic"));
+    EXPECT_EQ(CurrentRow(), "02 plastic");
+}
+
+TEST_F(RenderHistoryDlg, NoRowIsCurrentWhenItsEntryLeftTheHistory) {
+    Add(1, "plastic");
+    Add(2, "plastic");
+    test::ShowActive(window);
+    Click(1);
+    entries.pop_back();
+    Add(3, "plastic");
+    EXPECT_THAT(Rows(), ElementsAre("03 plastic", "02 plastic"));
+    EXPECT_EQ(CurrentRow(), "none");
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_THAT(opened, ElementsAre());
+    entries = {"09 marble", "08 marble"};  // none of those shown
+    window.Refresh();
+    EXPECT_THAT(Rows(), ElementsAre("09 marble", "08 marble"));
+    entries.clear();
+    window.Refresh();
+    EXPECT_THAT(Rows(), ElementsAre());
+}
+
+TEST_F(RenderHistoryDlg, ANotchOfTheWheelScrollsALine) {
+    for (int number = 1; number <= 100; ++number) Add(number, "plastic");
+    test::ShowActive(window);
+    const QScrollBar& bar = *list->verticalScrollBar();
+    Turn(-120);
+    EXPECT_EQ(bar.value(), 1);
+    EXPECT_EQ(list->itemAt(2, 2)->text(), "99 plastic");
+    Turn(-120);
+    EXPECT_EQ(bar.value(), 2);
+    Turn(120);
+    EXPECT_EQ(bar.value(), 1);
+    for (int part = 0; part < 4; ++part) Turn(-30);
+    EXPECT_EQ(bar.value(), 2);
+}
+
+TEST_F(RenderHistoryDlg, TheListFillsTheWindowInItsOwnColours) {
+    window.resize(321, 234);
+    test::ShowActive(window);
+    EXPECT_EQ(list->geometry(), window.rect());
+    QPalette dark(QColor(30, 30, 30));
+    dark.setColor(QPalette::Base, Qt::black);
+    window.setPalette(dark);
+    test::HandleEvents();
+    EXPECT_EQ(list->grab().toImage().pixelColor(160, 200), QColor(190, 190, 210));
+    EXPECT_EQ(list->palette().color(QPalette::Text), QColor(0, 20, 0));
+}
+
+}  // namespace
+}  // namespace tavrin

@@ -1,0 +1,133 @@
+#include "ui/sliders/HelpEditor.h"
+
+#include <QFontDatabase>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
+#include <QSignalBlocker>
+#include <QStringDecoder>
+#include <QVBoxLayout>
+
+#include "document/TvDoc.h"
+#include "ui/Text.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr char kFontFamily[] = "Courier New";
+constexpr int kFontSize = 10;  // points
+constexpr int kTabColumns = 8;
+constexpr int kColumns = 84;
+constexpr int kLines = 32;
+
+// Keeps the keys that are text or move the caret from the commands of the frame that have the same ones.
+class HelpEdit : public QPlainTextEdit {
+  public:
+    using QPlainTextEdit::QPlainTextEdit;
+
+  protected:
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::ShortcutOverride && IsOurs(*static_cast<QKeyEvent*>(event))) {
+            event->accept();
+            return true;
+        }
+        return QPlainTextEdit::event(event);
+    }
+
+  private:
+    static bool IsOurs(const QKeyEvent& key) {
+        const bool isFunctionKey = key.key() >= Qt::Key_F1 && key.key() <= Qt::Key_F35;
+        return !isFunctionKey &&
+               !(key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    }
+};
+
+QFont EditorFont() {
+    QFont font = QFontDatabase::hasFamily(kFontFamily) ? QFont(kFontFamily)
+                                                       : QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setStyleHint(QFont::Monospace);
+    font.setPointSize(kFontSize);
+    return font;
+}
+
+// Bytes that are no UTF-8 come from documents of other times, when a byte was a letter.
+QString Decoded(const std::string& bytes, bool& isLatin1) {
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QString text = decoder.decode(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
+    isLatin1 = decoder.hasError() || text.toUtf8() != QByteArrayView(bytes.data(), qsizetype(bytes.size()));
+    return isLatin1 ? QString::fromLatin1(bytes.data(), qsizetype(bytes.size())) : text;
+}
+
+// Whatever ends a line becomes what joins lines in the document.
+QString WithLinesJoined(QString text) {
+    text.replace("\r\n", "\n");
+    for (const QChar end : {QChar(u'\r'), QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator)}) {
+        text.replace(end, u'\n');
+    }
+    return text.replace("\n", "\r\n");
+}
+
+// The editor's plain text would turn hard spaces into blanks.
+QString TextOf(const QPlainTextEdit& edit) { return WithLinesJoined(edit.document()->toRawText()); }
+
+}  // namespace
+
+CHelpEditor::CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document,
+                         std::function<void()> documentChanged)
+    : ToolWindow("Help Editor", frame),
+      m_document(std::move(document)),
+      m_documentChanged(std::move(documentChanged)) {
+    m_edit = new HelpEdit(this);
+    m_edit->setAccessibleName("Shader Help");
+    m_edit->setFrameShape(QFrame::NoFrame);
+    m_edit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_edit->setFont(EditorFont());
+    const QFontMetricsF metrics(m_edit->font());
+    const double columnWidth = metrics.horizontalAdvance(' ');
+    m_edit->setTabStopDistance(kTabColumns * columnWidth);
+    connect(m_edit, &QPlainTextEdit::textChanged, this, [this] { Commit(); });
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_edit);
+    setFocusProxy(m_edit);
+    resize(qRound(kColumns * columnWidth), qRound(kLines * metrics.lineSpacing()));
+    Refresh();
+}
+
+void CHelpEditor::Refresh() {
+    const CTvDoc* document = m_document();
+    setEnabled(document != nullptr);
+    const QString text =
+        WithLinesJoined(Decoded(document != nullptr ? document->customshaderhelp : "", m_isLatin1));
+    if (text == TextOf(*m_edit)) return;
+    const QSignalBlocker silent(m_edit);
+    m_edit->setPlainText(text);
+}
+
+void CHelpEditor::DocumentReplaced() {
+    Refresh();
+    m_edit->document()->clearUndoRedoStacks();
+}
+
+void CHelpEditor::Commit() {
+    CTvDoc* document = m_document();
+    if (document == nullptr) return;
+    const std::string text = Encoded(TextOf(*m_edit));
+    if (text == document->customshaderhelp) return;
+    document->customshaderhelp = text;
+    document->SetModified();
+    m_documentChanged();
+}
+
+// As UTF-8, unless the text came in single bytes and can go back so: what was not edited keeps its bytes.
+std::string CHelpEditor::Encoded(const QString& text) const {
+    if (m_isLatin1) {
+        const std::string bytes = text.toLatin1().toStdString();
+        bool isStillLatin1 = false;
+        if (Decoded(bytes, isStillLatin1) == text) return bytes;
+    }
+    return Bytes(text);
+}
+
+}  // namespace tavrin

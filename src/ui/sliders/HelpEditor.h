@@ -1,0 +1,38 @@
+// The window of the shader's help text.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "ui/ToolWindow.h"
+
+class QPlainTextEdit;
+
+namespace tavrin {
+
+class CTvDoc;
+
+// Edits the document's help; each change is in the document at once. Owned by the frame. Without a document
+// it is empty and disabled.
+class CHelpEditor : public ToolWindow {
+  public:
+    // `document` gives null if there is none; `documentChanged` is called after it was marked modified.
+    CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document, std::function<void()> documentChanged);
+
+    // Shows the document's text, which is no change of the document. A text that is shown already is left
+    // alone, with its caret and its undo steps.
+    void Refresh();
+    // The same when another document came, if only by name: nothing of the one before can be undone into it.
+    void DocumentReplaced();
+
+  private:
+    void Commit();
+    std::string Encoded(const QString& text) const;
+
+    std::function<CTvDoc*()> m_document;
+    std::function<void()> m_documentChanged;
+    QPlainTextEdit* m_edit;
+    bool m_isLatin1 = false;  // the document's text is no UTF-8
+};
+
+}  // namespace tavrin
