@@ -13,6 +13,9 @@
 namespace tavrin {
 namespace {
 
+// The text of a document but for the line that tells when it was written.
+std::string WithoutTime(const std::string& text) { return text.substr(text.find('\n')); }
+
 namespace fs = std::filesystem;
 using test::ReadFile;
 using testing::HasSubstr;
@@ -89,7 +92,7 @@ TEST_F(RecoveryRestore, TheWorkIsTheDocumentAgainAndIsWrittenAsideBeforeTheOldCo
     EXPECT_EQ(sink.log, "recovered doc.tvn\r\n");
     ASSERT_THAT(Copies(), SizeIs(1));
     EXPECT_NE(Copies()[0], old);
-    EXPECT_EQ(ReadFile(Copies()[0]), document->Store());
+    EXPECT_EQ(WithoutTime(ReadFile(Copies()[0])), WithoutTime(document->Store()));
     recovery.Discard();
     EXPECT_THAT(Copies(), IsEmpty());
 }

@@ -24,6 +24,11 @@ struct DeskStyle {
     // follows the colour of all lines unless it has a key of its own.
     static DeskStyle Read(const Settings& settings);
 
+    // What a box of its own colour is painted in.
+    Rgb ColorOf(const float (&box)[3]) const {
+        return {box[0] + boxTint.r, box[1] + boxTint.g, box[2] + boxTint.b};
+    }
+
     Rgb background{0.6F, 0.7F, 0.7F};  // also the base of the veil over a locked desk
     Rgb rubberBand{1.0F, 0.5F, 0.5F};
     Rgb connect{0.6F, 0.2F, 0.2F};      // lines, and the wire being drawn

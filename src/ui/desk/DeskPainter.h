@@ -1,18 +1,17 @@
-// Draws the desk whole, with OpenGL 1.1, in desk units.
+// What is seen of the desk, in its order: wallpaper, lines, boxes, the gesture that runs, the veil.
 #pragma once
 
 #include <string>
 #include <unordered_set>
 
 #include "desk/DeskGestures.h"
-#include "ui/desk/DeskFonts.h"
+#include "ui/desk/DeskIcons.h"
+#include "ui/desk/DeskPen.h"
 
 namespace tavrin {
 
-class CSgiImage;
-
-// Owned by the desk's window, which has laid out the boxes and made its context current. Looks at everything
-// and changes nothing but the state of the context.
+// Owned by the desk's pane, which has laid out the boxes and made the context current. Paints everything anew
+// each time; looks at the network and changes nothing.
 class DeskPainter {
   public:
     // All outlive it.
@@ -20,53 +19,42 @@ class DeskPainter {
         const CTvDoc& document;
         const COpDesk& desk;
         const DeskGestures& gestures;
-        const DeskViewport& view;
         const DeskStyle& style;
-        DeskFonts& fonts;
+        DeskIcons& icons;
         Report& report;
     };
-    explicit DeskPainter(Parts parts) : m_parts(parts) {}
+    DeskPainter(Parts parts, DeskPen pen) : m_parts(parts), m_pen(pen) {}
 
-    // What stands behind the network, fixed to the window.
-    struct Wallpaper {
-        const CSgiImage* image = nullptr;  // with pixels; nothing for none
-        bool isTiled = false;              // repeated from the lower left corner, else once in the middle
+    // What is shown beside the network.
+    struct Extras {
+        std::string highlightedBox;            // title and number; empty for none
+        const CSgiImage* wallpaper = nullptr;  // none if it is not shown
+        bool tileWallpaper = false;
     };
-
-    // `highlightedBox` is the title and number of the box chosen in the Box Finder; empty for none.
-    void Paint(const std::string& highlightedBox, const Wallpaper& wallpaper);
+    void Paint(const Extras& extras);
 
   private:
-    void SetUp() const;
-    void PaintBackground() const;
-    void PaintWallpaper(const Wallpaper& wallpaper) const;
+    void PaintWallpaper(const CSgiImage& image, bool tiled);
     void PaintAllLines();
     void PaintAllBoxes(const std::string& highlightedBox);
-    void PaintGesture() const;
-    void PaintVeil() const;
-
-    void PaintBox(const COpBox& box, bool isHighlighted);
-    void PaintPanel(const COpBox& box, const Rgb& color);
-    void PaintButtons(const COpBox& box, bool outputs, const Rgb& color);
-    void PaintMarks(const COpButton& button, const DeskRect& row) const;
-    void PaintSelection(const DeskRect& rect) const;
-    void PaintGrowArrows(const COpBox& box, const Rgb& color) const;
-    bool IsButtonLit(const COpButton& button) const;
+    void PaintGesture();
+    void PaintVeil();
 
     template <typename Boxes>
     void PaintLines(const Boxes& boxes);
     void PaintLine(const ButtonPlace& from, const ButtonPlace& to, const Rgb& color);
 
-    void Bevel(const DeskRect& rect, const Rgb& color) const;
-    void TextAt(int font, const Rgb& color, const std::string& text, DeskPoint at);
-    void CentredText(int font, const std::string& text, const DeskRect& rect);
+    void PaintBox(const COpBox& box, bool isHighlighted);
+    void PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted);
+    void PaintButtons(const COpBox& box, bool outputs, const Rgb& color);
+    void PaintMarks(const COpButton& button, const DeskRect& row);
+    void PaintSelection(const DeskRect& rect);
+    void PaintGrowArrows(const COpBox& box, const Rgb& color);
+    bool IsButtonLit(const COpButton& button) const;
 
     Parts m_parts;
+    DeskPen m_pen;
     std::unordered_set<const COpButton*> m_selectedLines;
-    float m_zoom = 1;
-    DeskRect m_visible;
-    int m_labelFont = DeskFonts::kNone;
-    int m_titleFont = DeskFonts::kNone;
 };
 
 }  // namespace tavrin

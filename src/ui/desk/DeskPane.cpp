@@ -8,7 +8,6 @@
 #include <algorithm>
 
 #include "base/Paths.h"
-#include "images/SgiImage.h"
 #include "site/Site.h"
 
 namespace tavrin {
@@ -62,6 +61,7 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
     : QWidget(parent),
       m_document(document),
       m_desk(desk),
+      m_site(site),
       m_callbacks(std::move(callbacks)),
       m_style(DeskStyle::Read(site.settings)),
       m_view(document, m_style.zoom),
@@ -71,13 +71,13 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
               }),
       m_gestures(
           {document, desk, m_view, m_windows, site.report, m_style.connectWidth, m_callbacks.showStatus}),
-      m_painter({document, desk, m_gestures, m_view, m_style, m_fonts, site.report}),
+      m_icons(site.directories.tavrnDir, m_style, site.report),
+      m_painter({document, desk, m_gestures, m_style, m_icons, site.report}, DeskPen(m_view, m_fonts)),
       m_widget(new DeskWidget(this, m_gestures,
                               {[this] { m_fonts.ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
                                [this](const std::string& message) { m_callbacks.fail(message); }})),
       m_across(MakeScrollBar(Qt::Horizontal)),
       m_down(MakeScrollBar(Qt::Vertical)) {
-    if (!m_style.wallpaper.empty()) LoadWallpaper(site);
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(0);
@@ -86,6 +86,7 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
     grid->addWidget(m_across, 1, 0);
     grid->setRowStretch(0, 1);
     grid->setColumnStretch(0, 1);
+    LoadWallpaper();
 }
 
 DeskPane::~DeskPane() = default;
@@ -97,40 +98,34 @@ QScrollBar* DeskPane::MakeScrollBar(Qt::Orientation orientation) {
     return bar;
 }
 
-void DeskPane::LayoutBox(COpBox& box) {
-    const float zoom = m_view.Zoom();
-    tavrin::LayoutBox(box, zoom, DeskTextMeasure(m_fonts, zoom), IconSize{});
+void DeskPane::LayOut(COpBox& box, const TextMeasure& measure) {
+    const CSgiImage* icon = m_icons.IconOf(box, false);
+    tavrin::LayoutBox(box, m_view.Zoom(), measure,
+                      icon == nullptr ? IconSize{} : IconSize{icon->width, icon->height});
 }
 
-// The site's. One that cannot be read leaves the desk plain, with a word in the log.
-void DeskPane::LoadWallpaper(Site& site) {
-    auto image = std::make_unique<CSgiImage>(
-        ResolvePath(m_style.wallpaper, site.directories.tavrnDir),
-        [&site](const std::string& line) { site.report.LogLine("%s", line.c_str()); });
-    if (image->pixels != nullptr) m_wallpaper = std::move(image);
+void DeskPane::LayoutBox(COpBox& box) { LayOut(box, DeskTextMeasure(m_fonts, m_view.Zoom())); }
+
+void DeskPane::LayoutAll() {
+    const DeskTextMeasure measure(m_fonts, m_view.Zoom());
+    for (const auto& box : m_document.m_boxes) LayOut(*box, measure);
+    for (const auto& box : m_desk.m_pendingBoxes) LayOut(*box, measure);
+    for (const auto& box : m_desk.m_clipboardBoxes) LayOut(*box, measure);
 }
+
+void DeskPane::Repaint() { m_widget->update(); }
 
 void DeskPane::SetWallpaper(std::unique_ptr<CSgiImage> image) {
     m_wallpaper = std::move(image);
     Repaint();
 }
 
-void DeskPane::LayoutAll() {
-    const float zoom = m_view.Zoom();
-    const DeskTextMeasure measure(m_fonts, zoom);
-    const auto layOut = [&](auto& boxes) {
-        for (const auto& box : boxes) tavrin::LayoutBox(*box, zoom, measure, IconSize{});
-    };
-    layOut(m_document.m_boxes);
-    layOut(m_desk.m_pendingBoxes);
-    layOut(m_desk.m_clipboardBoxes);
-}
-
-void DeskPane::Repaint() { m_widget->update(); }
-
-void DeskPane::OnUpdate() {
-    setEnabled(m_document.lock == 0);
-    Repaint();
+void DeskPane::LoadWallpaper() {
+    if (m_style.wallpaper.empty()) return;
+    auto image = std::make_unique<CSgiImage>(
+        ResolvePath(m_style.wallpaper, m_site.directories.tavrnDir),
+        [this](const std::string& warning) { m_site.report.LogLine("%s", warning.c_str()); });
+    if (image->pixels != nullptr) m_wallpaper = std::move(image);
 }
 
 void DeskPane::ViewChanged(bool changed) {
@@ -197,8 +192,8 @@ void DeskPane::Paint() {
     FollowPixelRatio();
     if (m_layoutDirty || m_view.Zoom() != m_lastZoom) LayoutAll();
     m_gestures.UpdateGrowArrows();
-    m_painter.Paint(m_callbacks.highlightedBox(),
-                    {m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
+    m_painter.Paint(
+        {m_callbacks.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
     m_layoutDirty = false;
     m_lastZoom = m_view.Zoom();
 }

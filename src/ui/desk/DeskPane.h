@@ -9,6 +9,7 @@
 
 #include "desk/DeskGestures.h"
 #include "ui/desk/DeskFonts.h"
+#include "ui/desk/DeskIcons.h"
 #include "ui/desk/DeskPainter.h"
 #include "ui/desk/DeskWidget.h"
 
@@ -16,11 +17,10 @@ class QScrollBar;
 
 namespace tavrin {
 
-class CSgiImage;
 struct Site;
 
 // Lives as long as the frame, its parent; document, desk and site outlive it.
-// While the document is locked it is disabled, and no event reaches it.
+// While the document is locked the frame disables it, so that no event reaches it; it is still painted.
 class DeskPane : public QWidget {
   public:
     struct Callbacks {
@@ -38,9 +38,6 @@ class DeskPane : public QWidget {
     void LayoutBox(COpBox& box);
     void Repaint();
     void UpdateScrollBars();
-    // After any change of the document: repaints, and follows the lock.
-    void OnUpdate();
-
     void SetScrollBarsShown(bool shown);
     bool ScrollBarsShown() const { return m_showScrollBars; }
 
@@ -57,9 +54,8 @@ class DeskPane : public QWidget {
     const DeskViewport& View() const { return m_view; }
     DeskWidget& Desk() { return *m_widget; }
 
-    // Takes the place of the wallpaper that is there.
+    // With pixels; takes the place of the one before.
     void SetWallpaper(std::unique_ptr<CSgiImage> image);
-
     bool m_showWallpaper = true;
     bool m_tileWallpaper = false;
 
@@ -80,24 +76,27 @@ class DeskPane : public QWidget {
         DeskPane& m_pane;
     };
 
-    void LoadWallpaper(Site& site);
     QScrollBar* MakeScrollBar(Qt::Orientation orientation);
     void Scroll(Qt::Orientation orientation, int sliderAction);
     void ViewChanged(bool changed);
     void Paint();
     void Resized();
     void FollowPixelRatio();
+    void LoadWallpaper();
+    void LayOut(COpBox& box, const TextMeasure& measure);
 
     CTvDoc& m_document;
     COpDesk& m_desk;
+    Site& m_site;
     Callbacks m_callbacks;
     DeskStyle m_style;
     DeskViewport m_view;
     DeskFonts m_fonts;
-    std::unique_ptr<CSgiImage> m_wallpaper;
     Windows m_windows{*this};
     DeskGestures m_gestures;
+    DeskIcons m_icons;
     DeskPainter m_painter;
+    std::unique_ptr<CSgiImage> m_wallpaper;
     DeskWidget* m_widget;
     QScrollBar* m_across;
     QScrollBar* m_down;

@@ -1,158 +1,27 @@
 // The desk as the user meets it: real events in a real window, and what is seen then.
 #include "ui/desk/DeskPane.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QCursor>
-#include <QImage>
-#include <QMouseEvent>
-#include <QScrollBar>
-#include <QTest>
-#include <QWheelEvent>
 
-#include "support/TestHost.h"
-#include "ui/support/Windows.h"
+#include "ui/desk/DeskPaneTest.h"
 
 namespace tavrin {
 namespace {
 
 using test::BoxAt;
+using test::IsColor;
+using test::kBackground;
+using test::kGreen;
+using test::kInk;
+using test::kLine;
+using test::kOutline;
+using test::kSelectedLine;
+using test::kStippledLine;
 using test::MakeBox;
 using test::MakeLink;
 using testing::IsEmpty;
 
-constexpr Rgb kGreen{0, 0.6F, 0};
-
-// Colours are rounded by whatever draws.
-bool IsAlike(QRgb pixel, const Rgb& color) {
-    const auto near = [](int channel, float wanted) {
-        return std::abs(static_cast<float>(channel) - wanted * 255) <= 1;
-    };
-    return near(qRed(pixel), color.r) && near(qGreen(pixel), color.g) && near(qBlue(pixel), color.b);
-}
-MATCHER_P(IsColor, color, "") { return IsAlike(arg, color); }
-
-// Forwards to the pane, as the frame does.
-class PaneView : public DeskView {
-  public:
-    void LayoutBox(COpBox& box) override { pane->LayoutBox(box); }
-    void Repaint() override { pane->Repaint(); }
-    void RefreshAllViews() override { ++refreshes; }
-    void UpdateScrollBars() override { pane->UpdateScrollBars(); }
-    DeskPane* pane = nullptr;
-    int refreshes = 0;
-};
-
-// The origin of the desk is in the lower left corner of its window, and a box's layout is what its texts make
-// of it.
-class DeskPane : public test::DocumentTest {
-  protected:
-    DeskPane() {
-        Settings& settings = host.GetSite().settings;
-        settings.Store("desk.font", "\"DejaVu Sans\"");
-        settings.Store("desk.connectcolor", "0 0 1");
-        settings.Store("desk.stipplelinecolor", "0 1 1");
-        settings.Store("desk.selectedconnectcolor", "1 0 1");
-        settings.Store("box.selectedcolor", "1 0.5 0");
-    }
-    void Show() {
-        pane = std::make_unique<tavrin::DeskPane>(
-            nullptr, document, desk, host.GetSite(),
-            tavrin::DeskPane::Callbacks{
-                [this] { return highlighted; }, [this](const std::string& text) { status = text; },
-                [this] { ++changes; }, [](const std::string& text) { ADD_FAILURE() << text; }});
-        view.pane = pane.get();
-        pane->resize(640, 480);
-        pane->move(0, 0);
-        desk.OnInitialUpdate();
-        test::ShowActive(*pane);
-        document.SetModified(false);
-    }
-
-    // A green box with its middle at a point of the desk.
-    COpBox& Put(std::unique_ptr<COpBox> box, float x, float y) {
-        box->wid = ++m_lastWid;
-        box->xypos[0] = x;
-        box->xypos[1] = y;
-        box->color[0] = kGreen.r;
-        box->color[1] = kGreen.g;
-        box->color[2] = kGreen.b;
-        return Add(std::move(box));
-    }
-    COpBox& PutLink(float x, float y) { return Put(MakeLink("box", 0), x, y); }
-
-    QPoint At(DeskPoint point) {
-        const WindowPoint at = pane->View().ToWindow(point);
-        return {static_cast<int>(at.x), static_cast<int>(at.y)};
-    }
-    // A place of the box that is on no button.
-    QPoint TitleOf(const COpBox& box) { return At(TitleRect(box).Middle()); }
-    void MoveTo(QPoint at, Qt::MouseButtons buttons = Qt::NoButton, Qt::KeyboardModifiers keys = {}) {
-        QMouseEvent move(QEvent::MouseMove, at, pane->Desk().mapToGlobal(at), Qt::NoButton, buttons, keys);
-        QApplication::sendEvent(&pane->Desk(), &move);
-    }
-    void Press(QPoint at, Qt::KeyboardModifiers keys = {}) {
-        MoveTo(at);
-        QTest::mousePress(&pane->Desk(), Qt::LeftButton, keys, at);
-    }
-    void Drag(QPoint at) { MoveTo(at, Qt::LeftButton); }
-    void Release(QPoint at) { QTest::mouseRelease(&pane->Desk(), Qt::LeftButton, {}, at); }
-    void Click(QPoint at, Qt::KeyboardModifiers keys = {}) {
-        Press(at, keys);
-        Release(at);
-    }
-    void TurnWheel(QWidget& over, int turn) {
-        const QPointF at = over.rect().center();
-        QWheelEvent wheel(at, over.mapToGlobal(at), QPoint(), QPoint(0, turn), Qt::NoButton, {},
-                          Qt::NoScrollPhase, false);
-        // As from the platform: others are not passed on to parents.
-        QSpontaneKeyEvent::setSpontaneous(&wheel);
-        qApp->notify(&over, &wheel);
-    }
-    QScrollBar& Bar(Qt::Orientation orientation) {
-        for (QScrollBar* bar : pane->findChildren<QScrollBar*>()) {
-            if (bar->orientation() == orientation) return *bar;
-        }
-        throw std::logic_error("no such bar");
-    }
-
-    void Look() { m_picture = pane->Desk().grabFramebuffer(); }
-    QRgb Seen(DeskPoint point) { return m_picture.pixel(At(point) * Ratio()); }
-    int Ratio() { return static_cast<int>(pane->Desk().devicePixelRatioF()); }
-    // How many window pixels of the colour a rectangle of the desk shows.
-    int Count(const DeskRect& rect, const Rgb& color) {
-        const int ratio = Ratio();
-        const QRect area(At({rect.left, rect.Top()}) * ratio,
-                         At({rect.Right(), rect.bottom}) * ratio + QPoint(ratio - 1, ratio - 1));
-        int count = 0;
-        for (int y = area.top(); y <= area.bottom(); ++y) {
-            for (int x = area.left(); x <= area.right(); ++x) {
-                if (m_picture.valid(x, y) && IsAlike(m_picture.pixel(x, y), color)) ++count;
-            }
-        }
-        return count / (ratio * ratio);
-    }
-
-    PaneView view;
-    COpDesk desk{document, host, view};
-    std::unique_ptr<tavrin::DeskPane> pane;
-    std::string highlighted;
-    std::string status;
-    int changes = 0;
-
-  private:
-    QImage m_picture;
-    int m_lastWid = 0;
-};
-
-constexpr Rgb kInk{0, 0, 0};
-constexpr Rgb kLine{0, 0, 1};
-constexpr Rgb kStippledLine{0, 1, 1};
-constexpr Rgb kSelectedLine{1, 0, 1};
-constexpr Rgb kOutline{1, 0.5F, 0};
-constexpr Rgb kBackground{0.6F, 0.7F, 0.7F};
+class DeskPane : public test::DeskPaneTest {};
 
 TEST_F(DeskPane, AnAddedOperatorFollowsThePointerAndIsDroppedByAClick) {
     host.AddOperator("noise", "output o { float out }\ncolor 0 0.6 0");
@@ -373,8 +242,7 @@ TEST_F(DeskPane, CommandsZoomFitAndCentre) {
 TEST_F(DeskPane, ALockedDeskIsVeiledAndOutOfReach) {
     COpBox& box = PutLink(300, 200);
     Show();
-    document.lock = 1;
-    pane->OnUpdate();
+    Lock(true);
     const QPoint at = TitleOf(box);
     QMouseEvent press(QEvent::MouseButtonPress, at, pane->Desk().mapToGlobal(at), Qt::LeftButton,
                       Qt::LeftButton, {});
@@ -388,8 +256,7 @@ TEST_F(DeskPane, ALockedDeskIsVeiledAndOutOfReach) {
     EXPECT_EQ(half, 200);
     EXPECT_EQ(Count({10, 10, 19, 19}, kBackground), half);
     EXPECT_GT(Count(PanelRect(box), kGreen), 20);  // seen through it
-    document.lock = 0;
-    pane->OnUpdate();
+    Lock(false);
     Click(TitleOf(box));
     EXPECT_EQ(box.selected, 1);
     Look();

@@ -265,7 +265,7 @@ void MainFrame::DocumentReplaced() {
         m_operatorBar->ShowShaderType(type->second);
     }
     m_operatorBar->RebuildButtons(m_work->document.toolbar);
-    m_windows.helpEditor->Refresh();
+    m_windows.helpEditor->DocumentReplaced();
     UpdateTitle();
     m_desk->LayoutAll();
     RefreshAllViews();

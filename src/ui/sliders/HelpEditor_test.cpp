@@ -40,6 +40,16 @@ TEST_F(HelpEditor, ShowsTheDocumentsHelpWhichIsNoChange) {
     EXPECT_EQ(changes, 0);
 }
 
+TEST_F(HelpEditor, LinesThatEndOtherwiseAreJoinedByTheFirstChangeAndNotBefore) {
+    SetHelp("one\ntwo");
+    EXPECT_EQ(edit->toPlainText(), "one\ntwo");
+    EXPECT_EQ(Help(), "one\ntwo");
+    EXPECT_FALSE(document.IsModified());
+    test::ShowActive(editor);
+    QTest::keyClick(edit, '>');
+    EXPECT_EQ(Help(), ">one\r\ntwo");
+}
+
 TEST_F(HelpEditor, EachKeyIsInTheDocumentAtOnce) {
     SetHelp("one");
     test::ShowActive(editor);

@@ -140,6 +140,7 @@ void ChooseFileWhenDialogComes(const std::string& path) {
             dialog.reject();
             return;
         }
+        name->setFocus();  // else a row that is selected counts, and not the name
         name->setText(Shown(path));
         QTest::keyClick(name, Qt::Key_Return);
         if (dialog.isVisible()) {

@@ -1,0 +1,150 @@
+// How a box is painted.
+#include <array>
+
+#include "document/TvDoc.h"
+#include "ui/desk/DeskPainter.h"
+
+namespace tavrin {
+
+namespace {
+
+using namespace desk_colors;
+
+// Marks left of a button, in desk units from its left edge.
+constexpr float kCrossDistance = 12;
+constexpr float kCrossSize = 4;
+constexpr float kCrossWidth = 2;  // pixels
+constexpr float kArgumentDistance = 7;
+constexpr std::array<DeskPoint, 6> kHexagon{
+    {{-2, 0}, {-1, 1.74F}, {1, 1.74F}, {2, 0}, {1, -1.74F}, {-1, -1.74F}}};
+constexpr float kMarksWidth = kCrossDistance + kCrossSize;  // what a box's marks stand out of it
+// The triangle in a grow arrow, in desk units.
+constexpr float kArrowHalf = 10;
+constexpr float kArrowMargin = 3;
+
+bool Overlaps(const DeskRect& one, const DeskRect& other) {
+    return one.left < other.Right() && other.left < one.Right() && one.bottom < other.Top() &&
+           other.bottom < one.Top();
+}
+
+}  // namespace
+
+void DeskPainter::PaintAllBoxes(const std::string& highlightedBox) {
+    const float around = desk_lengths::kGrowArrowHeight + kMarksWidth +
+                         m_parts.style.selectedBoxWidth * m_pen.Pixel();  // what may stand out of a box
+    const auto paint = [&](const COpBox& box) {
+        if (!Overlaps(BoxRect(box).GrownBy(around), m_pen.Visible())) return;
+        PaintBox(box, !highlightedBox.empty() && box.BoxTitleWid() == highlightedBox);
+    };
+    // The first box of the network lies on top.
+    const auto& boxes = m_parts.document.m_boxes;
+    for (auto box = boxes.rbegin(); box != boxes.rend(); ++box) paint(**box);
+    if (!m_parts.desk.m_pendingPlaced) return;
+    for (const auto& box : m_parts.desk.m_pendingBoxes) paint(*box);
+}
+
+void DeskPainter::PaintBox(const COpBox& box, bool isHighlighted) {
+    const DeskStyle& style = m_parts.style;
+    const Rgb color = isHighlighted ? style.highlightedBox : style.ColorOf(box.color);
+    const DeskRect title = TitleRect(box);
+    m_pen.Bevel(title, color);
+    m_pen.CentredLabel(box.filename + " " + std::to_string(box.wid), title);
+    PaintPanel(box, color, isHighlighted);
+    PaintButtons(box, false, color);
+    PaintButtons(box, true, color);
+    if (box.selected != 0) PaintSelection(BoxRect(box));
+    if (m_parts.gestures.GrowArrowsShown() && m_parts.desk.m_mouseBox == &box) PaintGrowArrows(box, color);
+}
+
+void DeskPainter::PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted) {
+    const DeskRect panel = PanelRect(box);
+    m_pen.Bevel(panel, color);
+    const CSgiImage* icon =
+        m_parts.document.showiconimages == 0 ? nullptr : m_parts.icons.IconOf(box, isHighlighted);
+    if (icon == nullptr) {
+        m_pen.CentredTitle(box.icontext, panel);
+        return;
+    }
+    const DeskPoint middle = panel.Middle();
+    m_pen.Image(*icon,
+                {middle.x - static_cast<float>(icon->width) * 0.5F,
+                 middle.y - static_cast<float>(icon->height) * 0.5F},
+                1 / m_pen.Pixel());
+}
+
+void DeskPainter::PaintButtons(const COpBox& box, bool outputs, const Rgb& color) {
+    const auto& buttons = outputs ? box.outputs : box.inputs;
+    if (buttons.empty()) {
+        m_pen.Use(kBevelDark);
+        m_pen.Fill(ButtonColumnRect(box, outputs));
+        return;
+    }
+    for (size_t index = buttons.size(); index-- > 0;) {
+        const COpButton& button = *buttons[index];
+        const DeskRect row = ButtonRect({&box, outputs, index});
+        m_pen.Bevel(row, IsButtonLit(button) ? m_parts.style.selectedButton : color);
+        m_pen.CentredLabel(button.DisplayName(), row);
+        PaintMarks(button, row);
+    }
+}
+
+// The button that was picked, and the one under the mouse if the two may be wired.
+bool DeskPainter::IsButtonLit(const COpButton& button) const {
+    const DeskGestures& gestures = m_parts.gestures;
+    const bool isUnderMouse = &button == m_parts.desk.m_mouseButton;
+    if (isUnderMouse && (gestures.IsGrowArrowHot(true) || gestures.IsGrowArrowHot(false))) return false;
+    const COpButton* selected = m_parts.desk.m_selectedButton;
+    if (&button == selected) return true;
+    return isUnderMouse && selected != nullptr && selected->CanConnect(button) &&
+           !selected->WouldLoop(button);
+}
+
+void DeskPainter::PaintMarks(const COpButton& button, const DeskRect& row) {
+    const float middle = row.Middle().y;
+    if (button.disableconnectflag != 0) {
+        const float x = row.left - kCrossDistance;
+        m_pen.Use(kInk);
+        m_pen.LineWidth(kCrossWidth);
+        for (const float slope : {kCrossSize, -kCrossSize}) {
+            m_pen.Strip(std::array{DeskPoint{x - kCrossSize, middle - slope},
+                                   DeskPoint{x + kCrossSize, middle + slope}});
+        }
+        m_pen.LineWidth(1);
+    }
+    if (button.arg != 0) {
+        auto corners = kHexagon;
+        for (DeskPoint& corner : corners) {
+            corner = {row.left - kArgumentDistance + corner.x, middle + corner.y};
+        }
+        m_pen.Use(kArgumentMark);
+        m_pen.Polygon(corners);
+    }
+}
+
+void DeskPainter::PaintSelection(const DeskRect& rect) {
+    const float width = m_parts.style.selectedBoxWidth * m_pen.Pixel();
+    const DeskRect outer = rect.GrownBy(width);
+    m_pen.Use(m_parts.style.selectedBox);
+    m_pen.Fill({outer.left, outer.bottom, width, outer.height});
+    m_pen.Fill({rect.Right(), outer.bottom, width, outer.height});
+    m_pen.Fill({rect.left, outer.bottom, rect.width, width});
+    m_pen.Fill({rect.left, rect.Top(), rect.width, width});
+}
+
+void DeskPainter::PaintGrowArrows(const COpBox& box, const Rgb& color) {
+    const COpButton& button = *m_parts.desk.m_mouseButton;
+    const ButtonPlace place{&box, false, box.IndexOfButton(button)};
+    for (const bool above : {true, false}) {
+        const DeskRect rect = GrowArrowRect(place, above);
+        m_pen.Bevel(rect, m_parts.gestures.IsGrowArrowHot(above) ? m_parts.style.selectedButton : color);
+        const float middle = rect.Middle().x;
+        const float high = rect.Top() - kArrowMargin;
+        const float low = rect.bottom + kArrowMargin;
+        const float base = above ? low : high;
+        m_pen.Use(kInk);
+        m_pen.Polygon(std::array{DeskPoint{middle, above ? high : low}, DeskPoint{middle - kArrowHalf, base},
+                                 DeskPoint{middle + kArrowHalf, base}});
+    }
+}
+
+}  // namespace tavrin
