@@ -8,7 +8,10 @@ namespace tavrin {
 
 namespace {
 
+constexpr QSize kLeastSize(820, 520);  // so that names and dates stand beside each other
+
 std::optional<ChosenFile> Run(QFileDialog& dialog, const FileDialogRequest& request) {
+    dialog.resize(dialog.size().expandedTo(kLeastSize));
     dialog.setNameFilters(request.filters);
     if (request.filterIndex >= 0 && request.filterIndex < request.filters.size()) {
         dialog.selectNameFilter(request.filters[request.filterIndex]);

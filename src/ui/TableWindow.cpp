@@ -25,7 +25,6 @@ TableWindow::TableWindow(const QString& title, QWidget* frame, const QStringList
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(m_table);
     const int width = kColumnsWide * fontMetrics().averageCharWidth();
-    for (int index = 0; index < columns.size(); ++index) m_table->setColumnWidth(index, width);
     resize(width * static_cast<int>(columns.size()), kRowsHigh * fontMetrics().lineSpacing());
 }
 
@@ -38,6 +37,8 @@ void TableWindow::Refresh() {
     QList<QTreeWidgetItem*> items;
     for (const QStringList& row : m_shown) items << new QTreeWidgetItem(row);
     m_table->addTopLevelItems(items);
+    for (int column = 0; column + 1 < m_table->columnCount(); ++column)
+        m_table->resizeColumnToContents(column);
 }
 
 void TableWindow::showEvent(QShowEvent* event) {

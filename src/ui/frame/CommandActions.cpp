@@ -34,6 +34,8 @@ void CommandActions::Add(QMainWindow& frame, const CommandSpec& spec) {
     action->setMenuRole(QAction::NoRole);
     action->setStatusTip(spec.tip);
     action->setCheckable(spec.checked != nullptr);
+    // In a menu the icon would stand where the check mark belongs.
+    action->setIconVisibleInMenu(spec.checked == nullptr);
     // Hot keys are looked up by shortcuts of their own: a key that is bound twice fires neither.
     if (!IsHotKey(spec.id)) {
         QList<QKeySequence> keys;

@@ -14,6 +14,12 @@ IdleWork::IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, 
 
 IdleWork::~IdleWork() = default;
 
+void IdleWork::ShowSplash() {
+    if (m_splash == nullptr) return;
+    m_splash->move(m_frame.frameGeometry().center() - m_splash->rect().center());
+    m_splash->show();
+}
+
 void IdleWork::Step() {
     if (m_isShowing) return;
     if (!m_startupChecked) CheckStart();

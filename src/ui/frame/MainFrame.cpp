@@ -331,6 +331,11 @@ bool MainFrame::MayClose() {
     return m_documents->SettleChanges();
 }
 
+void MainFrame::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    m_idleWork->ShowSplash();
+}
+
 void MainFrame::closeEvent(QCloseEvent* event) {
     if (!m_isClosed && !MayClose()) {
         event->ignore();

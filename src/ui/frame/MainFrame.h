@@ -65,6 +65,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     FrameState State() const;
 
   protected:
+    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;

@@ -38,7 +38,6 @@ Splash::Splash(QWidget* frame, const std::string& version) : QWidget(frame, Qt::
     column->addWidget(picture);
     column->addWidget(text);
     adjustSize();
-    if (frame != nullptr) move(frame->geometry().center() - rect().center());
     m_since.start();
 }
 
