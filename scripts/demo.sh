@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Sets up, builds, and renders the example networks to pictures in demo-output/.
+# Sets up, builds, renders the example networks to pictures in demo-output/, and opens the program with one
+# of them where there is a display.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -27,4 +28,9 @@ if [ ${#failed[@]} -gt 0 ]; then
   echo "demo: FAILED for ${failed[*]}"
   exit 1
 fi
-echo "demo: rendered ${#pictures[@]} example networks to $output/"
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  setsid build/release/bin/tavrin examples/marble.tvn >/dev/null 2>&1 &
+  echo "demo: rendered ${#pictures[@]} example networks to $output/ and opened examples/marble.tvn in tavrin"
+else
+  echo "demo: rendered ${#pictures[@]} example networks to $output/; no display to open tavrin on"
+fi

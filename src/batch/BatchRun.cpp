@@ -96,6 +96,8 @@ bool BatchRun::Start() {
         m_queue.Post([] {});
     });
     commands.SetCommandOutput(STDERR_FILENO);  // standard output is for data
+    // Scripts show no pictures here, wherever the program was started.
+    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY"}) m_app->GetSite().environment.Unset(display);
     commands.OnChildEnd([this](int exitCode) {
         if (exitCode == 0) return;
         m_failed = true;

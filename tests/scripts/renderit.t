@@ -78,6 +78,8 @@ chmod 0755, "$dir/bin/mray-render";
 my $plain_path = $ENV{PATH};
 $ENV{PATH} = "$dir/bin:$plain_path";
 
+$ENV{MRAY_VIEWER} = '';
+
 subtest 'a render with defaults' => sub {
     put("$work/Ball", "fine\n");
     my ($status, $text) = renderit('Ball', 3);
@@ -182,6 +184,35 @@ subtest 'stopping' => sub {
     cmp_ok(time - $start, '<', 5, 'in time');
     unlink "$dir/kill";
     delete $ENV{TAVRN_KILLFILE};
+};
+
+subtest 'the picture is opened where there is a display' => sub {
+    put("$dir/bin/look", "#!/usr/bin/perl\nopen(my \$f, '>', '$dir/seen'); print \$f \"\@ARGV\"; close \$f;\n"
+            . "select undef, undef, undef, 0.02 until -e '$dir/looked' || !-d '$dir';\n");
+    chmod 0755, "$dir/bin/look";
+    put("$work/Ball", "fine\n");
+    local $ENV{MRAY_VIEWER} = "$dir/bin/look --fast";
+    {
+        local $ENV{DISPLAY} = '';
+        local $ENV{WAYLAND_DISPLAY};
+        renderit('Ball', 10);
+        ok(!-e "$dir/seen", 'not without one');
+    }
+    local $ENV{DISPLAY} = ':0';
+    {
+        local $ENV{MRAY_VIEWER} = '';
+        renderit('Ball', 10);
+        ok(!-e "$dir/seen", 'not without a viewer');
+    }
+    # The viewer is still looking when this returns: it does not hold the output open.
+    my ($status, $text) = renderit('Ball', 10);
+    is($status, 0, 'status');
+    for (1 .. 500) { last if -s "$dir/seen"; select undef, undef, undef, 0.02; }
+    is(slurp("$dir/seen"), "--fast $work/10/Ball.png", 'the viewer has it');
+    put("$dir/looked", '');
+    local $ENV{MRAY_VIEWER} = "$dir/bin/missing";
+    ($status, $text) = renderit('Ball', 10);
+    is($status, 0, 'a viewer that is not there is no failure');
 };
 
 subtest 'no renderer' => sub {
