@@ -237,5 +237,37 @@ TEST_F(DocumentCommandsTest, WithoutAShaderTypeTheTitleIsTheFileName) {
     EXPECT_EQ(commands->WindowTitle(), "Untitled.tvn");
 }
 
+TEST_F(DocumentCommandsTest, TheFirstDocumentHasNoPath) {
+    ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));
+    commands->StartUntitled();
+    EXPECT_EQ(document->Path(), "");
+    EXPECT_EQ(commands->WindowTitle(), "Untitled.tvn [surface]");
+    EXPECT_TRUE(document->m_boxes.empty());
+    EXPECT_FALSE(document->IsModified());
+}
+
+TEST_F(DocumentCommandsTest, WhatWasReadByAnotherWayIsTakenUpAndLogged) {
+    ASSERT_TRUE(document->Open(SavedDocument("there/a.tvn", "light")));
+    commands->HasBeenOpened("there/a.tvn");
+    EXPECT_EQ(app->GetSite().extShaderIface, ".lif");
+    EXPECT_EQ(desk->NextWid(), 1);
+    EXPECT_THAT(sink.log, MatchesRegex("opened there/a.tvn at [0-9:]+ [AP]M\r\n"));
+}
+
+TEST_F(DocumentCommandsTest, AMergeTellsThatTheFileIsOpenBeforeItIsRead) {
+    size_t waiting = 99;
+    ASSERT_TRUE(
+        commands->Merge(SavedDocument("a.tvn", "light"), [&] { waiting = desk->m_pendingBoxes.size(); }));
+    EXPECT_EQ(waiting, 0U);
+    EXPECT_EQ(desk->m_pendingBoxes.size(), 1U);
+    bool isOpen = false;
+    EXPECT_FALSE(commands->Merge(directory / "missing.tvn", [&] { isOpen = true; }));
+    EXPECT_FALSE(isOpen);
+}
+
+TEST_F(DocumentCommandsTest, TheFormsShaderTypesAreKeptForTheToolbar) {
+    EXPECT_EQ(app->ShaderTypes(), (std::vector<std::string>{"surface", "light"}));
+}
+
 }  // namespace
 }  // namespace tavrin

@@ -160,5 +160,15 @@ TEST_F(TvAppEndsTest, OfTwoAlertsTheSecondIsPending) {
     EXPECT_FALSE(report.TakePending());
 }
 
+TEST_F(TvAppEndsTest, AWorkDirectoryThatWasRemovedCanBeMadeAgain) {
+    Load();
+    ASSERT_TRUE(app->RemoveWorkDirectory());
+    EXPECT_FALSE(fs::exists(WorkDir()));
+    app->RestoreWorkDirectory();
+    EXPECT_TRUE(fs::is_directory(WorkDir()));
+    EXPECT_TRUE(app->CloseDown(kNoGrace));
+    EXPECT_FALSE(fs::exists(WorkDir()));
+}
+
 }  // namespace
 }  // namespace tavrin

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <functional>
@@ -165,6 +166,30 @@ TEST_F(CommandsTest, ACommandThatIsNotWaitedForIsNotInterrupted) {
     commands.InterruptCommand(SIGKILL);
     directory.Write("go", "");
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(done) == "x\n"; }));
+}
+
+TEST_F(CommandsTest, AWaitIsToldFromItsBeginningToItsEnd) {
+    std::vector<std::optional<std::chrono::milliseconds>> told;
+    commands.OnWait([&](auto elapsed) {
+        told.push_back(elapsed);
+        // The command ends once the wait has been told a third time.
+        if (told.size() == 3) directory.Write("go", "");
+    });
+    EXPECT_TRUE(
+        commands.RunCommand(Script("until [ -e " + directory / "go" + " ]; do sleep 0.01; done"), true));
+    ASSERT_GE(told.size(), 4U);
+    EXPECT_EQ(told.front(), std::chrono::milliseconds(0));
+    EXPECT_GT(*told[2], *told[1]);
+    EXPECT_EQ(told.back(), std::nullopt);
+    EXPECT_EQ(std::count(told.begin(), told.end(), std::nullopt), 1);
+}
+
+TEST_F(CommandsTest, ACommandThatIsLetGoOrCannotStartIsNoWait) {
+    bool isTold = false;
+    commands.OnWait([&](auto) { isTold = true; });
+    EXPECT_TRUE(commands.RunCommand("true", false));
+    EXPECT_FALSE(commands.RunCommand("/no/such/program", true));
+    EXPECT_FALSE(isTold);
 }
 
 }  // namespace
