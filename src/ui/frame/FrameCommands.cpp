@@ -1,6 +1,4 @@
 // What the frame's commands do.
-#include <QFileInfo>
-#include <QMenuBar>
 #include <sstream>
 
 #include "base/Files.h"
@@ -19,7 +17,6 @@
 #include "ui/library/BoxFinder.h"
 #include "ui/library/CustomizeDialog.h"
 #include "ui/library/MenuFinder.h"
-#include "ui/library/OperatorMenus.h"
 #include "ui/library/OperatorToolBar.h"
 #include "ui/log/LogWindow.h"
 #include "ui/render/ExportDlg.h"
@@ -51,221 +48,112 @@ std::string ShortcutTarget(const std::string& path) {
 }  // namespace
 
 void MainFrame::Command(CommandId id) {
-    [[maybe_unused]] const bool known = DoDocumentCommand(id) || DoDeskCommand(id) || DoRenderCommand(id) ||
-                                        DoWindowCommand(id) || DoOption(id);
+    m_handlers.at(id)();
     m_idle.Request();
 }
 
-bool MainFrame::DoDocumentCommand(CommandId id) {
-    switch (id) {
-        case CommandId::kNew:
-            m_documents->New();
-            return true;
-        case CommandId::kOpen:
-            m_documents->Open();
-            return true;
-        case CommandId::kMerge:
-            m_documents->Merge();
-            return true;
-        case CommandId::kSave:
-            m_documents->Save();
-            return true;
-        case CommandId::kSaveAs:
-            m_documents->SaveAs();
-            return true;
-        case CommandId::kDisplayIcons:
-            ToggleDocumentFlag(&DocumentCommands::ToggleIcons);
-            return true;
-        case CommandId::kStraightTraceLines:
-            ToggleDocumentFlag(&DocumentCommands::ToggleLineType);
-            return true;
-        case CommandId::kLinesOverBoxes:
-            ToggleDocumentFlag(&DocumentCommands::ToggleLinesOverBoxes);
-            return true;
-        case CommandId::kShowVarnames:
-            ToggleDocumentFlag(&DocumentCommands::ToggleVarNames);
-            return true;
-        case CommandId::kLockDesk:
-            ToggleDocumentFlag(&DocumentCommands::ToggleLock);
-            return true;
-        case CommandId::kExit:
-            close();
-            return true;
-        default:
-            return false;
-    }
+void MainFrame::ConnectDocumentCommands() {
+    m_handlers[CommandId::kNew] = [this] { m_documents->New(); };
+    m_handlers[CommandId::kOpen] = [this] { m_documents->Open(); };
+    m_handlers[CommandId::kMerge] = [this] { m_documents->Merge(); };
+    m_handlers[CommandId::kSave] = [this] { m_documents->Save(); };
+    m_handlers[CommandId::kSaveAs] = [this] { m_documents->SaveAs(); };
+    m_handlers[CommandId::kDisplayIcons] = [this] { ToggleDocumentFlag(&DocumentCommands::ToggleIcons); };
+    m_handlers[CommandId::kStraightTraceLines] = [this] {
+        ToggleDocumentFlag(&DocumentCommands::ToggleLineType);
+    };
+    m_handlers[CommandId::kLinesOverBoxes] = [this] {
+        ToggleDocumentFlag(&DocumentCommands::ToggleLinesOverBoxes);
+    };
+    m_handlers[CommandId::kShowVarnames] = [this] { ToggleDocumentFlag(&DocumentCommands::ToggleVarNames); };
+    m_handlers[CommandId::kLockDesk] = [this] { ToggleDocumentFlag(&DocumentCommands::ToggleLock); };
+    m_handlers[CommandId::kExit] = [this] { close(); };
 }
 
-bool MainFrame::DoDeskCommand(CommandId id) {
-    COpDesk& desk = m_work->desk;
-    switch (id) {
-        case CommandId::kCut:
-            desk.CutBoxes();
-            return true;
-        case CommandId::kCopy:
-            desk.CopySelection();
-            return true;
-        case CommandId::kPaste:
-            desk.PasteBoxes(m_desk->CursorOnDesk());
-            return true;
-        case CommandId::kDelete:
-            desk.DeleteSelection();
-            return true;
-        case CommandId::kSelectAllBoxes:
-            desk.SelectAllBoxes();
-            return true;
-        case CommandId::kUnselectAllBoxes:
-            desk.UnselectAllBoxes();
-            return true;
-        case CommandId::kFitToWindow:
-            m_desk->FitToWindow();
-            return true;
-        case CommandId::kZoomReset:
-            m_desk->ZoomReset();
-            return true;
-        case CommandId::kZoomIn:
-            m_desk->ZoomIn();
-            return true;
-        case CommandId::kZoomOut:
-            m_desk->ZoomOut();
-            return true;
-        case CommandId::kShowWallpaper:
-            m_desk->m_showWallpaper = !m_desk->m_showWallpaper;
-            Repaint();
-            return true;
-        case CommandId::kTileWallpaper:
-            m_desk->m_tileWallpaper = !m_desk->m_tileWallpaper;
-            Repaint();
-            return true;
-        case CommandId::kSetWallpaper:
-            SetWallpaper();
-            return true;
-        default:
-            return false;
-    }
+void MainFrame::ConnectDeskCommands() {
+    m_handlers[CommandId::kCut] = [this] { m_work->desk.CutBoxes(); };
+    m_handlers[CommandId::kCopy] = [this] { m_work->desk.CopySelection(); };
+    m_handlers[CommandId::kPaste] = [this] { m_work->desk.PasteBoxes(m_desk->CursorOnDesk()); };
+    m_handlers[CommandId::kDelete] = [this] { m_work->desk.DeleteSelection(); };
+    m_handlers[CommandId::kSelectAllBoxes] = [this] { m_work->desk.SelectAllBoxes(); };
+    m_handlers[CommandId::kUnselectAllBoxes] = [this] { m_work->desk.UnselectAllBoxes(); };
+    m_handlers[CommandId::kFitToWindow] = [this] { m_desk->FitToWindow(); };
+    m_handlers[CommandId::kZoomReset] = [this] { m_desk->ZoomReset(); };
+    m_handlers[CommandId::kZoomIn] = [this] { m_desk->ZoomIn(); };
+    m_handlers[CommandId::kZoomOut] = [this] { m_desk->ZoomOut(); };
+    m_handlers[CommandId::kShowWallpaper] = [this] {
+        m_desk->m_showWallpaper = !m_desk->m_showWallpaper;
+        Repaint();
+    };
+    m_handlers[CommandId::kTileWallpaper] = [this] {
+        m_desk->m_tileWallpaper = !m_desk->m_tileWallpaper;
+        Repaint();
+    };
+    m_handlers[CommandId::kSetWallpaper] = [this] { SetWallpaper(); };
 }
 
-bool MainFrame::DoRenderCommand(CommandId id) {
-    switch (id) {
-        case CommandId::kRenderIt:
-            m_renders->RenderIt();
-            return true;
-        case CommandId::kStopRender:
-            m_renders->StopRender();
-            return true;
-        case CommandId::kExportAll:
-            m_renders->ExportAll();
-            return true;
-        case CommandId::kExportShaderSource:
-            m_renders->ExportOne(ExportKind::kShaderSource);
-            return true;
-        case CommandId::kExportCompiledShader:
-            m_renders->ExportOne(ExportKind::kCompiledShader);
-            return true;
-        case CommandId::kExportRenderInterface:
-            m_renders->ExportOne(ExportKind::kRenderIface);
-            return true;
-        case CommandId::kExportShaderInterface:
-            m_renders->ExportOne(ExportKind::kShaderIface);
-            return true;
-        case CommandId::kViewShaderSource:
-            m_renders->ViewShaderSource();
-            return true;
-        case CommandId::kViewRenderInterface:
-            m_renders->ViewRenderInterface();
-            return true;
-        case CommandId::kViewShaderInterface:
-            m_renders->ViewShaderInterface();
-            return true;
-        case CommandId::kRunScript:
-            RunScript();
-            return true;
-        case CommandId::kHaltScript:
-            m_dispatch.HaltScript();
-            return true;
-        default:
-            return false;
-    }
+void MainFrame::ConnectRenderCommands() {
+    m_handlers[CommandId::kRenderIt] = [this] { m_renders->RenderIt(); };
+    m_handlers[CommandId::kStopRender] = [this] { m_renders->StopRender(); };
+    m_handlers[CommandId::kExportAll] = [this] { m_renders->ExportAll(); };
+    m_handlers[CommandId::kExportShaderSource] = [this] { m_renders->ExportOne(ExportKind::kShaderSource); };
+    m_handlers[CommandId::kExportCompiledShader] = [this] {
+        m_renders->ExportOne(ExportKind::kCompiledShader);
+    };
+    m_handlers[CommandId::kExportRenderInterface] = [this] {
+        m_renders->ExportOne(ExportKind::kRenderIface);
+    };
+    m_handlers[CommandId::kExportShaderInterface] = [this] {
+        m_renders->ExportOne(ExportKind::kShaderIface);
+    };
+    m_handlers[CommandId::kViewShaderSource] = [this] { m_renders->ViewShaderSource(); };
+    m_handlers[CommandId::kViewRenderInterface] = [this] { m_renders->ViewRenderInterface(); };
+    m_handlers[CommandId::kViewShaderInterface] = [this] { m_renders->ViewShaderInterface(); };
+    m_handlers[CommandId::kRunScript] = [this] { RunScript(); };
+    m_handlers[CommandId::kHaltScript] = [this] { m_dispatch.HaltScript(); };
 }
 
-bool MainFrame::DoWindowCommand(CommandId id) {
-    switch (id) {
-        case CommandId::kExportOptions:
-            m_windows.exportDialog->Toggle();
-            return true;
-        case CommandId::kRenderHistory:
-            m_windows.renderHistory->Toggle();
-            return true;
-        case CommandId::kBoxFinder:
-            m_windows.boxFinder->Toggle();
-            return true;
-        case CommandId::kMenuFinder:
-            m_windows.menuFinder->Toggle();
-            return true;
-        case CommandId::kRenderOptions:
-            m_windows.renderOptions->Toggle();
-            return true;
-        case CommandId::kArgumentEditor:
-            m_windows.argumentEditor->Toggle();
-            return true;
-        case CommandId::kShaderHelp:
-            m_windows.helpEditor->Toggle();
-            return true;
-        case CommandId::kDisplayLog:
-            m_windows.log->ComeUp();
-            return true;
-        case CommandId::kClearLog:
-            m_windows.log->Clear();
-            return true;
-        case CommandId::kCustomize:
-            CustomizeToolBar();
-            return true;
-        case CommandId::kOnlineDocumentation:
-            OpenDocumentation();
-            return true;
-        case CommandId::kAbout:
-            ShowAboutBox(this, m_app.ProductVersion());
-            return true;
-        default:
-            return false;
-    }
+void MainFrame::ConnectWindowCommands() {
+    m_handlers[CommandId::kExportOptions] = [this] { m_windows.exportDialog->Toggle(); };
+    m_handlers[CommandId::kRenderHistory] = [this] { m_windows.renderHistory->Toggle(); };
+    m_handlers[CommandId::kBoxFinder] = [this] { m_windows.boxFinder->Toggle(); };
+    m_handlers[CommandId::kMenuFinder] = [this] { m_windows.menuFinder->Toggle(); };
+    m_handlers[CommandId::kRenderOptions] = [this] { m_windows.renderOptions->Toggle(); };
+    m_handlers[CommandId::kArgumentEditor] = [this] { m_windows.argumentEditor->Toggle(); };
+    m_handlers[CommandId::kShaderHelp] = [this] { m_windows.helpEditor->Toggle(); };
+    m_handlers[CommandId::kDisplayLog] = [this] { m_windows.log->ComeUp(); };
+    m_handlers[CommandId::kClearLog] = [this] { m_windows.log->Clear(); };
+    m_handlers[CommandId::kCustomize] = [this] { CustomizeToolBar(); };
+    m_handlers[CommandId::kOnlineDocumentation] = [this] { OpenDocumentation(); };
+    m_handlers[CommandId::kAbout] = [this] { ShowAboutBox(this, m_app.ProductVersion()); };
 }
 
-bool MainFrame::DoOption(CommandId id) {
-    Site& site = GetSite();
-    switch (id) {
-        case CommandId::kFreezeSliders:
-            m_sliders->SetFrozen(!m_sliders->IsFrozen());
-            return true;
-        case CommandId::kStatusBar:
-            m_showStatus = !m_showStatus;
-            m_statusBox->setVisible(m_showStatus);
-            return true;
-        case CommandId::kScrollBars:
-            m_desk->SetScrollBarsShown(!m_desk->ScrollBarsShown());
-            return true;
-        case CommandId::kSliderDesk:
-            m_showSliderDesk = !m_showSliderDesk;
-            m_sliders->setFixedWidth(m_showSliderDesk ? m_sliderColumnWidth : 0);
-            return true;
-        case CommandId::kKeepHistory:
-            m_work->session.m_keepHistory = !m_work->session.m_keepHistory;
-            return true;
-        case CommandId::kMultipleRenders:
-            m_work->session.m_multipleRenders = !m_work->session.m_multipleRenders;
-            return true;
-        // Children see a switch from its first use on.
-        case CommandId::kSoundEffects:
-            site.quietMode = !site.quietMode;
-            site.environment.Set("TAVRN_QUIET", site.quietMode ? "1" : "0");
-            return true;
-        case CommandId::kDebugMode:
-            site.debugMode = !site.debugMode;
-            site.environment.Set("TAVRN_DEBUG", site.debugMode ? "1" : "0");
-            return true;
-        default:
-            return false;
-    }
+void MainFrame::ConnectOptions() {
+    m_handlers[CommandId::kFreezeSliders] = [this] { m_sliders->SetFrozen(!m_sliders->IsFrozen()); };
+    m_handlers[CommandId::kStatusBar] = [this] {
+        m_showStatus = !m_showStatus;
+        m_statusBox->setVisible(m_showStatus);
+    };
+    m_handlers[CommandId::kScrollBars] = [this] { m_desk->SetScrollBarsShown(!m_desk->ScrollBarsShown()); };
+    m_handlers[CommandId::kSliderDesk] = [this] {
+        m_showSliderDesk = !m_showSliderDesk;
+        m_sliders->setFixedWidth(m_showSliderDesk ? m_sliderColumnWidth : 0);
+    };
+    m_handlers[CommandId::kKeepHistory] = [this] {
+        m_work->session.m_keepHistory = !m_work->session.m_keepHistory;
+    };
+    m_handlers[CommandId::kMultipleRenders] = [this] {
+        m_work->session.m_multipleRenders = !m_work->session.m_multipleRenders;
+    };
+    // Children see a switch from its first use on.
+    m_handlers[CommandId::kSoundEffects] = [this] {
+        GetSite().quietMode = !GetSite().quietMode;
+        GetSite().environment.Set("TAVRN_QUIET", GetSite().quietMode ? "1" : "0");
+    };
+    m_handlers[CommandId::kDebugMode] = [this] {
+        GetSite().debugMode = !GetSite().debugMode;
+        GetSite().environment.Set("TAVRN_DEBUG", GetSite().debugMode ? "1" : "0");
+    };
 }
 
 FrameState MainFrame::State() const {
@@ -314,29 +202,9 @@ void MainFrame::ToggleDocumentFlag(void (DocumentCommands::*toggle)()) {
     RefreshAllViews();
 }
 
+// The registry has been scanned anew.
 void MainFrame::RebuildOperatorMenus() {
-    m_app.ReloadOperators();
-    ShowOperatorMenus();
-}
-
-// The menus of the present operators, behind the frame's own.
-void MainFrame::ShowOperatorMenus() {
-    const QList<QAction*> before = menuBar()->actions();
-    for (int index = 0; index < m_opMenuCount; ++index) {
-        QAction* old = before.value(m_opMenuFirst + index);
-        menuBar()->removeAction(old);
-        if (old->menu() != nullptr) old->menu()->deleteLater();
-    }
-    m_opMenuFirst = static_cast<int>(menuBar()->actions().size());
-    m_opMenuCount = 0;
-    for (const OpMenuItem& item : m_app.Registry().Root().items) {
-        if (item.kind == OpMenuItem::Kind::kSeparator) continue;
-        QMenu* menu = menuBar()->addMenu(LiteralLabel(item.label));
-        if (item.submenu != nullptr) {
-            FillOperatorMenu(*menu, *item.submenu, [this](uint32_t id) { AddOperatorById(id); });
-        }
-        ++m_opMenuCount;
-    }
+    m_operatorMenus->Rebuild();
     m_windows.menuFinder->Refresh();
     // The new ones are as grey as the old.
     if (std::exchange(m_locked, false)) SetLocked(true);
@@ -400,30 +268,6 @@ void MainFrame::RunScript() {
     if (!chosen) return;
     GetSite().directories.scriptBrowserDir = PathDir(chosen->path);
     m_dispatch.RunScriptFile(chosen->path);
-}
-
-// Filled anew whenever the menu comes up, in front of what stands behind this place.
-void MainFrame::AddRecentFiles(QMenu& menu) {
-    QAction* end = menu.addSeparator();
-    connect(&menu, &QMenu::aboutToShow, this, [this, &menu, end, shown = QList<QAction*>()]() mutable {
-        qDeleteAll(std::exchange(shown, {}));
-        int number = 0;
-        for (const std::string& path : m_recentFiles.List()) {
-            auto* file = new QAction(QString("&%1 %2").arg(++number).arg(LiteralLabel(path)), &menu);
-            connect(file, &QAction::triggered, this, [this, path] { OpenRecentFile(path); });
-            shown << file;
-        }
-        if (shown.isEmpty()) {
-            shown << new QAction("Recent Files", &menu);
-            shown.first()->setEnabled(false);
-        }
-        menu.insertActions(end, shown);
-    });
-}
-
-// One that is gone leaves the list.
-void MainFrame::OpenRecentFile(const std::string& path) {
-    if (!OpenDocumentFile(path) && !QFileInfo::exists(Shown(path))) m_recentFiles.Remove(path);
 }
 
 }  // namespace tavrin

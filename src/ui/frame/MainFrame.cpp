@@ -72,7 +72,8 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
       m_idle([this] { OnIdle(); }),
       m_sink(std::make_unique<Sink>(*this)),
       m_dispatch(*this, GetSite().commands, GetSite().report),
-      m_recentFiles(ground.profile) {
+      m_recentFiles(ground.profile),
+      m_recentFilesMenu(m_recentFiles, [this](const std::string& path) { return OpenDocumentFile(path); }) {
     setObjectName("MainFrame");
     setWindowIcon(ApplicationIcon());
     resize(kFirstSize);
@@ -158,6 +159,11 @@ void MainFrame::CreateWindows() {
 }
 
 void MainFrame::CreateBars() {
+    ConnectDocumentCommands();
+    ConnectDeskCommands();
+    ConnectRenderCommands();
+    ConnectWindowCommands();
+    ConnectOptions();
     m_actions = std::make_unique<CommandActions>(*this, [this](CommandId id) { Command(id); });
     auto* tools = addToolBar("Main Toolbar");
     tools->setObjectName("MainToolBar");
@@ -236,10 +242,12 @@ void MainFrame::CreateMenus() {
     for (const MenuSpec& spec : MenuBarLayout()) {
         QMenu* menu = menuBar()->addMenu(spec.title);
         menu->setToolTipsVisible(false);
-        m_actions->Fill(*menu, spec.slots, [this](QMenu& files) { AddRecentFiles(files); });
+        m_actions->Fill(*menu, spec.slots, [this](QMenu& files) { m_recentFilesMenu.AddTo(files); });
         connect(menu, &QMenu::aboutToShow, this, [this] { m_actions->Update(State()); });
     }
-    ShowOperatorMenus();
+    m_operatorMenus = std::make_unique<OperatorMenuBar>(*menuBar(), m_app.Registry(),
+                                                        [this](uint32_t id) { AddOperatorById(id); });
+    RebuildOperatorMenus();
 }
 
 // The extensions are those of the library at hand, and of this moment.
@@ -259,7 +267,7 @@ void MainFrame::RetitleCommands() {
 }
 
 void MainFrame::DocumentReplaced() {
-    ShowOperatorMenus();
+    RebuildOperatorMenus();
     const auto& options = m_work->document.m_renderOptions;
     if (const auto type = options.find(kShaderTypeOption); type != options.end()) {
         m_operatorBar->ShowShaderType(type->second);

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -14,7 +16,9 @@
 #include "ui/frame/FrameWindows.h"
 #include "ui/frame/IdleDriver.h"
 #include "ui/frame/IdleWork.h"
+#include "ui/frame/RecentFilesMenu.h"
 #include "ui/frame/RenderWork.h"
+#include "ui/library/OperatorMenuBar.h"
 
 class QSplitter;
 
@@ -93,22 +97,21 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     void CreateClientArea();
     void CreateMenus();
     void RetitleCommands();
-    void AddRecentFiles(QMenu& menu);
-    void OpenRecentFile(const std::string& path);
 
     void RebuildOperatorMenus();
-    void ShowOperatorMenus();
     void AddOperatorById(uint32_t id);
     void CustomizeToolBar();
     void SetWallpaper();
     void OpenDocumentation();
     void RunScript();
     void ToggleDocumentFlag(void (DocumentCommands::*toggle)());
-    bool DoDocumentCommand(CommandId id);
-    bool DoDeskCommand(CommandId id);
-    bool DoRenderCommand(CommandId id);
-    bool DoWindowCommand(CommandId id);
-    bool DoOption(CommandId id);
+
+    // Say what the commands do.
+    void ConnectDocumentCommands();
+    void ConnectDeskCommands();
+    void ConnectRenderCommands();
+    void ConnectWindowCommands();
+    void ConnectOptions();
 
     void DocumentReplaced();
     void UpdateTitle();
@@ -132,7 +135,10 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     std::unique_ptr<Workspace> m_work;
     Actions m_dispatch;
     RecentFiles m_recentFiles;
+    RecentFilesMenu m_recentFilesMenu;
+    std::map<CommandId, std::function<void()>> m_handlers;
     std::unique_ptr<CommandActions> m_actions;
+    std::unique_ptr<OperatorMenuBar> m_operatorMenus;
     std::unique_ptr<DocumentWork> m_documents;
     std::unique_ptr<RenderWork> m_renders;
     std::unique_ptr<IdleWork> m_idleWork;
@@ -147,8 +153,6 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     bool m_showStatus = true;
     bool m_showSliderDesk = true;
     bool m_locked = false;
-    int m_opMenuFirst = 0;  // menu-bar position of the first operator menu
-    int m_opMenuCount = 0;
     bool m_isClosed = false;
 };
 
