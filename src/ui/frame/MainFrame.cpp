@@ -75,6 +75,7 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
       m_recentFiles(ground.profile),
       m_recentFilesMenu(m_recentFiles, [this](const std::string& path) { return OpenDocumentFile(path); }) {
     setObjectName("MainFrame");
+    setContextMenuPolicy(Qt::NoContextMenu);  // else bars could be hidden there, to be found again nowhere
     setWindowIcon(ApplicationIcon());
     resize(kFirstSize);
     WindowPlaces(m_profile).RestoreWindow(*this, "MainWindow", {true, false});
@@ -286,6 +287,7 @@ void MainFrame::UpdateTitle() {
     setWindowModified(m_work->document.IsModified());
     m_work->commands.NameHasChanged();
     m_windows.exportDialog->Refresh();
+    m_windows.RefreshTables();
 }
 
 void MainFrame::SetLocked(bool locked) {
@@ -303,7 +305,9 @@ void MainFrame::SetLocked(bool locked) {
 
 void MainFrame::OnIdle() {
     if (m_isClosed) return;
-    m_actions->Update(State());
+    const FrameState state = State();
+    m_actions->Update(state);
+    m_operatorBar->SetRenderEnabled(SpecOf(CommandId::kRenderIt).enabled(state));
     setWindowModified(m_work->document.IsModified());
     m_idleWork->Step();
 }
