@@ -22,19 +22,20 @@ void IdleWork::ShowSplash() {
 
 void IdleWork::Step() {
     if (m_isShowing) return;
-    if (!m_startupChecked) CheckStart();
-    ShowPendingAlert();
+    const bool mayGoOn = m_startupChecked || CheckStart();
+    ShowPendingAlerts();
+    if (!mayGoOn) m_callbacks.quit();
 }
 
-void IdleWork::CheckStart() {
-    if (m_splash != nullptr && m_splash->TimeLeft() > 0 && !m_app.GetSite().report.HasPending()) return;
+bool IdleWork::CheckStart() {
+    if (m_splash != nullptr && m_splash->TimeLeft() > 0 && !m_app.GetSite().report.HasPending()) return true;
     m_splash.reset();
     m_frame.update();
     m_startupChecked = true;
     const auto problem = m_app.StartUpProblem();
     if (!problem) {
         m_callbacks.started();
-        return;
+        return true;
     }
     if (problem->isFatalError) {
         m_isShowing = true;
@@ -42,20 +43,20 @@ void IdleWork::CheckStart() {
         m_isShowing = false;
     } else {
         m_app.GetSite().report.Alert("%s", problem->text.c_str());
-        ShowPendingAlert();
     }
-    m_callbacks.quit();
+    return false;
 }
 
-void IdleWork::ShowPendingAlert() {
+// An alert that is raised while a box is open has found nobody to show it, so it follows at once.
+void IdleWork::ShowPendingAlerts() {
     Report& report = m_app.GetSite().report;
-    const auto alert = report.TakePending();
-    if (!alert) return;
-    if (!alert->file.empty()) m_app.OpenInEditor(alert->file);
-    m_isShowing = true;
-    ShowStop(m_frame.isVisible() ? &m_frame : nullptr, "Alert", Shown(alert->text));
-    m_isShowing = false;
-    report.LogLine("ALERT: %s", alert->text.c_str());
+    while (const auto alert = report.TakePending()) {
+        if (!alert->file.empty()) m_app.OpenInEditor(alert->file);
+        m_isShowing = true;
+        ShowStop(m_frame.isVisible() ? &m_frame : nullptr, "Alert", Shown(alert->text));
+        m_isShowing = false;
+        report.LogLine("ALERT: %s", alert->text.c_str());
+    }
 }
 
 }  // namespace tavrin

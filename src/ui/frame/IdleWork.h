@@ -30,8 +30,9 @@ class IdleWork {
     void Step();
 
   private:
-    void CheckStart();
-    void ShowPendingAlert();
+    // False if the program cannot go on.
+    bool CheckStart();
+    void ShowPendingAlerts();
 
     CTvApp& m_app;
     QWidget& m_frame;

@@ -107,8 +107,8 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
     m_work->commands.StartUntitled();
     DocumentReplaced();
     setAcceptDrops(true);
-    // The splash goes after its time even if nothing happens meanwhile.
-    QTimer::singleShot(Splash::kTime + 1, this, [this] { m_idle.Request(); });
+    // The splash goes after its time even if nothing happens meanwhile; not a moment too early to count.
+    QTimer::singleShot(Splash::kTime + 1, Qt::PreciseTimer, this, [this] { m_idle.Request(); });
 }
 
 MainFrame::~MainFrame() {

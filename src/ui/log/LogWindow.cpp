@@ -65,9 +65,9 @@ QAction* LogWindow::Add(LogCommand command, const QString& caption, const QStrin
 
 void LogWindow::MakeCommands() {
     const auto run = [this](QAction* action, auto work) { connect(action, &QAction::triggered, this, work); };
-    const auto whenEditable = [this](void (LogEdit::*edit)()) {
+    const auto whenEditable = [this](auto edit) {
         return [this, edit] {
-            if (m_editable) (m_edit->*edit)();
+            if (m_editable) edit();
         };
     };
     const auto clear = [this] { Clear(); };
@@ -77,11 +77,11 @@ void LogWindow::MakeCommands() {
     run(Add(LogCommand::kClear, "C&lear", "log-clear", "Clear the log"), clear);
     run(Add(LogCommand::kClearLog, "C&lear Log", "log-clear", "Clear the log"), clear);
     run(Add(LogCommand::kCut, "Cu&t", "cut", "Cut the selection", Qt::CTRL | Qt::Key_X),
-        whenEditable(&LogEdit::cut));
+        whenEditable([this] { m_edit->cut(); }));
     run(Add(LogCommand::kPaste, "&Paste", "paste", "Paste at the caret", Qt::CTRL | Qt::Key_V),
-        whenEditable(&LogEdit::paste));
+        whenEditable([this] { m_edit->paste(); }));
     run(Add(LogCommand::kDelete, "&Delete", "delete", "Delete the selection", Qt::Key_Delete),
-        whenEditable(&LogEdit::DeleteSelection));
+        whenEditable([this] { m_edit->DeleteSelection(); }));
 }
 
 // What is set here comes from the profile; what the user switches goes there at once.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
@@ -140,7 +141,9 @@ void ChooseFileWhenDialogComes(const std::string& path) {
             dialog.reject();
             return;
         }
-        name->setFocus();  // else a row that is selected counts, and not the name
+        // A row that is selected counts, and not the name.
+        for (auto* view : dialog.findChildren<QAbstractItemView*>()) view->clearSelection();
+        name->setFocus();
         name->setText(Shown(path));
         QTest::keyClick(name, Qt::Key_Return);
         if (dialog.isVisible()) {

@@ -1,0 +1,629 @@
+// Every command by each of its ways: from the menu, by its keys, from the toolbar.
+#include <QFileDialog>
+#include <QOpenGLWidget>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+#include <filesystem>
+#include <set>
+
+#include "images/SgiTestFile.h"
+#include "ui/Text.h"
+#include "ui/ToolWindow.h"
+#include "ui/desk/DeskPane.h"
+#include "ui/frame/StatusBox.h"
+#include "ui/support/Hands.h"
+#include "ui/support/TestFrame.h"
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+using test::BoxesShown;
+using test::ChooseFileWhenDialogComes;
+using test::FrameTest;
+using test::PressWhenBoxComes;
+using test::WaitUntil;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+// The fixture as the rows of the table see it.
+class Bench : public FrameTest {
+  public:
+    using FrameTest::AddBoxes;
+    using FrameTest::App;
+    using FrameTest::ChildRuns;
+    using FrameTest::Desk;
+    using FrameTest::directory;
+    using FrameTest::Do;
+    using FrameTest::Document;
+    using FrameTest::EditedFiles;
+    using FrameTest::environment;
+    using FrameTest::Frame;
+    using FrameTest::HoldScripts;
+    using FrameTest::Log;
+    using FrameTest::Settle;
+    using FrameTest::Start;
+    using FrameTest::WorkDir;
+    using FrameTest::WriteDocument;
+
+    // By how its title begins.
+    bool IsUp(const QString& title) {
+        for (const ToolWindow* window : Frame().Windows().All()) {
+            if (window->windowTitle().startsWith(title)) return window->IsUp();
+        }
+        ADD_FAILURE() << "there is no window " << Bytes(title);
+        return false;
+    }
+    int BoxCount() { return static_cast<int>(Document().m_boxes.size()); }
+    int Selected() {
+        int selected = 0;
+        for (const auto& box : Document().m_boxes) selected += box->selected != 0 ? 1 : 0;
+        return selected;
+    }
+    void AddSelectedBoxes(int count) {
+        AddBoxes(count);
+        Desk().SelectAllBoxes();
+        Settle();
+    }
+    bool LogComesTo(const std::string& text) {
+        return WaitUntil([&] { return Log().find(text) != std::string::npos; });
+    }
+    // The text of the file of that name that the editor is given.
+    std::string Edited(const std::string& name) {
+        EXPECT_TRUE(WaitUntil([&] { return !EditedFiles().empty(); }));
+        EXPECT_THAT(EditedFiles(), ElementsAre(WorkDir() + "/" + name));
+        return test::ReadFile(WorkDir() + "/" + name);
+    }
+    QImage DeskPicture() { return Frame().Desk().Desk().grabFramebuffer(); }
+    void SetRedWallpaper() {
+        using test::SgiTestFile;
+        const auto file = SgiTestFile::Plain(60, 40, 3, {255, 0, 0, 255});
+        ChooseFileWhenDialogComes(directory.Write("red.sgi", file.Bytes()));
+        Do(CommandId::kSetWallpaper);
+        Settle();
+    }
+    // How many pixels of the desk are pure red.
+    int RedPixels() {
+        const QImage picture = DeskPicture();
+        int count = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                count += (picture.pixel(x, y) & RGB_MASK) == (qRgb(255, 0, 0) & RGB_MASK) ? 1 : 0;
+        return count;
+    }
+};
+
+void Nothing(Bench&) {}
+
+// What stands before, what the user does in between by one way, what has come of it.
+struct Effect {
+    const char* name;
+    CommandId id;
+    const char* menus;  // whose items do it, joined by blanks
+    const char* keys;   // joined by blanks
+    bool onToolBar;
+    void (*setUp)(Bench&);
+    void (*check)(Bench&);
+};
+
+using Id = CommandId;
+
+void OpensSaved(Bench& t) {
+    ASSERT_TRUE(t.Frame().OpenDocumentFile(t.WriteDocument("mine")));
+    t.Document().customshaderhelp = "changed";
+    t.Document().SetModified();
+    t.Settle();
+}
+
+// Starts an export of one kind, of which the script is told by a place of its own.
+void ChoosesTarget(Bench& t) {
+    t.AddBoxes(1);
+    ChooseFileWhenDialogComes(t.directory / "target.out");
+}
+
+const std::vector<Effect>& Effects() {
+    static const std::vector<Effect> effects = {
+        // File
+        {"New", Id::kNew, "File", "Ctrl+N", true,
+         [](Bench& t) {
+             t.AddBoxes(1);
+             PressWhenBoxComes("Discard");
+         },
+         [](Bench& t) {
+             EXPECT_EQ(t.BoxCount(), 0);
+             EXPECT_THAT(t.Document().Path(), EndsWith("/untitled.tvn"));
+             EXPECT_THAT(Bytes(BoxesShown().join('|')), HasSubstr("Save changes to "));
+         }},
+        {"Open", Id::kOpen, "File", "Ctrl+O", true,
+         [](Bench& t) { ChooseFileWhenDialogComes(t.WriteDocument("two", 2)); },
+         [](Bench& t) {
+             EXPECT_EQ(t.BoxCount(), 2);
+             EXPECT_EQ(t.Document().Path(), t.directory / "two.tvn");
+             EXPECT_THAT(Bytes(t.Frame().windowTitle()), HasSubstr("two.tvn"));
+         }},
+        {"Merge", Id::kMerge, "File", "", false,
+         [](Bench& t) {
+             ChooseFileWhenDialogComes(t.WriteDocument("two", 2));
+             PressWhenBoxComes("OK");
+         },
+         [](Bench& t) {
+             EXPECT_EQ(t.BoxCount(), 0);
+             EXPECT_EQ(t.Desk().m_pendingBoxes.size(), 2U);
+             EXPECT_EQ(BoxesShown().join('|'),
+                       "Warning: Freezing slider desk to prevent mass slider creation");
+             EXPECT_TRUE(t.Frame().State().frozen);
+         }},
+        {"Save", Id::kSave, "File", "Ctrl+S", true, OpensSaved,
+         [](Bench& t) {
+             EXPECT_THAT(test::ReadFile(t.directory / "mine.tvn"), HasSubstr("changed"));
+             EXPECT_FALSE(t.Document().IsModified());
+             EXPECT_THAT(t.Log(), HasSubstr("saved " + t.directory / "mine.tvn at "));
+         }},
+        {"SaveAs", Id::kSaveAs, "File", "", false,
+         [](Bench& t) {
+             OpensSaved(t);
+             ChooseFileWhenDialogComes(t.directory / "other.tvn");
+         },
+         [](Bench& t) {
+             EXPECT_THAT(test::ReadFile(t.directory / "other.tvn"), HasSubstr("changed"));
+             EXPECT_EQ(t.Document().Path(), t.directory / "other.tvn");
+             EXPECT_THAT(Bytes(t.Frame().windowTitle()), HasSubstr("other.tvn"));
+             EXPECT_FALSE(t.Document().IsModified());
+         }},
+        {"ExportOptions", Id::kExportOptions, "File", "", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Export Options")); }},
+        {"ExportShaderSource", Id::kExportShaderSource, "File", "", false, ChoosesTarget,
+         [](Bench& t) {
+             EXPECT_TRUE(t.LogComesTo("exportall Untitled " + t.directory / "target.out - - - -\n"));
+         }},
+        {"ExportCompiledShader", Id::kExportCompiledShader, "File", "", false, ChoosesTarget,
+         [](Bench& t) {
+             EXPECT_TRUE(t.LogComesTo("exportall Untitled - " + t.directory / "target.out - - -\n"));
+         }},
+        {"ExportRenderInterface", Id::kExportRenderInterface, "File", "", false, ChoosesTarget,
+         [](Bench& t) {
+             EXPECT_TRUE(t.LogComesTo("exportall Untitled - - - " + t.directory / "target.out -\n"));
+         }},
+        {"ExportShaderInterface", Id::kExportShaderInterface, "File", "", false, ChoosesTarget,
+         [](Bench& t) {
+             EXPECT_TRUE(t.LogComesTo("exportall Untitled - - " + t.directory / "target.out - -\n"));
+         }},
+        {"ExportAll", Id::kExportAll, "File", "F7", true, [](Bench& t) { t.AddBoxes(1); },
+         [](Bench& t) { EXPECT_TRUE(t.LogComesTo("exportall done")); }},
+        {"RunScript", Id::kRunScript, "File", "", false,
+         [](Bench& t) {
+             ChooseFileWhenDialogComes(t.directory.Write("it.tvx", "form system \"echo\"\nsing loud\n"));
+         },
+         [](Bench& t) {
+             EXPECT_THAT(t.Log(), HasSubstr("unknown action: sing loud"));
+             EXPECT_FALSE(t.Frame().ActionDispatch().ScriptRunning());
+         }},
+        {"Exit", Id::kExit, "File", "Ctrl+Q", false, Nothing,
+         [](Bench& t) {
+             EXPECT_TRUE(t.Frame().IsClosed());
+             EXPECT_FALSE(t.Frame().isVisible());
+         }},
+
+        // Edit
+        {"RenderHistory", Id::kRenderHistory, "Edit Render", "F6", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Render History")); }},
+        {"Cut", Id::kCut, "Edit", "Ctrl+X Shift+Delete", true, [](Bench& t) { t.AddSelectedBoxes(2); },
+         [](Bench& t) {
+             EXPECT_EQ(t.BoxCount(), 0);
+             EXPECT_EQ(t.Desk().m_clipboardBoxes.size(), 2U);
+         }},
+        {"Copy", Id::kCopy, "Edit", "Ctrl+C", true, [](Bench& t) { t.AddSelectedBoxes(2); },
+         [](Bench& t) {
+             EXPECT_EQ(t.BoxCount(), 2);
+             EXPECT_EQ(t.Desk().m_clipboardBoxes.size(), 2U);
+         }},
+        {"Paste", Id::kPaste, "Edit", "Ctrl+V Shift+Insert", true,
+         [](Bench& t) {
+             t.AddSelectedBoxes(2);
+             t.Do(Id::kCopy);
+             t.Settle();
+         },
+         [](Bench& t) { EXPECT_EQ(t.Desk().m_pendingBoxes.size(), 2U); }},
+        {"Delete", Id::kDelete, "Edit", "Delete", false, [](Bench& t) { t.AddSelectedBoxes(2); },
+         [](Bench& t) {
+             EXPECT_EQ(t.BoxCount(), 0);
+             EXPECT_TRUE(t.Desk().m_clipboardBoxes.empty());
+         }},
+        {"SelectAllBoxes", Id::kSelectAllBoxes, "Edit", "Ctrl+A", true,
+         [](Bench& t) {
+             t.AddBoxes(3);
+             t.Desk().UnselectAllBoxes();
+             t.Settle();
+         },
+         [](Bench& t) { EXPECT_EQ(t.Selected(), 3); }},
+        {"UnselectAllBoxes", Id::kUnselectAllBoxes, "Edit", "", true,
+         [](Bench& t) { t.AddSelectedBoxes(3); }, [](Bench& t) { EXPECT_EQ(t.Selected(), 0); }},
+
+        // Find
+        {"BoxFinder", Id::kBoxFinder, "Find", "Ctrl+B", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Box Finder")); }},
+        {"MenuFinder", Id::kMenuFinder, "Find", "Ctrl+M", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Menu Finder")); }},
+
+        // View
+        {"FitToWindow", Id::kFitToWindow, "View", "Ctrl+F", true,
+         [](Bench& t) {
+             t.AddBoxes(1);
+             for (int step = 0; step < 3; ++step) t.Do(Id::kZoomOut);
+             t.Document().offset[0] = 5000;
+             t.Settle();
+         },
+         [](Bench& t) {
+             EXPECT_EQ(t.Document().zoomFactor, 1);
+             const WindowPoint middle = t.Frame().Desk().View().ToWindow(
+                 BoxRect(*t.Document().m_boxes.front()).Middle());
+             EXPECT_NEAR(middle.x, float(t.Frame().Desk().Desk().width()) / 2, 1);
+             EXPECT_NEAR(middle.y, float(t.Frame().Desk().Desk().height()) / 2, 1);
+         }},
+        {"ZoomReset", Id::kZoomReset, "View", "Escape", true,
+         [](Bench& t) {
+             t.AddBoxes(1);
+             t.Do(Id::kZoomIn);
+             t.Settle();
+         },
+         [](Bench& t) { EXPECT_EQ(t.Document().zoomFactor, 1); }},
+        {"ZoomIn", Id::kZoomIn, "View", "Up", true, [](Bench& t) { t.AddBoxes(1); },
+         [](Bench& t) { EXPECT_FLOAT_EQ(t.Document().zoomFactor, 1.1F); }},
+        {"ZoomOut", Id::kZoomOut, "View", "Down", true, [](Bench& t) { t.AddBoxes(1); },
+         [](Bench& t) { EXPECT_FLOAT_EQ(t.Document().zoomFactor, 1 / 1.1F); }},
+
+        // Options
+        {"FreezeSliders", Id::kFreezeSliders, "Options", "F3", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.Frame().State().frozen); }},
+        {"DisplayIcons", Id::kDisplayIcons, "Options", "", true,
+         [](Bench& t) { t.Document().showiconimages = 0; },
+         [](Bench& t) {
+             EXPECT_EQ(t.Document().showiconimages, 1);
+             EXPECT_TRUE(t.Document().IsModified());
+         }},
+        {"StraightTraceLines", Id::kStraightTraceLines, "Options", "Ctrl+T", true,
+         [](Bench& t) { t.Document().linetype = 0; },
+         [](Bench& t) {
+             EXPECT_EQ(t.Document().linetype, 1);
+             EXPECT_TRUE(t.Document().IsModified());
+         }},
+        {"LinesDrawOverBoxes", Id::kLinesOverBoxes, "Options", "", true,
+         [](Bench& t) { t.Document().drawlinesoverboxes = 0; },
+         [](Bench& t) {
+             EXPECT_EQ(t.Document().drawlinesoverboxes, 1);
+             EXPECT_TRUE(t.Document().IsModified());
+         }},
+        {"ShowVarnames", Id::kShowVarnames, "Options", "", true,
+         [](Bench& t) { t.Document().showvarnames = 0; },
+         [](Bench& t) {
+             EXPECT_EQ(t.Document().showvarnames, 1);
+             EXPECT_TRUE(t.Document().IsModified());
+         }},
+        {"LockDesk", Id::kLockDesk, "Options", "Ctrl+L", true, Nothing,
+         [](Bench& t) {
+             EXPECT_EQ(t.Document().lock, 1);
+             EXPECT_TRUE(t.Document().IsModified());
+             EXPECT_FALSE(t.Frame().Desk().isEnabled());
+         }},
+        {"UnlockDesk", Id::kLockDesk, "Options", "Ctrl+L", true,
+         [](Bench& t) {
+             t.Do(Id::kLockDesk);
+             t.Settle();
+         },
+         [](Bench& t) {
+             EXPECT_EQ(t.Document().lock, 0);
+             EXPECT_TRUE(t.Frame().Desk().isEnabled());
+         }},
+        {"StatusBar", Id::kStatusBar, "Options", "", false, Nothing,
+         [](Bench& t) { EXPECT_FALSE(t.Frame().StatusBox().isVisible()); }},
+        {"ScrollBars", Id::kScrollBars, "Options", "", false, Nothing,
+         [](Bench& t) {
+             const auto bars = t.Frame().Desk().findChildren<QScrollBar*>();
+             EXPECT_EQ(bars.size(), 2);
+             for (const QScrollBar* bar : bars) EXPECT_FALSE(bar->isVisible());
+         }},
+        {"KeepHistory", Id::kKeepHistory, "Options", "", false, [](Bench& t) { t.AddBoxes(1); },
+         [](Bench& t) {
+             t.Do(Id::kRenderIt);
+             EXPECT_TRUE(t.LogComesTo("renderit done"));
+             EXPECT_TRUE(t.Frame().Work().session.History().Entries().empty());
+         }},
+        {"SoundEffects", Id::kSoundEffects, "Options", "", false, Nothing,
+         [](Bench& t) {
+             EXPECT_TRUE(t.App().GetSite().quietMode);
+             EXPECT_EQ(t.App().GetSite().environment.Get("TAVRN_QUIET"), "1");
+         }},
+        {"DebugMode", Id::kDebugMode, "Options", "", false, Nothing,
+         [](Bench& t) {
+             EXPECT_TRUE(t.App().GetSite().debugMode);
+             EXPECT_EQ(t.App().GetSite().environment.Get("TAVRN_DEBUG"), "1");
+         }},
+        {"RenderOptions", Id::kRenderOptions, "Options", "F2", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Render Options")); }},
+        {"ArgumentEditor", Id::kArgumentEditor, "Options", "F5", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Argument Editor")); }},
+        {"HideArgumentEditor", Id::kArgumentEditor, "Options", "F5", true,
+         [](Bench& t) {
+             t.Do(Id::kArgumentEditor);
+             t.Settle();
+         },
+         [](Bench& t) { EXPECT_FALSE(t.IsUp("Argument Editor")); }},
+        {"ShowWallpaper", Id::kShowWallpaper, "Options", "", false,
+         [](Bench& t) {
+             t.SetRedWallpaper();
+             EXPECT_EQ(t.RedPixels(), 60 * 40);
+         },
+         [](Bench& t) { EXPECT_EQ(t.RedPixels(), 0); }},
+        {"TileWallpaper", Id::kTileWallpaper, "Options", "", false,
+         [](Bench& t) {
+             t.SetRedWallpaper();
+             EXPECT_EQ(t.RedPixels(), 60 * 40);
+         },
+         [](Bench& t) {
+             const QSize size = t.DeskPicture().size();
+             EXPECT_EQ(t.RedPixels(), size.width() * size.height());
+         }},
+        {"SetWallpaper", Id::kSetWallpaper, "Options", "", false,
+         [](Bench& t) {
+             const auto file = test::SgiTestFile::Plain(60, 40, 3, {255, 0, 0, 255});
+             ChooseFileWhenDialogComes(t.directory.Write("red.sgi", file.Bytes()));
+         },
+         [](Bench& t) { EXPECT_EQ(t.RedPixels(), 60 * 40); }},
+
+        // Render
+        {"RenderIt", Id::kRenderIt, "Render", "F1", true, [](Bench& t) { t.AddBoxes(1); },
+         [](Bench& t) {
+             EXPECT_TRUE(t.LogComesTo("renderit done"));
+             EXPECT_EQ(t.Frame().Work().session.m_nextRender, 2);
+         }},
+        {"StopRender", Id::kStopRender, "Render", "F4", true,
+         [](Bench& t) {
+             t.AddBoxes(1);
+             t.HoldScripts();
+             t.Do(Id::kRenderIt);
+             EXPECT_TRUE(t.LogComesTo("renderit "));
+             t.Settle();
+         },
+         [](Bench& t) {
+             EXPECT_TRUE(WaitUntil([&] { return !t.ChildRuns(); }));
+             EXPECT_TRUE(t.LogComesTo("renderit killed"));
+         }},
+        {"DisplayLog", Id::kDisplayLog, "Render", "F8", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Log")); }},
+        {"DisplayLogThatIsUp", Id::kDisplayLog, "Render", "F8", true,
+         [](Bench& t) {
+             t.Do(Id::kDisplayLog);
+             test::ShowActive(t.Frame());
+         },
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Log")); }},
+        {"ClearLog", Id::kClearLog, "Render", "Ctrl+Delete", true,
+         [](Bench& t) {
+             t.App().GetSite().report.LogLine("a line");
+             EXPECT_THAT(t.Log(), HasSubstr("a line"));
+         },
+         [](Bench& t) { EXPECT_EQ(t.Log(), ""); }},
+        {"ViewShaderSource", Id::kViewShaderSource, "Render", "F9", true, [](Bench& t) { t.AddBoxes(1); },
+         [](Bench& t) { EXPECT_THAT(t.Edited("Untitled"), HasSubstr("surface Untitled")); }},
+        {"ViewRenderInterface", Id::kViewRenderInterface, "Render", "F10", false,
+         [](Bench& t) { t.AddBoxes(1); }, [](Bench& t) { EXPECT_THAT(t.Edited("Untitled.tmp"), HasSubstr("/renderiface\n")); }},
+        {"ViewShaderInterface", Id::kViewShaderInterface, "Render", "F11", false,
+         [](Bench& t) { t.AddBoxes(1); }, [](Bench& t) { EXPECT_THAT(t.Edited("Untitled.tmp"), HasSubstr("/guiprefilter\n")); }},
+
+        // Help
+        {"ShaderHelp", Id::kShaderHelp, "Help", "", true, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Help Editor")); }},
+        {"OnlineDocumentation", Id::kOnlineDocumentation, "Help", "", false, Nothing,
+         [](Bench& t) {
+             EXPECT_TRUE(WaitUntil([&] { return fs::exists(t.directory / "documentation"); }));
+             EXPECT_EQ(test::ReadFile(t.directory / "documentation"), "https://example.org/tavrin\n");
+         }},
+        {"About", Id::kAbout, "Help", "", true, [](Bench&) { PressWhenBoxComes("OK"); },
+         [](Bench&) { EXPECT_THAT(Bytes(BoxesShown().join('|')), HasSubstr("About Tavrin: ")); }},
+    };
+    return effects;
+}
+
+struct Way {
+    enum class Kind { kMenu, kKey, kToolBar } kind;
+    QString name;  // the menu's title, the keys
+};
+
+struct EffectByWay {
+    const Effect* effect;
+    Way way;
+};
+
+std::vector<EffectByWay> AllWays() {
+    std::vector<EffectByWay> all;
+    for (const Effect& effect : Effects()) {
+        for (const QString& menu : QString(effect.menus).split(' ', Qt::SkipEmptyParts))
+            all.push_back({&effect, {Way::Kind::kMenu, menu}});
+        for (const QString& key : QString(effect.keys).split(' ', Qt::SkipEmptyParts))
+            all.push_back({&effect, {Way::Kind::kKey, key}});
+        if (effect.onToolBar) all.push_back({&effect, {Way::Kind::kToolBar, "MainToolBar"}});
+    }
+    return all;
+}
+
+std::string NameOf(const testing::TestParamInfo<EffectByWay>& info) {
+    const Way& way = info.param.way;
+    const std::string effect = info.param.effect->name;
+    if (way.kind == Way::Kind::kMenu) return effect + "_FromMenu" + Bytes(way.name);
+    if (way.kind == Way::Kind::kToolBar) return effect + "_FromToolBar";
+    return effect + "_By" + Bytes(QString(way.name).remove('+'));
+}
+
+// Extensions for each kind of file, documentation to be opened, and a program that opens it.
+class CommandEffects : public Bench, public testing::WithParamInterface<EffectByWay> {
+  protected:
+    CommandEffects() {
+        const std::string site = "tavrin/tiny/tavrn.def";
+        directory.Write(site, test::ReadFile(directory / site) +
+                                  "ext.shadersource .src\next.compiledshader .cmp\next.renderiface .rif\n");
+        directory.Write("tavrin/Readme.url", "[InternetShortcut]\nURL=https://example.org/tavrin\n");
+        fs::permissions(directory.Write("programs/xdg-open",
+                                        "#!/bin/sh\nprintf '%s\\n' \"$1\" >\"$TAVRN_DIR/../opened\"\n"
+                                        "mv \"$TAVRN_DIR/../opened\" \"$TAVRN_DIR/../documentation\"\n"),
+                        fs::perms::owner_all);
+        environment.Set("PATH", directory / "programs:" + environment.Get("PATH").value_or(""));
+    }
+
+    void Go() {
+        QAction& action = Action(GetParam().effect->id);
+        const Way& way = GetParam().way;
+        switch (way.kind) {
+            case Way::Kind::kMenu:
+                return test::ChooseInMenu(Frame(), way.name, action);
+            case Way::Kind::kKey:
+                return test::PressKeys(way.name);
+            case Way::Kind::kToolBar:
+                return test::ClickOnToolBar(Frame(), "MainToolBar", action);
+        }
+    }
+};
+
+TEST_P(CommandEffects, Come) {
+    Start();
+    GetParam().effect->setUp(*this);
+    ASSERT_FALSE(HasFatalFailure());
+    Go();
+    ASSERT_FALSE(HasFatalFailure());
+    Settle();
+    GetParam().effect->check(*this);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, CommandEffects, testing::ValuesIn(AllWays()), NameOf);
+
+// What the table has no row for.
+class OtherCommandEffects : public Bench {
+  protected:
+    OtherCommandEffects() { Start(); }
+    int SliderColumnWidth() { return Frame().findChild<QSplitter*>()->widget(0)->width(); }
+};
+
+TEST_F(OtherCommandEffects, EveryCommandThatAMenuHoldsHasARow) {
+    std::set<CommandId> missing = {Id::kHaltScript};
+    const auto collect = [&](const auto& self, const std::vector<Slot>& places) -> void {
+        for (const Slot& place : places) {
+            if (place.kind == Slot::Kind::kCommand) missing.insert(place.id);
+            self(self, place.items);
+        }
+    };
+    for (const MenuSpec& menu : MenuBarLayout()) collect(collect, menu.slots);
+    for (const Effect& effect : Effects()) missing.erase(effect.id);
+    // Halt Script has a test of its own below; the sliders' need panels, and stand with those.
+    EXPECT_THAT(missing, testing::UnorderedElementsAre(
+                             Id::kHaltScript, Id::kStowAllSliders, Id::kUnstowAllSliders, Id::kPinAllSliders,
+                             Id::kUnpinAllSliders, Id::kLockAllSliders, Id::kUnlockAllSliders));
+}
+
+TEST_F(OtherCommandEffects, HaltScriptEndsTheScriptAndWhatItStarted) {
+    AddBoxes(1);
+    HoldScripts();
+    ChooseFileWhenDialogComes(directory.Write("long.tvx", "form render render\nsing loud\n"));
+    QTimer look;
+    look.callOnTimeout([&] {
+        if (Log().find("renderit ") == std::string::npos) return;
+        look.stop();
+        EXPECT_TRUE(Frame().ActionDispatch().ScriptRunning());
+        Settle();
+        test::ChooseInMenu(Frame(), "File", Action(Id::kHaltScript));
+        EXPECT_FALSE(Frame().ActionDispatch().ScriptRunning());
+    });
+    look.start(5);
+    test::ChooseInMenu(Frame(), "File", Action(Id::kRunScript));
+    EXPECT_TRUE(LogComesTo("renderit killed"));
+    EXPECT_THAT(Log(), Not(HasSubstr("unknown action")));
+    EXPECT_FALSE(look.isActive());
+}
+
+TEST_F(OtherCommandEffects, TheSliderColumnGoesAndComesBackAsWideAsItWas) {
+    const int width = SliderColumnWidth();
+    EXPECT_GT(width, 0);
+    Do(Id::kSliderDesk);
+    Settle();
+    EXPECT_EQ(SliderColumnWidth(), 0);
+    Do(Id::kSliderDesk);
+    Settle();
+    EXPECT_EQ(SliderColumnWidth(), width);
+}
+
+TEST_F(OtherCommandEffects, WithoutMultipleRendersASecondOneIsRefused) {
+    AddBoxes(1);
+    HoldScripts();
+    Do(Id::kRenderIt);
+    ASSERT_TRUE(ChildRuns());
+    Do(Id::kRenderIt);
+    EXPECT_EQ(Frame().Work().session.m_nextRender, 3);
+    Do(Id::kMultipleRenders);
+    Settle();
+    EXPECT_FALSE(Action(Id::kRenderIt).isEnabled());
+    Do(Id::kMultipleRenders);
+    Settle();
+    EXPECT_TRUE(Action(Id::kRenderIt).isEnabled());
+}
+
+TEST_F(OtherCommandEffects, AWallpaperThatCannotBeReadKeepsTheOldOne) {
+    SetRedWallpaper();
+    EXPECT_EQ(RedPixels(), 60 * 40);
+    ChooseFileWhenDialogComes(directory.Write("broken.sgi", "no picture"));
+    PressWhenBoxComes("OK");
+    test::ChooseInMenu(Frame(), "Options", Action(Id::kSetWallpaper));
+    ASSERT_TRUE(WaitUntil([] { return !BoxesShown().isEmpty(); }));
+    EXPECT_THAT(Bytes(BoxesShown()[0]), testing::StartsWith("Alert: WARNING: " + directory / "broken.sgi"));
+    EXPECT_EQ(RedPixels(), 60 * 40);
+}
+
+TEST_F(OtherCommandEffects, SetWallpaperStartsWhereTheLastOneWasChosen) {
+    const auto file = test::SgiTestFile::Plain(6, 4, 3, {255, 0, 0, 255});
+    ChooseFileWhenDialogComes(directory.Write("walls/red.sgi", file.Bytes()));
+    Do(Id::kSetWallpaper);
+    QString title;
+    QString start;
+    QStringList filters;
+    test::WhenDialogComes([&](QDialog& dialog) {
+        auto& files = dynamic_cast<QFileDialog&>(dialog);
+        title = files.windowTitle();
+        start = files.directory().path();
+        filters = files.nameFilters();
+        dialog.reject();
+    });
+    Do(Id::kSetWallpaper);
+    EXPECT_EQ(title, "Select");
+    EXPECT_EQ(Bytes(start), directory / "walls");
+    EXPECT_EQ(filters.join('|'), "SGI Images (*.sgi)");
+}
+
+TEST_F(OtherCommandEffects, DocumentationThatIsNotThereIsAlerted) {
+    PressWhenBoxComes("OK");
+    test::ChooseInMenu(Frame(), "Help", Action(Id::kOnlineDocumentation));
+    ASSERT_TRUE(WaitUntil([] { return !BoxesShown().isEmpty(); }));
+    EXPECT_EQ(Bytes(BoxesShown()[0]), "Alert: unable to open " + directory / "tavrin/Readme.url");
+}
+
+TEST_F(OtherCommandEffects, AMinimizedToolWindowIsRestoredByItsCommand) {
+    for (const Id id :
+         {Id::kRenderOptions, Id::kArgumentEditor, Id::kExportOptions, Id::kShaderHelp, Id::kDisplayLog}) {
+        Do(id);
+        ToolWindow* window = nullptr;
+        for (ToolWindow* each : Frame().Windows().All()) window = each->isVisible() ? each : window;
+        ASSERT_NE(window, nullptr);
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+        window->showMinimized();
+        ASSERT_TRUE(WaitUntil([&] { return window->isMinimized(); }));
+        EXPECT_FALSE(window->IsUp());
+        test::ShowActive(Frame());
+        Do(id);
+        EXPECT_TRUE(WaitUntil([&] { return window->IsUp(); })) << Bytes(window->windowTitle());
+        window->hide();
+        Settle();
+    }
+}
+
+}  // namespace
+}  // namespace tavrin
