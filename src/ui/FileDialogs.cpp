@@ -1,6 +1,7 @@
 #include "ui/FileDialogs.h"
 
 #include <QFileDialog>
+#include <QListView>
 
 #include "ui/Text.h"
 
@@ -18,6 +19,8 @@ std::optional<ChosenFile> Run(QFileDialog& dialog, const FileDialogRequest& requ
     }
     dialog.setDefaultSuffix(request.extension);
     if (!request.file.empty()) dialog.selectFile(Shown(request.file));
+    // A row that the user did not select would be taken rather than what is typed.
+    if (auto* list = dialog.findChild<QListView*>("listView")) list->selectionModel()->clear();
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
     ChosenFile chosen;
     chosen.path = Bytes(dialog.selectedFiles().first());

@@ -1,0 +1,213 @@
+// Where the windows stand after a restart, with a window manager between us and the screen.
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include "ui/ToolWindow.h"
+#include "ui/library/BoxFinder.h"
+#include "ui/library/MenuFinder.h"
+#include "ui/log/LogWindow.h"
+#include "ui/support/TestFrame.h"
+
+namespace tavrin {
+namespace {
+
+using test::FrameTest;
+using test::WaitUntil;
+
+struct Place {
+    const char* name;
+    QWidget* window;
+    bool restoresSize;
+};
+
+std::string Text(const QRect& rect) {
+    return std::to_string(rect.width()) + "x" + std::to_string(rect.height()) + "+" +
+           std::to_string(rect.x()) + "+" + std::to_string(rect.y());
+}
+
+class PlacesTest : public FrameTest {
+  protected:
+    // The tool windows, in the frame's order, with the names under which their places are stored.
+    std::vector<Place> Tools() {
+        const std::vector<ToolWindow*> windows = Frame().Windows().All();
+        std::vector<Place> tools = {
+            {"RenderHistory", nullptr, true},        {"BoxFinder", nullptr, true},
+            {"MenuFinder", nullptr, true},           {"ArgumentEditor", nullptr, true},
+            {"RenderOptionsEditor", nullptr, false}, {"ExportOptionsEditor", nullptr, false},
+            {"HelpEditor", nullptr, true},           {"Log", nullptr, true},
+        };
+        EXPECT_EQ(windows.size(), tools.size());
+        for (size_t n = 0; n < tools.size(); ++n) tools[n].window = windows.at(n);
+        return tools;
+    }
+    void Store(const std::string& name, const QRect& place, bool visible) {
+        profile.SetInt(name + ".x", place.x());
+        profile.SetInt(name + ".y", place.y());
+        profile.SetInt(name + ".width", place.width());
+        profile.SetInt(name + ".height", place.height());
+        profile.SetInt(name + ".visible", visible ? 1 : 0);
+    }
+    QRect Stored(const std::string& name) {
+        return {profile.GetInt(name + ".x", -1), profile.GetInt(name + ".y", -1),
+                profile.GetInt(name + ".width", -1), profile.GetInt(name + ".height", -1)};
+    }
+    static QRect PlaceOf(const QWidget& window) { return {window.pos(), window.size()}; }
+    // Once the window manager has had its say.
+    void ExpectPlace(const QWidget& window, const QRect& place, const std::string& name) {
+        const bool stands = WaitUntil(
+            [&] {
+                return PlaceOf(window) == place &&
+                       (!window.isVisible() || window.windowHandle()->isExposed());
+            },
+            5);
+        EXPECT_TRUE(stands) << name << ": " << Text(PlaceOf(window)) << " instead of " << Text(place);
+    }
+    void CloseFrame() {
+        Frame().close();
+        ASSERT_TRUE(Frame().IsClosed());
+        End();
+    }
+    static QRect NthPlace(int n) { return {90 + 31 * n, 70 + 23 * n, 700 + 11 * n, 420 + 7 * n}; }
+
+    const QSize screen = QGuiApplication::primaryScreen()->virtualSize();
+};
+
+TEST_F(PlacesTest, EveryWindowComesBackWhereTheUserHasPutIt) {
+    Start();
+    int number = 0;
+    Frame().setGeometry(100, 120, 1100, 720);
+    for (const Place& tool : Tools()) {
+        tool.window->show();
+        ASSERT_TRUE(WaitUntil([&] { return tool.window->windowHandle()->isExposed(); }));
+        const QRect place = NthPlace(number++);
+        tool.window->resize(place.size());
+        tool.window->move(place.topLeft());
+    }
+    number = 0;
+    std::map<std::string, QRect> before;
+    for (const Place& tool : Tools()) {
+        ExpectPlace(*tool.window, NthPlace(number++), tool.name);
+        before[tool.name] = PlaceOf(*tool.window);
+    }
+    const QRect frame = PlaceOf(Frame());
+    CloseFrame();
+
+    // A second restart shows whether windows creep by the width of their borders.
+    for (int restart = 0; restart < 2; ++restart) {
+        Start();
+        ExpectPlace(Frame(), frame, "MainWindow");
+        for (const Place& tool : Tools()) {
+            EXPECT_TRUE(tool.window->isVisible()) << tool.name;
+            QRect place = before[tool.name];
+            if (!tool.restoresSize) place.setSize(tool.window->size());
+            ExpectPlace(*tool.window, place, tool.name);
+        }
+        CloseFrame();
+    }
+}
+
+TEST_F(PlacesTest, AFormKeepsItsOwnSizeWhateverWasStored) {
+    Make();
+    for (const Place& tool : Tools()) Store(tool.name, {300, 200, 811, 611}, true);
+    Start();
+    for (const Place& tool : Tools()) {
+        if (tool.restoresSize) {
+            ExpectPlace(*tool.window, {300, 200, 811, 611}, tool.name);
+        } else {
+            EXPECT_EQ(tool.window->pos(), QPoint(300, 200)) << tool.name;
+            EXPECT_NE(tool.window->size(), QSize(811, 611)) << tool.name;
+        }
+    }
+}
+
+TEST_F(PlacesTest, WindowsThatWereHiddenStayHiddenAndKeepTheirPlace) {
+    Store("Log", NthPlace(0), false);
+    Store("BoxFinder", NthPlace(1), false);
+    for (int restart = 0; restart < 2; ++restart) {
+        Start();
+        EXPECT_FALSE(Frame().Windows().log->isVisible());
+        EXPECT_FALSE(Frame().Windows().boxFinder->isVisible());
+        CloseFrame();
+    }
+    EXPECT_EQ(Text(Stored("Log")), Text(NthPlace(0)));
+    EXPECT_EQ(Text(Stored("BoxFinder")), Text(NthPlace(1)));
+    Start();
+    Do(CommandId::kDisplayLog);
+    Do(CommandId::kBoxFinder);
+    ExpectPlace(*Frame().Windows().log, NthPlace(0), "Log");
+    ExpectPlace(*Frame().Windows().boxFinder, NthPlace(1), "BoxFinder");
+}
+
+TEST_F(PlacesTest, AWindowThatWasMovedAndThenHiddenComesBackToThatPlace) {
+    Start();
+    Do(CommandId::kMenuFinder);
+    QWidget& finder = *Frame().Windows().menuFinder;
+    ASSERT_TRUE(WaitUntil([&] { return finder.isVisible() && finder.windowHandle()->isExposed(); }));
+    finder.resize(500, 480);
+    finder.move(333, 222);
+    ExpectPlace(finder, {333, 222, 500, 480}, "before");
+    Do(CommandId::kMenuFinder);
+    EXPECT_FALSE(finder.isVisible());
+    CloseFrame();
+    EXPECT_EQ(profile.GetInt("MenuFinder.visible", -1), 0);
+    Start();
+    Do(CommandId::kMenuFinder);
+    ExpectPlace(*Frame().Windows().menuFinder, {333, 222, 500, 480}, "after");
+}
+
+TEST_F(PlacesTest, WindowsBeyondTheRightAndBottomEdgesComeBackAHundredPixelsFromThem) {
+    Store("Log", {5000, 4000, 600, 300}, true);
+    Store("MainWindow", {5000, 90, 900, 700}, true);
+    Start();
+    ExpectPlace(*Frame().Windows().log, {screen.width() - 100, screen.height() - 100, 600, 300}, "Log");
+    ExpectPlace(Frame(), {screen.width() - 100, 90, 900, 700}, "MainWindow");
+}
+
+TEST_F(PlacesTest, WindowsAtNegativePositionsStayThere) {
+    Store("BoxFinder", {-60, -7, 500, 400}, true);
+    Store("MainWindow", {-200, 40, 1000, 700}, true);
+    Start();
+    ExpectPlace(*Frame().Windows().boxFinder, {-60, -7, 500, 400}, "BoxFinder");
+    ExpectPlace(Frame(), {-200, 40, 1000, 700}, "MainWindow");
+}
+
+TEST_F(PlacesTest, TheMainWindowIsShownWhateverWasStoredOfIt) {
+    Store("MainWindow", {150, 60, 1000, 700}, false);
+    Make();
+    EXPECT_FALSE(Frame().isVisible());
+    EXPECT_EQ(Text(PlaceOf(Frame())), Text({150, 60, 1000, 700}));
+    Start();
+    ExpectPlace(Frame(), {150, 60, 1000, 700}, "MainWindow");
+    CloseFrame();
+    EXPECT_EQ(profile.GetInt("MainWindow.visible", -1), 1);
+}
+
+TEST_F(PlacesTest, NothingIsShownOrMovedAtTheFirstStart) {
+    Start();
+    for (const Place& tool : Tools()) EXPECT_FALSE(tool.window->isVisible()) << tool.name;
+    EXPECT_GE(Frame().x(), 0);
+    EXPECT_GE(Frame().y(), 0);
+    CloseFrame();
+    for (const char* name : {"MainWindow", "RenderHistory", "BoxFinder", "MenuFinder", "ArgumentEditor",
+                             "RenderOptionsEditor", "ExportOptionsEditor", "HelpEditor", "Log"}) {
+        for (const char* key : {".x", ".y", ".width", ".height", ".visible"}) {
+            EXPECT_TRUE(profile.numbers.contains(std::string(name) + key)) << name << key;
+        }
+    }
+}
+
+TEST_F(PlacesTest, AMinimizedToolWindowKeepsItsStoredPlace) {
+    Store("Log", {120, 130, 600, 300}, true);
+    Start();
+    LogWindow& log = *Frame().Windows().log;
+    ExpectPlace(log, {120, 130, 600, 300}, "Log");
+    log.move(400, 410);
+    log.showMinimized();
+    ASSERT_TRUE(WaitUntil([&] { return log.isMinimized(); }));
+    CloseFrame();
+    EXPECT_EQ(Text(Stored("Log")), Text({120, 130, 600, 300}));
+}
+
+}  // namespace
+}  // namespace tavrin
