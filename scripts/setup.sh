@@ -8,7 +8,7 @@ packages=(
   perl perl-modules-5.36
   glslang-tools
   libegl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
-  qt6-base-dev libqt6svg6-dev libgl-dev libglu1-mesa-dev fonts-liberation fonts-dejavu-core xdg-utils
+  qt6-base-dev libqt6opengl6-dev libqt6svg6-dev libgl-dev libglu1-mesa-dev fonts-liberation fonts-dejavu-core xdg-utils
   xvfb xauth openbox x11-utils xdotool
   libgtest-dev libgmock-dev locales
 )

@@ -1,0 +1,429 @@
+// The program itself, started as a user starts it, seen and steered through the display.
+#include <signal.h>
+#include <unistd.h>
+
+#include <QProcess>
+#include <filesystem>
+#include <sstream>
+
+#include "ui/Text.h"
+#include "ui/support/TestFrame.h"
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+using test::FrameTest;
+using test::WaitUntil;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr int kPatience = 30;  // seconds; far more than anything here takes
+
+// What a tool of the display prints, and whether it succeeds.
+struct Said {
+    bool ok = false;
+    std::string text;
+};
+
+Said Ask(const QString& tool, const QStringList& words) {
+    QProcess process;
+    process.start(tool, words);
+    const bool ended = process.waitForFinished(kPatience * 1000);
+    return {ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+            process.readAllStandardOutput().toStdString()};
+}
+
+// One run of the program.
+class RunningProgram {
+  public:
+    RunningProgram(const Environment& environment, const QStringList& words) {
+        QStringList variables;
+        for (const std::string& variable : environment.ToList()) variables << Shown(variable);
+        m_process.setEnvironment(variables);
+        m_process.start(Shown(test::BuildPath("bin/tavrin")), words);
+        EXPECT_TRUE(m_process.waitForStarted());
+    }
+    ~RunningProgram() {
+        if (m_process.state() == QProcess::NotRunning) return;
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    pid_t Id() const { return static_cast<pid_t>(m_process.processId()); }
+    bool IsRunning() const { return m_process.state() != QProcess::NotRunning; }
+    // Its status, -1 if a signal has ended it or it does not end.
+    int Status() {
+        if (!WaitUntil([&] { return !IsRunning(); }, kPatience)) return -1;
+        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+    std::string Output() { return m_process.readAllStandardOutput().toStdString(); }
+    std::string Errors() { return m_process.readAllStandardError().toStdString(); }
+    void Send(int signal) { ::kill(Id(), signal); }
+
+    // Its windows on the screen whose title matches the expression.
+    QStringList Windows(const QString& title = ".*") const {
+        const Said said = Ask(
+            "xdotool", {"search", "--onlyvisible", "--all", "--pid", QString::number(Id()), "--name", title});
+        return Shown(said.text).split('\n', Qt::SkipEmptyParts);
+    }
+    // Waits for a window and makes it the active one. Empty if none comes while the program runs.
+    QString Window(const QString& title) const {
+        QString window;
+        WaitUntil(
+            [&] {
+                window = Windows(title).value(0);
+                return !window.isEmpty() || !IsRunning();
+            },
+            kPatience);
+        if (window.isEmpty()) {
+            std::string others;
+            for (const QString& other : Windows()) others += Ask("xdotool", {"getwindowname", other}).text;
+            ADD_FAILURE() << "no window " << Bytes(title) << " but\n" << others;
+        }
+        return window;
+    }
+    void Press(const QString& title, const QString& key) const {
+        const QString window = Window(title);
+        EXPECT_TRUE(WaitUntil(
+            [&] {
+                if (Ask("xdotool", {"getactivewindow"}).text == Bytes(window) + "\n") return true;
+                Ask("xdotool", {"windowactivate", window});
+                return false;
+            },
+            kPatience))
+            << Bytes(title) << " does not become active";
+        EXPECT_TRUE(Ask("xdotool", {"key", key}).ok);
+    }
+    // The main window stands with that title.
+    void WaitForTitle(const QString& title) const { Window("^" + title + "$"); }
+    // The first idle pass is over: the splash has come and gone.
+    void WaitForSplashToGo() const {
+        bool came = false;
+        EXPECT_TRUE(WaitUntil(
+            [&] {
+                const auto count = Windows().size();
+                came = came || count > 1;
+                return came && count == 1;
+            },
+            kPatience));
+    }
+
+  private:
+    QProcess m_process;
+};
+
+// With a home of its own, in which nothing is set but HOME.
+class ProgramTest : public FrameTest {
+  protected:
+    ProgramTest() {
+        fs::create_directories(directory / "home");
+        for (const char* name : {"XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+            environment.Unset(name);
+        Define("autosave.interval 1\n");
+    }
+    RunningProgram Tavrin(const QStringList& words = {}) { return RunningProgram(environment, words); }
+
+    // A document file with one box.
+    std::string MakeDocument(const std::string& name) {
+        Make();
+        std::string path = WriteDocument(name);
+        End();
+        return path;
+    }
+    void Define(const std::string& more) {
+        const std::string name = "tavrin/tiny/tavrn.def";
+        directory.Write(name, test::ReadFile(directory / name) + more);
+    }
+    std::string WorkDirOf(const RunningProgram& run) {
+        return directory / "tmp/tavrn." + std::to_string(run.Id());
+    }
+    // Below the home, directories with a '/' behind.
+    std::vector<std::string> Home(const std::string& below = {}, bool recursive = false) {
+        std::vector<std::string> names;
+        const auto add = [&](const fs::directory_entry& entry) {
+            names.push_back(entry.path().lexically_relative(directory / "home").string() +
+                            (entry.is_directory() ? "/" : ""));
+        };
+        const std::string root = directory / "home/" + below;
+        if (!fs::exists(root)) return names;
+        if (recursive) {
+            for (const auto& entry : fs::recursive_directory_iterator(root)) add(entry);
+        } else {
+            for (const auto& entry : fs::directory_iterator(root)) add(entry);
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    // The copies of unsaved work.
+    std::vector<std::string> Copies() {
+        std::vector<std::string> copies;
+        for (const std::string& name : Home(".local/state/tavrin/recovery")) {
+            if (name.ends_with(".tvn")) copies.push_back(name);
+        }
+        return copies;
+    }
+    void WaitForCopies(size_t count) {
+        EXPECT_TRUE(WaitUntil([&] { return Copies().size() == count; }, kPatience)) << Copies().size();
+    }
+    static void ChangeDocument(const RunningProgram& run, const QString& title) {
+        run.Press("^" + title + "$", "ctrl+t");
+        run.WaitForTitle(title + "\\*");
+    }
+};
+
+TEST_F(ProgramTest, HelpAndVersionNeedNoDisplay) {
+    environment.Unset("DISPLAY");
+    RunningProgram help = Tavrin({"--help"});
+    EXPECT_EQ(help.Status(), 0);
+    EXPECT_THAT(help.Output(), testing::StartsWith("usage: tavrin [DOCUMENT.tvn]\n"));
+    RunningProgram version = Tavrin({"--version"});
+    EXPECT_EQ(version.Status(), 0);
+    EXPECT_THAT(version.Output(), testing::MatchesRegex("tavrin [0-9.]+\n"));
+    EXPECT_THAT(Home(), IsEmpty());
+}
+
+TEST_F(ProgramTest, AnUnknownOptionEndsItBeforeAnyWindow) {
+    RunningProgram run = Tavrin({"--bogus"});
+    EXPECT_EQ(run.Status(), 2);
+    EXPECT_EQ(run.Errors(), "tavrin: unknown option --bogus; see tavrin --help\n");
+    EXPECT_EQ(run.Output(), "");
+    RunningProgram two = Tavrin({"a.tvn", "b.tvn"});
+    EXPECT_EQ(two.Status(), 2);
+    EXPECT_FALSE(fs::exists(directory / "tmp"));
+}
+
+TEST_F(ProgramTest, AMissingDocumentIsToldInABoxAndOnStandardErrorAndEndsIt) {
+    const std::string path = directory / "missing.tvn";
+    RunningProgram run = Tavrin({Shown(path)});
+    const std::string work = WorkDirOf(run);
+    run.Press("^Alert$", "Return");
+    EXPECT_EQ(run.Status(), 1);
+    EXPECT_THAT(run.Errors(), testing::AllOf(testing::StartsWith("tavrin: "), HasSubstr(path)));
+    EXPECT_FALSE(fs::exists(work));
+}
+
+TEST_F(ProgramTest, ADocumentOpensAndTheWindowTellsItsNameAndShaderType) {
+    Define("roe {\nxfield {\nenvname TAVRN_SHADER_TYPE\nvalue light\n}\n}\n");
+    const std::string path = MakeDocument("work");
+    RunningProgram run = Tavrin({Shown(path)});
+    const QString window = run.Window("^work.tvn \\[light\\]$");
+    EXPECT_EQ(Ask("xprop", {"-id", window, "WM_CLASS"}).text, "WM_CLASS(STRING) = \"tavrin\", \"tavrin\"\n");
+    EXPECT_TRUE(fs::exists(WorkDirOf(run)));
+    const std::string work = WorkDirOf(run);
+    run.Press("^work.tvn \\[light\\]$", "alt+F4");
+    EXPECT_EQ(run.Status(), 0);
+    EXPECT_EQ(run.Errors(), "");
+    EXPECT_EQ(run.Output(), "");
+    EXPECT_FALSE(fs::exists(work));
+}
+
+TEST_F(ProgramTest, TheHomeDirectoryHoldsNothingButTheBaseDirectoriesOfTheDesktop) {
+    const std::string path = MakeDocument("work");
+    RunningProgram run = Tavrin({Shown(path)});
+    ChangeDocument(run, "work.tvn");
+    WaitForCopies(1);
+    run.Press("^work.tvn\\*$", "ctrl+s");
+    run.WaitForTitle("work.tvn");
+    WaitForCopies(0);
+    run.Press("^work.tvn$", "ctrl+q");
+    EXPECT_EQ(run.Status(), 0);
+    for (const std::string& name : Home()) EXPECT_THAT(name, AnyOf(".config/", ".local/", ".cache/"));
+    EXPECT_THAT(Home(".config", true), ElementsAre(".config/Orlane/", ".config/Orlane/Tavrin.ini"));
+    EXPECT_THAT(Home(".local", true),
+                ElementsAre(".local/state/", ".local/state/tavrin/", ".local/state/tavrin/recovery/"));
+    EXPECT_THAT(test::ReadFile(directory / "home/.config/Orlane/Tavrin.ini"),
+                testing::AllOf(HasSubstr("[Settings]"), HasSubstr("MainWindow.x="), HasSubstr(path)));
+}
+
+TEST_F(ProgramTest, TheWindowComesBackInTheNextRun) {
+    RunningProgram run = Tavrin();
+    const QString window = run.Window("^Untitled.tvn$");
+    ASSERT_TRUE(Ask("xdotool", {"windowsize", window, "1010", "707"}).ok);
+    const auto size = [](const QString& id) {
+        return Shown(Ask("xdotool", {"getwindowgeometry", id}).text).section("Geometry: ", 1).trimmed();
+    };
+    ASSERT_TRUE(WaitUntil([&] { return size(window) == "1010x707"; }));
+    run.Press("^Untitled.tvn$", "alt+F4");
+    EXPECT_EQ(run.Status(), 0);
+    RunningProgram next = Tavrin();
+    const QString again = next.Window("^Untitled.tvn$");
+    EXPECT_TRUE(WaitUntil([&] { return size(again) == "1010x707"; })) << Bytes(size(again));
+}
+
+TEST_F(ProgramTest, EndedFromOutsideItLeavesNoWorkDirectoryAndOffersTheWorkAtTheNextStart) {
+    const std::string path = MakeDocument("work");
+    const std::string written = test::ReadFile(path);
+    RunningProgram run = Tavrin({Shown(path)});
+    const std::string work = WorkDirOf(run);
+    ChangeDocument(run, "work.tvn");
+    run.Send(SIGTERM);
+    EXPECT_EQ(run.Status(), 128 + SIGTERM);
+    EXPECT_FALSE(fs::exists(work));
+    EXPECT_EQ(test::ReadFile(path), written);
+    EXPECT_THAT(Copies(), SizeIs(1));
+
+    RunningProgram next = Tavrin();
+    next.Press("^Recover$", "Return");
+    next.WaitForTitle("work.tvn\\*");
+    EXPECT_EQ(test::ReadFile(path), written);
+    // The copy is that of the new program now, and goes once the work is saved.
+    WaitForCopies(1);
+    next.Press("^work.tvn\\*$", "ctrl+s");
+    next.WaitForTitle("work.tvn");
+    WaitForCopies(0);
+    EXPECT_NE(test::ReadFile(path), written);
+    next.Press("^work.tvn$", "alt+F4");
+    EXPECT_EQ(next.Status(), 0);
+}
+
+TEST_F(ProgramTest, KilledItsWorkIsOfferedUntilItIsDiscarded) {
+    RunningProgram run = Tavrin();
+    ChangeDocument(run, "Untitled.tvn");
+    WaitForCopies(1);
+    run.Send(SIGKILL);
+    EXPECT_EQ(run.Status(), -1);
+
+    RunningProgram later = Tavrin();
+    later.Press("^Recover$", "alt+l");
+    later.Press("^Untitled.tvn$", "alt+F4");
+    EXPECT_EQ(later.Status(), 0);
+    EXPECT_THAT(Copies(), SizeIs(1));
+
+    RunningProgram discard = Tavrin();
+    discard.Press("^Recover$", "alt+d");
+    WaitForCopies(0);
+    discard.Press("^Untitled.tvn$", "alt+F4");
+    EXPECT_EQ(discard.Status(), 0);
+    EXPECT_THAT(Home(".local", true),
+                ElementsAre(".local/state/", ".local/state/tavrin/", ".local/state/tavrin/recovery/"));
+}
+
+TEST_F(ProgramTest, ChangesThatAreDiscardedAtTheEndLeaveNoCopy) {
+    RunningProgram run = Tavrin();
+    ChangeDocument(run, "Untitled.tvn");
+    WaitForCopies(1);
+    run.Press("^Untitled.tvn\\*$", "alt+F4");
+    run.Press("^Tavrin$", "Tab");  // from Save to Discard
+    run.Press("^Tavrin$", "space");
+    EXPECT_EQ(run.Status(), 0);
+    EXPECT_THAT(Copies(), IsEmpty());
+}
+
+TEST_F(ProgramTest, TwoProgramsAtOnceDoNotOfferEachOthersWork) {
+    RunningProgram first = Tavrin();
+    ChangeDocument(first, "Untitled.tvn");
+    WaitForCopies(1);
+    RunningProgram second = Tavrin();
+    second.WaitForSplashToGo();
+    EXPECT_THAT(second.Windows("^Recover$"), IsEmpty());
+    EXPECT_THAT(Copies(), SizeIs(1));
+    ChangeDocument(second, "Untitled.tvn");
+    WaitForCopies(2);
+    second.Send(SIGTERM);
+    EXPECT_EQ(second.Status(), 128 + SIGTERM);
+    EXPECT_THAT(Copies(), SizeIs(2));
+    EXPECT_TRUE(first.IsRunning());
+}
+
+TEST_F(ProgramTest, EachSignalEndsItWithItsStatus) {
+    for (const int signal : {SIGINT, SIGHUP}) {
+        RunningProgram run = Tavrin();
+        const std::string work = WorkDirOf(run);
+        run.WaitForTitle("Untitled.tvn");
+        run.Send(signal);
+        EXPECT_EQ(run.Status(), 128 + signal);
+        EXPECT_FALSE(fs::exists(work));
+    }
+}
+
+TEST_F(ProgramTest, ASignalEndsItWhileABoxWaitsForAnAnswer) {
+    RunningProgram run = Tavrin();
+    const std::string work = WorkDirOf(run);
+    ChangeDocument(run, "Untitled.tvn");
+    run.Press("^Untitled.tvn\\*$", "alt+F4");
+    run.Window("^Tavrin$");
+    run.Send(SIGTERM);
+    EXPECT_EQ(run.Status(), 128 + SIGTERM);
+    EXPECT_THAT(Copies(), SizeIs(1));
+    EXPECT_FALSE(fs::exists(work));
+}
+
+TEST_F(ProgramTest, ASignalEndsItsRenderAsWell) {
+    fs::permissions(
+        directory.Write("tavrin/tiny/bin/renderit",
+                        "#!/usr/bin/perl\nopen my $f, '>', \"$ENV{TAVRN_DIR}/../process\" or die;\n"
+                        "print $f \"$$\\n\"; close $f;\n"
+                        "select undef, undef, undef, 0.01 until -e $ENV{TAVRN_KILLFILE};\n"),
+        fs::perms::owner_all);
+    const std::string path = MakeDocument("work");
+    RunningProgram run = Tavrin({Shown(path)});
+    const std::string work = WorkDirOf(run);
+    run.Press("^work.tvn$", "F1");
+    ASSERT_TRUE(WaitUntil(
+        [&] {
+            return fs::exists(directory / "process") && test::ReadFile(directory / "process").ends_with('\n');
+        },
+        kPatience));
+    const int child = std::stoi(test::ReadFile(directory / "process"));
+    EXPECT_EQ(::kill(child, 0), 0);
+    run.Send(SIGTERM);
+    EXPECT_EQ(run.Status(), 128 + SIGTERM);
+    EXPECT_NE(::kill(child, 0), 0);
+    EXPECT_FALSE(fs::exists(work));
+}
+
+TEST_F(ProgramTest, AFatalStartTellsItsReasonAndEnds) {
+    environment.Set("TAVRN_DIR", directory / "nowhere");
+    RunningProgram run = Tavrin();
+    run.Press("^Fatal Error$", "Return");
+    EXPECT_NE(run.Status(), -1);
+}
+
+// What /proc tells of a process.
+double CpuSeconds(pid_t process) {
+    std::string text = test::ReadFile("/proc/" + std::to_string(process) + "/stat");
+    std::istringstream fields(text.substr(text.rfind(')') + 1));
+    std::string skipped;
+    for (int field = 0; field < 11; ++field) fields >> skipped;
+    double user = 0;
+    double system = 0;
+    fields >> user >> system;
+    return (user + system) / static_cast<double>(::sysconf(_SC_CLK_TCK));
+}
+
+long ResidentPages(pid_t process) {
+    std::istringstream fields(test::ReadFile("/proc/" + std::to_string(process) + "/statm"));
+    long size = 0;
+    long resident = 0;
+    fields >> size >> resident;
+    return resident;
+}
+
+TEST_F(ProgramTest, WithNothingToDoItNeitherComputesNorGrows) {
+    constexpr int kSeconds = 2;
+    constexpr double kShare = 0.03;  // of a core; the timer of unsaved work ticks each second
+    constexpr long kPages = 64;
+    RunningProgram run = Tavrin();
+    ChangeDocument(run, "Untitled.tvn");
+    run.WaitForSplashToGo();
+    WaitForCopies(1);
+    // The first look may still see the end of what the start has begun.
+    const auto watch = [&] {
+        const double before = CpuSeconds(run.Id());
+        ::sleep(kSeconds);
+        return CpuSeconds(run.Id()) - before;
+    };
+    watch();
+    const long pages = ResidentPages(run.Id());
+    EXPECT_LT(watch(), kShare * kSeconds);
+    EXPECT_LE(ResidentPages(run.Id()), pages + kPages);
+}
+
+}  // namespace
+}  // namespace tavrin
