@@ -208,9 +208,11 @@ TEST_F(EditingKeys, ActOnTheTextOfAFieldThatHasTheFocus) {
     PressKeys("Ctrl+A");
     PressKeys("Shift+Delete");
     EXPECT_EQ(m_field->text(), "");
-    PressKeys("Up");
-    PressKeys("Down");
-    EXPECT_EQ(Document().zoomFactor, 1);
+    for (const char* key : {"Up", "Down", "Escape"}) {
+        PressKeys(key);
+        Settle();
+        EXPECT_EQ(Document().zoomFactor, 1) << key;
+    }
     EXPECT_EQ(Document().m_boxes.size(), 2U);
     EXPECT_TRUE(Desk().m_clipboardBoxes.empty());
     EXPECT_TRUE(Desk().m_pendingBoxes.empty());
@@ -259,6 +261,7 @@ TEST_F(EditingKeys, InTheShaderTypeBoxArrowsChooseAndDoNotZoom) {
     FocusOn(*types);
     PressKeys("Down");
     EXPECT_EQ(types->currentText(), "surface");
+    EXPECT_EQ(Document().zoomFactor, 1);
     PressKeys("Up");
     EXPECT_EQ(types->currentText(), "light");
     EXPECT_EQ(Document().zoomFactor, 1);
@@ -276,10 +279,10 @@ TEST_F(EditingKeys, InTheLogLeaveTheDeskAlone) {
     for (const char* key : {"Ctrl+A", "Ctrl+C", "Ctrl+X", "Shift+Delete", "Delete", "Up", "Down"}) {
         PressKeys(key);
         Settle();
+        EXPECT_EQ(Document().zoomFactor, 1) << key;
     }
     EXPECT_EQ(Document().m_boxes.size(), 2U);
     EXPECT_TRUE(Desk().m_clipboardBoxes.empty());
-    EXPECT_EQ(Document().zoomFactor, 1);
 }
 
 // A locked desk

@@ -131,11 +131,15 @@ void RenderWork::OnWait(std::optional<std::chrono::milliseconds> elapsed) {
     if (!elapsed) {
         m_isWaiting = false;
         QGuiApplication::restoreOverrideCursor();
-        if (!m_watch.isActive() && !m_forget.isActive()) m_statusBox.SetActivity({});
+        if (std::exchange(m_stepTold, false) && !m_watch.isActive()) {
+            m_forget.stop();
+            m_statusBox.SetActivity({});
+        }
         return;
     }
     if (!std::exchange(m_isWaiting, true)) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     if (m_step.isEmpty() && elapsed->count() < kWaitToTell) return;
+    m_stepTold = true;
     const QString step = m_step.isEmpty() ? "Running a command" : m_step;
     m_statusBox.SetActivity(step + ": " + Seconds(elapsed->count()), true);
 }

@@ -60,6 +60,7 @@ class RenderWork {
     std::function<void()> m_historyChanged;
     QString m_step;  // what commands that are waited for are part of
     bool m_isWaiting = false;
+    bool m_stepTold = false;  // of the wait that goes on
     QString m_doing;  // what the children do, such as "Rendering marble"
     QString m_done;   // the same when they have done it
     bool m_stopped = false;
