@@ -47,7 +47,7 @@ void DocumentCommands::StartUntitled() {
 
 void DocumentCommands::New() {
     m_document.DeleteContents();
-    m_document.SetPath(m_app.GetSite().directories.docBrowserDir + Separator(kNativeStyle) + kUntitled);
+    m_document.SetPath(JoinPath(m_app.GetSite().directories.docBrowserDir, kUntitled));
     Refresh();
 }
 

@@ -126,6 +126,11 @@ bool PathExists(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0;
 }
 
+bool IsSameFile(const std::string& one, const std::string& other) {
+    std::error_code missing;
+    return std::filesystem::equivalent(one, other, missing);
+}
+
 bool IsDirectory(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);

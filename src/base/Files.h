@@ -25,6 +25,8 @@ int MakeDirectory(const std::string& path);
 
 bool PathExists(const std::string& path);
 bool IsDirectory(const std::string& path);
+// Whether both lead to one file that is there, by whatever way.
+bool IsSameFile(const std::string& one, const std::string& other);
 
 struct DirEntry {
     std::string name;

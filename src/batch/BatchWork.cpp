@@ -1,7 +1,6 @@
 #include "batch/BatchWork.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "base/Files.h"
 #include "batch/CommandLine.h"
@@ -17,12 +16,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kQueueWait{50};  // between looks at whether a process is left
 constexpr float kGapBesideTheRest = 200;             // desk units between networks
-
-// Whether both lead to one file, by whatever way.
-bool IsSameFile(const std::string& one, const std::string& other) {
-    std::error_code missing;
-    return std::filesystem::equivalent(one, other, missing);
-}
 
 ExportKind KindOf(const std::string& word) {
     if (word == export_words::kShaderSource) return ExportKind::kShaderSource;

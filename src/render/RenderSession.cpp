@@ -179,7 +179,7 @@ bool RenderSession::LoadHistoryEntry(const std::string& name, int number) {
     const std::string file = name + m_site.docExt;
     if (!m_document.Open(JoinPath(HistoryDir(number), file))) return false;
     // So that a save goes to the document's own place and never into the history.
-    m_document.SetPath(m_site.directories.docBrowserDir + Separator(kNativeStyle) + file);
+    m_document.SetPath(JoinPath(m_site.directories.docBrowserDir, file));
     return true;
 }
 

@@ -1,7 +1,9 @@
 #include "ui/Program.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QSurfaceFormat>
+#include <QWindow>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -23,6 +25,7 @@ namespace {
 
 constexpr int kWrongCommandLine = 2;
 constexpr int kSignalBase = 128;
+constexpr int kTimeToShow = 500;                   // milliseconds
 constexpr std::chrono::milliseconds kGrace{1000};  // for children when the program is ended from outside
 
 std::string ProgramPath(const char* invokedAs) {
@@ -51,6 +54,16 @@ bool OpenNamedDocument(MainFrame& frame, Report& report, const std::string& path
     return false;
 }
 
+// Until it is on the screen, but not for long: some displays do not tell.
+void WaitForWindow(const QWidget& window) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!window.windowHandle()->isExposed() && clock.elapsed() < kTimeToShow) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, kTimeToShow / 10);
+    }
+    QCoreApplication::processEvents();
+}
+
 int RunWindows(const std::string& programPath, const std::string& documentPath) {
     QtQueue queue;
     Report report;
@@ -67,10 +80,11 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
                 QCoreApplication::exit(EXIT_FAILURE);
             });
         });
-        if (OpenNamedDocument(frame, report, documentPath)) {
-            frame.show();
-            status = QApplication::exec();
-        }
+        frame.show();
+        // A long document is opened before the user's eyes.
+        if (!documentPath.empty()) WaitForWindow(frame);
+        if (OpenNamedDocument(frame, report, documentPath)) status = QApplication::exec();
+        if (frame.HasFailed()) status = EXIT_FAILURE;
         if (interruption.Signal() != 0) status = kSignalBase + interruption.Signal();
     }
     app.CloseDown(kGrace);

@@ -109,7 +109,9 @@ TEST_F(AlertsTest, AnAlertRaisedWhileABoxIsOpenComesAfterIt) {
         PressWhenBoxComes("OK");
         const int before = LogLines("ALERT: ");
         Alert("the box");
-        EXPECT_TRUE(WaitUntil([&] { return LogLines("ALERT: ") == before + 2; })) << Log();
+        // At once, not when something else happens to bring the next idle pass.
+        EXPECT_TRUE(WaitUntil([&] { return LogLines("ALERT: ") > before; }));
+        EXPECT_EQ(LogLines("ALERT: "), before + 2) << Log();
     }
     EXPECT_EQ(Boxes(), "Alert: during the box|Alert: during the box");
 }
@@ -193,6 +195,20 @@ TEST_F(SplashTest, GoesBeforeTheBoxOfAnAlertThatWaits) {
     EXPECT_TRUE(WaitUntil([&] { return LogLines("ALERT: at the start") == 1; }));
     EXPECT_TRUE(wasGone);
     EXPECT_GT(timeLeft, 0);
+}
+
+TEST_F(SplashTest, AnAlertFromBeforeTheStartComesOverTheFrame) {
+    Make(true);
+    bool frameWasThere = false;
+    WhenDialogComes([&](QDialog& dialog) {
+        frameWasThere = Frame().isVisible() && dialog.parentWidget() == &Frame();
+        dialog.accept();
+    });
+    Alert("in a file of the site");
+    Frame().show();
+    EXPECT_TRUE(WaitUntil([&] { return LogLines("ALERT: in a file of the site") == 1; }));
+    EXPECT_TRUE(frameWasThere);
+    EXPECT_EQ(FindSplash(), nullptr);
 }
 
 class FatalStartTest : public SplashTest {

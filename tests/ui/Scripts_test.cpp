@@ -10,6 +10,7 @@
 
 #include "ui/Text.h"
 #include "ui/desk/DeskPane.h"
+#include "ui/frame/StatusBox.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/support/TestFrame.h"
 
@@ -143,6 +144,10 @@ TEST_F(ScriptsTest, HaltScriptStopsTheRenderAndNoStatementFollows) {
         EXPECT_FALSE(Dispatch().ScriptRunning());
         EXPECT_FALSE(ChildRuns());
         halted = WaitUntil([&] { return Says("renderit killed"); });
+        // Its status is no failure: the user has asked for the end.
+        Settle();
+        EXPECT_TRUE(Frame().StatusBox().Activity().startsWith("Stopped after"))
+            << Bytes(Frame().StatusBox().Activity());
     });
     EXPECT_TRUE(halted);
     EXPECT_FALSE(Says("nonsense"));

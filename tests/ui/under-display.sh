@@ -9,7 +9,8 @@ export HOME=$home XDG_CONFIG_HOME=$home/.config XDG_STATE_HOME=$home/.local/stat
 export QT_QPA_PLATFORM=xcb QT_QPA_PLATFORMTHEME= LIBGL_ALWAYS_SOFTWARE=1
 unset TAVRN_DIR TAVRN_LIB TAVRN_TMPDIR TAVRN_EDITORCMD EDITOR TAVRN_DEBUG TAVRN_QUIET
 exec 5>"$home/display"
-Xvfb -displayfd 5 -screen 0 1920x1200x24 -nolisten tcp >"$home/xvfb.log" 2>&1 &
+# Only by its socket's file: an abstract one would be shared with displays outside a container.
+Xvfb -displayfd 5 -screen 0 1920x1200x24 -nolisten tcp -nolisten local >"$home/xvfb.log" 2>&1 &
 server=$!
 trap 'kill "${manager:-$server}" "$server" 2>/dev/null; wait 2>/dev/null; rm -rf "$home"' EXIT
 for _ in $(seq 200); do
@@ -20,8 +21,10 @@ done
 export DISPLAY=:$(cat "$home/display")
 openbox >"$home/openbox.log" 2>&1 &
 manager=$!
-for _ in $(seq 200); do
-  xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x && break
+is_managed() { xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x; }
+for _ in $(seq 400); do
+  is_managed && break
   sleep 0.05
 done
+is_managed || { echo "under-display: no window manager came up" >&2; cat "$home/openbox.log" >&2; exit 1; }
 "$@"

@@ -2,10 +2,12 @@
 
 #include "app/RecentFiles.h"
 #include "app/Workspace.h"
+#include "base/Files.h"
 #include "base/Paths.h"
 #include "ui/FileDialogs.h"
 #include "ui/Messages.h"
 #include "ui/Text.h"
+#include "ui/frame/RenderWork.h"
 
 namespace tavrin {
 
@@ -17,12 +19,18 @@ constexpr const char* kExtension = "tvn";
 
 }  // namespace
 
-DocumentWork::DocumentWork(QWidget& frame, Workspace& work, RecentFiles& recentFiles, Callbacks callbacks)
-    : m_frame(frame), m_work(work), m_recentFiles(recentFiles), m_callbacks(std::move(callbacks)) {}
+DocumentWork::DocumentWork(QWidget& frame, Workspace& work, RenderWork& renders, RecentFiles& recentFiles,
+                           Callbacks callbacks)
+    : m_frame(frame),
+      m_work(work),
+      m_renders(renders),
+      m_recentFiles(recentFiles),
+      m_callbacks(std::move(callbacks)) {}
 
 void DocumentWork::New() {
     if (!SettleChanges()) return;
     m_work.commands.New();
+    m_pathIsProposed = true;
     m_callbacks.workIsSafe();
     m_callbacks.documentReplaced();
 }
@@ -44,7 +52,9 @@ void DocumentWork::Open() {
 bool DocumentWork::OpenDocument(const std::string& path) {
     if (!SettleChanges()) return false;
     const std::string fullPath = FullPath(path);
+    const RenderWork::Step step(m_renders, "Opening " + Shown(PathFile(path)));
     if (!m_work.commands.Open(fullPath)) return false;
+    m_pathIsProposed = false;
     m_recentFiles.Add(fullPath);
     m_callbacks.workIsSafe();
     m_callbacks.documentReplaced();
@@ -54,8 +64,10 @@ bool DocumentWork::OpenDocument(const std::string& path) {
 bool DocumentWork::OpenHistoryEntry(const std::string& name, int number) {
     if (!SettleChanges()) return false;
     if (!m_work.session.LoadHistoryEntry(name, number)) return false;
+    m_pathIsProposed = false;
     m_work.commands.HasBeenOpened(m_work.document.Path());
     m_callbacks.workIsSafe();
+    m_work.document.SetModified();  // the document's own file holds another version
     m_callbacks.documentReplaced();
     return true;
 }
@@ -68,6 +80,7 @@ void DocumentWork::Merge() {
     request.extension = kExtension;
     const auto chosen = AskFileToOpen(&m_frame, request);
     if (!chosen) return;
+    const RenderWork::Step step(m_renders, "Merging " + Shown(PathFile(chosen->path)));
     m_work.commands.Merge(chosen->path, [this] {
         if (m_callbacks.slidersFrozen()) return;
         ShowWarning(&m_frame, "Warning", "Freezing slider desk to prevent mass slider creation");
@@ -93,17 +106,23 @@ bool DocumentWork::SaveAs() {
 }
 
 bool DocumentWork::SaveTo(const std::string& path, bool asNew) {
-    const bool losesRest = m_work.document.WasCutShort() && path == m_work.document.Path();
-    if (losesRest && !AskWarning(&m_frame, Shown(path + " was not read to its end because of an error in it."
-                                                        "  Saving replaces the file and loses what was not"
-                                                        " read.  Save anyway?"))) {
-        return false;
-    }
+    if (!MayReplace(path, asNew)) return false;
     if (!(asNew ? m_work.commands.SaveAs(path) : m_work.commands.Save(path))) return false;
+    m_pathIsProposed = false;
     m_recentFiles.Add(FullPath(path));
     m_callbacks.workIsSafe();
     m_callbacks.nameChanged();
     return true;
+}
+
+bool DocumentWork::MayReplace(const std::string& path, bool wasChosen) {
+    if (m_work.document.WasCutShort() && IsSameFile(path, m_work.document.Path())) {
+        return AskWarning(&m_frame, Shown(path + " was not read to its end because of an error in it."
+                                                 "  Saving replaces the file and loses what was not"
+                                                 " read.  Save anyway?"));
+    }
+    if (wasChosen || !m_pathIsProposed || !PathExists(path)) return true;
+    return AskWarning(&m_frame, Shown(path + " is there already.  Replace it?"));
 }
 
 bool DocumentWork::SettleChanges() {

@@ -10,6 +10,7 @@ namespace tavrin {
 
 class Profile;
 class RecentFiles;
+class RenderWork;
 struct Workspace;
 
 // Belongs to the frame.
@@ -23,7 +24,8 @@ class DocumentWork {
         std::function<void()> freezeSliders;
     };
 
-    DocumentWork(QWidget& frame, Workspace& work, RecentFiles& recentFiles, Callbacks callbacks);
+    DocumentWork(QWidget& frame, Workspace& work, RenderWork& renders, RecentFiles& recentFiles,
+                 Callbacks callbacks);
 
     void New();
     void Open();
@@ -42,12 +44,17 @@ class DocumentWork {
 
   private:
     bool SaveTo(const std::string& path, bool asNew);
+    // Asks before a file is written that would lose something by it. One that was chosen in a dialog was
+    // asked about there.
+    bool MayReplace(const std::string& path, bool wasChosen);
 
     QWidget& m_frame;
     Workspace& m_work;
+    RenderWork& m_renders;  // tells how long the reading takes
     RecentFiles& m_recentFiles;
     Callbacks m_callbacks;
-    int m_lastFilterIndex = 0;  // chosen last in the Open dialog
+    bool m_pathIsProposed = false;  // the document's path comes from New: nobody has chosen that file
+    int m_lastFilterIndex = 0;      // chosen last in the Open dialog
 };
 
 }  // namespace tavrin

@@ -48,7 +48,8 @@ std::string ShortcutTarget(const std::string& path) {
 }  // namespace
 
 void MainFrame::Command(CommandId id) {
-    m_handlers.at(id)();
+    // The sliders' commands have nothing to act on while no panel stands.
+    if (const auto handler = m_handlers.find(id); handler != m_handlers.end()) handler->second();
     m_idle.Request();
 }
 
@@ -110,7 +111,10 @@ void MainFrame::ConnectRenderCommands() {
     m_handlers[CommandId::kViewRenderInterface] = [this] { m_renders->ViewRenderInterface(); };
     m_handlers[CommandId::kViewShaderInterface] = [this] { m_renders->ViewShaderInterface(); };
     m_handlers[CommandId::kRunScript] = [this] { RunScript(); };
-    m_handlers[CommandId::kHaltScript] = [this] { m_dispatch.HaltScript(); };
+    m_handlers[CommandId::kHaltScript] = [this] {
+        m_dispatch.HaltScript();
+        m_renders->ChildrenAreStopped();
+    };
 }
 
 void MainFrame::ConnectWindowCommands() {

@@ -17,7 +17,11 @@ IdleWork::~IdleWork() = default;
 void IdleWork::ShowSplash() {
     if (m_splash == nullptr) return;
     m_splash->move(m_frame.frameGeometry().center() - m_splash->rect().center());
+    // The toolkit turns the event loop while it shows a splash. A step meanwhile would destroy the splash
+    // below its own show, and run boxes before the frame is up.
+    m_isShowing = true;
     m_splash->show();
+    m_isShowing = false;
 }
 
 void IdleWork::Step() {

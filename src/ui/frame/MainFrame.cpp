@@ -35,6 +35,7 @@ namespace tavrin {
 namespace {
 
 constexpr QSize kFirstSize(1280, 860);  // of a frame that was never placed
+constexpr QSize kWindowBorder(16, 48);  // room for what the window manager draws round it
 constexpr int kToolIcon = 20;           // pixels a side
 constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";
 constexpr std::chrono::milliseconds kGrace{2000};  // for children to heed their kill file at the end
@@ -77,7 +78,7 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
     setObjectName("MainFrame");
     setContextMenuPolicy(Qt::NoContextMenu);  // else bars could be hidden there, to be found again nowhere
     setWindowIcon(ApplicationIcon());
-    resize(kFirstSize);
+    resize(kFirstSize.boundedTo(screen()->availableSize() - kWindowBorder));
     WindowPlaces(m_profile).RestoreWindow(*this, "MainWindow", {true, false});
     if (showSplash) m_splash = std::make_unique<Splash>(this, m_app.ProductVersion());
     m_windows.log = new LogWindow(this, m_profile);
@@ -98,7 +99,11 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
     m_safetyCopies = std::make_unique<SafetyCopies>(*m_work);
     m_idleWork = std::make_unique<IdleWork>(
         m_app, *this, std::move(m_splash),
-        IdleWork::Callbacks{.quit = [this] { close(); },
+        IdleWork::Callbacks{.quit =
+                                [this] {
+                                    m_hasFailed = true;
+                                    close();
+                                },
                             .started =
                                 [this] {
                                     const auto settle = [this] { return m_documents->SettleChanges(); };
@@ -203,7 +208,7 @@ void MainFrame::CreateBars() {
     m_renders = std::make_unique<RenderWork>(*this, *m_work, *m_statusBox,
                                              [this] { m_windows.renderHistory->Refresh(); });
     m_documents = std::make_unique<DocumentWork>(
-        *this, *m_work, m_recentFiles,
+        *this, *m_work, *m_renders, m_recentFiles,
         DocumentWork::Callbacks{.documentReplaced = [this] { DocumentReplaced(); },
                                 .nameChanged = [this] { UpdateTitle(); },
                                 .workIsSafe = [this] { m_safetyCopies->Discard(); },
@@ -224,8 +229,9 @@ void MainFrame::CreateClientArea() {
                            .fail =
                                [this](const std::string& text) {
                                    ShowStop(this, "Fatal Error", Shown(text));
+                                   m_hasFailed = true;
                                    m_isClosed = true;
-                                   QCoreApplication::exit(EXIT_FAILURE);
+                                   QCoreApplication::quit();
                                }});
     m_splitter->setStretchFactor(1, 1);
     auto* central = new QWidget(this);
@@ -346,6 +352,7 @@ bool MainFrame::MayClose() {
 void MainFrame::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     m_idleWork->ShowSplash();
+    m_idle.Request();
 }
 
 void MainFrame::closeEvent(QCloseEvent* event) {

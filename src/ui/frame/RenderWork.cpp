@@ -57,6 +57,10 @@ void RenderWork::RenderIt() {
 void RenderWork::StopRender() {
     if (!m_work.app.GetSite().commands.AnyChildRunning()) return;
     m_work.session.StopRender();
+    ChildrenAreStopped();
+}
+
+void RenderWork::ChildrenAreStopped() {
     m_stopped = true;
     Watch();
 }
@@ -131,17 +135,38 @@ void RenderWork::OnWait(std::optional<std::chrono::milliseconds> elapsed) {
     if (!elapsed) {
         m_isWaiting = false;
         QGuiApplication::restoreOverrideCursor();
-        if (std::exchange(m_stepTold, false) && !m_watch.isActive()) {
-            m_forget.stop();
-            m_statusBox.SetActivity({});
-        }
+        if (m_step.isEmpty()) EndTelling();
         return;
     }
     if (!std::exchange(m_isWaiting, true)) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    if (m_step.isEmpty() && elapsed->count() < kWaitToTell) return;
-    m_stepTold = true;
-    const QString step = m_step.isEmpty() ? "Running a command" : m_step;
-    m_statusBox.SetActivity(step + ": " + Seconds(elapsed->count()), true);
+    if (!m_step.isEmpty()) {
+        TellStep(m_step, m_stepSince.elapsed());
+    } else if (elapsed->count() >= kWaitToTell) {
+        TellStep("Running a command", elapsed->count());
+    }
+}
+
+// Not for each of many short commands.
+void RenderWork::TellStep(const QString& step, qint64 time) {
+    if (m_stepTold >= 0 && time - m_stepTold < kTick / 2) return;
+    m_stepTold = time;
+    m_statusBox.SetActivity(step + ": " + Seconds(time), true);
+}
+
+void RenderWork::EndTelling() {
+    if (std::exchange(m_stepTold, -1) < 0 || m_watch.isActive()) return;
+    m_forget.stop();
+    m_statusBox.SetActivity({});
+}
+
+RenderWork::Step::Step(RenderWork& work, const QString& name) : m_work(work) {
+    work.m_step = name;
+    work.m_stepSince.start();
+}
+
+RenderWork::Step::~Step() {
+    m_work.m_step.clear();
+    m_work.EndTelling();
 }
 
 }  // namespace tavrin

@@ -25,6 +25,8 @@ class RenderWork {
 
     void RenderIt();
     void StopRender();
+    // The running children are being stopped by somebody else: their end is no failure.
+    void ChildrenAreStopped();
     void ExportAll();
     // Asks where to.
     void ExportOne(ExportKind kind);
@@ -32,19 +34,16 @@ class RenderWork {
     void ViewRenderInterface();
     void ViewShaderInterface();
 
-    // Shell commands that others run are waited for under this name; given back when it goes.
+    // Commands that are waited for while it lives are told under its name, with the time since it began.
     class Step {
       public:
-        Step(RenderWork& work, const QString& name) : m_work(work), m_before(work.m_step) {
-            work.m_step = name;
-        }
-        ~Step() { m_work.m_step = m_before; }
+        Step(RenderWork& work, const QString& name);
+        ~Step();
         Step(const Step&) = delete;
         Step& operator=(const Step&) = delete;
 
       private:
         RenderWork& m_work;
-        QString m_before;
     };
 
   private:
@@ -53,14 +52,17 @@ class RenderWork {
     void Watch();
     void OnChildEnd(int exitCode);
     void OnWait(std::optional<std::chrono::milliseconds> elapsed);
+    void TellStep(const QString& step, qint64 time);
+    void EndTelling();
 
     QWidget& m_frame;
     Workspace& m_work;
     CStatusBox& m_statusBox;
     std::function<void()> m_historyChanged;
-    QString m_step;  // what commands that are waited for are part of
+    QString m_step;             // what commands that are waited for are part of
+    QElapsedTimer m_stepSince;  // its beginning
+    qint64 m_stepTold = -1;     // its time when it was told last; -1 if it was not yet
     bool m_isWaiting = false;
-    bool m_stepTold = false;  // of the wait that goes on
     QString m_doing;  // what the children do, such as "Rendering marble"
     QString m_done;   // the same when they have done it
     bool m_stopped = false;

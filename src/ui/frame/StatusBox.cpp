@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <algorithm>
 #include <ctime>
 
 #include "ui/Text.h"
@@ -14,6 +15,7 @@ namespace {
 constexpr int kFontPixels = 11;
 constexpr int kLines = 3;  // what the longest of the desk's own texts takes
 constexpr int kMargin = 4;
+constexpr int kLeastActivity = 200;  // pixels, however narrow the box is
 
 QColor ColourOf(const float (&components)[3]) {
     const auto channel = [&](int index) { return std::clamp(components[index], 0.0F, 1.0F); };
@@ -51,6 +53,7 @@ CStatusBox::CStatusBox(QWidget* frame, const float (&background)[3], Clock clock
     m_text->setFocusPolicy(Qt::NoFocus);
     m_text->setFrameShape(QFrame::NoFrame);
     m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_text->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_text->document()->setDocumentMargin(0);
     m_activity->setObjectName("activity");
     m_activity->setFont(bold);
@@ -77,14 +80,24 @@ void CStatusBox::SetStatus(const std::string& text, int holdSeconds) {
 QString CStatusBox::Status() const { return m_text->toPlainText(); }
 
 void CStatusBox::SetActivity(const QString& text, bool isUrgent) {
-    if (m_activity->text() == text) return;
-    m_activity->setText(text);
+    if (m_activityText == text) return;
+    m_activityText = text;
+    ShowActivity();
     if (!isUrgent || !isVisible()) return;
     layout()->activate();
     repaint();
     m_activity->repaint();
 }
 
-QString CStatusBox::Activity() const { return m_activity->text(); }
+// At most half of the box, so that a long name neither widens the frame nor pushes the status away.
+void CStatusBox::ShowActivity() {
+    const int room = std::max(width() / 2, kLeastActivity);
+    m_activity->setText(m_activity->fontMetrics().elidedText(m_activityText, Qt::ElideMiddle, room));
+}
+
+void CStatusBox::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    ShowActivity();
+}
 
 }  // namespace tavrin

@@ -25,11 +25,17 @@ class CStatusBox : public QFrame {
     // What the program is busy with, beside the status text; empty for nothing. Shown at once if `isUrgent`,
     // for use while the event loop does not run.
     void SetActivity(const QString& text, bool isUrgent = false);
-    QString Activity() const;
+    const QString& Activity() const { return m_activityText; }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void ShowActivity();
+
     QPlainTextEdit* m_text;
     QLabel* m_activity;
+    QString m_activityText;  // whole; the label shows what fits
     Clock m_clock;
     long m_since = 0;  // when the text that is held was set
     int m_hold = 0;    // seconds; 0 for none

@@ -72,5 +72,20 @@ TEST_F(StatusBoxTest, ActivityStandsBesideTheText) {
     EXPECT_EQ(box.Activity(), "");
 }
 
+TEST_F(StatusBoxTest, ALongNameNeitherWidensTheBoxNorPushesTheTextAway) {
+    box.resize(800, 60);
+    box.show();
+    const int before = box.minimumSizeHint().width();
+    const QString name(500, 'x');
+    box.SetActivity("Rendering " + name);
+    test::HandleEvents();
+    EXPECT_EQ(box.Activity(), "Rendering " + name);
+    EXPECT_LE(box.minimumSizeHint().width(), before + 420);
+    EXPECT_EQ(box.width(), 800);
+    EXPECT_GE(box.findChild<QPlainTextEdit*>("status")->width(), 350);
+    box.SetStatus(std::string(300, 'y'));
+    EXPECT_EQ(box.findChild<QPlainTextEdit*>("status")->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+}
+
 }  // namespace
 }  // namespace tavrin

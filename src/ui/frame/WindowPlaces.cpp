@@ -13,13 +13,13 @@ void WindowPlaces::RestoreWindow(QWidget& window, const std::string& name, Resto
     const int x = m_profile.GetInt(name + ".x", kMissing);
     const int y = m_profile.GetInt(name + ".y", kMissing);
     if (x == kMissing || y == kMissing) return;
+    const QSize screen = QGuiApplication::primaryScreen()->virtualSize();
     if (parts.size) {
         const QSize size(m_profile.GetInt(name + ".width", 0), m_profile.GetInt(name + ".height", 0));
-        if (!size.isEmpty()) window.resize(size);
+        if (!size.isEmpty()) window.resize(size.boundedTo(screen));
     } else if (window.size().isEmpty()) {
         return;
     }
-    const QSize screen = QGuiApplication::primaryScreen()->virtualSize();
     window.move(std::min(x, screen.width() - kKeptOnScreen), std::min(y, screen.height() - kKeptOnScreen));
     if (parts.visible && m_profile.GetInt(name + ".visible", 0) != 0) window.show();
 }

@@ -77,6 +77,12 @@ TEST_F(WindowPlacesTest, AWindowThatWasNeverStoredStaysAsItIs) {
     EXPECT_FALSE(window.isVisible());
 }
 
+TEST_F(WindowPlacesTest, AWindowLargerThanTheScreenComesBackNoLargerThanThat) {
+    Store(10, 20, 9000, 8000, 0);
+    places.RestoreWindow(window, "Tool", {});
+    EXPECT_EQ(window.size(), screen);
+}
+
 TEST_F(WindowPlacesTest, AMinimizedWindowKeepsItsLastStoredPlace) {
     Store(10, 20, 200, 150, 1);
     const auto before = profile.numbers;

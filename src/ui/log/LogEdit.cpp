@@ -196,7 +196,8 @@ bool LogEdit::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
         const bool isCommand = key.matches(QKeySequence::Copy) || key.matches(QKeySequence::Paste) ||
-                               key.matches(QKeySequence::Cut) || key.key() == Qt::Key_Delete;
+                               key.matches(QKeySequence::Cut) ||
+                               key.key() == Qt::Key_Delete;  // Ctrl+Delete clears
         if (isCommand) {
             event->ignore();
             return true;

@@ -75,7 +75,8 @@ void LogWindow::MakeCommands() {
     run(Add(LogCommand::kCopy, "&Copy", "log-copy", "Copy the selection", Qt::CTRL | Qt::Key_C),
         [this] { m_edit->copy(); });
     run(Add(LogCommand::kClear, "C&lear", "log-clear", "Clear the log"), clear);
-    run(Add(LogCommand::kClearLog, "C&lear Log", "log-clear", "Clear the log"), clear);
+    run(Add(LogCommand::kClearLog, "C&lear Log", "log-clear", "Clear the log", Qt::CTRL | Qt::Key_Delete),
+        clear);
     run(Add(LogCommand::kCut, "Cu&t", "cut", "Cut the selection", Qt::CTRL | Qt::Key_X),
         whenEditable([this] { m_edit->cut(); }));
     run(Add(LogCommand::kPaste, "&Paste", "paste", "Paste at the caret", Qt::CTRL | Qt::Key_V),

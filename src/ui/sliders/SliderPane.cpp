@@ -12,7 +12,7 @@ constexpr int kPanelCharacters = 38;  // of average width, that a panel is wide
 
 SliderPane::SliderPane(QWidget* frame) : QScrollArea(frame) {
     setFrameShape(QFrame::NoFrame);
-    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
 }
