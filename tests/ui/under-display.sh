@@ -8,17 +8,19 @@ mkdir -m 700 "$XDG_RUNTIME_DIR"
 export HOME=$home XDG_CONFIG_HOME=$home/.config XDG_STATE_HOME=$home/.local/state
 export QT_QPA_PLATFORM=xcb QT_QPA_PLATFORMTHEME= LIBGL_ALWAYS_SOFTWARE=1
 unset TAVRN_DIR TAVRN_LIB TAVRN_TMPDIR TAVRN_EDITORCMD EDITOR TAVRN_DEBUG TAVRN_QUIET
-exec 5>"$home/display"
-# Only by its socket's file: an abstract one would be shared with displays outside a container.
-Xvfb -displayfd 5 -screen 0 1920x1200x24 -nolisten tcp -nolisten local >"$home/xvfb.log" 2>&1 &
-server=$!
-trap 'kill "${manager:-$server}" "$server" 2>/dev/null; wait 2>/dev/null; rm -rf "$home"' EXIT
-for _ in $(seq 200); do
+trap 'kill "${manager:-}" "${server:-}" 2>/dev/null; wait 2>/dev/null; rm -rf "$home"' EXIT
+# A number of our own: left to choose, servers that start at the same moment may take the same one.
+for _ in $(seq 20); do
+  number=$((100 + (RANDOM * 32768 + RANDOM) % 30000))
+  : >"$home/display"
+  exec 5>"$home/display"
+  Xvfb ":$number" -displayfd 5 -screen 0 1920x1200x24 -nolisten tcp >"$home/xvfb.log" 2>&1 &
+  server=$!
+  while kill -0 "$server" 2>/dev/null && [ ! -s "$home/display" ]; do sleep 0.02; done
   [ -s "$home/display" ] && break
-  sleep 0.05
 done
 [ -s "$home/display" ] || { echo "under-display: no display came up" >&2; cat "$home/xvfb.log" >&2; exit 1; }
-export DISPLAY=:$(cat "$home/display")
+export DISPLAY=:$number
 openbox >"$home/openbox.log" 2>&1 &
 manager=$!
 is_managed() { xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 0x; }

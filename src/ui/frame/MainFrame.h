@@ -122,6 +122,8 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
 
     Site& GetSite() { return m_app.GetSite(); }
 
+    static constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";  // in the profile
+
     // Routes the core's reports: the log to its window, alerts to the next idle pass.
     class Sink;
 

@@ -20,8 +20,8 @@ class QToolButton;
 
 namespace tavrin::test {
 
-// The library "tiny" with two submenus of operators, whose scripts do as the test says. The editor writes down
-// what it was given. The frame's profile lasts over restarts within the test.
+// The library "tiny" with two submenus of operators, whose scripts do as the test says. The editor writes
+// down what it was given. The frame's profile lasts over restarts within the test.
 class FrameTest : public testing::Test {
   protected:
     FrameTest();

@@ -1,0 +1,142 @@
+// What the frame does when something happens to it: idle moments, its end, drops, words from the desk.
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTimer>
+
+#include "base/Profile.h"
+#include "ui/Messages.h"
+#include "ui/Text.h"
+#include "ui/desk/DeskPane.h"
+#include "ui/frame/EventPump.h"
+#include "ui/frame/MainFrame.h"
+#include "ui/frame/SafetyCopies.h"
+#include "ui/library/BoxFinder.h"
+#include "ui/library/MenuFinder.h"
+#include "ui/library/OperatorToolBar.h"
+#include "ui/sliders/SliderPane.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::chrono::milliseconds kGrace{2000};  // for children to heed their kill file at the end
+
+// The document among what is being dropped; empty if there is none.
+std::string DroppedDocument(const QMimeData& data, const std::string& extension) {
+    for (const QUrl& file : data.urls()) {
+        const QString path = file.toLocalFile();
+        if (path.endsWith(Shown(extension), Qt::CaseInsensitive)) return Bytes(path);
+    }
+    return {};
+}
+
+}  // namespace
+
+void MainFrame::SetLocked(bool locked) {
+    if (locked == m_locked) return;
+    m_locked = locked;
+    m_sliders->setEnabled(!locked);
+    m_desk->setEnabled(!locked);
+    const QList<QAction*> menus = menuBar()->actions();
+    for (qsizetype place = kFirstLockedMenu; place < menus.size() - 1; ++place)
+        menus[place]->setEnabled(!locked);
+    m_operatorBar->SetLocked(locked);
+    m_windows.boxFinder->SetLocked(locked);
+    m_windows.menuFinder->SetLocked(locked);
+}
+
+void MainFrame::OnIdle() {
+    if (m_isClosed) return;
+    const FrameState state = State();
+    m_actions->Update(state);
+    m_operatorBar->SetRenderEnabled(SpecOf(CommandId::kRenderIt).enabled(state));
+    setWindowModified(m_work->document.IsModified());
+    m_idleWork->Step();
+}
+
+bool MainFrame::PumpMessages(std::chrono::milliseconds wait) {
+    PumpEvents(wait);
+    return !m_isClosed;
+}
+
+void MainFrame::SaveAside() { m_safetyCopies->Update(); }
+
+// The questions before the end, in their order. What was done before a "no" stays done.
+bool MainFrame::MayClose() {
+    if (m_dispatch.ScriptRunning()) {
+        if (!AskWarning(this, "Running script.  Quit anyway?")) return false;
+        m_dispatch.HaltScript();
+    }
+    const std::string& workDir = GetSite().directories.workDir;
+    // A child at work would fill the directory again, or lose the ground under its feet.
+    if (!workDir.empty() && (GetSite().commands.AnyProcessLeft() || !m_app.RemoveWorkDirectory())) {
+        if (!AskWarning(this,
+                        Shown("An open editor or image window or an in-progress render prevent removal of"
+                              " work directory " +
+                              workDir + ".  Quit anyway?"))) {
+            return false;
+        }
+        m_app.CloseDown(kGrace);
+    }
+    WindowPlaces places(m_profile);
+    places.SaveWindow(*this, "MainWindow");
+    m_windows.SavePlaces(places);
+    m_profile.SetInt(kScrollBarsKey, m_desk->ScrollBarsShown() ? 1 : 0);
+    return m_documents->SettleChanges();
+}
+
+void MainFrame::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    m_idleWork->ShowSplash();
+    m_idle.Request();
+}
+
+void MainFrame::closeEvent(QCloseEvent* event) {
+    if (!m_isClosed && !MayClose()) {
+        event->ignore();
+        return;
+    }
+    m_safetyCopies->Discard();
+    m_isClosed = true;
+    for (ToolWindow* window : m_windows.All()) window->hide();
+    event->accept();
+    QCoreApplication::quit();
+}
+
+void MainFrame::dragEnterEvent(QDragEnterEvent* event) {
+    if (!DroppedDocument(*event->mimeData(), GetSite().docExt).empty()) event->acceptProposedAction();
+}
+
+void MainFrame::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    // Once the drop is over: a question may come up.
+    QTimer::singleShot(0, this, [this, path = DroppedDocument(*event->mimeData(), GetSite().docExt)] {
+        OpenDocumentFile(path);
+    });
+}
+
+void MainFrame::LayoutBox(COpBox& box) {
+    if (m_desk != nullptr) m_desk->LayoutBox(box);
+}
+void MainFrame::AddToBoxFinder(const std::string& boxTitleWid) { m_windows.boxFinder->AddName(boxTitleWid); }
+void MainFrame::RemoveFromBoxFinder(const std::string& boxTitleWid) {
+    m_windows.boxFinder->RemoveName(boxTitleWid);
+}
+void MainFrame::ClearBoxFinder() { m_windows.boxFinder->Clear(); }
+void MainFrame::Repaint() {
+    if (m_desk != nullptr) m_desk->Repaint();
+}
+void MainFrame::UpdateScrollBars() {
+    if (m_desk != nullptr) m_desk->UpdateScrollBars();
+}
+
+void MainFrame::RefreshAllViews() {
+    Repaint();
+    SetLocked(m_work->document.lock != 0);
+    m_windows.RefreshTables();
+    m_idle.Request();
+}
+
+}  // namespace tavrin
