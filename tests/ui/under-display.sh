@@ -9,12 +9,13 @@ export HOME=$home XDG_CONFIG_HOME=$home/.config XDG_STATE_HOME=$home/.local/stat
 export QT_QPA_PLATFORM=xcb QT_QPA_PLATFORMTHEME= LIBGL_ALWAYS_SOFTWARE=1
 unset TAVRN_DIR TAVRN_LIB TAVRN_TMPDIR TAVRN_EDITORCMD EDITOR TAVRN_DEBUG TAVRN_QUIET
 trap 'kill "${manager:-}" "${server:-}" 2>/dev/null; wait 2>/dev/null; rm -rf "$home"' EXIT
-# A number of our own: left to choose, servers that start at the same moment may take the same one.
+# A number of our own: left to choose, servers that start at the same moment may take the same one. A server
+# that resets when its last client leaves would refuse whoever comes at that moment.
 for _ in $(seq 20); do
   number=$((100 + (RANDOM * 32768 + RANDOM) % 30000))
   : >"$home/display"
   exec 5>"$home/display"
-  Xvfb ":$number" -displayfd 5 -screen 0 1920x1200x24 -nolisten tcp >"$home/xvfb.log" 2>&1 &
+  Xvfb ":$number" -displayfd 5 -screen 0 1920x1200x24 -nolisten tcp -noreset >"$home/xvfb.log" 2>&1 &
   server=$!
   while kill -0 "$server" 2>/dev/null && [ ! -s "$home/display" ]; do sleep 0.02; done
   [ -s "$home/display" ] && break
