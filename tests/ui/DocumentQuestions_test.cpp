@@ -60,8 +60,9 @@ class QuestionTest : public DocumentsTest, public testing::WithParamInterface<co
     void DoubleClickOldestEntry() {
         Do(CommandId::kRenderHistory);
         Settle();
-        auto* list = Frame().Windows().renderHistory->findChild<QListWidget*>();
-        const QPoint at = list->visualItemRect(list->item(list->count() - 1)).center();
+        auto* list = Frame().Windows().renderHistory->findChild<QListView*>();
+        const int last = list->model()->rowCount() - 1;
+        const QPoint at = list->visualRect(list->model()->index(last, 0)).center();
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
     }

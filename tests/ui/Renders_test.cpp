@@ -1,7 +1,7 @@
 // Renders, their history and the views of what is generated, as the frame does them.
 #include <QApplication>
 #include <QLabel>
-#include <QListWidget>
+#include <QListView>
 #include <QMenu>
 #include <QTest>
 #include <filesystem>
@@ -98,17 +98,18 @@ class RendersTest : public test::FrameTest {
     std::string Activity() { return Bytes(Frame().StatusBox().Activity()); }
     bool ActivityIs(const std::string& pattern) { return testing::Value(Activity(), MatchesRegex(pattern)); }
 
-    QListWidget& HistoryList() { return *Frame().Windows().renderHistory->findChild<QListWidget*>(); }
+    QListView& HistoryList() { return *Frame().Windows().renderHistory->findChild<QListView*>(); }
+    QModelIndex HistoryRow(int row) { return HistoryList().model()->index(row, 0); }
     std::vector<std::string> History() {
         std::vector<std::string> lines;
-        for (int row = 0; row < HistoryList().count(); ++row)
-            lines.push_back(Bytes(HistoryList().item(row)->text()));
+        for (int row = 0; row < HistoryList().model()->rowCount(); ++row)
+            lines.push_back(Bytes(HistoryRow(row).data().toString()));
         return lines;
     }
     void DoubleClickEntry(int row) {
         if (!Frame().Windows().renderHistory->isVisible()) QTest::keyClick(&Frame(), Qt::Key_F6);
         Settle();
-        const QPoint at = HistoryList().visualItemRect(HistoryList().item(row)).center();
+        const QPoint at = HistoryList().visualRect(HistoryRow(row)).center();
         QTest::mouseClick(HistoryList().viewport(), Qt::LeftButton, {}, at);
         QTest::mouseDClick(HistoryList().viewport(), Qt::LeftButton, {}, at);
         Settle();

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "text/Tokens.h"
-#include "ui/library/FinderList.h"
+#include "ui/FinderList.h"
 
 namespace tavrin {
 

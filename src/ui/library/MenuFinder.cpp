@@ -8,7 +8,7 @@
 
 #include "library/OpRegistry.h"
 #include "text/Tokens.h"
-#include "ui/library/FinderList.h"
+#include "ui/FinderList.h"
 
 namespace tavrin {
 

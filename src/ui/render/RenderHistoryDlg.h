@@ -7,10 +7,9 @@
 
 #include "ui/ToolWindow.h"
 
-class QListWidget;
-class QListWidgetItem;
-
 namespace tavrin {
+
+class FinderList;
 
 // Shows the history's entries, newest first, and hands the chosen one to whoever opens documents; a line
 // that is no entry opens nothing. Owned by the frame, which refreshes it after each render.
@@ -27,11 +26,11 @@ class CRenderHistoryDlg : public ToolWindow {
     void Refresh();
 
   private:
-    void OpenEntry(const QListWidgetItem* item);
+    void OpenEntry(const std::string& entry);
 
     Entries m_entries;
     Open m_open;
-    QListWidget* m_list;
+    FinderList* m_list;  // a child
 };
 
 }  // namespace tavrin

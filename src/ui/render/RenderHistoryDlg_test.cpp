@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QListWidget>
+#include <QListView>
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
@@ -19,7 +19,7 @@ using testing::ElementsAre;
 
 class RenderHistoryDlg : public testing::Test {
   protected:
-    RenderHistoryDlg() { list = window.findChild<QListWidget*>(); }
+    RenderHistoryDlg() { list = window.findChild<QListView*>(); }
 
     void Add(int number, const std::string& name) {
         entries.push_front(RenderHistory::EntryText(number, name));
@@ -27,13 +27,15 @@ class RenderHistoryDlg : public testing::Test {
     }
     std::vector<std::string> Rows() const {
         std::vector<std::string> rows;
-        for (int row = 0; row < list->count(); ++row) rows.push_back(list->item(row)->text().toStdString());
+        for (int row = 0; row < list->model()->rowCount(); ++row) rows.push_back(TextAt(Row(row)));
         return rows;
     }
     std::string CurrentRow() const {
-        return list->currentItem() == nullptr ? "none" : list->currentItem()->text().toStdString();
+        return list->currentIndex().isValid() ? TextAt(list->currentIndex()) : "none";
     }
-    QPoint At(int row) const { return list->visualItemRect(list->item(row)).center(); }
+    QModelIndex Row(int row) const { return list->model()->index(row, 0); }
+    static std::string TextAt(const QModelIndex& index) { return index.data().toString().toStdString(); }
+    QPoint At(int row) const { return list->visualRect(Row(row)).center(); }
     void Click(int row) { QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, At(row)); }
     void DoubleClick(QPoint place) {
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
@@ -52,7 +54,7 @@ class RenderHistoryDlg : public testing::Test {
                              [this](const std::string& name, int number) {
                                  opened.push_back(name + " " + std::to_string(number));
                              }};
-    QListWidget* list;
+    QListView* list;
 };
 
 TEST_F(RenderHistoryDlg, ShowsTheEntriesNewestFirst) {
@@ -115,7 +117,7 @@ TEST_F(RenderHistoryDlg, TheCurrentRowStaysOnItsEntry) {
     Click(1);
     Add(4, "plastic");
     EXPECT_EQ(CurrentRow(), "02 plastic");
-    EXPECT_TRUE(list->currentItem()->isSelected());
+    EXPECT_TRUE(list->selectionModel()->isSelected(list->currentIndex()));
     entries.pop_back();
     window.Refresh();
     EXPECT_THAT(Rows(), ElementsAre("04 plastic", "03 plastic", "02 plastic"));
@@ -147,7 +149,7 @@ TEST_F(RenderHistoryDlg, ANotchOfTheWheelScrollsALine) {
     const QScrollBar& bar = *list->verticalScrollBar();
     Turn(-120);
     EXPECT_EQ(bar.value(), 1);
-    EXPECT_EQ(list->itemAt(2, 2)->text(), "99 plastic");
+    EXPECT_EQ(TextAt(list->indexAt(QPoint(2, 2))), "99 plastic");
     Turn(-120);
     EXPECT_EQ(bar.value(), 2);
     Turn(120);

@@ -9,7 +9,7 @@
 
 #include <QApplication>
 #include <QDragEnterEvent>
-#include <QListWidget>
+#include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>

@@ -1,4 +1,4 @@
-#include "ui/library/FinderList.h"
+#include "ui/FinderList.h"
 
 #include <QAbstractListModel>
 #include <QKeyEvent>
