@@ -291,7 +291,7 @@ TEST_F(ScriptsTest, WaitingForAChildBurnsNoCore) {
     EXPECT_TRUE(Run("form render render"));
     EXPECT_GT(begin, 0);
     EXPECT_GT(end, 0);
-    EXPECT_LT(end - begin, kSpan / 10.0);
+    EXPECT_LT(end - begin, kSpan / 4.0);  // spinning takes all of it; sanitizers make everything dearer
 }
 
 TEST_F(ScriptsTest, ASystemCommandBlocksTheInterfaceUntilItHasEnded) {
