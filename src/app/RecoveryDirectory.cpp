@@ -23,8 +23,8 @@ constexpr std::string_view kCopy = ".tvn";
 constexpr std::string_view kOrigin = ".origin";
 constexpr std::string_view kLock = ".lock";
 constexpr std::string_view kNamePrefix = "unsaved-";
-constexpr size_t kRandomLength = 6;  // of the part of a name that mkostemps chooses
-constexpr std::string_view kRandomPart = "XXXXXX";
+constexpr size_t kRandomLength = 6;   // of the part of a name that mkostemps chooses
+constexpr size_t kRandomLetters = 6;  // of a session's name, where mkstemp wants as many letters X
 constexpr int kNameAttempts = 100;
 constexpr off_t kLargestOrigin = 65536;  // bytes; far beyond any path
 constexpr const char* kOriginKeyword = "tavrin-recovery";
@@ -104,7 +104,7 @@ std::string RecoveryDirectory::CopyPath(const std::string& session) const { retu
 
 bool RecoveryDirectory::Begin(std::string& session, FileDescriptor& lock, std::string& error) const {
     for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
-        std::string path = PathOf(std::string(kNamePrefix).append(kRandomPart), kLock);
+        std::string path = PathOf(std::string(kNamePrefix).append(kRandomLetters, 'X'), kLock);
         FileDescriptor file(::mkostemps(path.data(), static_cast<int>(kLock.size()), O_CLOEXEC));
         if (!file) return Fail(error, errno);
         const std::string name = SessionOf(PathFile(path));

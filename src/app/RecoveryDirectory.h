@@ -21,9 +21,9 @@ struct RecoveryOrigin {
 
 // A directory that only the user can enter. A process that has something to keep has a session there, three
 // files of one random name:
-//   unsaved-XXXXXX.tvn     the copy, a plain document
-//   unsaved-XXXXXX.origin  what it was taken of
-//   unsaved-XXXXXX.lock    locked as long as the process lives, whatever its end
+//   unsaved-NAME.tvn     the copy, a plain document
+//   unsaved-NAME.origin  what it was taken of
+//   unsaved-NAME.lock    locked as long as the process lives, whatever its end
 // Files of other names, links, and files of other users are neither read nor removed. Operations that fail
 // say why in `error` where they have one.
 class RecoveryDirectory {

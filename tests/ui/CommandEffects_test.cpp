@@ -1,104 +1,17 @@
 // Every command by each of its ways: from the menu, by its keys, from the toolbar.
-#include <QFileDialog>
-#include <QOpenGLWidget>
-#include <QScrollBar>
-#include <QSplitter>
-#include <QTest>
-#include <QTimer>
-#include <QToolBar>
-#include <filesystem>
-#include <set>
-
-#include "images/SgiTestFile.h"
-#include "ui/Text.h"
-#include "ui/ToolWindow.h"
-#include "ui/desk/DeskPane.h"
-#include "ui/frame/StatusBox.h"
-#include "ui/support/Hands.h"
-#include "ui/support/TestFrame.h"
+#include "ui/support/CommandBench.h"
 
 namespace tavrin {
 namespace {
 
+using test::Bench;
 namespace fs = std::filesystem;
 using test::BoxesShown;
 using test::ChooseFileWhenDialogComes;
-using test::FrameTest;
 using test::PressWhenBoxComes;
 using test::WaitUntil;
-using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::Not;
-
-// The fixture as the rows of the table see it.
-class Bench : public FrameTest {
-  public:
-    using FrameTest::AddBoxes;
-    using FrameTest::App;
-    using FrameTest::ChildRuns;
-    using FrameTest::Desk;
-    using FrameTest::directory;
-    using FrameTest::Do;
-    using FrameTest::Document;
-    using FrameTest::EditedFiles;
-    using FrameTest::environment;
-    using FrameTest::Frame;
-    using FrameTest::HoldScripts;
-    using FrameTest::Log;
-    using FrameTest::Settle;
-    using FrameTest::Start;
-    using FrameTest::WorkDir;
-    using FrameTest::WriteDocument;
-
-    // By how its title begins.
-    bool IsUp(const QString& title) {
-        for (const ToolWindow* window : Frame().Windows().All()) {
-            if (window->windowTitle().startsWith(title)) return window->IsUp();
-        }
-        ADD_FAILURE() << "there is no window " << Bytes(title);
-        return false;
-    }
-    int BoxCount() { return static_cast<int>(Document().m_boxes.size()); }
-    int Selected() {
-        int selected = 0;
-        for (const auto& box : Document().m_boxes) selected += box->selected != 0 ? 1 : 0;
-        return selected;
-    }
-    void AddSelectedBoxes(int count) {
-        AddBoxes(count);
-        Desk().SelectAllBoxes();
-        Settle();
-    }
-    bool LogComesTo(const std::string& text) {
-        return WaitUntil([&] { return Log().find(text) != std::string::npos; });
-    }
-    // The text of the file of that name that the editor is given.
-    std::string Edited(const std::string& name) {
-        EXPECT_TRUE(WaitUntil([&] { return !EditedFiles().empty(); }));
-        EXPECT_THAT(EditedFiles(), ElementsAre(WorkDir() + "/" + name));
-        return test::ReadFile(WorkDir() + "/" + name);
-    }
-    QImage DeskPicture() { return Frame().Desk().Desk().grabFramebuffer(); }
-    void SetRedWallpaper() {
-        using test::SgiTestFile;
-        const auto file = SgiTestFile::Plain(60, 40, 3, {255, 0, 0, 255});
-        ChooseFileWhenDialogComes(directory.Write("red.sgi", file.Bytes()));
-        Do(CommandId::kSetWallpaper);
-        Settle();
-    }
-    // How many pixels of the desk are pure red.
-    int RedPixels() {
-        const QImage picture = DeskPicture();
-        int count = 0;
-        for (int y = 0; y < picture.height(); ++y)
-            for (int x = 0; x < picture.width(); ++x)
-                count += (picture.pixel(x, y) & RGB_MASK) == (qRgb(255, 0, 0) & RGB_MASK) ? 1 : 0;
-        return count;
-    }
-};
-
-void Nothing(Bench&) {}
 
 // What stands before, what the user does in between by one way, what has come of it.
 struct Effect {
@@ -112,6 +25,8 @@ struct Effect {
 };
 
 using Id = CommandId;
+
+void Nothing(Bench&) {}
 
 void OpensSaved(Bench& t) {
     ASSERT_TRUE(t.Frame().OpenDocumentFile(t.WriteDocument("mine")));
@@ -499,14 +414,7 @@ TEST_P(CommandEffects, Come) {
 
 INSTANTIATE_TEST_SUITE_P(Commands, CommandEffects, testing::ValuesIn(AllWays()), NameOf);
 
-// What the table has no row for.
-class OtherCommandEffects : public Bench {
-  protected:
-    OtherCommandEffects() { Start(); }
-    int SliderColumnWidth() { return Frame().findChild<QSplitter*>()->widget(0)->width(); }
-};
-
-TEST_F(OtherCommandEffects, EveryCommandThatAMenuHoldsHasARow) {
+TEST(CommandEffectsTable, EveryCommandThatAMenuHoldsHasARow) {
     std::set<CommandId> missing = {Id::kHaltScript};
     const auto collect = [&](const auto& self, const std::vector<Slot>& places) -> void {
         for (const Slot& place : places) {
@@ -516,113 +424,10 @@ TEST_F(OtherCommandEffects, EveryCommandThatAMenuHoldsHasARow) {
     };
     for (const MenuSpec& menu : MenuBarLayout()) collect(collect, menu.slots);
     for (const Effect& effect : Effects()) missing.erase(effect.id);
-    // Halt Script has a test of its own below; the sliders' need panels, and stand with those.
+    // Halt Script has a test of its own; the sliders' need panels, and stand with those.
     EXPECT_THAT(missing, testing::UnorderedElementsAre(
                              Id::kHaltScript, Id::kStowAllSliders, Id::kUnstowAllSliders, Id::kPinAllSliders,
                              Id::kUnpinAllSliders, Id::kLockAllSliders, Id::kUnlockAllSliders));
-}
-
-TEST_F(OtherCommandEffects, HaltScriptEndsTheScriptAndWhatItStarted) {
-    AddBoxes(1);
-    HoldScripts();
-    ChooseFileWhenDialogComes(directory.Write("long.tvx", "form render render\nsing loud\n"));
-    QTimer look;
-    look.callOnTimeout([&] {
-        if (Log().find("renderit ") == std::string::npos) return;
-        look.stop();
-        EXPECT_TRUE(Frame().ActionDispatch().ScriptRunning());
-        Settle();
-        test::ChooseInMenu(Frame(), "File", Action(Id::kHaltScript));
-        EXPECT_FALSE(Frame().ActionDispatch().ScriptRunning());
-    });
-    look.start(5);
-    test::ChooseInMenu(Frame(), "File", Action(Id::kRunScript));
-    EXPECT_TRUE(LogComesTo("renderit killed"));
-    EXPECT_THAT(Log(), Not(HasSubstr("unknown action")));
-    EXPECT_FALSE(look.isActive());
-}
-
-TEST_F(OtherCommandEffects, TheSliderColumnGoesAndComesBackAsWideAsItWas) {
-    const int width = SliderColumnWidth();
-    EXPECT_GT(width, 0);
-    Do(Id::kSliderDesk);
-    Settle();
-    EXPECT_EQ(SliderColumnWidth(), 0);
-    Do(Id::kSliderDesk);
-    Settle();
-    EXPECT_EQ(SliderColumnWidth(), width);
-}
-
-TEST_F(OtherCommandEffects, WithoutMultipleRendersASecondOneIsRefused) {
-    AddBoxes(1);
-    HoldScripts();
-    Do(Id::kRenderIt);
-    ASSERT_TRUE(ChildRuns());
-    Do(Id::kRenderIt);
-    EXPECT_EQ(Frame().Work().session.m_nextRender, 3);
-    Do(Id::kMultipleRenders);
-    Settle();
-    EXPECT_FALSE(Action(Id::kRenderIt).isEnabled());
-    Do(Id::kMultipleRenders);
-    Settle();
-    EXPECT_TRUE(Action(Id::kRenderIt).isEnabled());
-}
-
-TEST_F(OtherCommandEffects, AWallpaperThatCannotBeReadKeepsTheOldOne) {
-    SetRedWallpaper();
-    EXPECT_EQ(RedPixels(), 60 * 40);
-    ChooseFileWhenDialogComes(directory.Write("broken.sgi", "no picture"));
-    PressWhenBoxComes("OK");
-    test::ChooseInMenu(Frame(), "Options", Action(Id::kSetWallpaper));
-    ASSERT_TRUE(WaitUntil([] { return !BoxesShown().isEmpty(); }));
-    EXPECT_THAT(Bytes(BoxesShown()[0]), testing::StartsWith("Alert: WARNING: " + directory / "broken.sgi"));
-    EXPECT_EQ(RedPixels(), 60 * 40);
-}
-
-TEST_F(OtherCommandEffects, SetWallpaperStartsWhereTheLastOneWasChosen) {
-    const auto file = test::SgiTestFile::Plain(6, 4, 3, {255, 0, 0, 255});
-    ChooseFileWhenDialogComes(directory.Write("walls/red.sgi", file.Bytes()));
-    Do(Id::kSetWallpaper);
-    QString title;
-    QString start;
-    QStringList filters;
-    test::WhenDialogComes([&](QDialog& dialog) {
-        auto& files = dynamic_cast<QFileDialog&>(dialog);
-        title = files.windowTitle();
-        start = files.directory().path();
-        filters = files.nameFilters();
-        dialog.reject();
-    });
-    Do(Id::kSetWallpaper);
-    EXPECT_EQ(title, "Select");
-    EXPECT_EQ(Bytes(start), directory / "walls");
-    EXPECT_EQ(filters.join('|'), "SGI Images (*.sgi)");
-}
-
-TEST_F(OtherCommandEffects, DocumentationThatIsNotThereIsAlerted) {
-    PressWhenBoxComes("OK");
-    test::ChooseInMenu(Frame(), "Help", Action(Id::kOnlineDocumentation));
-    ASSERT_TRUE(WaitUntil([] { return !BoxesShown().isEmpty(); }));
-    EXPECT_EQ(Bytes(BoxesShown()[0]), "Alert: unable to open " + directory / "tavrin/Readme.url");
-}
-
-TEST_F(OtherCommandEffects, AMinimizedToolWindowIsRestoredByItsCommand) {
-    for (const Id id :
-         {Id::kRenderOptions, Id::kArgumentEditor, Id::kExportOptions, Id::kShaderHelp, Id::kDisplayLog}) {
-        Do(id);
-        ToolWindow* window = nullptr;
-        for (ToolWindow* each : Frame().Windows().All()) window = each->isVisible() ? each : window;
-        ASSERT_NE(window, nullptr);
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
-        window->showMinimized();
-        ASSERT_TRUE(WaitUntil([&] { return window->isMinimized(); }));
-        EXPECT_FALSE(window->IsUp());
-        test::ShowActive(Frame());
-        Do(id);
-        EXPECT_TRUE(WaitUntil([&] { return window->IsUp(); })) << Bytes(window->windowTitle());
-        window->hide();
-        Settle();
-    }
 }
 
 }  // namespace
