@@ -229,6 +229,18 @@ void CTvApp::OpenInEditor(const std::string& path) {
     m_site.commands.RunCommand(m_site.directories.editorCmd + " \"" + path + "\"", false);
 }
 
+void CTvApp::EditOperator(const std::string& name) {
+    const COpEntry* entry = m_registry.FindByName(name);
+    if (entry == nullptr) {
+        m_site.report.Alert("%s: unknown operator name", name.c_str());
+        return;
+    }
+    // A command line is split at blanks, quotes keep a path in one piece.
+    const bool isPlain = entry->path.find_first_of(" \t") == std::string::npos;
+    const std::string path = isPlain ? entry->path : "\"" + entry->path + "\"";
+    m_site.commands.RunCommand(m_site.directories.editorCmd + " " + path, false);
+}
+
 std::string CTvApp::DocumentVersion() const { return ShortVersion(m_version); }
 
 }  // namespace tavrin

@@ -67,6 +67,8 @@ class CTvApp : public DocumentHost, private FormHost {
 
     // Opens a file in the user's editor, without waiting.
     void OpenInEditor(const std::string& path);
+    // The same for the definition of an operator. One that is not in the library is alerted.
+    void EditOperator(const std::string& name);
 
     std::string ProductVersion() const { return m_version; }
 

@@ -227,5 +227,31 @@ TEST_F(TvAppSiteTest, TheProcessEnvironmentIsNotWritten) {
     EXPECT_EQ(Environment::FromProcess().ToList(), before);
 }
 
+TEST_F(TvAppSiteTest, AnOperatorIsEditedByThePathOfItsFileInQuotesWhereThatHasBlanks) {
+    for (const char* name : {"plain", "with blanks"}) {
+        const std::string root = directory / name;
+        const bool plain = root.find(' ') == std::string::npos;
+        fs::create_directories(root + "/mray/menu");
+        directory.Write(std::string(name) + "/mray/menu/0100.Noise", "");
+        environment.Set("TAVRN_DIR", root);
+        CTvApp& loaded = Load();
+        loaded.GetSite().directories.editorCmd = "/no/such/editor -x";
+        sink.alerts.clear();
+        loaded.EditOperator("Noise");
+        const std::string path = root + "/mray/menu/0100.Noise";
+        EXPECT_THAT(sink.alerts,
+                    ElementsAre("command failed: /no/such/editor -x " + (plain ? path : '"' + path + '"')));
+        app.reset();
+    }
+}
+
+TEST_F(TvAppSiteTest, AnOperatorThatIsNotInTheLibraryIsNotEdited) {
+    CTvApp& loaded = Load();
+    loaded.GetSite().directories.editorCmd = "/no/such/editor";
+    sink.alerts.clear();
+    loaded.EditOperator("Noise");
+    EXPECT_THAT(sink.alerts, ElementsAre("Noise: unknown operator name"));
+}
+
 }  // namespace
 }  // namespace tavrin

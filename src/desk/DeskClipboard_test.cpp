@@ -302,6 +302,17 @@ TEST_F(DeskClipboard, DroppingWhatWaitsAloneLeavesTheDocumentUnmodified) {
     EXPECT_THAT(view.calls, ElementsAre("refresh", "scrollbars"));
 }
 
+TEST_F(DeskClipboard, WhatWaitsUnderTheMouseCanBeDeletedWithNothingElseSelected) {
+    Link("a", 1);
+    desk.CopySelection();
+    desk.PasteBoxes(std::nullopt);
+    ASSERT_FALSE(desk.AnyBoxSelected());
+    EXPECT_TRUE(desk.CanDelete());
+    desk.DeleteSelection();
+    EXPECT_FALSE(desk.CanDelete());
+    EXPECT_THAT(Network(), ElementsAre("a_1"));
+}
+
 TEST_F(DeskClipboard, AnInputThatADeletedBoxFedStaysSelectedUntilTheNextDelete) {
     COpBox& from = Link("a");
     COpBox& to = Link("b");

@@ -20,6 +20,51 @@ float ColumnWidth(const std::vector<std::unique_ptr<COpButton>>& buttons, float 
     return pad + widest;
 }
 
+float RouteSpacing(size_t steps) { return static_cast<float>(steps) * kRouteSpacing; }
+
+// What has been covered so far, by its edges.
+struct Bounds {
+    float left;
+    float bottom;
+    float right;
+    float top;
+
+    explicit Bounds(const DeskRect& rect)
+        : left(rect.left), bottom(rect.bottom), right(rect.Right()), top(rect.Top()) {}
+    void Add(const Bounds& other) {
+        left = std::min(left, other.left);
+        bottom = std::min(bottom, other.bottom);
+        right = std::max(right, other.right);
+        top = std::max(top, other.top);
+    }
+    void Add(const Polyline& line) {
+        for (const DeskPoint& point : line) Add(Bounds({point.x, point.y, 0, 0}));
+    }
+};
+
+// Takes in the traced lines. From a box they reach no further than one step for each of its buttons on that
+// side, so most cannot reach beyond what all boxes cover and need not be looked at.
+void AddTracedLines(const CTvDoc& document, Bounds& covered) {
+    const Bounds boxes = covered;
+    for (const auto& box : document.m_boxes) {
+        const DeskRect rect = BoxRect(*box);
+        const float entry = RouteSpacing(box->inputs.size());
+        if (rect.left - entry < boxes.left || rect.bottom - entry < boxes.bottom ||
+            rect.Top() + entry > boxes.top) {
+            ForEachConnection(*box, [&](const ButtonPlace& from, const ButtonPlace& to, COpButton&) {
+                covered.Add(ConnectionPolyline(from, to, true));
+                return true;
+            });
+        }
+        if (rect.Right() + RouteSpacing(box->outputs.size()) <= boxes.right) continue;
+        for (size_t index = 0; index < box->outputs.size(); ++index) {
+            for (const COpButton* input : box->outputs[index]->NamedBy()) {
+                covered.Add(ConnectionPolyline({box.get(), true, index}, ButtonPlace::Of(*input), true));
+            }
+        }
+    }
+}
+
 size_t ButtonCount(const COpBox& box, bool outputs) {
     return outputs ? box.outputs.size() : box.inputs.size();
 }
@@ -113,33 +158,32 @@ Polyline ConnectionPolyline(const ButtonPlace& output, const ButtonPlace& input,
     const DeskPoint to = ButtonAnchor(input);
     if (!traced) return {{from, to}, 2};
 
-    const auto spacing = [](size_t steps) { return static_cast<float>(steps) * kRouteSpacing; };
     const bool isDown = to.y <= from.y;
-    const float turn = spacing(isDown ? input.index + 1 : input.box->inputs.size() - input.index);
+    const float turn = RouteSpacing(isDown ? input.index + 1 : input.box->inputs.size() - input.index);
     const float middle = to.x - turn;
     if (middle > from.x + kRouteSpacing) return {{from, {middle, from.y}, {middle, to.y}, to}, 4};
 
     const DeskRect target = BoxRect(*input.box);
-    const float out = from.x + spacing(isDown ? output.box->outputs.size() - output.index : output.index + 1);
+    const float out =
+        from.x + RouteSpacing(isDown ? output.box->outputs.size() - output.index : output.index + 1);
     const float past = isDown ? target.Top() + turn : target.bottom - turn;
     return {{from, {out, from.y}, {out, past}, {middle, past}, {middle, to.y}, to}, 6};
 }
 
+// Traced lines turn beside the source and round the target, by a spacing for each of their buttons at most.
+DeskRect LineReach(const COpBox& source, const COpBox& target) {
+    const size_t most = std::max(source.outputs.size(), target.inputs.size());
+    return BoxRect(source).UnitedWith(BoxRect(target)).GrownBy(static_cast<float>(most + 1) * kRouteSpacing);
+}
+
 std::optional<DeskRect> NetworkRect(const CTvDoc& document, float zoom) {
     if (document.m_boxes.empty()) return std::nullopt;
-    DeskRect covered = BoxRect(*document.m_boxes.front());
-    for (const auto& box : document.m_boxes) covered = covered.UnitedWith(BoxRect(*box));
-    if (document.linetype == 1) {
-        for (const auto& box : document.m_boxes) {
-            ForEachConnection(*box, [&](const ButtonPlace& from, const ButtonPlace& to, COpButton&) {
-                for (const DeskPoint& point : ConnectionPolyline(from, to, true)) {
-                    covered = covered.UnitedWith({point.x, point.y, 0, 0});
-                }
-                return true;
-            });
-        }
-    }
-    return covered.GrownBy(kNetworkMargin / zoom);
+    Bounds covered(BoxRect(*document.m_boxes.front()));
+    for (const auto& box : document.m_boxes) covered.Add(Bounds(BoxRect(*box)));
+    if (document.linetype == 1) AddTracedLines(document, covered);
+    const DeskRect network{covered.left, covered.bottom, covered.right - covered.left,
+                           covered.top - covered.bottom};
+    return network.GrownBy(kNetworkMargin / zoom);
 }
 
 }  // namespace tavrin

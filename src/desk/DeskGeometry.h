@@ -31,6 +31,10 @@ struct DeskRect {
     static DeskRect Between(DeskPoint corner, DeskPoint opposite);
     float Right() const { return left + width; }
     float Top() const { return bottom + height; }
+    // From the lower left one on, against the clock.
+    std::array<DeskPoint, 4> Corners() const {
+        return {{{left, bottom}, {Right(), bottom}, {Right(), Top()}, {left, Top()}}};
+    }
     DeskPoint Middle() const { return {left + width * 0.5F, bottom + height * 0.5F}; }
     bool Contains(DeskPoint point) const {
         return point.x >= left && point.x < Right() && point.y >= bottom && point.y < Top();
@@ -38,6 +42,9 @@ struct DeskRect {
     // Both corners of the other lie inside.
     bool Encloses(const DeskRect& other) const {
         return Contains({other.left, other.bottom}) && Contains({other.Right(), other.Top()});
+    }
+    bool Overlaps(const DeskRect& other) const {
+        return left < other.Right() && other.left < Right() && bottom < other.Top() && other.bottom < Top();
     }
     DeskRect UnitedWith(const DeskRect& other) const;
     DeskRect GrownBy(float margin) const {
@@ -104,6 +111,9 @@ struct Polyline {
 // six where it has to come round the target box. Lines of neighbouring buttons keep clear of one another.
 Polyline ConnectionPolyline(const ButtonPlace& output, const ButtonPlace& input, bool traced);
 
+// A rectangle beyond which no line from the one box to the other goes.
+DeskRect LineReach(const COpBox& source, const COpBox& target);
+
 // Calls `visit(ButtonPlace output, ButtonPlace input, COpButton& inputButton)` for each input of the box that
 // has a connection, top to bottom. `visit` returns whether to go on; the result is whether all were visited.
 template <typename Visit>
@@ -113,6 +123,19 @@ bool ForEachConnection(const COpBox& box, Visit visit) {
         if (input.connections.Empty()) continue;
         const ButtonPlace target{&box, false, index};
         if (!visit(ButtonPlace::Of(*input.connections.First()), target, input)) return false;
+    }
+    return true;
+}
+
+// The same for those whose lines may touch a rectangle: most of the others are known by their boxes alone.
+template <typename Visit>
+bool ForEachConnectionWithin(const DeskRect& rect, const COpBox& box, Visit visit) {
+    for (size_t index = 0; index < box.inputs.size(); ++index) {
+        COpButton& input = *box.inputs[index];
+        if (input.connections.Empty()) continue;
+        const COpButton& output = *input.connections.First();
+        if (!LineReach(*output.owner, box).Overlaps(rect)) continue;
+        if (!visit(ButtonPlace::Of(output), ButtonPlace{&box, false, index}, input)) return false;
     }
     return true;
 }

@@ -193,6 +193,37 @@ TEST_F(DeskGeometry, TracedLinesCountForTheNetworksRectangle) {
     EXPECT_EQ(NetworkRect(document, 1), (DeskRect{-18, -110, 136, 168}));
 }
 
+TEST_F(DeskGeometry, EveryPointOfEveryTracedLineCountsWhereverItsBoxesLie) {
+    document.linetype = 1;
+    unsigned state = 7;
+    const auto chance = [&state](unsigned below) {
+        state = state * 1664525 + 1013904223;
+        return (state >> 16) % below;
+    };
+    for (int network = 0; network < 60; ++network) {
+        document.m_boxes.clear();
+        std::vector<COpBox*> boxes;
+        for (int i = 0; i < 12; ++i) {
+            boxes.push_back(&AddPlaced(1 + chance(4), 1 + chance(4), static_cast<float>(chance(40)) * 16,
+                                       static_cast<float>(chance(20)) * 16));
+        }
+        Points points;
+        for (COpBox* to : boxes) {
+            COpBox& from = *boxes[chance(12)];
+            const size_t output = chance(static_cast<unsigned>(from.outputs.size()));
+            const size_t input = chance(static_cast<unsigned>(to->inputs.size()));
+            test::Wire(from, output, *to, input);
+            // Made again from the output, a wire keeps only the input's side.
+            if (chance(3) == 0) from.outputs[output]->Connect(*to->inputs[input]);
+            for (const P& point : Route(from, output, *to, input)) points.push_back(point);
+        }
+        DeskRect all = BoxRect(*boxes.front());
+        for (const COpBox* box : boxes) all = all.UnitedWith(BoxRect(*box));
+        for (const P& point : points) all = all.UnitedWith({point.x, point.y, 0, 0});
+        EXPECT_EQ(NetworkRect(document, 1), all.GrownBy(10)) << "network " << network;
+    }
+}
+
 TEST_F(DeskGeometry, ARectangleHoldsItsLeftAndBottomEdgesOnly) {
     const DeskRect rect{0, 0, 10, 10};
     EXPECT_TRUE(rect.Contains({0, 0}));

@@ -111,6 +111,7 @@ void DeskGestures::Move(const PointerState& event) {
     PointerState pointer = event;
     DeskViewport& view = m_around.view;
     DeskPoint at = view.ToDesk(pointer.at);
+    if (!pointer.left) Cancel();  // the release went elsewhere
     if (m_ignoreNextMove) {
         m_ignoreNextMove = false;
         Remember(pointer, at);
@@ -205,6 +206,14 @@ void DeskGestures::LeftUp(const PointerState& pointer) {
     if (m_gesture == Kind::kWiring) FinishWire(grown);
     if (m_gesture == Kind::kBandAdd || m_gesture == Kind::kBandToggle) FinishBand();
     m_gesture = Kind::kIdle;
+}
+
+void DeskGestures::Cancel() {
+    if (m_gesture == Kind::kIdle) return;
+    m_gesture = Kind::kIdle;
+    m_autoScroll = false;
+    m_growArrowsShown = false;
+    m_around.windows.Repaint();
 }
 
 void DeskGestures::FinishWire(COpButton* grown) {

@@ -44,6 +44,11 @@ class DeskGestures {
     void LeftDown(const PointerState& pointer);
     void Move(const PointerState& pointer);
     void LeftUp(const PointerState& pointer);
+    // Another button went down: what it pans is counted from there.
+    void OtherDown(const PointerState& pointer) { m_mousePoint = pointer.at; }
+    // Ends a gesture without its result: no release will come, since the desk has been locked, a box has come
+    // up over it, or it shows another document. A button that was picked stays picked.
+    void Cancel();
     // To be called at even times while a gesture runs: scrolls while boxes are held beyond the window's edge.
     void Tick();
     // The next move only tells where the pointer is: a menu has closed, and this is no drag.

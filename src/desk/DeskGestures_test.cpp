@@ -463,6 +463,59 @@ TEST_F(DeskGestures, AZoomUnderAPointerAtRestMovesNoBoxAtTheNextPress) {
     EXPECT_EQ(BoxRect(box).left, 100);
 }
 
+TEST_F(DeskGestures, AMoveWithoutTheButtonTellsThatTheReleaseWentElsewhere) {
+    COpBox& box = PutLink(100, 100);
+    Press(140, 110);
+    Drag(900, 110);
+    Hover(300, 300);
+    EXPECT_EQ(gestures.Current(), Kind::kIdle);
+    const float left = BoxRect(box).left;
+    gestures.Tick();
+    EXPECT_EQ(document.offset[0], 0);
+    Drag(310, 300);
+    EXPECT_EQ(BoxRect(box).left, left);
+}
+
+TEST_F(DeskGestures, ACancelledGestureHasNoResult) {
+    COpBox& from = PutLink(0, 0);
+    COpBox& to = PutVinput(300, 100);
+    Press(80, 10);
+    Drag(310, 110);
+    gestures.UpdateGrowArrows();
+    windows.calls.clear();
+    gestures.Cancel();
+    EXPECT_THAT(windows.calls, Contains("repaint"));
+    EXPECT_FALSE(gestures.GrowArrowsShown());
+    Release(310, 90);
+    EXPECT_EQ(to.inputs.size(), 1U);
+    EXPECT_TRUE(to.inputs.at(0)->connections.Empty());
+    EXPECT_EQ(desk.m_selectedButton, from.outputs.at(0).get());
+    Press(600, 500);
+    Drag(-100, -100);
+    gestures.Cancel();
+    gestures.Tick();
+    EXPECT_EQ(document.offset[0], 0);
+    Release(-100, -100);
+    EXPECT_EQ(from.selected + to.selected, 0);
+    windows.calls.clear();
+    gestures.Cancel();
+    EXPECT_THAT(windows.calls, IsEmpty());
+}
+
+TEST_F(DeskGestures, APanIsCountedFromWhereTheOtherButtonWentDown) {
+    PutLink(0, 0);
+    PointerState pointer;
+    pointer.at = {100, 100};
+    gestures.Move(pointer);
+    pointer.middle = true;
+    pointer.at = {400, 300};
+    gestures.OtherDown(pointer);
+    pointer.at = {403, 300};
+    gestures.Move(pointer);
+    EXPECT_EQ(document.offset[0], 3);
+    EXPECT_EQ(document.offset[1], 0);
+}
+
 TEST_F(DeskGestures, AZoomDuringAGestureGoesOnWithIt) {
     PutLink(100, 100);
     Press(140, 110);

@@ -138,30 +138,25 @@ bool DeskViewport::Pan(float dx, float dy) {
     return true;
 }
 
-ScrollRange DeskViewport::HorizontalRange() const {
-    const DeskRect visible = Visible();
-    const DeskRect network = NetworkRect(m_document, Zoom()).value_or(visible);
-    return {Truncated(std::min(visible.left, network.left)),
-            Truncated(std::max(visible.Right(), network.Right())), Truncated(visible.width),
-            Truncated(visible.left), network.left < visible.left || network.Right() > visible.Right()};
-}
-
 // The desk's y runs upward, a scroll bar's downward.
-ScrollRange DeskViewport::VerticalRange() const {
+ScrollRanges DeskViewport::Ranges() const {
     const DeskRect visible = Visible();
     const DeskRect network = NetworkRect(m_document, Zoom()).value_or(visible);
-    return {Truncated(-std::max(visible.Top(), network.Top())),
-            Truncated(-std::min(visible.bottom, network.bottom)), Truncated(visible.height),
-            Truncated(-visible.Top()), network.bottom < visible.bottom || network.Top() > visible.Top()};
+    return {{Truncated(std::min(visible.left, network.left)),
+             Truncated(std::max(visible.Right(), network.Right())), Truncated(visible.width),
+             Truncated(visible.left), network.left < visible.left || network.Right() > visible.Right()},
+            {Truncated(-std::max(visible.Top(), network.Top())),
+             Truncated(-std::min(visible.bottom, network.bottom)), Truncated(visible.height),
+             Truncated(-visible.Top()), network.bottom < visible.bottom || network.Top() > visible.Top()}};
 }
 
 void DeskViewport::ScrollHorizontally(ScrollAction action, int thumb) {
-    m_document.offset[0] = -(Zoom() * static_cast<float>(Target(HorizontalRange(), action, thumb)));
+    m_document.offset[0] = -(Zoom() * static_cast<float>(Target(Ranges().across, action, thumb)));
     m_document.SetModified();
 }
 
 void DeskViewport::ScrollVertically(ScrollAction action, int thumb) {
-    const auto position = static_cast<float>(Target(VerticalRange(), action, thumb));
+    const auto position = static_cast<float>(Target(Ranges().down, action, thumb));
     m_document.offset[1] = Zoom() * position + m_height;
     m_document.SetModified();
 }

@@ -24,6 +24,11 @@ struct ScrollRange {
     bool canScroll = false;
 };
 
+struct ScrollRanges {
+    ScrollRange across;
+    ScrollRange down;
+};
+
 enum class ScrollAction { kLineUp, kLineDown, kPageUp, kPageDown, kThumb, kTop, kBottom };
 
 // Works on the offset and zoom factor of the document, which it only looks at: they are saved with it, so
@@ -60,8 +65,8 @@ class DeskViewport {
     // Moves what is seen by window pixels. An empty desk is not moved.
     bool Pan(float dx, float dy);
 
-    ScrollRange HorizontalRange() const;
-    ScrollRange VerticalRange() const;
+    // Both at once, since each costs a look at the whole network.
+    ScrollRanges Ranges() const;
     // `thumb` is where the user put the bar's thumb.
     void ScrollHorizontally(ScrollAction action, int thumb = 0);
     void ScrollVertically(ScrollAction action, int thumb = 0);

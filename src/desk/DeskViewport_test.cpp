@@ -177,13 +177,13 @@ TEST_F(DeskViewport, ScrollBarsSpanTheWindowAndTheNetwork) {
     AddBox(-300, -90);
     AddBox(1000, 700);
     SetView(0, 0, 1);
-    const ScrollRange across = view.HorizontalRange();
+    const ScrollRange across = view.Ranges().across;
     EXPECT_EQ(across.minimum, -310);
     EXPECT_EQ(across.maximum, 1110);
     EXPECT_EQ(across.page, 800);
     EXPECT_EQ(across.position, 0);
     EXPECT_TRUE(across.canScroll);
-    const ScrollRange down = view.VerticalRange();  // flipped
+    const ScrollRange down = view.Ranges().down;  // flipped
     EXPECT_EQ(down.minimum, -758);
     EXPECT_EQ(down.maximum, 100);
     EXPECT_EQ(down.page, 600);
@@ -193,29 +193,29 @@ TEST_F(DeskViewport, ScrollBarsSpanTheWindowAndTheNetwork) {
 
 TEST_F(DeskViewport, ScrollBarsCountWholeUnitsTowardsNought) {
     SetView(1, -1, 2);  // the window shows -0.5 to 399.5 and 0.5 to 300.5
-    const ScrollRange across = view.HorizontalRange();
+    const ScrollRange across = view.Ranges().across;
     EXPECT_EQ(across.minimum, 0);
     EXPECT_EQ(across.maximum, 399);
-    const ScrollRange down = view.VerticalRange();
+    const ScrollRange down = view.Ranges().down;
     EXPECT_EQ(down.minimum, -300);
     EXPECT_EQ(down.maximum, 0);
 }
 
 TEST_F(DeskViewport, WhatIsWhollyInViewLeavesNothingToScroll) {
     SetView(0.3F, 0.7F, 1.7F);
-    EXPECT_FALSE(view.HorizontalRange().canScroll);
-    EXPECT_FALSE(view.VerticalRange().canScroll);
+    EXPECT_FALSE(view.Ranges().across.canScroll);
+    EXPECT_FALSE(view.Ranges().down.canScroll);
     SetView(0, 0, 1);
     AddBox(100, 100);
-    EXPECT_FALSE(view.HorizontalRange().canScroll);
+    EXPECT_FALSE(view.Ranges().across.canScroll);
     AddBox(691, 100);  // its margin ends a unit outside
-    EXPECT_TRUE(view.HorizontalRange().canScroll);
-    EXPECT_FALSE(view.VerticalRange().canScroll);
+    EXPECT_TRUE(view.Ranges().across.canScroll);
+    EXPECT_FALSE(view.Ranges().down.canScroll);
 }
 
 TEST_F(DeskViewport, AScrollBarOfHugeOrBrokenPlacesHoldsWholeNumbers) {
     AddBox(1e30F, std::numeric_limits<float>::quiet_NaN());
-    const ScrollRange across = view.HorizontalRange();
+    const ScrollRange across = view.Ranges().across;
     EXPECT_EQ(across.maximum, 1000000000);
     view.ScrollHorizontally(ScrollAction::kBottom);
     view.ScrollVertically(ScrollAction::kPageDown);

@@ -80,7 +80,8 @@ class COpDesk {
     void DeleteSelection();
     bool CanPaste() const { return !m_clipboardBoxes.empty(); }
     bool CanDelete() const {
-        return m_selectedButton != nullptr || !m_selectedConnects.empty() || AnyBoxSelected();
+        return m_selectedButton != nullptr || !m_selectedConnects.empty() || !m_pendingBoxes.empty() ||
+               AnyBoxSelected();
     }
 
     // The commands of the context menus. Those on a button mean the one under the mouse and do nothing

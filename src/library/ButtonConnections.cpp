@@ -1,6 +1,6 @@
 // Which buttons may be wired together, and how a wire is made and unmade.
 #include <algorithm>
-#include <unordered_set>
+#include <vector>
 
 #include "library/OpBox.h"
 #include "library/OpButton.h"
@@ -8,6 +8,22 @@
 namespace tavrin {
 
 namespace {
+
+// Boxes by their serial numbers: a walk over a large network asks it at every wire.
+class BoxSet {
+  public:
+    // False if the box is in it already.
+    bool Insert(const COpBox& box) {
+        const auto place = static_cast<size_t>(box.Serial());
+        if (place >= m_has.size()) m_has.resize(2 * place + 1);
+        if (m_has[place]) return false;
+        m_has[place] = true;
+        return true;
+    }
+
+  private:
+    std::vector<bool> m_has;
+};
 
 bool MadeBefore(const COpButton* left, const COpButton* right) { return left->Serial() < right->Serial(); }
 
@@ -64,7 +80,8 @@ bool COpButton::WouldLoop(const COpButton& other) const {
 }
 
 bool COpButton::ReachesForward(const COpBox& source, const COpBox& start) {
-    std::unordered_set<const COpBox*> visited{&start};
+    BoxSet visited;
+    visited.Insert(start);
     std::vector<const COpBox*> waiting{&start};
     while (!waiting.empty()) {
         const COpBox& box = *waiting.back();
@@ -72,7 +89,7 @@ bool COpButton::ReachesForward(const COpBox& source, const COpBox& start) {
         if (&box == &source) return true;
         for (const auto& output : box.outputs) {
             for (const COpButton* input : output->connections) {
-                if (visited.insert(input->owner).second) waiting.push_back(input->owner);
+                if (visited.Insert(*input->owner)) waiting.push_back(input->owner);
             }
         }
     }

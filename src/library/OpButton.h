@@ -102,14 +102,15 @@ class COpButton : public LiveObject<COpButton> {
     void Connect(COpButton& other);
     // Cuts all connections.
     void Disconnect();
+    // The buttons that hold this one in their `connections`. The same as `connections` but for the one-sided
+    // case of Connect.
+    const ConnectionSet& NamedBy() const { return m_namedBy; }
 
   private:
     void AddPeer(COpButton& peer);
     void DropPeer(COpButton& peer);
 
-    // The buttons that hold this one in their `connections`. The same as `connections` but for the
-    // one-sided case of Connect; it lets the destructor leave no pointer behind.
-    ConnectionSet m_namedBy;
+    ConnectionSet m_namedBy;  // lets the destructor leave no pointer behind
 };
 
 }  // namespace tavrin

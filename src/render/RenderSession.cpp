@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 
 #include "base/Files.h"
 #include "base/Paths.h"
@@ -50,6 +51,21 @@ void AddHelpBanner(CCodeGen& shader, const std::string& help) {
     add(shader.m_closeComment);
 }
 
+// A file can bring a circle of wires, whose boxes never come into the order.
+void WarnOfCircles(const CTvDoc& document, const std::vector<COpBox*>& ordered, Report& report) {
+    if (ordered.size() == document.m_boxes.size()) return;
+    const std::unordered_set<const COpBox*> generated(ordered.begin(), ordered.end());
+    const COpBox* first = nullptr;
+    for (const auto& box : document.m_boxes) {
+        if (!generated.contains(box.get()) && (first == nullptr || box->wid < first->wid)) first = box.get();
+    }
+    const size_t others = document.m_boxes.size() - ordered.size() - 1;
+    const std::string more = others == 0 ? "" : " and " + std::to_string(others) + " more";
+    report.LogLine("WARNING: %s%s %s part of a circle of wires, so no code is generated for %s",
+                   first->BoxTitleWid().c_str(), more.c_str(), others == 0 ? "is" : "are",
+                   others == 0 ? "it" : "them");
+}
+
 }  // namespace
 
 bool HasWhitespace(std::string_view text) { return text.find_first_of(" \t\n") != std::string_view::npos; }
@@ -70,6 +86,7 @@ RenderSession::Generated RenderSession::Generate() {
     shader.SetVariable("_SHADERNAME_", ShaderName());
     AddHelpBanner(shader, m_document.customshaderhelp);
     const std::vector<COpBox*> boxes = m_document.OrderBoxes();
+    WarnOfCircles(m_document, boxes, m_site.report);
     // Two passes: the name of a fixed value reads another box's variables.
     for (COpBox* box : boxes) {
         if (box->HasFixedValue()) box->PrepareVariables(m_site.types);

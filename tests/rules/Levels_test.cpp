@@ -72,15 +72,22 @@ std::vector<Include> IncludesOf(const fs::path& path) {
     return includes;
 }
 
+// Tests, and the headers that only these include.
 void MarkTests(std::vector<SourceFile>& files) {
-    std::set<std::string> byTests;
-    std::set<std::string> byOthers;
-    for (SourceFile& file : files) {
-        file.isTest = file.path.ends_with("_test.cpp");
-        for (const Include& include : file.includes) (file.isTest ? byTests : byOthers).insert(include.name);
-    }
-    for (SourceFile& file : files) {
-        file.isTest = file.isTest || (byTests.contains(file.path) && !byOthers.contains(file.path));
+    for (SourceFile& file : files) file.isTest = file.path.ends_with("_test.cpp");
+    for (bool changed = true; changed;) {
+        std::set<std::string> byTests;
+        std::set<std::string> byOthers;
+        for (const SourceFile& file : files) {
+            for (const Include& include : file.includes)
+                (file.isTest ? byTests : byOthers).insert(include.name);
+        }
+        changed = false;
+        for (SourceFile& file : files) {
+            if (file.isTest || !byTests.contains(file.path) || byOthers.contains(file.path)) continue;
+            file.isTest = true;
+            changed = true;
+        }
     }
 }
 

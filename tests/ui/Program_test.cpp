@@ -2,121 +2,27 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <QProcess>
 #include <filesystem>
 #include <sstream>
 
 #include "ui/Text.h"
+#include "ui/support/RunningProgram.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+using test::Ask;
 using test::FrameTest;
+using test::kPatience;
+using test::RunningProgram;
 using test::WaitUntil;
 using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-constexpr int kPatience = 30;  // seconds; far more than anything here takes
-
-// What a tool of the display prints, and whether it succeeds.
-struct Said {
-    bool ok = false;
-    std::string text;
-};
-
-Said Ask(const QString& tool, const QStringList& words) {
-    QProcess process;
-    process.start(tool, words);
-    const bool ended = process.waitForFinished(kPatience * 1000);
-    return {ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
-            process.readAllStandardOutput().toStdString()};
-}
-
-// One run of the program.
-class RunningProgram {
-  public:
-    RunningProgram(const Environment& environment, const QStringList& words) {
-        QStringList variables;
-        for (const std::string& variable : environment.ToList()) variables << Shown(variable);
-        m_process.setEnvironment(variables);
-        m_process.start(Shown(test::BuildPath("bin/tavrin")), words);
-        EXPECT_TRUE(m_process.waitForStarted());
-    }
-    ~RunningProgram() {
-        if (m_process.state() == QProcess::NotRunning) return;
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-    RunningProgram(const RunningProgram&) = delete;
-    RunningProgram& operator=(const RunningProgram&) = delete;
-
-    pid_t Id() const { return static_cast<pid_t>(m_process.processId()); }
-    bool IsRunning() const { return m_process.state() != QProcess::NotRunning; }
-    // Its status, -1 if a signal has ended it or it does not end.
-    int Status() {
-        if (!WaitUntil([&] { return !IsRunning(); }, kPatience)) return -1;
-        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
-    }
-    std::string Output() { return m_process.readAllStandardOutput().toStdString(); }
-    std::string Errors() { return m_process.readAllStandardError().toStdString(); }
-    void Send(int signal) { ::kill(Id(), signal); }
-
-    // Its windows on the screen whose title matches the expression.
-    QStringList Windows(const QString& title = ".*") const {
-        const Said said = Ask(
-            "xdotool", {"search", "--onlyvisible", "--all", "--pid", QString::number(Id()), "--name", title});
-        return Shown(said.text).split('\n', Qt::SkipEmptyParts);
-    }
-    // Waits for a window and makes it the active one. Empty if none comes while the program runs.
-    QString Window(const QString& title) const {
-        QString window;
-        WaitUntil(
-            [&] {
-                window = Windows(title).value(0);
-                return !window.isEmpty() || !IsRunning();
-            },
-            kPatience);
-        if (window.isEmpty()) {
-            std::string others;
-            for (const QString& other : Windows()) others += Ask("xdotool", {"getwindowname", other}).text;
-            ADD_FAILURE() << "no window " << Bytes(title) << " but\n" << others;
-        }
-        return window;
-    }
-    void Press(const QString& title, const QString& key) const {
-        const QString window = Window(title);
-        EXPECT_TRUE(WaitUntil(
-            [&] {
-                if (Ask("xdotool", {"getactivewindow"}).text == Bytes(window) + "\n") return true;
-                Ask("xdotool", {"windowactivate", window});
-                return false;
-            },
-            kPatience))
-            << Bytes(title) << " does not become active";
-        EXPECT_TRUE(Ask("xdotool", {"key", key}).ok);
-    }
-    // The main window stands with that title.
-    void WaitForTitle(const QString& title) const { Window("^" + title + "$"); }
-    // The first idle pass is over: the splash has come and gone.
-    void WaitForSplashToGo() const {
-        bool came = false;
-        EXPECT_TRUE(WaitUntil(
-            [&] {
-                const auto count = Windows().size();
-                came = came || count > 1;
-                return came && count == 1;
-            },
-            kPatience));
-    }
-
-  private:
-    QProcess m_process;
-};
 
 // With a home of its own, in which nothing is set but HOME.
 class ProgramTest : public FrameTest {

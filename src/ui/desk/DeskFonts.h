@@ -1,4 +1,4 @@
-// The desk's texts: one face in the point sizes 3 to 24, drawn as bitmaps from display lists.
+// The desk's texts: one face in the point sizes 3 to 24, as black and white pictures of its letters.
 #pragma once
 
 #include <QFont>
@@ -6,14 +6,26 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "desk/DeskGeometry.h"
 
 namespace tavrin {
 
-// Owned by the desk's window. Widths and heights can be asked for at any time; drawing needs the context for
-// which ContextIsNew was called last. A size is made when it is first needed. Characters beyond Latin-1 are
-// drawn as question marks.
+// The picture of a letter. All lengths are device pixels, seen from the point on the base line where it
+// begins.
+struct Glyph {
+    int left = 0;
+    int bottom = 0;
+    int width = 0;  // 0 for a letter without ink
+    int height = 0;
+    std::vector<unsigned char> ink;  // a byte for each pixel, 0 or 255; the lowest row first
+    bool HasInk(int x, int y) const { return ink[static_cast<size_t>(y * width + x)] != 0; }
+};
+
+// Owned by the desk's window; needs no context. Sizes and letters are made when they are first needed.
+// Letters that the face lacks are taken from another one of the platform's; control characters have no width
+// and no ink.
 class DeskFonts {
   public:
     static constexpr int kLeastPoints = 3;
@@ -34,6 +46,8 @@ class DeskFonts {
     // Device pixels in a window pixel. Everything that was made for another ratio is made anew.
     void SetPixelRatio(float ratio);
     float PixelRatio() const { return m_ratio; }
+    // Counts the times that all letters were made anew, so that who keeps some can tell.
+    int Generation() const { return m_generation; }
 
     // All in window pixels.
     float TextWidth(int font, const std::string& text);
@@ -44,22 +58,23 @@ class DeskFonts {
     };
     Metrics MetricsOf(int font);
 
-    // Lists made before are forgotten with the context that held them.
-    void ContextIsNew();
-    // Draws at the raster position, in the raster colour.
-    void Draw(int font, const std::string& text);
+    // Of one letter; the advance is in device pixels. Not for kNone.
+    int AdvanceOf(int font, char32_t letter);
+    const Glyph& GlyphOf(int font, char32_t letter);
 
   private:
     struct Size;
     Size& SizeAt(int font);
-    void MakeLists(int font, Size& size);
 
     QString m_face;
     std::function<void(const std::string&)> m_fail;
     std::array<std::unique_ptr<Size>, kSizes> m_sizes;
     float m_ratio = 1;
-    unsigned m_listBase = 0;  // 0 until the context's first text
+    int m_generation = 0;
 };
+
+// The letters of a text in UTF-8. What is not well formed becomes the replacement character.
+std::u32string LettersOf(const std::string& text);
 
 // The widths that belong to a zoom.
 class DeskTextMeasure : public TextMeasure {

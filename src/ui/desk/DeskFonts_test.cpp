@@ -41,12 +41,40 @@ TEST_F(DeskFonts, AWidthIsTheSumOfItsCharacters) {
     EXPECT_GT(fonts.TextWidth(20, "a"), a);
 }
 
-TEST_F(DeskFonts, CharactersBeyondLatinAreQuestionMarks) {
-    const float question = fonts.TextWidth(9, "?");
-    EXPECT_EQ(fonts.TextWidth(9, "\xE6\xBC\xA2"), question);             // a Chinese character
-    EXPECT_EQ(fonts.TextWidth(9, "\xF0\x9F\x8E\xA8"), question);         // beyond the first plane
-    EXPECT_EQ(fonts.TextWidth(9, "\xFF"), question);                     // no character at all
+TEST_F(DeskFonts, LettersOfAnyScriptHaveWidthAndInk) {
+    for (const char32_t letter : {U'\u00E9', U'\u0416', U'\u0E01', U'\u6F22', U'\U0001D4AB'}) {
+        EXPECT_GT(fonts.AdvanceOf(9, letter), 0) << int(letter);
+        EXPECT_GT(fonts.GlyphOf(9, letter).width, 0) << int(letter);
+    }
     EXPECT_EQ(fonts.TextWidth(9, "\xC3\xA9"), fonts.TextWidth(9, "e"));  // an accent is no wider
+    const float two = fonts.TextWidth(9, "\xE6\xBC\xA2\xF0\x9D\x92\xAB");
+    EXPECT_EQ(two, fonts.TextWidth(9, "\xE6\xBC\xA2") + fonts.TextWidth(9, "\xF0\x9D\x92\xAB"));
+}
+
+TEST_F(DeskFonts, WhatIsNoTextIsShownAsReplaced) {
+    EXPECT_EQ(LettersOf("a\xFFz"), U"a\uFFFDz");
+    EXPECT_EQ(LettersOf("\xE6\xBC").front(), U'\uFFFD');
+    EXPECT_EQ(fonts.TextWidth(9, "\xFF"), fonts.TextWidth(9, "\xEF\xBF\xBD"));
+}
+
+TEST_F(DeskFonts, ControlCharactersHaveNeitherWidthNorInk) {
+    for (const char32_t letter : {U'\0', U'\t', U'\n', U'\x7F', U'\u0085'}) {
+        EXPECT_EQ(fonts.AdvanceOf(9, letter), 0) << int(letter);
+        EXPECT_EQ(fonts.GlyphOf(9, letter).width, 0) << int(letter);
+    }
+}
+
+TEST_F(DeskFonts, AGlyphStandsOnTheBaseLine) {
+    const Glyph& dash = fonts.GlyphOf(20, U'_');
+    EXPECT_LT(dash.bottom, 0);
+    const Glyph& upper = fonts.GlyphOf(20, U'I');
+    EXPECT_EQ(upper.bottom, 0);
+    EXPECT_GT(upper.height, upper.width);
+    // Cut to its ink: each side has some.
+    const Glyph& slash = fonts.GlyphOf(20, U'/');
+    EXPECT_TRUE(slash.HasInk(0, 0));
+    EXPECT_TRUE(slash.HasInk(slash.width - 1, slash.height - 1));
+    EXPECT_EQ(fonts.GlyphOf(20, U' ').width, 0);
 }
 
 TEST_F(DeskFonts, AtTwiceTheDevicePixelsTextsAreAsWide) {
@@ -55,6 +83,16 @@ TEST_F(DeskFonts, AtTwiceTheDevicePixelsTextsAreAsWide) {
     fonts.SetPixelRatio(2);
     EXPECT_NEAR(fonts.TextWidth(9, "a longer text"), single, single / 10);
     EXPECT_NEAR(fonts.MetricsOf(9).height, height, 1);
+}
+
+TEST_F(DeskFonts, WhoKeepsLettersLearnsThatTheyWereMadeAnew) {
+    const int before = fonts.Generation();
+    const int narrow = fonts.AdvanceOf(9, U'a');
+    fonts.SetPixelRatio(1);
+    EXPECT_EQ(fonts.Generation(), before);
+    fonts.SetPixelRatio(2);
+    EXPECT_NE(fonts.Generation(), before);
+    EXPECT_GT(fonts.AdvanceOf(9, U'a'), narrow);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "ui/desk/DeskPainter.h"
 
 #include <array>
+#include <cstdlib>
+#include <span>
 
 #include "document/TvDoc.h"
 
@@ -11,11 +13,26 @@ namespace {
 constexpr float kVeilShade = 0.2F;         // how much darker than the background
 constexpr DeskPoint kVarNameOffset{4, 6};  // of a variable's name from the start of its line, desk units
 
+// Without the segments at both ends that are out of view: a stipple whose first segment is clipped away would
+// begin with whatever the last one ended with.
+std::span<const DeskPoint> PartInView(const Polyline& line, const DeskRect& visible) {
+    const auto isOut = [&](size_t segment) {
+        const DeskRect reach = DeskRect::Between(line.points[segment], line.points[segment + 1]);
+        return reach.left > visible.Right() || reach.Right() < visible.left || reach.bottom > visible.Top() ||
+               reach.Top() < visible.bottom;
+    };
+    size_t first = 0;
+    size_t last = line.count - 1;
+    while (first < last && isOut(first)) ++first;
+    while (first < last && isOut(last - 1)) --last;
+    return std::span(line.points).subspan(first, first < last ? last - first + 1 : 0);
+}
+
 }  // namespace
 
 void DeskPainter::Paint(const Extras& extras) {
     m_pen.Begin(m_parts.style.background);
-    if (extras.wallpaper != nullptr) PaintWallpaper(*extras.wallpaper, extras.tileWallpaper);
+    if (extras.wallpaper != nullptr) m_pen.Wallpaper(*extras.wallpaper, extras.tileWallpaper);
     const bool linesOver = m_parts.document.drawlinesoverboxes != 0;
     if (!linesOver) PaintAllLines();
     PaintAllBoxes(extras.highlightedBox);
@@ -25,61 +42,55 @@ void DeskPainter::Paint(const Extras& extras) {
     m_pen.End();
 }
 
-// It stands still in the window and does not scroll with the desk.
-void DeskPainter::PaintWallpaper(const CSgiImage& image, bool tiled) {
-    const DeskRect& visible = m_pen.Visible();
-    if (tiled) {
-        m_pen.Image(image, {visible.left, visible.bottom}, 1);
-        m_pen.Tile(image);
-        return;
-    }
-    const float half = m_pen.Pixel() * 0.5F;
-    const DeskPoint middle = visible.Middle();
-    m_pen.Image(image,
-                {middle.x - static_cast<float>(image.width) * half,
-                 middle.y - static_cast<float>(image.height) * half},
-                1);
-}
-
 void DeskPainter::PaintAllLines() {
     const auto& selected = m_parts.desk.m_selectedConnects;
     m_selectedLines = {selected.begin(), selected.end()};
-    m_pen.LineWidth(m_parts.style.connectWidth);
     PaintLines(m_parts.document.m_boxes);
     if (m_parts.desk.m_pendingPlaced) PaintLines(m_parts.desk.m_pendingBoxes);
-    m_pen.LineWidth(1);
 }
 
 // The selected ones come out above the others.
 template <typename Boxes>
 void DeskPainter::PaintLines(const Boxes& boxes) {
     const DeskStyle& style = m_parts.style;
+    // A name stands above the start of its line, wherever the line goes.
+    const bool hasNames = m_parts.document.showvarnames != 0 && m_pen.HasLabels();
+    const DeskRect visible = m_pen.Visible().GrownBy((style.connectWidth + 1) * m_pen.Pixel());
     for (const bool selected : {false, true}) {
         if (selected && m_selectedLines.empty()) break;
         for (const auto& box : boxes) {
-            ForEachConnection(*box, [&](const ButtonPlace& from, const ButtonPlace& to, COpButton& input) {
+            const auto paint = [&](const ButtonPlace& from, const ButtonPlace& to, COpButton& input) {
                 if (m_selectedLines.contains(&input) != selected) return true;
                 const COpButton& output = *from.box->outputs[from.index];
                 const bool stippled = !selected && input.CurrentType() != output.CurrentType();
                 const Rgb& plain = selected ? style.selectedConnect : style.connect;
-                m_pen.Stipple(stippled);
-                PaintLine(from, to, stippled ? style.stippleLine : plain);
+                PaintLine(from, to, {stippled ? style.stippleLine : plain, style.connectWidth, stippled});
                 return true;
-            });
+            };
+            if (hasNames) {
+                ForEachConnection(*box, paint);
+            } else {
+                ForEachConnectionWithin(visible, *box, paint);
+            }
         }
     }
-    m_pen.Stipple(false);
 }
 
-void DeskPainter::PaintLine(const ButtonPlace& from, const ButtonPlace& to, const Rgb& color) {
+void DeskPainter::PaintLine(const ButtonPlace& from, const ButtonPlace& to, const LineLook& look) {
     const Polyline line = ConnectionPolyline(from, to, m_parts.document.linetype == 1);
-    m_pen.Use(color);
-    m_pen.Strip(line);
-    if (m_parts.document.showvarnames == 0 || !m_pen.HasLabels()) return;
-    COpButton& output = *from.box->outputs[from.index];
-    const DeskPoint start = line.points[0];
-    m_pen.LabelAt(output.VariableName(m_parts.report), color,
-                  {start.x + kVarNameOffset.x, start.y + kVarNameOffset.y});
+    m_pen.Line(PartInView(line, m_pen.Visible().GrownBy((look.width + 1) * m_pen.Pixel())), look);
+    if (m_parts.document.showvarnames != 0 && m_pen.HasLabels()) {
+        PaintVariableName(*from.box->outputs[from.index], line.points[0], look.color);
+    }
+}
+
+void DeskPainter::PaintVariableName(COpButton& output, DeskPoint start, const Rgb& color) {
+    const DeskPoint at{start.x + kVarNameOffset.x, start.y + kVarNameOffset.y};
+    const DeskRect& visible = m_pen.Visible();
+    const float height = m_pen.LabelHeight();
+    if (at.x >= visible.Right() || at.y - height >= visible.Top() || at.y + height < visible.bottom) return;
+    const std::string name = output.VariableName(m_parts.report);
+    if (at.x + m_pen.LabelWidth(name) + height >= visible.left) m_pen.LabelAt(name, color, at);
 }
 
 void DeskPainter::PaintGesture() {
@@ -89,16 +100,15 @@ void DeskPainter::PaintGesture() {
     const bool drawsWire =
         selected != nullptr && selected != m_parts.desk.m_mouseButton && selected->disableconnectflag == 0;
     if (gestures.Current() == Kind::kWiring && drawsWire) {
-        m_pen.Use(m_parts.style.connect);
-        m_pen.LineWidth(m_parts.style.connectWidth);
-        m_pen.Strip(std::array{ButtonAnchor(ButtonPlace::Of(*selected)), gestures.Mouse()});
+        m_pen.Line(std::array{ButtonAnchor(ButtonPlace::Of(*selected)), gestures.Mouse()},
+                   {m_parts.style.connect, m_parts.style.connectWidth, false});
     }
     if (gestures.Current() == Kind::kBandAdd || gestures.Current() == Kind::kBandToggle) {
         const DeskRect band = gestures.Band();
         const DeskPoint first{band.left, band.bottom};
-        m_pen.Use(m_parts.style.rubberBand);
-        m_pen.Strip(std::array{first, DeskPoint{band.Right(), band.bottom},
-                               DeskPoint{band.Right(), band.Top()}, DeskPoint{band.left, band.Top()}, first});
+        m_pen.Line(std::array{first, DeskPoint{band.Right(), band.bottom},
+                              DeskPoint{band.Right(), band.Top()}, DeskPoint{band.left, band.Top()}, first},
+                   {m_parts.style.rubberBand});
     }
 }
 

@@ -10,8 +10,8 @@
 
 namespace tavrin {
 
-// Owned by the desk's pane, which has laid out the boxes and made the context current. Paints everything anew
-// each time; looks at the network and changes nothing.
+// Made for one paint by the desk's pane, which has laid out the boxes and made the context current. Looks at
+// the network and changes nothing. What is out of view costs a comparison of rectangles.
 class DeskPainter {
   public:
     // All outlive it.
@@ -23,7 +23,7 @@ class DeskPainter {
         DeskIcons& icons;
         Report& report;
     };
-    DeskPainter(Parts parts, DeskPen pen) : m_parts(parts), m_pen(pen) {}
+    DeskPainter(const Parts& parts, DeskPen& pen) : m_parts(parts), m_pen(pen) {}
 
     // What is shown beside the network.
     struct Extras {
@@ -34,7 +34,6 @@ class DeskPainter {
     void Paint(const Extras& extras);
 
   private:
-    void PaintWallpaper(const CSgiImage& image, bool tiled);
     void PaintAllLines();
     void PaintAllBoxes(const std::string& highlightedBox);
     void PaintGesture();
@@ -42,7 +41,8 @@ class DeskPainter {
 
     template <typename Boxes>
     void PaintLines(const Boxes& boxes);
-    void PaintLine(const ButtonPlace& from, const ButtonPlace& to, const Rgb& color);
+    void PaintLine(const ButtonPlace& from, const ButtonPlace& to, const LineLook& look);
+    void PaintVariableName(COpButton& output, DeskPoint start, const Rgb& color);
 
     void PaintBox(const COpBox& box, bool isHighlighted);
     void PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted);
@@ -52,8 +52,8 @@ class DeskPainter {
     void PaintGrowArrows(const COpBox& box, const Rgb& color);
     bool IsButtonLit(const COpButton& button) const;
 
-    Parts m_parts;
-    DeskPen m_pen;
+    const Parts& m_parts;
+    DeskPen& m_pen;
     std::unordered_set<const COpButton*> m_selectedLines;
 };
 

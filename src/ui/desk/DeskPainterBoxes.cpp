@@ -22,25 +22,24 @@ constexpr float kMarksWidth = kCrossDistance + kCrossSize;  // what a box's mark
 constexpr float kArrowHalf = 10;
 constexpr float kArrowMargin = 3;
 
-bool Overlaps(const DeskRect& one, const DeskRect& other) {
-    return one.left < other.Right() && other.left < one.Right() && one.bottom < other.Top() &&
-           other.bottom < one.Top();
-}
-
 }  // namespace
 
 void DeskPainter::PaintAllBoxes(const std::string& highlightedBox) {
     const float around = desk_lengths::kGrowArrowHeight + kMarksWidth +
                          m_parts.style.selectedBoxWidth * m_pen.Pixel();  // what may stand out of a box
     const auto paint = [&](const COpBox& box) {
-        if (!Overlaps(BoxRect(box).GrownBy(around), m_pen.Visible())) return;
+        const DeskRect bounds = BoxRect(box).GrownBy(around);
+        if (!bounds.Overlaps(m_pen.Visible())) return;
+        m_pen.BeginObject(bounds);
         PaintBox(box, !highlightedBox.empty() && box.BoxTitleWid() == highlightedBox);
     };
     // The first box of the network lies on top.
     const auto& boxes = m_parts.document.m_boxes;
     for (auto box = boxes.rbegin(); box != boxes.rend(); ++box) paint(**box);
-    if (!m_parts.desk.m_pendingPlaced) return;
-    for (const auto& box : m_parts.desk.m_pendingBoxes) paint(*box);
+    if (m_parts.desk.m_pendingPlaced) {
+        for (const auto& box : m_parts.desk.m_pendingBoxes) paint(*box);
+    }
+    m_pen.EndObjects();
 }
 
 void DeskPainter::PaintBox(const COpBox& box, bool isHighlighted) {
@@ -66,17 +65,14 @@ void DeskPainter::PaintPanel(const COpBox& box, const Rgb& color, bool isHighlig
         return;
     }
     const DeskPoint middle = panel.Middle();
-    m_pen.Image(*icon,
-                {middle.x - static_cast<float>(icon->width) * 0.5F,
-                 middle.y - static_cast<float>(icon->height) * 0.5F},
-                1 / m_pen.Pixel());
+    m_pen.Icon(*icon, {middle.x - static_cast<float>(icon->width) * 0.5F,
+                       middle.y - static_cast<float>(icon->height) * 0.5F});
 }
 
 void DeskPainter::PaintButtons(const COpBox& box, bool outputs, const Rgb& color) {
     const auto& buttons = outputs ? box.outputs : box.inputs;
     if (buttons.empty()) {
-        m_pen.Use(kBevelDark);
-        m_pen.Fill(ButtonColumnRect(box, outputs));
+        m_pen.Fill(ButtonColumnRect(box, outputs), kBevelDark);
         return;
     }
     for (size_t index = buttons.size(); index-- > 0;) {
@@ -103,37 +99,36 @@ void DeskPainter::PaintMarks(const COpButton& button, const DeskRect& row) {
     const float middle = row.Middle().y;
     if (button.disableconnectflag != 0) {
         const float x = row.left - kCrossDistance;
-        m_pen.Use(kInk);
-        m_pen.LineWidth(kCrossWidth);
         for (const float slope : {kCrossSize, -kCrossSize}) {
-            m_pen.Strip(std::array{DeskPoint{x - kCrossSize, middle - slope},
-                                   DeskPoint{x + kCrossSize, middle + slope}});
+            m_pen.Line(std::array{DeskPoint{x - kCrossSize, middle - slope},
+                                  DeskPoint{x + kCrossSize, middle + slope}},
+                       {kInk, kCrossWidth});
         }
-        m_pen.LineWidth(1);
     }
     if (button.arg != 0) {
         auto corners = kHexagon;
         for (DeskPoint& corner : corners) {
             corner = {row.left - kArgumentDistance + corner.x, middle + corner.y};
         }
-        m_pen.Use(kArgumentMark);
-        m_pen.Polygon(corners);
+        m_pen.Polygon(corners, kArgumentMark);
     }
 }
 
 void DeskPainter::PaintSelection(const DeskRect& rect) {
     const float width = m_parts.style.selectedBoxWidth * m_pen.Pixel();
     const DeskRect outer = rect.GrownBy(width);
-    m_pen.Use(m_parts.style.selectedBox);
-    m_pen.Fill({outer.left, outer.bottom, width, outer.height});
-    m_pen.Fill({rect.Right(), outer.bottom, width, outer.height});
-    m_pen.Fill({rect.left, outer.bottom, rect.width, width});
-    m_pen.Fill({rect.left, rect.Top(), rect.width, width});
+    const std::array edges{DeskRect{outer.left, outer.bottom, width, outer.height},
+                           DeskRect{rect.Right(), outer.bottom, width, outer.height},
+                           DeskRect{rect.left, outer.bottom, rect.width, width},
+                           DeskRect{rect.left, rect.Top(), rect.width, width}};
+    // Above the marks beside the box.
+    for (const DeskRect& edge : edges) m_pen.Polygon(edge.Corners(), m_parts.style.selectedBox);
 }
 
 void DeskPainter::PaintGrowArrows(const COpBox& box, const Rgb& color) {
     const COpButton& button = *m_parts.desk.m_mouseButton;
     const ButtonPlace place{&box, false, box.IndexOfButton(button)};
+    m_pen.BeginObject(GrowArrowRect(place, false).UnitedWith(GrowArrowRect(place, true)));
     for (const bool above : {true, false}) {
         const DeskRect rect = GrowArrowRect(place, above);
         m_pen.Bevel(rect, m_parts.gestures.IsGrowArrowHot(above) ? m_parts.style.selectedButton : color);
@@ -141,9 +136,9 @@ void DeskPainter::PaintGrowArrows(const COpBox& box, const Rgb& color) {
         const float high = rect.Top() - kArrowMargin;
         const float low = rect.bottom + kArrowMargin;
         const float base = above ? low : high;
-        m_pen.Use(kInk);
         m_pen.Polygon(std::array{DeskPoint{middle, above ? high : low}, DeskPoint{middle - kArrowHalf, base},
-                                 DeskPoint{middle + kArrowHalf, base}});
+                                 DeskPoint{middle + kArrowHalf, base}},
+                      kInk);
     }
 }
 

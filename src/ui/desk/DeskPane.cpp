@@ -1,7 +1,9 @@
 #include "ui/desk/DeskPane.h"
 
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QGridLayout>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
 #include <QWheelEvent>
@@ -9,6 +11,7 @@
 
 #include "base/Paths.h"
 #include "site/Site.h"
+#include "ui/desk/DeskContextMenu.h"
 
 namespace tavrin {
 
@@ -71,13 +74,16 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
               }),
       m_gestures(
           {document, desk, m_view, m_windows, site.report, m_style.connectWidth, m_callbacks.showStatus}),
+      m_menu({document, desk, m_gestures, m_windows, site.types, m_callbacks.editFile}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
-      m_painter({document, desk, m_gestures, m_style, m_icons, site.report}, DeskPen(m_view, m_fonts)),
+      m_parts{document, desk, m_gestures, m_style, m_icons, site.report},
       m_widget(new DeskWidget(this, m_gestures,
-                              {[this] { m_fonts.ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
-                               [this](const std::string& message) { m_callbacks.fail(message); }})),
+                              {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
+                               [this](const std::string& message) { m_callbacks.fail(message); },
+                               [this](QPoint at) { OpenMenu(at); }})),
       m_across(MakeScrollBar(Qt::Horizontal)),
       m_down(MakeScrollBar(Qt::Vertical)) {
+    setFocusPolicy(Qt::ClickFocus);  // a click takes the keys from a field beside the desk
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(0);
@@ -143,8 +149,9 @@ void DeskPane::UpdateScrollBars() {
     m_across->setVisible(m_showScrollBars);
     m_down->setVisible(m_showScrollBars);
     if (!m_showScrollBars) return;
-    Show(*m_across, m_view.HorizontalRange());
-    Show(*m_down, m_view.VerticalRange());
+    const ScrollRanges ranges = m_view.Ranges();
+    Show(*m_across, ranges.across);
+    Show(*m_down, ranges.down);
 }
 
 void DeskPane::Scroll(Qt::Orientation orientation, int sliderAction) {
@@ -159,12 +166,27 @@ void DeskPane::Scroll(Qt::Orientation orientation, int sliderAction) {
 }
 
 void DeskPane::wheelEvent(QWheelEvent* event) {
+    event->accept();
     const int turn = event->angleDelta().y();
+    if (turn == 0) return;  // sideways
     if ((turn > 0) != (m_wheelTurn > 0)) m_wheelTurn = 0;
     m_wheelTurn += turn;
     for (; m_wheelTurn >= kWheelStep; m_wheelTurn -= kWheelStep) ViewChanged(m_view.Wheel(1));
     for (; m_wheelTurn <= -kWheelStep; m_wheelTurn += kWheelStep) ViewChanged(m_view.Wheel(-1));
+}
+
+// The platform asks when the mouse goes down; here the menu comes when it goes up, from the widget.
+void DeskPane::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
+    const QPoint at = m_widget->mapFromGlobal(QCursor::pos());
+    if (event->reason() == QContextMenuEvent::Keyboard && m_widget->rect().contains(at)) OpenMenu(at);
+}
+
+void DeskPane::OpenMenu(QPoint at) {
+    const auto entries = m_menu.Open(m_view.ToDesk({static_cast<float>(at.x()), static_cast<float>(at.y())}));
+    if (!entries) return;
+    QMenu* menu = MakeDeskContextMenu(this, *entries, [this](int id) { m_menu.Choose(id); });
+    menu->popup(m_widget->mapToGlobal(at));
 }
 
 std::optional<DeskPoint> DeskPane::CursorOnDesk() const {
@@ -187,13 +209,21 @@ void DeskPane::FollowPixelRatio() {
     m_layoutDirty = true;
 }
 
+void DeskPane::ContextIsNew() {
+    m_plainPen.ContextIsNew();
+    m_batchedPen.ContextIsNew();
+    if (!BatchedPen::IsUsable()) m_plain = true;
+}
+
 void DeskPane::Paint() {
     m_desk.ValidateReferences();
     FollowPixelRatio();
     if (m_layoutDirty || m_view.Zoom() != m_lastZoom) LayoutAll();
     m_gestures.UpdateGrowArrows();
-    m_painter.Paint(
-        {m_callbacks.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
+    DeskPen& pen = m_plain ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
+    DeskPainter(m_parts, pen)
+        .Paint(
+            {m_callbacks.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
     m_layoutDirty = false;
     m_lastZoom = m_view.Zoom();
 }

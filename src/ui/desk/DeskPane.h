@@ -8,10 +8,12 @@
 #include <string>
 
 #include "desk/DeskGestures.h"
-#include "ui/desk/DeskFonts.h"
+#include "desk/DeskMenu.h"
+#include "ui/desk/BatchedPen.h"
 #include "ui/desk/DeskIcons.h"
 #include "ui/desk/DeskPainter.h"
 #include "ui/desk/DeskWidget.h"
+#include "ui/desk/PlainPen.h"
 
 class QScrollBar;
 
@@ -28,6 +30,8 @@ class DeskPane : public QWidget {
         std::function<void(const std::string&)> showStatus;
         std::function<void()> changed;                 // the document or the selection; not by a call below
         std::function<void(const std::string&)> fail;  // the program must end with this message
+        // Opens the file of an operator for editing.
+        std::function<void(const std::string&)> editFile = {};
     };
     DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Callbacks callbacks);
     ~DeskPane() override;
@@ -59,8 +63,13 @@ class DeskPane : public QWidget {
     bool m_showWallpaper = true;
     bool m_tileWallpaper = false;
 
+    // Whether to draw shape by shape, which is slower and looks the same. Is switched on by itself where the
+    // context can do no better.
+    void SetPlain(bool plain) { m_plain = plain; }
+
   protected:
     void wheelEvent(QWheelEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
     // What gestures ask of the windows.
@@ -79,6 +88,8 @@ class DeskPane : public QWidget {
     QScrollBar* MakeScrollBar(Qt::Orientation orientation);
     void Scroll(Qt::Orientation orientation, int sliderAction);
     void ViewChanged(bool changed);
+    void OpenMenu(QPoint at);
+    void ContextIsNew();
     void Paint();
     void Resized();
     void FollowPixelRatio();
@@ -94,8 +105,12 @@ class DeskPane : public QWidget {
     DeskFonts m_fonts;
     Windows m_windows{*this};
     DeskGestures m_gestures;
+    DeskMenu m_menu;
     DeskIcons m_icons;
-    DeskPainter m_painter;
+    DeskPainter::Parts m_parts;
+    PlainPen m_plainPen{m_view, m_fonts};
+    BatchedPen m_batchedPen{m_view, m_fonts};
+    bool m_plain = false;
     std::unique_ptr<CSgiImage> m_wallpaper;
     DeskWidget* m_widget;
     QScrollBar* m_across;

@@ -15,6 +15,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "support/TestHost.h"
 #include "ui/desk/DeskPane.h"
@@ -56,13 +57,18 @@ class DeskPaneTest : public DocumentTest {
         settings.Store("desk.selectedconnectcolor", "1 0 1");
         settings.Store("box.selectedcolor", "1 0.5 0");
     }
-    void Show() {
+    // The pane without its window.
+    void MakePane() {
         pane = std::make_unique<tavrin::DeskPane>(
             nullptr, document, desk, host.GetSite(),
             tavrin::DeskPane::Callbacks{
                 [this] { return highlighted; }, [this](const std::string& text) { status = text; },
-                [this] { ++changes; }, [](const std::string& text) { ADD_FAILURE() << text; }});
+                [this] { ++changes; }, [](const std::string& text) { ADD_FAILURE() << text; },
+                [this](const std::string& name) { edited.push_back(name); }});
         view.pane = pane.get();
+    }
+    void Show() {
+        MakePane();
         pane->resize(640, 480);
         pane->move(0, 0);
         desk.OnInitialUpdate();
@@ -127,6 +133,7 @@ class DeskPaneTest : public DocumentTest {
         document.lock = locked ? 1 : 0;
         pane->setEnabled(!locked);
     }
+    const QImage& Picture() const { return m_picture; }
     QRgb Seen(DeskPoint point) { return m_picture.pixel(At(point) * Ratio()); }
     int Ratio() { return static_cast<int>(pane->Desk().devicePixelRatioF()); }
     // How many window pixels of the colour a rectangle of the desk shows.
@@ -148,6 +155,7 @@ class DeskPaneTest : public DocumentTest {
     std::unique_ptr<tavrin::DeskPane> pane;
     std::string highlighted;
     std::string status;
+    std::vector<std::string> edited;  // operators whose files were to be opened
     int changes = 0;
 
   private:

@@ -13,10 +13,11 @@ namespace {
 
 using namespace desk_colors;
 
-constexpr float kPixelCentre = 0.375F;  // shift by which lines land on pixel centres
 constexpr unsigned short kLineStipple = 0x3333;
 constexpr size_t kRowBytes = 4;  // of a stipple pattern with 32 rows
 constexpr size_t kPatternBytes = 32 * kRowBytes;
+
+GLsizei Rounded(float length) { return static_cast<GLsizei>(std::lround(length)); }
 
 }  // namespace
 
@@ -26,8 +27,7 @@ void DeskPen::Begin(const Rgb& background) {
     m_visible = m_view.Visible();
     m_labelFont = DeskFonts::LabelFont(m_zoom);
     m_titleFont = DeskFonts::TitleFont(m_zoom);
-    const auto pixels = [this](float length) { return static_cast<GLsizei>(std::lround(length * m_ratio)); };
-    glViewport(0, 0, pixels(m_view.Width()), pixels(m_view.Height()));
+    glViewport(0, 0, Rounded(m_view.Width() * m_ratio), Rounded(m_view.Height() * m_ratio));
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
     glOrtho(0, static_cast<double>(m_view.Width()), 0, static_cast<double>(m_view.Height()), -1, 1);
@@ -40,38 +40,21 @@ void DeskPen::Begin(const Rgb& background) {
     glDisable(GL_BLEND);
     glPolygonMode(GL_FRONT, GL_FILL);
     glLineStipple(1, kLineStipple);
-    LineWidth(1);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glClearColor(background.r, background.g, background.b, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     // The alpha of the window stays whole, so that nothing shines through it.
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
+    ViewIsSet();
 }
 
 void DeskPen::End() {
+    Flush();
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glFinish();
 }
 
-void DeskPen::Use(const Rgb& color) { glColor3f(color.r, color.g, color.b); }
-void DeskPen::LineWidth(float pixels) { glLineWidth(pixels * m_ratio); }
-void DeskPen::Fill(const DeskRect& rect) { glRectf(rect.left, rect.bottom, rect.Right(), rect.Top()); }
-void DeskPen::BeginStrip() { glBegin(GL_LINE_STRIP); }
-void DeskPen::BeginPolygon() { glBegin(GL_POLYGON); }
-void DeskPen::EndShape() { glEnd(); }
-void DeskPen::Vertex(DeskPoint point) { glVertex2f(point.x, point.y); }
-
-void DeskPen::Quad(DeskPoint a, DeskPoint b, DeskPoint c, DeskPoint d) {
-    for (const DeskPoint& point : {a, b, c, d}) Vertex(point);
-}
-
-void DeskPen::Stipple(bool on) {
-    if (on) {
-        glEnable(GL_LINE_STIPPLE);
-    } else {
-        glDisable(GL_LINE_STIPPLE);
-    }
-}
+void DeskPen::Fill(const DeskRect& rect, const Rgb& color) { Quads(rect.Corners(), color); }
 
 // The edges are mitred where they meet.
 void DeskPen::Bevel(const DeskRect& rect, const Rgb& color) {
@@ -85,25 +68,23 @@ void DeskPen::Bevel(const DeskRect& rect, const Rgb& color) {
     const DeskPoint innerLowRight{inner.Right(), inner.bottom};
     const DeskPoint innerTopLeft{inner.left, inner.Top()};
     const DeskPoint innerTopRight{inner.Right(), inner.Top()};
-    glBegin(GL_QUADS);
-    Use(color);
-    Quad(innerLowLeft, innerLowRight, innerTopRight, innerTopLeft);
-    Use(kBevelLight);
-    Quad(innerTopLeft, innerTopRight, topRight, topLeft);
-    Quad(lowLeft, innerLowLeft, innerTopLeft, topLeft);
-    Use(kBevelDark);
-    Quad(lowLeft, lowRight, innerLowRight, innerLowLeft);
-    Quad(innerLowRight, lowRight, topRight, innerTopRight);
-    glEnd();
+    Quads(std::array{innerLowLeft, innerLowRight, innerTopRight, innerTopLeft}, color);
+    Quads(std::array{innerTopLeft, innerTopRight, topRight, topLeft,  // top
+                     lowLeft, innerLowLeft, innerTopLeft, topLeft},   // left
+          kBevelLight);
+    Quads(std::array{lowLeft, lowRight, innerLowRight, innerLowLeft,     // bottom
+                     innerLowRight, lowRight, topRight, innerTopRight},  // right
+          kBevelDark);
 }
 
 void DeskPen::Veil(const Rgb& color) {
+    Flush();
     std::array<unsigned char, kPatternBytes> checkerboard;
     for (size_t i = 0; i < kPatternBytes; ++i) checkerboard[i] = (i / kRowBytes) % 2 == 0 ? 0xAA : 0x55;
     glEnable(GL_POLYGON_STIPPLE);
     glPolygonStipple(checkerboard.data());
-    Use(color);
-    Fill(m_visible);
+    Fill(m_visible, color);
+    Flush();
     glDisable(GL_POLYGON_STIPPLE);
 }
 
@@ -111,20 +92,15 @@ void DeskPen::Veil(const Rgb& color) {
 // raster is moved is that of the text.
 void DeskPen::MoveRaster(DeskPoint to) const {
     static constexpr unsigned char kNothing[4] = {};
-    const float pixels = m_zoom * m_ratio;
+    const float pixels = DevicePixels();
     glRasterPos2f(m_visible.left, m_visible.bottom);
     glBitmap(1, 1, 0, 0, (to.x - m_visible.left) * pixels, (to.y - m_visible.bottom) * pixels, kNothing);
 }
 
-void DeskPen::TextAt(int font, const std::string& text, DeskPoint at) {
-    if (font == DeskFonts::kNone || text.empty()) return;
+void DeskPen::TextByLists(int font, const std::string& text, const Rgb& color, DeskPoint at) {
+    glColor3f(color.r, color.g, color.b);
     MoveRaster(at);
-    m_fonts.Draw(font, text);
-}
-
-void DeskPen::LabelAt(const std::string& text, const Rgb& color, DeskPoint at) {
-    Use(color);
-    TextAt(m_labelFont, text, at);
+    m_lists.Draw(font, text);
 }
 
 void DeskPen::Centred(int font, const std::string& text, const DeskRect& rect) {
@@ -132,27 +108,41 @@ void DeskPen::Centred(int font, const std::string& text, const DeskRect& rect) {
     const DeskFonts::Metrics metrics = m_fonts.MetricsOf(font);
     const float width = m_fonts.TextWidth(font, text) * Pixel();
     const float height = (metrics.height + metrics.leading) * Pixel();
-    Use(kInk);
-    TextAt(font, text,
-           {rect.left + (rect.width - width) * 0.5F,
-            rect.Top() - (height + rect.height) * 0.5F + metrics.descent * Pixel()});
+    Text(font, text, kInk,
+         {rect.left + (rect.width - width) * 0.5F,
+          rect.Top() - (height + rect.height) * 0.5F + metrics.descent * Pixel()});
 }
 
-void DeskPen::Image(const CSgiImage& image, DeskPoint lowerLeft, float scale) {
+void DeskPen::ImageByPixels(const CSgiImage& image, DeskPoint lowerLeft, float scale) {
     MoveRaster(lowerLeft);
     glPixelZoom(scale * m_ratio, scale * m_ratio);
     glDrawPixels(image.width, image.height, GL_RGBA, GL_UNSIGNED_BYTE, image.pixels.get());
     glPixelZoom(1, 1);
 }
 
+// It stands still in the window and does not scroll with the desk.
+void DeskPen::Wallpaper(const CSgiImage& image, bool tiled) {
+    Flush();
+    if (tiled) {
+        ImageByPixels(image, {m_visible.left, m_visible.bottom}, 1);
+        Tile(image);
+        return;
+    }
+    const float half = Pixel() * 0.5F;
+    const DeskPoint middle = m_visible.Middle();
+    ImageByPixels(image,
+                  {middle.x - static_cast<float>(image.width) * half,
+                   middle.y - static_cast<float>(image.height) * half},
+                  1);
+}
+
 // What stands already is copied to its right, then upward: each copy doubles it.
 void DeskPen::Tile(const CSgiImage& image) {
-    const auto pixels = [this](float length) { return static_cast<GLsizei>(std::lround(length * m_ratio)); };
-    const GLsizei windowWidth = pixels(m_view.Width());
-    const GLsizei windowHeight = pixels(m_view.Height());
-    const float unit = Pixel() / m_ratio;  // a device pixel in desk units
-    GLsizei width = pixels(static_cast<float>(image.width));
-    GLsizei height = pixels(static_cast<float>(image.height));
+    const GLsizei windowWidth = Rounded(m_view.Width() * m_ratio);
+    const GLsizei windowHeight = Rounded(m_view.Height() * m_ratio);
+    const float unit = 1 / DevicePixels();
+    GLsizei width = Rounded(static_cast<float>(image.width) * m_ratio);
+    GLsizei height = Rounded(static_cast<float>(image.height) * m_ratio);
     for (; width < windowWidth; width *= 2) {
         MoveRaster({m_visible.left + static_cast<float>(width) * unit, m_visible.bottom});
         glCopyPixels(0, 0, width, height, GL_COLOR);

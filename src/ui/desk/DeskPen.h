@@ -1,22 +1,36 @@
-// The shapes that the desk is drawn from, in desk units, with OpenGL 1.1.
+// The shapes that the desk is drawn from, in desk units.
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "desk/DeskStyle.h"
 #include "desk/DeskViewport.h"
-#include "ui/desk/DeskFonts.h"
+#include "ui/desk/DeskTextLists.h"
 
 namespace tavrin {
 
 class CSgiImage;
 
-// Everything goes to the current context, between Begin and End. Lengths that are told in pixels are window
-// pixels, whatever the device has of them.
+struct LineLook {
+    Rgb color;
+    float width = 1;  // pixels
+    bool stippled = false;
+};
+
+// Draws into the current context with OpenGL 1.1, between Begin and End, what is told first below what is
+// told later. Lengths that are told in pixels are window pixels, whatever the device has of them. How shapes
+// reach the context is up to those who derive from it; what is seen is not.
 class DeskPen {
   public:
-    DeskPen(const DeskViewport& view, DeskFonts& fonts) : m_view(view), m_fonts(fonts) {}
+    // Both outlive it.
+    DeskPen(const DeskViewport& view, DeskFonts& fonts) : m_view(view), m_fonts(fonts), m_lists(fonts) {}
+    virtual ~DeskPen() = default;
+    DeskPen(const DeskPen&) = delete;
+    DeskPen& operator=(const DeskPen&) = delete;
 
+    // What was kept in a context before is gone.
+    virtual void ContextIsNew() { m_lists.ContextIsNew(); }
     // Sets the context up for the view as it stands, and clears the window.
     void Begin(const Rgb& background);
     void End();
@@ -25,47 +39,64 @@ class DeskPen {
     float Pixel() const { return 1 / m_zoom; }  // in desk units
     bool HasLabels() const { return m_labelFont != DeskFonts::kNone; }
 
-    void Use(const Rgb& color);
-    void LineWidth(float pixels);
-    void Fill(const DeskRect& rect);  // in the colour in use
-    template <typename Points>
-    void Strip(const Points& points) {
-        BeginStrip();
-        for (const DeskPoint& point : points) Vertex(point);
-        EndShape();
-    }
-    template <typename Points>
-    void Polygon(const Points& points) {
-        BeginPolygon();
-        for (const DeskPoint& point : points) Vertex(point);
-        EndShape();
-    }
-    void Stipple(bool on);  // of lines
+    // What follows, up to the next call or to EndObjects, lies inside the rectangle, and in this order: faces
+    // below texts and icons, these below lines, these below polygons. So objects that do not overlap can be
+    // drawn together.
+    virtual void BeginObject(const DeskRect& /*bounds*/) {}
+    virtual void EndObjects() {}
+
+    // Faces.
+    void Fill(const DeskRect& rect, const Rgb& color);
     // A face with lit edges at the top and left and shaded ones at the bottom and right.
     void Bevel(const DeskRect& rect, const Rgb& color);
+    // Without a corner that points inward.
+    virtual void Polygon(std::span<const DeskPoint> corners, const Rgb& color) = 0;
+    virtual void Line(std::span<const DeskPoint> points, const LineLook& look) = 0;
     // Covers every second pixel of what is seen.
     void Veil(const Rgb& color);
 
-    void LabelAt(const std::string& text, const Rgb& color, DeskPoint at);
+    // The left end of the base line is at the point.
+    void LabelAt(const std::string& text, const Rgb& color, DeskPoint at) {
+        if (HasLabels() && !text.empty()) Text(m_labelFont, text, color, at);
+    }
+    // Both in desk units.
+    float LabelWidth(const std::string& text) { return m_fonts.TextWidth(m_labelFont, text) * Pixel(); }
+    float LabelHeight() { return m_fonts.MetricsOf(m_labelFont).height * Pixel(); }
     void CentredLabel(const std::string& text, const DeskRect& rect) { Centred(m_labelFont, text, rect); }
     void CentredTitle(const std::string& text, const DeskRect& rect) { Centred(m_titleFont, text, rect); }
-    // One pixel of the image is `scale` window pixels large.
-    void Image(const CSgiImage& image, DeskPoint lowerLeft, float scale);
-    // Fills what is seen with copies of the image that stands in the window's lower left corner.
-    void Tile(const CSgiImage& image);
+
+    // One pixel of the image is one desk unit large. Images stay as they are while there is a pen.
+    virtual void Icon(const CSgiImage& image, DeskPoint lowerLeft) = 0;
+    // Stands in the middle of the window, or fills it with copies from the lower left corner on.
+    void Wallpaper(const CSgiImage& image, bool tiled);
+
+  protected:
+    static constexpr float kPixelCentre = 0.375F;  // shift by which lines land on pixel centres
+
+    // After Begin.
+    virtual void ViewIsSet() {}
+    // Faces of four corners each.
+    virtual void Quads(std::span<const DeskPoint> corners, const Rgb& color) = 0;
+    // Neither the font nor the text is empty.
+    virtual void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) = 0;
+    // Draws what waits to be drawn.
+    virtual void Flush() {}
+
+    DeskFonts& Fonts() { return m_fonts; }
+    float DevicePixels() const { return m_zoom * m_ratio; }  // in a desk unit
+    float PixelRatio() const { return m_ratio; }
+    // The ways of OpenGL for single letters and images.
+    void TextByLists(int font, const std::string& text, const Rgb& color, DeskPoint at);
+    void ImageByPixels(const CSgiImage& image, DeskPoint lowerLeft, float scale);
 
   private:
-    static void BeginStrip();
-    static void BeginPolygon();
-    static void EndShape();
-    static void Vertex(DeskPoint point);
-    static void Quad(DeskPoint a, DeskPoint b, DeskPoint c, DeskPoint d);
     void MoveRaster(DeskPoint to) const;
-    void TextAt(int font, const std::string& text, DeskPoint at);
     void Centred(int font, const std::string& text, const DeskRect& rect);
+    void Tile(const CSgiImage& image);
 
     const DeskViewport& m_view;
     DeskFonts& m_fonts;
+    DeskTextLists m_lists;
     float m_zoom = 1;
     float m_ratio = 1;  // device pixels in a window pixel
     DeskRect m_visible;

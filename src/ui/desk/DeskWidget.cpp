@@ -1,14 +1,17 @@
 #include "ui/desk/DeskWidget.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QOpenGLContext>
 #include <QTimer>
+#include <utility>
 
 namespace tavrin {
 
 namespace {
 
 constexpr int kGestureTick = 10;  // milliseconds
+constexpr int kUnsteadyHand = 3;  // pixels by which the pointer may move in a click that is no drag
 constexpr const char* kNoContext =
     "FATAL ERROR: the desk needs OpenGL 1.1 or later with the compatibility profile";
 
@@ -62,24 +65,63 @@ void DeskWidget::resizeEvent(QResizeEvent* event) {
     m_hooks.resized();
 }
 
+// Where the release of a button that is down will not be told of, its gesture ends at once: nothing may go on
+// to scroll behind a box or on a locked desk.
+bool DeskWidget::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::WindowBlocked:
+        case QEvent::EnabledChange:
+            m_rightPress.reset();
+            m_gestures.Cancel();
+            RunTimer();
+            break;
+        default:
+            break;
+    }
+    return QOpenGLWidget::event(event);
+}
+
 void DeskWidget::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) m_gestures.LeftDown(StateOf(*event));
+    RightDown(*event);
+    if (event->button() == Qt::LeftButton) {
+        m_gestures.LeftDown(StateOf(*event));
+    } else {
+        m_gestures.OtherDown(StateOf(*event));
+    }
     RunTimer();
 }
 
 void DeskWidget::mouseMoveEvent(QMouseEvent* event) {
     m_gestures.Move(StateOf(*event));
+    const bool pans = event->modifiers().testFlag(Qt::ShiftModifier);
+    if (m_rightPress && pans && (event->pos() - *m_rightPress).manhattanLength() > kUnsteadyHand)
+        m_rightPress.reset();
     RunTimer();
 }
 
 void DeskWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) m_gestures.LeftUp(StateOf(*event));
     RunTimer();
+    RightUp(*event);
+}
+
+// With any other button it is no click.
+void DeskWidget::RightDown(const QMouseEvent& event) {
+    m_rightPress.reset();
+    if (event.buttons() == Qt::RightButton) m_rightPress = event.pos();
+}
+
+void DeskWidget::RightUp(const QMouseEvent& event) {
+    if (event.button() != Qt::RightButton) return;
+    const bool isClick = std::exchange(m_rightPress, std::nullopt).has_value();
+    if (isClick && rect().contains(event.pos())) m_hooks.menuWanted(event.pos());
 }
 
 void DeskWidget::timerEvent(QTimerEvent* event) {
     if (event->timerId() == m_timer.timerId()) {
+        if (QApplication::activePopupWidget() != nullptr) m_gestures.Cancel();  // it takes the release
         m_gestures.Tick();
+        RunTimer();
     } else {
         QOpenGLWidget::timerEvent(event);
     }

@@ -4,6 +4,7 @@
 #include <QBasicTimer>
 #include <QOpenGLWidget>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "desk/DeskGestures.h"
@@ -18,10 +19,12 @@ class DeskWidget : public QOpenGLWidget {
         std::function<void()> paint;  // the context is current
         std::function<void()> resized;
         std::function<void(const std::string&)> fail;  // the platform cannot draw a desk; called once
+        std::function<void(QPoint)> menuWanted;        // by a click of the right button there
     };
     DeskWidget(QWidget* parent, DeskGestures& gestures, Hooks hooks);
 
   protected:
+    bool event(QEvent* event) override;
     void initializeGL() override;
     void paintGL() override;
     void paintEvent(QPaintEvent* event) override;
@@ -34,10 +37,14 @@ class DeskWidget : public QOpenGLWidget {
   private:
     void Fail();
     void RunTimer();
+    void RightDown(const QMouseEvent& event);
+    void RightUp(const QMouseEvent& event);
 
     DeskGestures& m_gestures;
     Hooks m_hooks;
     QBasicTimer m_timer;
+    std::optional<QPoint>
+        m_rightPress;  // where the right button went down, while its release may open a menu
     bool m_usable = true;
 };
 

@@ -218,7 +218,8 @@ void MainFrame::CreateClientArea() {
                                    m_hasFailed = true;
                                    m_isClosed = true;
                                    QCoreApplication::quit();
-                               }});
+                               },
+                           .editFile = [this](const std::string& name) { m_app.EditOperator(name); }});
     m_splitter->setStretchFactor(1, 1);
     auto* central = new QWidget(this);
     auto* column = new QVBoxLayout(central);
@@ -260,6 +261,7 @@ void MainFrame::RetitleCommands() {
 }
 
 void MainFrame::DocumentReplaced() {
+    m_desk->Gestures().Cancel();
     RebuildOperatorMenus();
     const auto& options = m_work->document.m_renderOptions;
     if (const auto type = options.find(kShaderTypeOption); type != options.end()) {

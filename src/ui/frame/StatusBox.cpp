@@ -72,7 +72,8 @@ CStatusBox::CStatusBox(QWidget* frame, const float (&background)[3], Clock clock
 void CStatusBox::SetStatus(const std::string& text, int holdSeconds) {
     const long now = m_clock();
     if (m_hold != 0 && now - m_since < m_hold) return;
-    if (Bytes(Status()) != text) m_text->setPlainText(Shown(text));
+    if (text != m_shown) m_text->setPlainText(Shown(text));
+    m_shown = text;
     m_since = now;
     m_hold = holdSeconds;
 }

@@ -35,6 +35,7 @@ class CStatusBox : public QFrame {
 
     QPlainTextEdit* m_text;
     QLabel* m_activity;
+    std::string m_shown;     // as it was set: the field has its own line ends
     QString m_activityText;  // whole; the label shows what fits
     Clock m_clock;
     long m_since = 0;  // when the text that is held was set

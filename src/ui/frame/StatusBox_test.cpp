@@ -56,6 +56,20 @@ TEST_F(StatusBoxTest, ShowsThreeLinesWholeAndTakesNoInput) {
     EXPECT_FALSE(text->isEnabled());
 }
 
+TEST_F(StatusBoxTest, ATextIsOnlySetWhereItDiffersWhateverItsLineEnds) {
+    const std::string help = "two\r\nlines of \xff";
+    const auto* text = box.findChild<QPlainTextEdit*>("status");
+    int changes = 0;
+    QObject::connect(text, &QPlainTextEdit::textChanged, [&changes] { ++changes; });
+    box.SetStatus(help);
+    EXPECT_EQ(changes, 1);
+    box.SetStatus(help);
+    EXPECT_EQ(changes, 1);
+    box.ClearStatus();
+    box.SetStatus(help);
+    EXPECT_EQ(changes, 3);
+}
+
 TEST_F(StatusBoxTest, ItsTextIsDarkOnALightGroundAndLightOnADarkOne) {
     const float dark[3] = {0.1F, 0.1F, 0.2F};
     const CStatusBox other(nullptr, dark);

@@ -1,0 +1,190 @@
+// What a whole repaint of the desk costs, the clearing and the swap left out. The floor is both of these
+// alone, in the same widget and the same run.
+#include <GL/gl.h>
+
+#include <QApplication>
+#include <QSurfaceFormat>
+#include <filesystem>
+#include <fstream>
+
+#include "bench/BenchNetwork.h"
+#include "desk/DeskGestures.h"
+#include "images/SgiTestFile.h"
+#include "ui/desk/BatchedPen.h"
+#include "ui/desk/DeskIcons.h"
+#include "ui/desk/DeskPainter.h"
+#include "ui/desk/DeskWidget.h"
+#include "ui/desk/PlainPen.h"
+
+namespace {
+
+using namespace tavrin;
+using namespace tavrin::bench;
+
+constexpr int kWidth = 1600;
+constexpr int kHeight = 1000;
+constexpr int kBoxes = 5000;
+constexpr int kWires = 8000;
+
+// A disc on a clear ground.
+void WriteIcon(const std::string& path) {
+    constexpr int kSize = 48;
+    std::vector<test::Rgba> pixels;
+    for (int y = 0; y < kSize; ++y) {
+        for (int x = 0; x < kSize; ++x) {
+            const int distance = (2 * x - kSize) * (2 * x - kSize) + (2 * y - kSize) * (2 * y - kSize);
+            const auto shade = static_cast<uint8_t>(5 * x);
+            pixels.push_back({shade, 128, 128, static_cast<uint8_t>(distance < kSize * kSize ? 255 : 0)});
+        }
+    }
+    std::ofstream(path, std::ios::binary) << test::SgiTestFile::Picture(kSize, 4, pixels).Bytes();
+}
+
+// Boxes in rows, each wired to boxes of the column before it.
+void Place(CTvDoc& document, BenchHost& host, int count, int columns, float cellWidth, float cellHeight,
+           const std::string& icon) {
+    std::vector<COpBox*> boxes;
+    int wires = 0;
+    const int wanted = count * kWires / kBoxes;
+    for (int i = 0; i < count; ++i) {
+        auto box = std::make_unique<COpBox>();
+        if (!host.DefineBox(*box, "Mix")) std::exit(EXIT_FAILURE);
+        box->wid = i + 1;
+        box->iconimg = icon;
+        box->xypos[0] = static_cast<float>(i % columns) * cellWidth;
+        box->xypos[1] = static_cast<float>(i / columns) * cellHeight;
+        boxes.push_back(box.get());
+        document.m_boxes.push_back(std::move(box));
+        if (i % columns == 0) continue;
+        const auto earlier = [&](int row) -> COpButton& {
+            return *boxes[static_cast<size_t>(std::max(i - 1 - row * columns, 0))]->outputs[0];
+        };
+        boxes.back()->inputs[0]->Connect(earlier(0));
+        ++wires;
+        // Every second wire joins two casts.
+        if (wires * count < wanted * i) {
+            boxes.back()->inputs[1]->Connect(earlier(1));
+            ++wires;
+        }
+        if (i % 2 == 0) boxes.back()->inputs[2]->arg = 1;
+    }
+}
+
+// A desk that is drawn in a window of its own.
+class Desk {
+  public:
+    explicit Desk(BenchHost& host)
+        : document(host),
+          desk(document, host, m_view),
+          m_style(DeskStyle::Read(host.GetSite().settings)),
+          m_viewport(document, m_style.zoom),
+          m_fonts("DejaVu Sans", [](const std::string&) { std::exit(EXIT_FAILURE); }),
+          m_gestures(
+              {document, desk, m_viewport, m_view, host.GetSite().report, 3, [](const std::string&) {}}),
+          m_icons(m_directory, m_style, host.GetSite().report),
+          m_parts{document, desk, m_gestures, m_style, m_icons, host.GetSite().report},
+          m_plainPen(m_viewport, m_fonts),
+          m_batchedPen(m_viewport, m_fonts),
+          m_widget(nullptr, m_gestures,
+                   {[this] {
+                        m_plainPen.ContextIsNew();
+                        m_batchedPen.ContextIsNew();
+                    },
+                    [this] { paint(); }, [] {}, [](const std::string&) { std::exit(EXIT_FAILURE); },
+                    [](QPoint) {}}) {
+        document.showiconimages = 1;
+        document.linetype = 1;
+        m_viewport.SetSize(kWidth, kHeight);
+        m_widget.setFixedSize(kWidth, kHeight);
+        m_widget.move(0, 0);
+    }
+    void Show() {
+        m_widget.show();
+        Repaint();
+    }
+    // Until the frame is on the screen.
+    void Repaint() {
+        bool swapped = false;
+        const auto connection =
+            QObject::connect(&m_widget, &QOpenGLWidget::frameSwapped, [&swapped] { swapped = true; });
+        m_widget.update();
+        while (!swapped) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QObject::disconnect(connection);
+    }
+    void See(float left, float bottom, float zoom) {
+        document.zoomFactor = zoom;
+        document.offset[0] = -left * zoom;
+        document.offset[1] = -bottom * zoom;
+        const DeskTextMeasure measure(m_fonts, zoom);
+        for (const auto& box : document.m_boxes) {
+            const CSgiImage* icon = m_icons.IconOf(*box, false);
+            LayoutBox(*box, zoom, measure,
+                      icon == nullptr ? IconSize{} : IconSize{icon->width, icon->height});
+        }
+    }
+    double Frame() {
+        Repaint();
+        return MedianMilliseconds([this] { Repaint(); });
+    }
+    void Measure(const char* what) {
+        paint = [] {
+            glClear(GL_COLOR_BUFFER_BIT);
+            glFinish();
+        };
+        const double floor = Frame();
+        paint = [this] { DeskPainter(m_parts, m_batchedPen).Paint({}); };
+        const double batched = Frame();
+        paint = [this] { DeskPainter(m_parts, m_plainPen).Paint({}); };
+        const double plain = Frame();
+        const DeskRect visible = m_viewport.Visible();
+        size_t seen = 0;
+        for (const auto& box : document.m_boxes) seen += visible.Contains(BoxRect(*box).Middle()) ? 1 : 0;
+        std::printf(
+            "paint %s, %zu of %zu boxes in view: %.1f ms (shape by shape %.1f; clear and swap %.1f)\n", what,
+            seen, document.m_boxes.size(), batched - floor, plain - floor, floor);
+    }
+
+    CTvDoc document;
+    COpDesk desk;
+    std::function<void()> paint = [] {};
+
+  private:
+    DeskView m_view;
+    DeskStyle m_style;
+    DeskViewport m_viewport;
+    DeskFonts m_fonts;
+    DeskGestures m_gestures;
+    std::string m_directory;
+    DeskIcons m_icons;
+    DeskPainter::Parts m_parts;
+    PlainPen m_plainPen;
+    BatchedPen m_batchedPen;
+    DeskWidget m_widget;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QSurfaceFormat format;
+    format.setVersion(2, 1);
+    format.setProfile(QSurfaceFormat::CompatibilityProfile);
+    QSurfaceFormat::setDefaultFormat(format);
+    QApplication application(argc, argv);
+    BenchHost host;
+    const std::string icon = std::filesystem::temp_directory_path() / "tavrin-bench-icon.sgi";
+    WriteIcon(icon);
+
+    const auto measure = [&](const char* what, int boxes, int columns, float cellWidth, float cellHeight,
+                             DeskPoint corner, float zoom) {
+        Desk desk(host);
+        Place(desk.document, host, boxes, columns, cellWidth, cellHeight, icon);
+        desk.See(corner.x, corner.y, zoom);
+        desk.Show();
+        desk.Measure(what);
+    };
+    measure("a part of a large desk", kBoxes, 80, 123, 100, {2000, 2000}, 1);
+    measure("1,000 boxes far away", 1000, 40, 123, 100, {-60, -50}, 0.325F);
+    measure("1,000 boxes on one another", 1000, 40, 80, 80, {-60, -50}, 0.5F);
+    measure("5,000 boxes far away", kBoxes, 88, 140, 140, {-60, -50}, 0.125F);
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,90 @@
+// The context menus of the desk as data: what they offer for a box or a button, and what is done when
+// something is chosen.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "desk/DeskGestures.h"
+
+namespace tavrin {
+
+class TypeTables;
+
+// The commands of the context menus.
+namespace desk_command {
+inline constexpr int kNone = 0;  // of titles: nothing is done
+inline constexpr int kCopyBox = 36865;
+inline constexpr int kDeleteBox = 36866;
+inline constexpr int kCopyButtonAbove = 36867;
+inline constexpr int kCopyButtonBelow = 36868;
+inline constexpr int kDeleteButton = 36869;
+inline constexpr int kDeleteConnections = 36870;
+inline constexpr int kEditFile = 36871;
+inline constexpr int kArgument = 36872;
+// One for each cast of a button, by its index. Casts beyond the last are not offered.
+inline constexpr int kFirstCast = 53248;
+inline constexpr int kLastCast = 53504;
+}  // namespace desk_command
+
+// A line of a menu.
+struct DeskMenuEntry {
+    enum class Kind { kCommand, kSeparator, kSubmenu, kHelp };
+
+    Kind kind = Kind::kCommand;
+    std::string text = {};  // as it is to be shown; of kHelp the whole help text
+    int id = desk_command::kNone;
+    bool enabled = true;
+    bool checkable = false;
+    bool checked = false;
+    std::vector<DeskMenuEntry> entries = {};  // of kSubmenu
+};
+using DeskMenuEntries = std::vector<DeskMenuEntry>;
+
+// What is offered for a box outside its buttons, and for a button. The texts are copies: boxes may go while a
+// menu is open.
+DeskMenuEntries BoxMenu(const COpBox& box);
+DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types);
+
+// The lines of the help text of a box or a button. Each CR LF ends a line, a CR or LF alone as well; what
+// ends the last line begins no further one. The empty text has no lines.
+std::vector<std::string_view> HelpTextLines(std::string_view help);
+
+// Opens menus and does what is chosen in them. While a menu is open the document may change, also under the
+// menu's own box: commands whose box or button is gone, or whose document is locked by now, do nothing.
+// Owned by the pane; all that it is given outlives it. What fails is alerted by the desk or the hook.
+class DeskMenu {
+  public:
+    struct Surroundings {
+        CTvDoc& document;
+        COpDesk& desk;
+        DeskGestures& gestures;
+        DeskView& windows;
+        const TypeTables& types;
+        // Opens the file of an operator in the user's editor.
+        std::function<void(const std::string& operatorName)> editFile;
+    };
+    explicit DeskMenu(Surroundings surroundings) : m_around(std::move(surroundings)) {}
+
+    // The menu for what lies there, which the commands then act on. Nothing where there is no box, while a
+    // gesture runs and while the document is locked.
+    std::optional<DeskMenuEntries> Open(DeskPoint at);
+    // Does the command of an entry.
+    void Choose(int id);
+
+  private:
+    bool TargetStands() const;
+    void ChooseForBox(int id, COpBox& box);
+    void ChooseForButton(int id);
+
+    Surroundings m_around;
+    // Of what the menu was opened on. An address alone may belong to another object by now.
+    uint64_t m_boxSerial = 0;
+    uint64_t m_buttonSerial = 0;  // 0 without a button
+};
+
+}  // namespace tavrin

@@ -1,0 +1,170 @@
+#include "ui/desk/BatchedPen.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "images/SgiImage.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr int kAtlasSize = 2048;
+// What would take too much of the texture is drawn plainly.
+constexpr int kWidestWriting = 1024;
+constexpr int kLargestIcon = 256;
+// Before a letter's place is cut to whole pixels: what lies on one is not to fall below it by rounding.
+constexpr float kCutMargin = 0.0001F;
+
+}  // namespace
+
+BatchedPen::BatchedPen(const DeskViewport& view, DeskFonts& fonts)
+    : DeskPen(view, fonts), m_atlas(kAtlasSize) {}
+
+bool BatchedPen::IsUsable() {
+    GLint size = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &size);
+    return size >= kAtlasSize;
+}
+
+void BatchedPen::ContextIsNew() {
+    DeskPen::ContextIsNew();
+    m_atlas.ContextIsNew();
+}
+
+void BatchedPen::Flush() {
+    m_layers.Draw(PixelRatio(), [this] { m_atlas.Bind(); });
+}
+
+void BatchedPen::ForgetPictures() {
+    Flush();  // what waits to be drawn looks at the texture as it is
+    m_atlas.Clear();
+    m_icons.clear();
+    for (auto& writings : m_writings) writings.clear();
+    m_generation = Fonts().Generation();
+}
+
+std::optional<BatchedPen::Place> BatchedPen::Room(int width, int height) {
+    auto place = m_atlas.Add(width, height);
+    if (place) return place;
+    ForgetPictures();
+    return m_atlas.Add(width, height);
+}
+
+DeskPoint BatchedPen::RasterAt(DeskPoint at) const {
+    return {kPixelCentre + (at.x - Visible().left) * DevicePixels(),
+            kPixelCentre + (at.y - Visible().bottom) * DevicePixels()};
+}
+
+// The inverse of what Begin tells the context.
+DeskPoint BatchedPen::DeskOf(float windowX, float windowY) const {
+    return {Visible().left + (windowX - kPixelCentre) / DevicePixels(),
+            Visible().bottom + (windowY - kPixelCentre) / DevicePixels()};
+}
+
+void BatchedPen::Picture(const Place& place, float left, float bottom, float width, float height,
+                         const Rgb& color) {
+    const auto inTexture = [](int x, int y) {
+        return DeskPoint{static_cast<float>(x) / kAtlasSize, static_cast<float>(y) / kAtlasSize};
+    };
+    m_layers.AddPicture(
+        {inTexture(place.x, place.y), inTexture(place.x + place.width, place.y + place.height)},
+        DeskOf(left, bottom), DeskOf(left + width, bottom + height), color);
+}
+
+std::optional<BatchedPen::Writing> BatchedPen::Write(int font, const std::u32string& letters) {
+    int left = 0;
+    int right = 0;
+    int bottom = 0;
+    int top = 0;
+    int pen = 0;
+    for (const char32_t letter : letters) {
+        const Glyph& glyph = Fonts().GlyphOf(font, letter);
+        if (glyph.width > 0) {
+            const bool isFirst = left == right;
+            const int begin = pen + glyph.left;
+            left = isFirst ? begin : std::min(left, begin);
+            right = isFirst ? begin + glyph.width : std::max(right, begin + glyph.width);
+            bottom = isFirst ? glyph.bottom : std::min(bottom, glyph.bottom);
+            top = isFirst ? glyph.bottom + glyph.height : std::max(top, glyph.bottom + glyph.height);
+        }
+        pen += Fonts().AdvanceOf(font, letter);
+    }
+    if (left == right) return Writing{};
+    if (right - left > kWidestWriting) return std::nullopt;
+    const auto place = Room(right - left, top - bottom);
+    if (!place) return std::nullopt;
+    const Writing writing{*place, left, bottom};
+    Ink(font, letters, writing);
+    return writing;
+}
+
+void BatchedPen::Ink(int font, const std::u32string& letters, const Writing& writing) {
+    int pen = -writing.left;
+    for (const char32_t letter : letters) {
+        const Glyph& glyph = Fonts().GlyphOf(font, letter);
+        for (int y = 0; y < glyph.height; ++y) {
+            unsigned char* row = m_atlas.Row(writing.place, y + glyph.bottom - writing.bottom);
+            for (int x = 0; x < glyph.width; ++x) {
+                if (glyph.HasInk(x, y)) std::memset(row + 4 * (pen + glyph.left + x), 0xFF, 4);
+            }
+        }
+        pen += Fonts().AdvanceOf(font, letter);
+    }
+}
+
+const BatchedPen::Writing* BatchedPen::WritingOf(int font, const std::string& text) {
+    if (m_generation != Fonts().Generation()) ForgetPictures();
+    auto& writings = m_writings[static_cast<size_t>(font)];
+    if (const auto known = writings.find(text); known != writings.end()) return &known->second;
+    const auto writing = Write(font, LettersOf(text));
+    return writing ? &writings.emplace(text, *writing).first->second : nullptr;
+}
+
+void BatchedPen::Text(int font, const std::string& text, const Rgb& color, DeskPoint at) {
+    const Writing* writing = WritingOf(font, text);
+    if (writing == nullptr) {
+        Flush();
+        TextByLists(font, text, color, at);
+        return;
+    }
+    if (writing->place.width == 0) return;
+    const DeskPoint raster = RasterAt(at);
+    Picture(writing->place, std::floor(raster.x + kCutMargin) + static_cast<float>(writing->left),
+            std::floor(raster.y + kCutMargin) + static_cast<float>(writing->bottom),
+            static_cast<float>(writing->place.width), static_cast<float>(writing->place.height), color);
+}
+
+const BatchedPen::Place* BatchedPen::PlaceOf(const CSgiImage& image) {
+    if (const auto known = m_icons.find(&image); known != m_icons.end()) return &known->second;
+    if (std::max(image.width, image.height) > kLargestIcon) return nullptr;
+    const auto place = Room(image.width, image.height);
+    if (!place) return nullptr;
+    const auto rowBytes = static_cast<size_t>(4 * image.width);
+    for (int y = 0; y < image.height; ++y) {
+        unsigned char* row = m_atlas.Row(*place, y);
+        std::memcpy(row, image.pixels.get() + static_cast<size_t>(y) * rowBytes, rowBytes);
+        for (int x = 0; x < image.width; ++x)
+            row[4 * x + 3] = 0xFF;  // it covers what lies below, clear or not
+    }
+    return &m_icons.emplace(&image, *place).first->second;
+}
+
+// Where pixels are drawn they begin at the nearest whole one.
+void BatchedPen::Icon(const CSgiImage& image, DeskPoint lowerLeft) {
+    const Place* place = PlaceOf(image);
+    if (place == nullptr) {
+        Flush();
+        ImageByPixels(image, lowerLeft, 1 / Pixel());
+        return;
+    }
+    const DeskPoint raster = RasterAt(lowerLeft);
+    Picture(*place, std::round(raster.x), std::round(raster.y),
+            static_cast<float>(image.width) * DevicePixels(),
+            static_cast<float>(image.height) * DevicePixels(), {1, 1, 1});
+}
+
+}  // namespace tavrin

@@ -1,0 +1,71 @@
+// Draws the desk in few large pieces.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+#include "ui/desk/DeskAtlas.h"
+#include "ui/desk/DrawLayers.h"
+
+namespace tavrin {
+
+// Gathers shapes for as long as it can; texts and icons stand in one texture. The picture is that of
+// PlainPen. Where the context's textures are too small, IsUsable tells.
+class BatchedPen : public DeskPen {
+  public:
+    BatchedPen(const DeskViewport& view, DeskFonts& fonts);
+
+    // Of the current context.
+    static bool IsUsable();
+    void ContextIsNew() override;
+
+    void BeginObject(const DeskRect& bounds) override { m_layers.BeginObject(bounds); }
+    void EndObjects() override { m_layers.EndObjects(); }
+    void Polygon(std::span<const DeskPoint> corners, const Rgb& color) override {
+        m_layers.AddPolygon(corners, color);
+    }
+    void Line(std::span<const DeskPoint> points, const LineLook& look) override {
+        m_layers.AddLine(points, look);
+    }
+    void Icon(const CSgiImage& image, DeskPoint lowerLeft) override;
+
+  protected:
+    void ViewIsSet() override { m_layers.SetView(Visible(), Pixel()); }
+    void Quads(std::span<const DeskPoint> corners, const Rgb& color) override {
+        m_layers.AddFaces(corners, color);
+    }
+    void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) override;
+    void Flush() override;
+
+  private:
+    using Place = DeskAtlas::Place;
+    // A text as it stands in the texture.
+    struct Writing {
+        Place place;   // without width for a text without ink
+        int left = 0;  // device pixels from where the text begins on its base line
+        int bottom = 0;
+    };
+
+    void ForgetPictures();
+    // Makes room if there is none; nothing for what is too large.
+    std::optional<Place> Room(int width, int height);
+    // Nothing for a text that is too wide.
+    const Writing* WritingOf(int font, const std::string& text);
+    std::optional<Writing> Write(int font, const std::u32string& letters);
+    void Ink(int font, const std::u32string& letters, const Writing& writing);
+    const Place* PlaceOf(const CSgiImage& image);
+    // Over a rectangle of the window, in device pixels from its lower left corner.
+    void Picture(const Place& place, float left, float bottom, float width, float height, const Rgb& color);
+    DeskPoint DeskOf(float windowX, float windowY) const;
+    DeskPoint RasterAt(DeskPoint at) const;
+
+    DrawLayers m_layers;
+    DeskAtlas m_atlas;
+    std::array<std::unordered_map<std::string, Writing>, DeskFonts::kSizes> m_writings;
+    std::unordered_map<const CSgiImage*, Place> m_icons;
+    int m_generation = 0;  // of the letters in the texture
+};
+
+}  // namespace tavrin

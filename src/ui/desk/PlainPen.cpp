@@ -1,0 +1,41 @@
+#include "ui/desk/PlainPen.h"
+
+#include <GL/gl.h>
+
+namespace tavrin {
+
+namespace {
+
+void Shape(GLenum kind, std::span<const DeskPoint> points, const Rgb& color) {
+    glColor3f(color.r, color.g, color.b);
+    glBegin(kind);
+    for (const DeskPoint& point : points) glVertex2f(point.x, point.y);
+    glEnd();
+}
+
+}  // namespace
+
+void PlainPen::Quads(std::span<const DeskPoint> corners, const Rgb& color) {
+    Shape(GL_QUADS, corners, color);
+}
+
+void PlainPen::Polygon(std::span<const DeskPoint> corners, const Rgb& color) {
+    Shape(GL_POLYGON, corners, color);
+}
+
+void PlainPen::Line(std::span<const DeskPoint> points, const LineLook& look) {
+    glLineWidth(look.width * PixelRatio());
+    if (look.stippled) glEnable(GL_LINE_STIPPLE);
+    Shape(GL_LINE_STRIP, points, look.color);
+    if (look.stippled) glDisable(GL_LINE_STIPPLE);
+}
+
+void PlainPen::Text(int font, const std::string& text, const Rgb& color, DeskPoint at) {
+    TextByLists(font, text, color, at);
+}
+
+void PlainPen::Icon(const CSgiImage& image, DeskPoint lowerLeft) {
+    ImageByPixels(image, lowerLeft, 1 / Pixel());
+}
+
+}  // namespace tavrin

@@ -1,0 +1,285 @@
+// Ten thousand edits by a user who does anything anywhere, after each of which the desk is whole.
+#include "support/DeskWalk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "desk/HitTest.h"
+#include "render/RenderSession.h"
+#include "site/Site.h"
+#include "support/DeskInvariants.h"
+#include "support/TestHost.h"
+
+namespace tavrin {
+namespace {
+
+using test::WalkEdit;
+using test::WalkMenu;
+
+constexpr int kEdits = 2000;  // of one walk
+constexpr int kLookCloser = 100;
+
+class EvenText : public TextMeasure {
+  public:
+    float LabelWidth(const std::string& text) const override { return static_cast<float>(text.size()) * 6; }
+    float TitleWidth(const std::string& text) const override { return static_cast<float>(text.size()) * 9; }
+};
+
+// Lays boxes out as a window would, and keeps the names that the Box Finder shows.
+class WalkView : public DeskView {
+  public:
+    void LayoutBox(COpBox& box) override { tavrin::LayoutBox(box, viewport->Zoom(), EvenText(), {}); }
+    void AddToBoxFinder(const std::string& name) override { finder.insert(name); }
+    void RemoveFromBoxFinder(const std::string& name) override {
+        if (const auto place = finder.find(name); place != finder.end()) finder.erase(place);
+    }
+    void ClearBoxFinder() override { finder.clear(); }
+
+    const DeskViewport* viewport = nullptr;
+    std::multiset<std::string> finder;
+};
+
+class DeskWalk : public test::DocumentTest,
+                 public testing::WithParamInterface<uint32_t>,
+                 public test::DeskHands {
+  protected:
+    DeskWalk() {
+        host.startsProcesses = false;
+        host.GetSite().types.SetDataType("float", {"float ", ";"});
+        view.viewport = &viewport;
+        viewport.SetSize(800, 600);
+        AddOperators();
+    }
+
+    void AddOperators();
+    void Edit(WalkEdit edit) override;
+    void Menu(const PointerState& pointer, WalkMenu choice, size_t cast) override;
+    void Move(const PointerState& pointer) override {
+        if (document.lock == 0) gestures.Move(pointer);
+    }
+    void LeftDown(const PointerState& pointer) override {
+        if (document.lock == 0) gestures.LeftDown(pointer);
+    }
+    void LeftUp(const PointerState& pointer) override {
+        if (document.lock == 0) gestures.LeftUp(pointer);
+    }
+    void Wheel(bool forward) override { viewport.Wheel(forward ? 1 : -1); }
+    void Tick() override { gestures.Tick(); }
+    void AddOperator(const std::string& name) override { desk.AddOperator(name); }
+    void Scroll(bool across, ScrollAction action, int thumb) override {
+        if (across) {
+            viewport.ScrollHorizontally(action, thumb);
+        } else {
+            viewport.ScrollVertically(action, thumb);
+        }
+    }
+    void Lock(bool locked) override { document.lock = locked ? 1 : 0; }
+    void SaveAndOpenAgain() override;
+    // What a window does for a paint.
+    void Paint() override {
+        desk.ValidateReferences();
+        if (viewport.Zoom() != m_lastZoom) LayoutAll();
+        m_lastZoom = viewport.Zoom();
+        gestures.UpdateGrowArrows();
+    }
+    void LayoutAll() {
+        for (const auto& box : document.m_boxes) view.LayoutBox(*box);
+        for (const auto& box : desk.m_pendingBoxes) view.LayoutBox(*box);
+        for (const auto& box : desk.m_clipboardBoxes) view.LayoutBox(*box);
+    }
+
+    void LookCloser();
+    void ExpectLaidOut();
+    void ExpectListed();
+    void ExpectSavedWhole();
+    void CutOneSidedWires();
+
+    WalkView view;
+    COpDesk desk{document, host, view};
+    DeskViewport viewport{document, {0.1F, 10}};
+    DeskGestures gestures{
+        {document, desk, viewport, view, host.GetSite().report, 3, [](const std::string&) {}}};
+    test::DeskInvariants invariants{document, desk};
+    CCodeGen siteCodeGen;
+    std::vector<std::string> operators;
+
+  private:
+    void Operator(const std::string& name, const std::string& text) {
+        host.AddOperator(name, text);
+        operators.push_back(name);
+    }
+    float m_lastZoom = 0;
+};
+
+void DeskWalk::AddOperators() {
+    const std::string code = "\ncodegen.main-body append\nTAVRN_BoxTitleWid(";
+    const std::string end = ");\n<<EOT>>\n";
+    Operator("Constant", "input value { float { 0.25 0 1 0 %g } } output result { float out }" + code +
+                             "value, result" + end);
+    Operator("Math",
+             "input left { float { 0 0 1 0 %g } rgb { 1 0 0 %g } } input right { float { 0 0 1 0 %g } }\n"
+             "input how { string { \"a\" } wwms.disableconnectflag 1 wwms.disableargflag 1 }\n"
+             "output result { float out rgb out }\ndefs { castlock.add left result }" +
+                 code + "left, right, how, result" + end);
+    Operator("Layers",
+             "input base { float { 0 0 1 0 %g } }\nvinput layer { vinstances 2 vargseparator \", \"\n"
+             "float { 0 0 1 0 %g } rgb { 1 1 0 %g } }\noutput top { rgb out } output cover { float out }" +
+                 code + "layer, base, top, cover" + end);
+    Operator("Relay", "input in { float { 0 0 1 0 %g } } output tieback=in out { float out }\n");
+    Operator("Fixed",
+             "input in { float { 0 0 1 0 %g } }\n"
+             "output fixedvalue=\"f(in, TAVRN_BoxWid)\" out { float out }\ndefs { maxinstances 4 }\n");
+    Operator("Surface", "input colour { rgb { 1 1 1 %g } float { 0 0 1 0 %g } }\ndefs { maxinstances 1 }" +
+                            code + "colour" + end);
+    Operator("Note", "boxhelp\n{\nNothing to wire.\n}\n");
+    CTvDoc network(host);
+    for (const char* name : {"Constant", "Surface", "Layers"}) {
+        auto box = std::make_unique<COpBox>();
+        ASSERT_TRUE(host.DefineBox(*box, name));
+        box->wid = static_cast<int>(network.m_boxes.size()) + 1;
+        box->xypos[0] = 150.0F * static_cast<float>(box->wid);
+        network.m_boxes.push_back(std::move(box));
+    }
+    test::Wire(test::BoxAt(network, 0), 0, test::BoxAt(network, 2), 1);
+    test::Wire(test::BoxAt(network, 2), 0, test::BoxAt(network, 1), 0);
+    Operator("Network", network.Store());
+}
+
+void DeskWalk::Edit(WalkEdit edit) {
+    if (document.lock != 0) return;
+    switch (edit) {
+        case WalkEdit::kCut:
+            return desk.CutBoxes();
+        case WalkEdit::kCopy:
+            return desk.CopySelection();
+        case WalkEdit::kPaste:
+            return desk.PasteBoxes(DeskPoint{desk.m_mouseDesk[0], desk.m_mouseDesk[1]});
+        case WalkEdit::kDelete:
+            return desk.DeleteSelection();
+        case WalkEdit::kSelectAll:
+            return desk.SelectAllBoxes();
+        case WalkEdit::kUnselectAll:
+            return desk.UnselectAllBoxes();
+        case WalkEdit::kFitToWindow:
+            viewport.FitToWindow();
+            return;
+        case WalkEdit::kZoomReset:
+            viewport.ZoomReset();
+            return;
+        case WalkEdit::kZoomIn:
+            viewport.ZoomIn();
+            return;
+        case WalkEdit::kZoomOut:
+        case WalkEdit::kCount:
+            viewport.ZoomOut();
+            return;
+    }
+}
+
+void DeskWalk::Menu(const PointerState& pointer, WalkMenu choice, size_t cast) {
+    desk.ValidateReferences();
+    gestures.HideGrowArrows();
+    const DeskPoint at = viewport.ToDesk(pointer.at);
+    COpBox* box = HitBox(document, at);
+    if (box == nullptr) return;
+    desk.m_mouseBox = box;
+    desk.m_mouseButton = HitButton(*box, at);
+    const bool onButton = desk.m_mouseButton != nullptr;
+    if (choice == WalkMenu::kDuplicate && !onButton) desk.DuplicateBox(*box);
+    if (choice == WalkMenu::kDeleteBox && !onButton) desk.DeleteBox(*box);
+    if (choice == WalkMenu::kButtonAbove) desk.GrowVinput(true);
+    if (choice == WalkMenu::kButtonBelow) desk.GrowVinput(false);
+    if (choice == WalkMenu::kDeleteButton) desk.DeleteButton();
+    if (choice == WalkMenu::kDeleteConnections) desk.DeleteConnections();
+    if (choice == WalkMenu::kArgument) desk.ToggleArgument();
+    if (choice == WalkMenu::kCast) desk.ChooseCast(cast);
+    gestures.IgnoreNextMove();
+}
+
+void DeskWalk::SaveAndOpenAgain() {
+    const std::string text = document.Store();
+    document.DeleteContents();
+    EXPECT_TRUE(Load(text)) << host.Sink().LastAlert();
+    desk.OnInitialUpdate();
+    invariants.TakeAsItIs();
+}
+
+void DeskWalk::ExpectLaidOut() {
+    for (const auto& box : document.m_boxes) {
+        COpBox other(*box);
+        other.wid = box->wid;
+        view.LayoutBox(other);
+        EXPECT_EQ(box->layout.width, other.layout.width) << box->BoxTitleWid();
+        EXPECT_EQ(box->layout.bodyHeight, other.layout.bodyHeight) << box->BoxTitleWid();
+        EXPECT_EQ(box->layout.leftColumnWidth, other.layout.leftColumnWidth) << box->BoxTitleWid();
+        EXPECT_EQ(box->layout.rightColumnWidth, other.layout.rightColumnWidth) << box->BoxTitleWid();
+    }
+}
+
+void DeskWalk::ExpectListed() {
+    std::multiset<std::string> names;
+    for (const auto& box : document.m_boxes) names.insert(box->BoxTitleWid());
+    for (const auto& box : desk.m_pendingBoxes) names.insert(box->BoxTitleWid());
+    EXPECT_EQ(view.finder, names);
+}
+
+void DeskWalk::CutOneSidedWires() {
+    for (const auto& box : document.m_boxes) {
+        for (const auto& input : box->inputs) {
+            const COpButton* source = input->connections.First();
+            if (source != nullptr && !source->connections.Contains(*input)) input->Disconnect();
+        }
+    }
+}
+
+// A wire that only its input knows of is not saved, and a clone gets its templates when it is read again:
+// both are put right before.
+void DeskWalk::ExpectSavedWhole() {
+    CutOneSidedWires();
+    for (const auto& box : document.m_boxes) {
+        COpBox defined;
+        ASSERT_TRUE(host.DefineBox(defined, box->filename));
+        box->codegen = defined.codegen;
+    }
+    document.SetPath("/documents/walk.tvn");
+    EXPECT_EQ(document.OrderBoxes().size(), document.m_boxes.size());
+    const auto code = RenderSession(document, host.GetSite(), siteCodeGen).Generate().code;
+    const std::string text = document.Store();
+    EXPECT_EQ(document.Store(), text);
+    CTvDoc other(host);
+    CArchive archive = test::ArchiveOf(text, "walk.tvn");
+    ASSERT_TRUE(other.Load(archive)) << host.Sink().LastAlert();
+    other.SetPath(document.Path());
+    EXPECT_EQ(other.Store(), text);
+    EXPECT_EQ(RenderSession(other, host.GetSite(), siteCodeGen).Generate().code, code);
+}
+
+void DeskWalk::LookCloser() {
+    Paint();
+    ExpectLaidOut();
+    ExpectListed();
+    ExpectSavedWhole();
+}
+
+TEST_P(DeskWalk, LeavesTheDeskWholeAfterEveryEdit) {
+    test::DeskWalk walk({document, desk, viewport, *this, operators}, GetParam());
+    int wired = 0;
+    for (int step = 1; step <= kEdits && !HasFailure(); ++step) {
+        walk.Step();
+        EXPECT_EQ(invariants.Look(walk.Selected()), "");
+        if (invariants.HidesACycle()) CutOneSidedWires();
+        if (step % kLookCloser == 0) LookCloser();
+        EXPECT_EQ(host.Sink().log.find("WARNING: m_"), std::string::npos) << host.Sink().log;
+        wired = std::max(wired, static_cast<int>(invariants.Wired().size()));
+        if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk.Name();
+    }
+    EXPECT_GT(wired, 10) << "the walk came nowhere";
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, DeskWalk, testing::Values(1U, 2U, 3U, 4U, 5U));
+
+}  // namespace
+}  // namespace tavrin

@@ -1,0 +1,195 @@
+// A user who does anything anywhere on the desk of a real frame, with events of real windows.
+#include "support/DeskWalk.h"
+
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QTest>
+#include <QWheelEvent>
+
+#include "render/RenderSession.h"
+#include "support/DeskInvariants.h"
+#include "ui/desk/DeskPane.h"
+#include "ui/log/LogWindow.h"
+#include "ui/support/TestFrame.h"
+
+namespace tavrin {
+namespace {
+
+using test::WalkEdit;
+using test::WalkMenu;
+using testing::HasSubstr;
+using testing::Not;
+using Id = CommandId;
+
+constexpr int kEdits = 200;
+
+class FrameWalk : public test::FrameTest,
+                  public testing::WithParamInterface<uint32_t>,
+                  public test::DeskHands {
+  protected:
+    FrameWalk() {
+        environment.Set("SOURCE_DATE_EPOCH", "1000000000");
+        const auto add = [this](const std::string& name, const std::string& text) {
+            directory.Write(
+                "tavrin/tiny/menu/0300.Patterns/00" + std::to_string(50 + operators.size()) + "." + name,
+                text);
+            operators.push_back(name);
+        };
+        operators = {"Constant", "Paint"};
+        add("Layers",
+            "input base { float { 0 0 1 0 \"%g\" } }\nvinput layer { vinstances 2 vargseparator \", \"\n"
+            "float { 0 0 1 0 \"%g\" } string { \"a\" } }\noutput top { float out } output cover { float out "
+            "}\n"
+            "codegen.main-body append\ntop = f(layer, base); cover = 1;\n<<EOT>>\n");
+        add("Twins",
+            "input left { float { 0 0 1 0 \"%g\" } string { \"a\" } }\n"
+            "input how { string { \"a\" } wwms.disableconnectflag 1 wwms.disableargflag 1 }\n"
+            "output result { float out string out }\n"
+            "defs\n{\nmaxinstances 3\ncastlock.add left result\n}\n"
+            "codegen.main-body append\nresult = left + how;\n<<EOT>>\n");
+    }
+
+    void Send(const PointerState& pointer, QEvent::Type type, Qt::MouseButton button);
+    void Move(const PointerState& pointer) override { Send(pointer, QEvent::MouseMove, Qt::NoButton); }
+    void LeftDown(const PointerState& pointer) override {
+        Send(pointer, QEvent::MouseButtonPress, Qt::LeftButton);
+    }
+    void LeftUp(const PointerState& pointer) override {
+        Send(pointer, QEvent::MouseButtonRelease, Qt::LeftButton);
+    }
+    void Wheel(bool forward) override;
+    // What the desk refuses is not of interest here.
+    void SettleQuietly() {
+        App().GetSite().report.TakePending();
+        Settle();
+    }
+    void Tick() override { SettleQuietly(); }
+    void Edit(WalkEdit edit) override;
+    void Menu(const PointerState& pointer, WalkMenu choice, size_t cast) override;
+    void AddOperator(const std::string& name) override { Desk().AddOperator(name); }
+    void Scroll(bool across, ScrollAction action, int thumb) override;
+    void Lock(bool locked) override;
+    void SaveAndOpenAgain() override;
+    void Paint() override { SettleQuietly(); }
+    QWidget& Pane() { return Frame().Desk().Desk(); }
+
+    std::vector<std::string> operators;
+
+  private:
+    std::string m_whenLocked;
+};
+
+void FrameWalk::Send(const PointerState& pointer, QEvent::Type type, Qt::MouseButton button) {
+    const QPointF at(static_cast<double>(pointer.at.x), static_cast<double>(pointer.at.y));
+    Qt::MouseButtons held;
+    held.setFlag(Qt::LeftButton, pointer.left);
+    held.setFlag(Qt::MiddleButton, pointer.middle);
+    held.setFlag(Qt::RightButton, pointer.right);
+    Qt::KeyboardModifiers keys;
+    keys.setFlag(Qt::ShiftModifier, pointer.shift);
+    keys.setFlag(Qt::ControlModifier, pointer.control);
+    QMouseEvent event(type, at, Pane().mapToGlobal(at), button, held, keys);
+    QApplication::sendEvent(&Pane(), &event);
+}
+
+void FrameWalk::Wheel(bool forward) {
+    const QPointF at = Pane().rect().center();
+    QWheelEvent wheel(at, Pane().mapToGlobal(at), QPoint(), QPoint(0, forward ? 120 : -120), Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel);  // as from the platform: others are not passed on to parents
+    qApp->notify(&Pane(), &wheel);
+}
+
+void FrameWalk::Edit(WalkEdit edit) {
+    static const std::map<WalkEdit, Id> kCommands{
+        {WalkEdit::kCut, Id::kCut},
+        {WalkEdit::kCopy, Id::kCopy},
+        {WalkEdit::kPaste, Id::kPaste},
+        {WalkEdit::kDelete, Id::kDelete},
+        {WalkEdit::kSelectAll, Id::kSelectAllBoxes},
+        {WalkEdit::kUnselectAll, Id::kUnselectAllBoxes},
+        {WalkEdit::kFitToWindow, Id::kFitToWindow},
+        {WalkEdit::kZoomReset, Id::kZoomReset},
+        {WalkEdit::kZoomIn, Id::kZoomIn},
+        {WalkEdit::kZoomOut, Id::kZoomOut},
+    };
+    const Id id = kCommands.at(edit);
+    if (Document().lock == 0 && IsEnabled(id)) Action(id).trigger();
+}
+
+// What a context menu does when one of its items is chosen.
+void FrameWalk::Menu(const PointerState& pointer, WalkMenu choice, size_t cast) {
+    Send(pointer, QEvent::MouseMove, Qt::NoButton);
+    COpBox* box = Desk().m_mouseBox;
+    if (box == nullptr) return;
+    const bool onButton = Desk().m_mouseButton != nullptr;
+    if (choice == WalkMenu::kDuplicate && !onButton) Desk().DuplicateBox(*box);
+    if (choice == WalkMenu::kDeleteBox && !onButton) Desk().DeleteBox(*box);
+    if (choice == WalkMenu::kButtonAbove) Desk().GrowVinput(true);
+    if (choice == WalkMenu::kButtonBelow) Desk().GrowVinput(false);
+    if (choice == WalkMenu::kDeleteButton) Desk().DeleteButton();
+    if (choice == WalkMenu::kDeleteConnections) Desk().DeleteConnections();
+    if (choice == WalkMenu::kArgument) Desk().ToggleArgument();
+    if (choice == WalkMenu::kCast) Desk().ChooseCast(cast);
+}
+
+void FrameWalk::Scroll(bool across, ScrollAction action, int thumb) {
+    static const std::map<ScrollAction, QAbstractSlider::SliderAction> kActions{
+        {ScrollAction::kLineUp, QAbstractSlider::SliderSingleStepSub},
+        {ScrollAction::kLineDown, QAbstractSlider::SliderSingleStepAdd},
+        {ScrollAction::kPageUp, QAbstractSlider::SliderPageStepSub},
+        {ScrollAction::kPageDown, QAbstractSlider::SliderPageStepAdd},
+        {ScrollAction::kTop, QAbstractSlider::SliderToMinimum},
+        {ScrollAction::kBottom, QAbstractSlider::SliderToMaximum},
+    };
+    for (QScrollBar* bar : Frame().Desk().findChildren<QScrollBar*>()) {
+        if ((bar->orientation() == Qt::Horizontal) != across) continue;
+        if (action == ScrollAction::kThumb) {
+            bar->setSliderPosition(thumb);
+        } else {
+            bar->triggerAction(kActions.at(action));
+        }
+    }
+}
+
+// Whatever is tried while the desk is locked changes nothing.
+void FrameWalk::Lock(bool locked) {
+    if (!locked) {
+        EXPECT_EQ(Document().Snapshot(), m_whenLocked) << "a locked desk was changed";
+    }
+    Action(Id::kLockDesk).trigger();
+    SettleQuietly();
+    EXPECT_EQ(Document().lock, locked ? 1 : 0);
+    m_whenLocked = Document().Snapshot();
+}
+
+void FrameWalk::SaveAndOpenAgain() {
+    std::string error;
+    ASSERT_TRUE(Document().Save(directory / "walk.tvn", error)) << error;
+    ASSERT_TRUE(Frame().OpenDocumentFile(directory / "walk.tvn"));
+    SettleQuietly();
+}
+
+TEST_P(FrameWalk, LeavesTheDeskWholeAfterEveryEdit) {
+    Start();
+    Frame().resize(Frame().minimumSizeHint().expandedTo({700, 500}));
+    SettleQuietly();
+    test::DeskInvariants invariants(Document(), Desk());
+    test::DeskWalk walk({Document(), Desk(), Frame().Desk().View(), *this, operators}, GetParam());
+    size_t wired = 0;
+    for (int step = 1; step <= kEdits && !HasFailure(); ++step) {
+        walk.Step();
+        if (walk.Name() == "save and open again") invariants.TakeAsItIs();
+        EXPECT_EQ(invariants.Look(walk.Selected()), "");
+        EXPECT_THAT(Log(), Not(HasSubstr("WARNING: m_")));
+        wired = std::max(wired, invariants.Wired().size());
+        if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk.Name();
+    }
+    EXPECT_GT(wired, 1U) << "the walk came nowhere";
+    Document().SetModified(false);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, FrameWalk, testing::Values(1U, 3U));
+
+}  // namespace
+}  // namespace tavrin
