@@ -4,12 +4,9 @@
 
 #include <QApplication>
 #include <QSurfaceFormat>
-#include <filesystem>
-#include <fstream>
 
 #include "bench/BenchNetwork.h"
 #include "desk/DeskGestures.h"
-#include "images/SgiTestFile.h"
 #include "ui/desk/BatchedPen.h"
 #include "ui/desk/DeskIcons.h"
 #include "ui/desk/DeskPainter.h"
@@ -26,47 +23,31 @@ constexpr int kHeight = 1000;
 constexpr int kBoxes = 5000;
 constexpr int kWires = 8000;
 
-// A disc on a clear ground.
-void WriteIcon(const std::string& path) {
-    constexpr int kSize = 48;
-    std::vector<test::Rgba> pixels;
-    for (int y = 0; y < kSize; ++y) {
-        for (int x = 0; x < kSize; ++x) {
-            const int distance = (2 * x - kSize) * (2 * x - kSize) + (2 * y - kSize) * (2 * y - kSize);
-            const auto shade = static_cast<uint8_t>(5 * x);
-            pixels.push_back({shade, 128, 128, static_cast<uint8_t>(distance < kSize * kSize ? 255 : 0)});
-        }
-    }
-    std::ofstream(path, std::ios::binary) << test::SgiTestFile::Picture(kSize, 4, pixels).Bytes();
-}
-
-// Boxes in rows, each wired to boxes of the column before it.
-void Place(CTvDoc& document, BenchHost& host, int count, int columns, float cellWidth, float cellHeight,
-           const std::string& icon) {
+// Boxes in rows, each wired to boxes of the column before it, as many times as it takes. Every fourth of the
+// second wires joins two casts, every second box has an argument, every eighth is selected.
+void Place(CTvDoc& document, BenchHost& host, int count, int columns, float cellWidth, float cellHeight) {
     std::vector<COpBox*> boxes;
-    int wires = 0;
-    const int wanted = count * kWires / kBoxes;
+    int wires = count * kWires / kBoxes;
     for (int i = 0; i < count; ++i) {
         auto box = std::make_unique<COpBox>();
         if (!host.DefineBox(*box, "Mix")) std::exit(EXIT_FAILURE);
         box->wid = i + 1;
-        box->iconimg = icon;
+        box->iconimg = TAVRIN_SOURCE_DIR "/installation/mray/icons/Mix.sgi";
         box->xypos[0] = static_cast<float>(i % columns) * cellWidth;
         box->xypos[1] = static_cast<float>(i / columns) * cellHeight;
+        box->inputs[2]->arg = i % 2;
+        box->selected = i % 8 == 0 ? 1 : 0;
         boxes.push_back(box.get());
         document.m_boxes.push_back(std::move(box));
-        if (i % columns == 0) continue;
-        const auto earlier = [&](int row) -> COpButton& {
-            return *boxes[static_cast<size_t>(std::max(i - 1 - row * columns, 0))]->outputs[0];
-        };
-        boxes.back()->inputs[0]->Connect(earlier(0));
-        ++wires;
-        // Every second wire joins two casts.
-        if (wires * count < wanted * i) {
-            boxes.back()->inputs[1]->Connect(earlier(1));
-            ++wires;
+    }
+    for (int row = 0; row < 2; ++row) {
+        for (int i = 0; i < count; ++i) {
+            const int source = i - 1 - row * columns;
+            if (i % columns == 0 || source < 0 || wires-- <= 0) continue;
+            COpButton& input = *boxes[static_cast<size_t>(i)]->inputs[static_cast<size_t>(row)];
+            input.Connect(*boxes[static_cast<size_t>(source)]->outputs[0]);
+            if (row == 1 && i % 4 == 0) input.SetCast(1);
         }
-        if (i % 2 == 0) boxes.back()->inputs[2]->arg = 1;
     }
 }
 
@@ -171,20 +152,34 @@ int main(int argc, char** argv) {
     QSurfaceFormat::setDefaultFormat(format);
     QApplication application(argc, argv);
     BenchHost host;
-    const std::string icon = std::filesystem::temp_directory_path() / "tavrin-bench-icon.sgi";
-    WriteIcon(icon);
-
-    const auto measure = [&](const char* what, int boxes, int columns, float cellWidth, float cellHeight,
-                             DeskPoint corner, float zoom) {
-        Desk desk(host);
-        Place(desk.document, host, boxes, columns, cellWidth, cellHeight, icon);
-        desk.See(corner.x, corner.y, zoom);
-        desk.Show();
-        desk.Measure(what);
+    struct Scene {
+        const char* what;
+        int boxes, columns;
+        float cellWidth, cellHeight;
+        DeskPoint corner;
+        float zoom;
+        bool names;
     };
-    measure("a part of a large desk", kBoxes, 80, 123, 100, {2000, 2000}, 1);
-    measure("1,000 boxes far away", 1000, 40, 123, 100, {-60, -50}, 0.325F);
-    measure("1,000 boxes on one another", 1000, 40, 80, 80, {-60, -50}, 0.5F);
-    measure("5,000 boxes far away", kBoxes, 88, 140, 140, {-60, -50}, 0.125F);
+    for (const Scene& scene : {
+             Scene{"a part of a large desk", kBoxes, 80, 123, 100, {2000, 2000}, 1, false},
+             Scene{"a part of a large desk with names of variables",
+                   kBoxes,
+                   80,
+                   123,
+                   100,
+                   {2000, 2000},
+                   1,
+                   true},
+             Scene{"1,000 boxes side by side", 1000, 40, 123, 100, {-60, -50}, 0.325F, false},
+             Scene{"1,000 boxes on one another", 1000, 40, 80, 80, {-60, -50}, 0.5F, false},
+             Scene{"5,000 boxes side by side", kBoxes, 80, 123, 100, {-60, -50}, 0.16F, false},
+         }) {
+        Desk desk(host);
+        Place(desk.document, host, scene.boxes, scene.columns, scene.cellWidth, scene.cellHeight);
+        desk.document.showvarnames = scene.names ? 1 : 0;
+        desk.See(scene.corner.x, scene.corner.y, scene.zoom);
+        desk.Show();
+        desk.Measure(scene.what);
+    }
     return EXIT_SUCCESS;
 }

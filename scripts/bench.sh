@@ -5,6 +5,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/build.sh release >/dev/null
 for bench in Expansion Generation Documents DeskModel; do build/release/bench/bench_$bench; done
-for bench in LogWindow Start; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
+for bench in DeskPaint LogWindow Start; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
 perl bench/pipeline.pl build/release/bin/tavrin-batch
 echo "bench: done"
