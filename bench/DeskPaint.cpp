@@ -3,11 +3,11 @@
 #include <GL/gl.h>
 
 #include <QApplication>
-#include <QSurfaceFormat>
 
 #include "bench/BenchNetwork.h"
 #include "desk/DeskGestures.h"
 #include "ui/desk/BatchedPen.h"
+#include "ui/desk/DeskContext.h"
 #include "ui/desk/DeskIcons.h"
 #include "ui/desk/DeskPainter.h"
 #include "ui/desk/DeskWidget.h"
@@ -146,10 +146,7 @@ class Desk {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QSurfaceFormat format;
-    format.setVersion(2, 1);
-    format.setProfile(QSurfaceFormat::CompatibilityProfile);
-    QSurfaceFormat::setDefaultFormat(format);
+    QSurfaceFormat::setDefaultFormat(DeskFormat());
     QApplication application(argc, argv);
     BenchHost host;
     struct Scene {

@@ -2,7 +2,6 @@
 // itself anew for each measurement; the child is given the time of its start.
 #include <QApplication>
 #include <QOpenGLWidget>
-#include <QSurfaceFormat>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
@@ -14,6 +13,7 @@
 #include "app/TvApp.h"
 #include "base/Profile.h"
 #include "ui/QtQueue.h"
+#include "ui/desk/DeskContext.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/MainFrame.h"
 
@@ -31,10 +31,7 @@ long long NowMicroseconds() {
 
 // Prints the microseconds since `start` when the desk's first frame has reached the screen.
 int RunChild(int argc, char** argv, long long start, const char* document) {
-    QSurfaceFormat format;
-    format.setVersion(2, 1);
-    format.setProfile(QSurfaceFormat::CompatibilityProfile);
-    QSurfaceFormat::setDefaultFormat(format);
+    QSurfaceFormat::setDefaultFormat(DeskFormat());
     QApplication application(argc, argv);
     QtQueue queue;
     Report report;

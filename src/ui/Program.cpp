@@ -16,6 +16,7 @@
 #include "ui/Messages.h"
 #include "ui/QtQueue.h"
 #include "ui/Text.h"
+#include "ui/desk/DeskContext.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/icons/Icons.h"
 
@@ -32,16 +33,6 @@ std::string ProgramPath(const char* invokedAs) {
     std::error_code unknown;
     const std::string path = std::filesystem::read_symlink("/proc/self/exe", unknown).string();
     return unknown ? invokedAs : path;
-}
-
-// The desk draws with OpenGL 1.1 calls.
-void AskForContext() {
-    QSurfaceFormat format;
-    format.setVersion(2, 1);
-    format.setProfile(QSurfaceFormat::CompatibilityProfile);
-    format.setDepthBufferSize(24);
-    format.setSamples(0);
-    QSurfaceFormat::setDefaultFormat(format);
 }
 
 // The document of the command line. If that cannot be opened, the program ends.
@@ -107,7 +98,7 @@ int RunProgram(int& argc, char** argv) {
     }
     std::signal(SIGPIPE, SIG_IGN);
     Interruption::Block();
-    AskForContext();
+    QSurfaceFormat::setDefaultFormat(DeskFormat());
     QApplication application(argc, argv);
     options = ParseProgramOptions({argv + 1, argv + argc});
     if (!options.error.empty()) {
@@ -118,6 +109,11 @@ int RunProgram(int& argc, char** argv) {
     QApplication::setDesktopFileName("tavrin");
     QApplication::setWindowIcon(ApplicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
+    if (const std::string fault = PlatformFault(); !fault.empty()) {
+        std::fprintf(stderr, "tavrin: %s\n", fault.c_str());
+        ShowStop(nullptr, "Fatal Error", Shown(fault));
+        return EXIT_FAILURE;
+    }
     return RunWindows(ProgramPath(argv[0]), options.documentPath);
 }
 

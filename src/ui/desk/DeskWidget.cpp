@@ -6,14 +6,14 @@
 #include <QTimer>
 #include <utility>
 
+#include "ui/desk/DeskContext.h"
+
 namespace tavrin {
 
 namespace {
 
 constexpr int kGestureTick = 10;  // milliseconds
 constexpr int kUnsteadyHand = 3;  // pixels by which the pointer may move in a click that is no drag
-constexpr const char* kNoContext =
-    "FATAL ERROR: the desk needs OpenGL 1.1 or later with the compatibility profile";
 
 PointerState StateOf(const QMouseEvent& event) {
     const QPointF at = event.position();
@@ -35,9 +35,7 @@ DeskWidget::DeskWidget(QWidget* parent, DeskGestures& gestures, Hooks hooks)
 }
 
 void DeskWidget::initializeGL() {
-    const QSurfaceFormat got = context()->format();
-    if (context()->isOpenGLES() || got.profile() == QSurfaceFormat::CoreProfile ||
-        got.version() < qMakePair(1, 1)) {
+    if (!ContextFault(context()).empty()) {
         Fail();
         return;
     }
@@ -57,7 +55,7 @@ void DeskWidget::paintEvent(QPaintEvent* event) {
 void DeskWidget::Fail() {
     if (!m_usable) return;
     m_usable = false;
-    QTimer::singleShot(0, this, [this] { m_hooks.fail(kNoContext); });
+    QTimer::singleShot(0, this, [this] { m_hooks.fail(ContextFault(context())); });
 }
 
 void DeskWidget::resizeEvent(QResizeEvent* event) {

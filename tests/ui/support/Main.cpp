@@ -2,17 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QSurfaceFormat>
 
 #include "support/TestFiles.h"
+#include "ui/desk/DeskContext.h"
 #include "ui/support/Windows.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    QSurfaceFormat format;
-    format.setVersion(2, 1);
-    format.setProfile(QSurfaceFormat::CompatibilityProfile);
-    QSurfaceFormat::setDefaultFormat(format);
+    QSurfaceFormat::setDefaultFormat(tavrin::DeskFormat());
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     tavrin::test::WatchToolkit();
