@@ -13,8 +13,11 @@
 namespace tavrin {
 namespace {
 
-// The text of a document but for the line that tells when it was written.
-std::string WithoutTime(const std::string& text) { return text.substr(text.find('\n')); }
+// The text of a document but for the time of writing, which stands in the first line and in the last.
+std::string WithoutTime(const std::string& text) {
+    const size_t begin = text.find('\n');
+    return text.substr(begin, text.rfind("# Tavrn file written at") - begin);
+}
 
 namespace fs = std::filesystem;
 using test::ReadFile;

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "desk/HitTest.h"
 #include "support/TestHost.h"
 
@@ -232,6 +234,131 @@ TEST_F(DeskGeometry, ARectangleHoldsItsLeftAndBottomEdgesOnly) {
     EXPECT_FALSE(rect.Encloses(rect));
     EXPECT_TRUE(rect.Encloses({0, 0, 9, 9}));
     EXPECT_EQ(DeskRect::Between({7, 9}, {2, 1}), (DeskRect{2, 1, 5, 8}));
+}
+
+TEST_F(DeskGeometry, RectanglesThatShareAnEdgeOnlyDoNotOverlap) {
+    const DeskRect rect{0, 0, 10, 10};
+    EXPECT_TRUE(rect.Overlaps(rect));
+    for (const DeskRect& other : {DeskRect{9, 9, 10, 10}, DeskRect{-9, -9, 10, 10}, DeskRect{2, 3, 4, 5},
+                                  DeskRect{-5, 4, 20, 1}, DeskRect{5, 5, 0, 0}}) {
+        EXPECT_TRUE(rect.Overlaps(other)) << other.left << " " << other.bottom;
+        EXPECT_TRUE(other.Overlaps(rect)) << other.left << " " << other.bottom;
+    }
+    for (const DeskRect& other : {DeskRect{10, 0, 10, 10}, DeskRect{-10, 0, 10, 10}, DeskRect{0, 10, 10, 10},
+                                  DeskRect{0, -10, 10, 10}, DeskRect{11, 11, 5, 5}, DeskRect{0, 0, 0, 10},
+                                  DeskRect{std::nanf(""), 0, 10, 10}, DeskRect{0, 0, 10, std::nanf("")}}) {
+        EXPECT_FALSE(rect.Overlaps(other)) << other.left << " " << other.bottom;
+        EXPECT_FALSE(other.Overlaps(rect)) << other.left << " " << other.bottom;
+    }
+}
+
+TEST_F(DeskGeometry, CornersRunAgainstTheClockFromTheLowerLeft) {
+    EXPECT_THAT((DeskRect{1, 2, 10, 20}.Corners()), ElementsAre(P{1, 2}, P{11, 2}, P{11, 22}, P{1, 22}));
+}
+
+// Boxes of any size and buttons, each with lines from others, near and far, before and behind it.
+class LinesByChance : public DeskGeometry {
+  protected:
+    void MakeNetwork() {
+        document.m_boxes.clear();
+        std::vector<COpBox*> boxes;
+        for (int i = 0; i < 10; ++i) {
+            COpBox& box = AddPlaced(1 + Chance(9), 1 + Chance(9), 0, 0);
+            box.layout = {
+                Coordinate(), Coordinate(), 16, 20 + Coordinate() * 0.25F, 16 + Coordinate() * 0.25F, 10, 10};
+            boxes.push_back(&box);
+        }
+        for (COpBox* to : boxes) {
+            for (size_t input = 0; input < to->inputs.size(); ++input) {
+                COpBox& from = *boxes[Chance(10)];
+                if (&from != to) test::Wire(from, Chance(from.outputs.size()), *to, input);
+            }
+        }
+    }
+    size_t Chance(size_t below) {
+        m_state = m_state * 1664525 + 1013904223;
+        return (m_state >> 16) % below;
+    }
+    float Coordinate() { return static_cast<float>(Chance(4000)) * 0.25F; }
+
+  private:
+    unsigned m_state = 11;
+};
+
+TEST_F(LinesByChance, NoPointOfALineLiesOutsideItsReach) {
+    int traced = 0;
+    for (int network = 0; network < 100; ++network) {
+        MakeNetwork();
+        for (const auto& box : document.m_boxes) {
+            ForEachConnection(*box, [&](const ButtonPlace& from, const ButtonPlace& to, COpButton&) {
+                const DeskRect reach = LineReach(*from.box, *to.box);
+                for (const bool trace : {false, true}) {
+                    const Polyline line = ConnectionPolyline(from, to, trace);
+                    traced += line.count == 6 ? 1 : 0;
+                    for (const P& point : line) {
+                        EXPECT_TRUE(reach.Contains(point)) << point.x << " " << point.y;
+                    }
+                }
+                return true;
+            });
+        }
+    }
+    EXPECT_GT(traced, 1000);
+}
+
+TEST_F(LinesByChance, EveryLineThatTouchesARectangleIsVisitedInItsOrderAndMostOthersAreNot) {
+    int all = 0;
+    int visited = 0;
+    for (int network = 0; network < 100; ++network) {
+        MakeNetwork();
+        const DeskRect window{Coordinate(), Coordinate(), 60, 40};
+        for (const auto& box : document.m_boxes) {
+            std::vector<COpButton*> within;
+            ForEachConnectionWithin(
+                window, *box, [&](const ButtonPlace& from, const ButtonPlace& to, COpButton& input) {
+                    EXPECT_EQ(from.box->outputs.at(from.index).get(), input.connections.First());
+                    EXPECT_EQ(to.box->inputs.at(to.index).get(), &input);
+                    within.push_back(&input);
+                    return true;
+                });
+            visited += static_cast<int>(within.size());
+            auto next = within.begin();
+            ForEachConnection(*box, [&](const ButtonPlace& from, const ButtonPlace& to, COpButton& input) {
+                ++all;
+                if (next != within.end() && *next == &input) {
+                    ++next;
+                    return true;
+                }
+                for (const bool trace : {false, true}) {
+                    const Polyline line = ConnectionPolyline(from, to, trace);
+                    for (size_t i = 1; i < line.count; ++i) {
+                        const DeskRect segment = DeskRect::Between(line.points[i - 1], line.points[i]);
+                        EXPECT_FALSE(segment.GrownBy(0.01F).Overlaps(window));
+                    }
+                }
+                return true;
+            });
+            EXPECT_EQ(next, within.end()) << "out of order";
+        }
+    }
+    EXPECT_LT(visited, all / 2);
+}
+
+TEST_F(DeskGeometry, AVisitOfLinesWithinARectangleEndsWhenItIsTold) {
+    COpBox& from = AddPlaced(0, 1, 0, 0);
+    COpBox& to = AddPlaced(3, 0, 300, 0);
+    for (size_t i = 0; i < 3; ++i) test::Wire(from, 0, to, i);
+    size_t visits = 0;
+    const auto until = [&](size_t count) {
+        visits = 0;
+        return ForEachConnectionWithin(
+            BoxRect(to), to,
+            [&](const ButtonPlace&, const ButtonPlace&, COpButton&) { return ++visits < count; });
+    };
+    EXPECT_FALSE(until(2));
+    EXPECT_EQ(visits, 2U);
+    EXPECT_TRUE(until(4));
+    EXPECT_EQ(visits, 3U);
 }
 
 class HitTest : public DeskGeometry {};

@@ -325,18 +325,18 @@ TEST_F(DeskGestures, ALineUnderABoxCannotBeHit) {
 
 TEST_F(DeskGestures, ARubberBandTakesWhatLiesWhollyInsideFromEitherSide) {
     COpBox& inside = PutLink(100, 100);
-    COpBox& partly = PutLink(250, 100);
+    COpBox& partly = PutLink(250, 100);  // all but its right edge
     Press(90, 90);
     EXPECT_EQ(gestures.Current(), Kind::kBandAdd);
-    Drag(300, 200);
-    EXPECT_EQ(gestures.Band(), (DeskRect{90, 90, 210, 110}));
+    Drag(340, 200);
+    EXPECT_EQ(gestures.Band(), (DeskRect{90, 90, 250, 110}));
     EXPECT_EQ(inside.selected, 0);
     windows.calls.clear();
-    Release(300, 200);
+    Release(340, 200);
     EXPECT_EQ(inside.selected, 1);
     EXPECT_EQ(partly.selected, 0);
     EXPECT_THAT(windows.calls, Contains("refresh"));
-    Press(300, 200);
+    Press(340, 200);
     EXPECT_EQ(inside.selected, 0);
     Drag(90, 90);
     Release(90, 90);

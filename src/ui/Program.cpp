@@ -74,7 +74,9 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
         frame.show();
         // A long document is opened before the user's eyes.
         if (!documentPath.empty()) WaitForWindow(frame);
-        if (OpenNamedDocument(frame, report, documentPath)) status = QApplication::exec();
+        // The desk may have failed before there is a loop that could be left.
+        if (OpenNamedDocument(frame, report, documentPath) && !frame.HasFailed())
+            status = QApplication::exec();
         if (frame.HasFailed()) status = EXIT_FAILURE;
         if (interruption.Signal() != 0) status = kSignalBase + interruption.Signal();
     }

@@ -1,10 +1,12 @@
-// Ten thousand edits by a user who does anything anywhere, after each of which the desk is whole.
+// Ten thousand edits by the pointer of a user who does anything anywhere, after each of which the desk is
+// whole.
 #include "support/DeskWalk.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <set>
 
 #include "desk/HitTest.h"
@@ -19,7 +21,7 @@ namespace {
 using test::WalkEdit;
 using test::WalkMenu;
 
-constexpr int kEdits = 2000;  // of one walk
+constexpr int kEdits = 2000;  // by the pointer, of one walk
 constexpr int kLookCloser = 100;
 
 class EvenText : public TextMeasure {
@@ -42,6 +44,29 @@ class WalkView : public DeskView {
     std::multiset<std::string> finder;
 };
 
+// What a menu is open on.
+class Target {
+  public:
+    Target(const COpBox& box, const COpButton* button)
+        : m_box(box.Serial()), m_button(button == nullptr ? 0 : button->Serial()) {}
+    bool IsIn(const CTvDoc& document) const {
+        for (const auto& box : document.m_boxes) {
+            if (box->Serial() == m_box) return m_button == 0 || HasButton(*box);
+        }
+        return false;
+    }
+
+  private:
+    bool HasButton(const COpBox& box) const {
+        const auto isIt = [this](const auto& button) { return button->Serial() == m_button; };
+        return std::any_of(box.inputs.begin(), box.inputs.end(), isIt) ||
+               std::any_of(box.outputs.begin(), box.outputs.end(), isIt);
+    }
+
+    uint64_t m_box;
+    uint64_t m_button;  // 0 without a button
+};
+
 class DeskWalk : public test::DocumentTest,
                  public testing::WithParamInterface<uint32_t>,
                  public test::DeskHands {
@@ -56,7 +81,7 @@ class DeskWalk : public test::DocumentTest,
 
     void AddOperators();
     void Edit(WalkEdit edit) override;
-    void Menu(const PointerState& pointer, WalkMenu choice, size_t cast) override;
+    void Menu(const PointerState& pointer, const WalkMenu& menu) override;
     void Move(const PointerState& pointer) override {
         if (document.lock == 0) gestures.Move(pointer);
     }
@@ -76,7 +101,7 @@ class DeskWalk : public test::DocumentTest,
             viewport.ScrollVertically(action, thumb);
         }
     }
-    void Lock(bool locked) override { document.lock = locked ? 1 : 0; }
+    void Lock(bool locked) override;
     void SaveAndOpenAgain() override;
     // What a window does for a paint.
     void Paint() override {
@@ -91,6 +116,7 @@ class DeskWalk : public test::DocumentTest,
         for (const auto& box : desk.m_clipboardBoxes) view.LayoutBox(*box);
     }
 
+    void Look();
     void LookCloser();
     void ExpectLaidOut();
     void ExpectListed();
@@ -102,9 +128,13 @@ class DeskWalk : public test::DocumentTest,
     DeskViewport viewport{document, {0.1F, 10}};
     DeskGestures gestures{
         {document, desk, viewport, view, host.GetSite().report, 3, [](const std::string&) {}}};
+    DeskMenu deskMenu{{document, desk, gestures, view, host.GetSite().types, [this](const std::string& name) {
+                           EXPECT_NE(host.Registry().FindByName(name), nullptr) << name;
+                       }}};
     test::DeskInvariants invariants{document, desk};
     CCodeGen siteCodeGen;
     std::vector<std::string> operators;
+    std::optional<test::DeskWalk> walk;
 
   private:
     void Operator(const std::string& name, const std::string& text) {
@@ -112,6 +142,7 @@ class DeskWalk : public test::DocumentTest,
         operators.push_back(name);
     }
     float m_lastZoom = 0;
+    std::string m_whenLocked;
 };
 
 void DeskWalk::AddOperators() {
@@ -179,24 +210,36 @@ void DeskWalk::Edit(WalkEdit edit) {
     }
 }
 
-void DeskWalk::Menu(const PointerState& pointer, WalkMenu choice, size_t cast) {
-    desk.ValidateReferences();
-    gestures.HideGrowArrows();
-    const DeskPoint at = viewport.ToDesk(pointer.at);
-    COpBox* box = HitBox(document, at);
-    if (box == nullptr) return;
-    desk.m_mouseBox = box;
-    desk.m_mouseButton = HitButton(*box, at);
-    const bool onButton = desk.m_mouseButton != nullptr;
-    if (choice == WalkMenu::kDuplicate && !onButton) desk.DuplicateBox(*box);
-    if (choice == WalkMenu::kDeleteBox && !onButton) desk.DeleteBox(*box);
-    if (choice == WalkMenu::kButtonAbove) desk.GrowVinput(true);
-    if (choice == WalkMenu::kButtonBelow) desk.GrowVinput(false);
-    if (choice == WalkMenu::kDeleteButton) desk.DeleteButton();
-    if (choice == WalkMenu::kDeleteConnections) desk.DeleteConnections();
-    if (choice == WalkMenu::kArgument) desk.ToggleArgument();
-    if (choice == WalkMenu::kCast) desk.ChooseCast(cast);
-    gestures.IgnoreNextMove();
+void DeskWalk::Menu(const PointerState& pointer, const WalkMenu& menu) {
+    const auto entries = deskMenu.Open(viewport.ToDesk(pointer.at));
+    if (!entries) return;
+    EXPECT_EQ(document.lock, 0);
+    const Target target(*desk.m_mouseBox, desk.m_mouseButton);
+    int id = desk_command::kNone;
+    for (const DeskMenuEntries* items = &*entries; items != nullptr;) {
+        const auto place = menu.next(*items);
+        if (!place) return menu.meanwhile();
+        const DeskMenuEntry& item = items->at(*place);
+        id = item.id;
+        items = item.kind == DeskMenuEntry::Kind::kSubmenu ? &item.entries : nullptr;
+    }
+    menu.meanwhile();
+    Look();  // at this edit by itself: choosing is another
+    const std::string before = document.Snapshot();
+    const bool stands = target.IsIn(document);
+    deskMenu.Choose(id);
+    if (!stands || id == desk_command::kNone || id == desk_command::kEditFile) {
+        EXPECT_EQ(document.Snapshot(), before) << id;
+    }
+}
+
+// Whatever is tried while the desk is locked changes nothing.
+void DeskWalk::Lock(bool locked) {
+    if (!locked) {
+        EXPECT_EQ(document.Snapshot(), m_whenLocked) << "a locked desk was changed";
+    }
+    document.lock = locked ? 1 : 0;
+    m_whenLocked = document.Snapshot();
 }
 
 void DeskWalk::SaveAndOpenAgain() {
@@ -257,6 +300,8 @@ void DeskWalk::ExpectSavedWhole() {
     EXPECT_EQ(RenderSession(other, host.GetSite(), siteCodeGen).Generate().code, code);
 }
 
+void DeskWalk::Look() { EXPECT_EQ(invariants.Look(walk->Selected()), ""); }
+
 void DeskWalk::LookCloser() {
     Paint();
     ExpectLaidOut();
@@ -265,18 +310,20 @@ void DeskWalk::LookCloser() {
 }
 
 TEST_P(DeskWalk, LeavesTheDeskWholeAfterEveryEdit) {
-    test::DeskWalk walk({document, desk, viewport, *this, operators}, GetParam());
+    walk.emplace(test::DeskWalk::Ground{document, desk, viewport, *this, operators}, GetParam());
     int wired = 0;
-    for (int step = 1; step <= kEdits && !HasFailure(); ++step) {
-        walk.Step();
-        EXPECT_EQ(invariants.Look(walk.Selected()), "");
+    for (int step = 1; walk->PointerEdits() < kEdits && !HasFailure(); ++step) {
+        walk->Step();
+        Look();
         if (invariants.HidesACycle()) CutOneSidedWires();
         if (step % kLookCloser == 0) LookCloser();
         EXPECT_EQ(host.Sink().log.find("WARNING: m_"), std::string::npos) << host.Sink().log;
         wired = std::max(wired, static_cast<int>(invariants.Wired().size()));
-        if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk.Name();
+        if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk->Name();
     }
     EXPECT_GT(wired, 10) << "the walk came nowhere";
+    EXPECT_GT(walk->MenusOpened(), kEdits / 10);
+    EXPECT_GT(walk->ItemsChosen(), kEdits / 20);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, DeskWalk, testing::Values(1U, 2U, 3U, 4U, 5U));

@@ -213,6 +213,10 @@ subtest 'the picture is opened where there is a display' => sub {
     local $ENV{MRAY_VIEWER} = "$dir/bin/missing";
     ($status, $text) = renderit('Ball', 10);
     is($status, 0, 'a viewer that is not there is no failure');
+    like($text, qr/^WARNING: there is no program \Q$dir\E\/bin\/missing to show .* set MRAY_VIEWER /m, 'but is told');
+    local $ENV{MRAY_VIEWER} = 'no-such-viewer';
+    ($status, $text) = renderit('Ball', 10);
+    like($text, qr/^WARNING: there is no program no-such-viewer to show/m, 'nor is one found by its name');
 };
 
 subtest 'no renderer' => sub {

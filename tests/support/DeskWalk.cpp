@@ -33,7 +33,7 @@ const std::vector<DeskWalk::Choice>& DeskWalk::Choices() {
         {3, "copy and paste", &DeskWalk::CopyAndPaste},
         {7, "add and drop", &DeskWalk::AddAndDrop},
         {2, "add and leave", &DeskWalk::AddAndLeave},
-        {9, "menu", &DeskWalk::ChooseFromAMenu},
+        {16, "menu", &DeskWalk::ChooseFromAMenu},
         {1, "lock", &DeskWalk::Lock},
         {1, "save and open again", &DeskWalk::SaveAndOpenAgain},
     };
@@ -42,21 +42,20 @@ const std::vector<DeskWalk::Choice>& DeskWalk::Choices() {
 
 void DeskWalk::Step() {
     m_selected.clear();
-    if (m_ground.document.m_boxes.size() + m_ground.desk.m_pendingBoxes.size() > kManyBoxes) {
-        m_name = "tidy";
-        Tidy();
-        return;
-    }
+    m_pointerEdit = false;
     size_t sum = 0;
     for (const Choice& choice : Choices()) sum += static_cast<size_t>(choice.weight);
     auto left = static_cast<int>(Below(sum));
-    for (const Choice& choice : Choices()) {
-        left -= choice.weight;
-        if (left >= 0) continue;
-        m_name = choice.name;
-        (this->*choice.step)();
-        break;
+    if (m_ground.document.m_boxes.size() + m_ground.desk.m_pendingBoxes.size() > kManyBoxes) {
+        m_name = "tidy";
+        Tidy();
+    } else {
+        const auto chosen = std::find_if(Choices().begin(), Choices().end(),
+                                         [&](const Choice& choice) { return (left -= choice.weight) < 0; });
+        m_name = chosen->name;
+        (this->*chosen->step)();
     }
+    m_pointerEdits += m_pointerEdit ? 1 : 0;
     m_ground.hands.Paint();
 }
 
@@ -159,6 +158,7 @@ void DeskWalk::Press(DeskPoint point) {
     if (!m_ground.view.Visible().Contains(point) && OneIn(2)) m_ground.hands.Edit(WalkEdit::kFitToWindow);
     Hover(point);
     m_pointer.left = true;
+    m_pointerEdit = true;
     m_ground.hands.LeftDown(At(point));
     m_ground.hands.Paint();
 }
@@ -178,6 +178,57 @@ void DeskWalk::Release() {
 void DeskWalk::Click(DeskPoint point) {
     Press(point);
     Release();
+}
+
+// The menus
+
+// Goes that way through the menu, or any.
+void DeskWalk::Menu(DeskPoint point, const std::vector<std::string>& way) {
+    m_pointerEdit = true;
+    size_t depth = 0;
+    const bool changes = way.empty() && OneIn(5);
+    m_ground.hands.Menu(At(point),
+                        {[&](const DeskMenuEntries& items) { return NextItem(items, way, depth++); },
+                         [&] {
+                             if (changes) Meanwhile();
+                         }});
+    m_ground.hands.Paint();
+}
+
+std::optional<size_t> DeskWalk::NextItem(const DeskMenuEntries& items, const std::vector<std::string>& way,
+                                         size_t depth) {
+    using Kind = DeskMenuEntry::Kind;
+    if (depth == 0) ++m_menusOpened;
+    std::vector<size_t> places;
+    for (size_t place = 0; place < items.size(); ++place) {
+        const DeskMenuEntry& item = items[place];
+        const bool canBe = item.enabled && (item.kind == Kind::kCommand || item.kind == Kind::kSubmenu);
+        if (canBe && (depth >= way.size() || item.text == way[depth])) places.push_back(place);
+    }
+    if (places.empty() || (way.empty() && OneIn(10))) return std::nullopt;
+    const size_t place = places[Below(places.size())];
+    if (items[place].kind == Kind::kCommand) ++m_itemsChosen;
+    return place;
+}
+
+// Not by the user, whose pointer the menu holds.
+void DeskWalk::Meanwhile() {
+    switch (Below(4)) {
+        case 0:
+            m_ground.hands.Edit(static_cast<WalkEdit>(Below(static_cast<size_t>(WalkEdit::kCount))));
+            break;
+        case 1:  // all that there is goes
+            m_ground.hands.Edit(WalkEdit::kSelectAll);
+            m_ground.hands.Edit(OneIn(2) ? WalkEdit::kCut : WalkEdit::kDelete);
+            break;
+        case 2:
+            m_ground.hands.AddOperator(m_ground.operators[Below(m_ground.operators.size())]);
+            break;
+        default:
+            m_ground.hands.SaveAndOpenAgain();
+            break;
+    }
+    m_ground.hands.Paint();
 }
 
 // The steps
@@ -250,10 +301,11 @@ void DeskWalk::ClickALine() {
     } else if (!lines.empty() && OneIn(3)) {
         // What the line leads to goes.
         const COpButton& input = *lines.back();
-        const bool all = OneIn(2);
-        m_ground.hands.Menu(
-            At(all ? TitleRect(*input.owner).Middle() : ButtonRect(ButtonPlace::Of(input)).Middle()),
-            all ? WalkMenu::kDeleteBox : WalkMenu::kDeleteButton, 0);
+        if (OneIn(2)) {
+            Menu(TitleRect(*input.owner).Middle(), {"Delete", "This Box"});
+        } else {
+            Menu(ButtonRect(ButtonPlace::Of(input)).Middle(), {"Delete", "Delete Button"});
+        }
     }
 }
 
@@ -300,6 +352,7 @@ void DeskWalk::Pan() {
     Hover(Anywhere());
     (OneIn(2) ? m_pointer.middle : m_pointer.right) = true;
     m_pointer.shift = true;
+    m_pointerEdit = true;
     m_ground.hands.Move(At(Anywhere()));
     m_pointer.middle = m_pointer.right = m_pointer.shift = false;
 }
@@ -353,17 +406,16 @@ void DeskWalk::AddAndLeave() {
     m_ground.hands.AddOperator(m_ground.operators[Below(m_ground.operators.size())]);
     m_ground.hands.Paint();
     const COpBox* box = AnyBox();
-    if (box != nullptr && OneIn(3)) {  // while the other waits
-        m_ground.hands.Menu(At(TitleRect(*box).Middle()), WalkMenu::kDuplicate, 0);
-    }
+    if (box != nullptr && OneIn(3)) Menu(TitleRect(*box).Middle(), {"Copy"});  // while the other waits
 }
 
 void DeskWalk::ChooseFromAMenu() {
-    if (OneIn(8)) Press(Anywhere());
-    const PointerState pointer = At(OneIn(3) ? Anywhere() : OnAButton());
-    const auto choice = static_cast<WalkMenu>(Below(static_cast<size_t>(WalkMenu::kCount)));
-    m_ground.hands.Menu(pointer, choice, Below(4));
-    m_ground.hands.Paint();
+    if (OneIn(8)) {
+        Press(Anywhere());
+    } else {
+        Hover(Anywhere());
+    }
+    Menu(OneIn(3) ? Anywhere() : OnAButton());
     if (OneIn(2)) Hover(Anywhere());
 }
 
@@ -373,6 +425,7 @@ void DeskWalk::Lock() {
     Press(OnAButton());
     Drag(Anywhere());
     Release();
+    Menu(OnAButton());
     m_ground.hands.Lock(false);
 }
 

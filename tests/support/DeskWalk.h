@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <random>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "desk/DeskGestures.h"
+#include "desk/DeskMenu.h"
 
 namespace tavrin::test {
 
@@ -25,18 +27,14 @@ enum class WalkEdit {
     kCount,
 };
 
-// Of a context menu.
-enum class WalkMenu {
-    kDuplicate,
-    kDeleteBox,
-    kButtonAbove,
-    kButtonBelow,
-    kDeleteButton,
-    kDeleteConnections,
-    kArgument,
-    kCast,
-    kClose,
-    kCount,
+// How the walk goes through a context menu that has opened.
+struct WalkMenu {
+    // The place of the item to choose among these; of a submenu's title to go on into it. Nothing leaves the
+    // menu.
+    std::function<std::optional<size_t>(const DeskMenuEntries& items)> next;
+    // What happens while the menu is open. To be called once, before the last item is chosen or the menu
+    // left.
+    std::function<void()> meanwhile;
 };
 
 // How the walk's choices reach a desk: as events of a window, or straight.
@@ -49,8 +47,8 @@ class DeskHands {
     virtual void Wheel(bool forward) = 0;
     virtual void Tick() = 0;  // the time of a gesture goes on
     virtual void Edit(WalkEdit edit) = 0;
-    // Opens the menu there, over a box, and chooses. `cast` is a place among the button's casts.
-    virtual void Menu(const PointerState& pointer, WalkMenu choice, size_t cast) = 0;
+    // Clicks there with the right button and goes through the menu that comes, if one does.
+    virtual void Menu(const PointerState& pointer, const WalkMenu& menu) = 0;
     virtual void AddOperator(const std::string& name) = 0;
     virtual void Scroll(bool across, ScrollAction action, int thumb) = 0;
     virtual void Lock(bool locked) = 0;
@@ -75,6 +73,11 @@ class DeskWalk {
 
     // What the last step was.
     const std::string& Name() const { return m_name; }
+    // How many steps so far were edits by the pointer: with a press, a menu or a drag that pans.
+    int PointerEdits() const { return m_pointerEdits; }
+    // How many menus have opened, and how many items were chosen in them.
+    int MenusOpened() const { return m_menusOpened; }
+    int ItemsChosen() const { return m_itemsChosen; }
     // The buttons that were selected for wiring when one of its events came.
     const std::set<const COpButton*>& Selected() const { return m_selected; }
 
@@ -104,6 +107,10 @@ class DeskWalk {
     void Drag(DeskPoint point);
     void Release();
     void Click(DeskPoint point);
+    void Menu(DeskPoint point, const std::vector<std::string>& way = {});
+    std::optional<size_t> NextItem(const DeskMenuEntries& items, const std::vector<std::string>& way,
+                                   size_t depth);
+    void Meanwhile();
 
     void DragABox();
     void WireByDragging();
@@ -133,6 +140,10 @@ class DeskWalk {
     std::string m_name;
     std::set<const COpButton*> m_selected;
     PointerState m_pointer;
+    bool m_pointerEdit = false;  // the step is one
+    int m_pointerEdits = 0;
+    int m_menusOpened = 0;
+    int m_itemsChosen = 0;
 };
 
 }  // namespace tavrin::test

@@ -240,6 +240,9 @@ TEST_F(DeskHandTest, AnAlertThatComesUpOverADragEndsIt) {
     ASSERT_TRUE(WaitUntil([&] { return QApplication::activeModalWidget() == nullptr && !ran; }));
     EXPECT_EQ(Document().offset[0], offset);
     EXPECT_FALSE(DeskTimerRuns());
+    Release({-20, grip.y()});
+    EXPECT_EQ(Document().offset[0], offset);
+    EXPECT_FALSE(DeskTimerRuns());
 }
 
 TEST_F(DeskHandTest, ANewDocumentDuringADragIsNotDraggedOn) {

@@ -162,6 +162,24 @@ TEST_F(DeskMenusTest, ALockedDeskHasNoMenu) {
     menu->close();
 }
 
+// Which would be disabled with the desk, and could not be closed by hand.
+TEST_F(DeskMenusTest, AMenuThatIsOpenClosesWhenTheDeskIsLocked) {
+    StartWithBox();
+    QMenu* menu = OpenOnTitle();
+    ASSERT_NE(menu, nullptr);
+    QMenu* deletion = menu->actions().at(MenuTexts(menu).indexOf("Delete"))->menu();
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(deletion->menuAction()).center());
+    ASSERT_TRUE(WaitUntil([&] { return deletion->isVisible(); }));
+    Do(CommandId::kLockDesk);
+    Settle();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    Do(CommandId::kLockDesk);
+    Settle();
+    menu = OpenOnTitle();
+    ASSERT_NE(menu, nullptr);
+    menu->close();
+}
+
 TEST_F(DeskMenusTest, ADocumentThatOpensUnderAnOpenMenuIsLeftAlone) {
     StartWithBox();
     const std::string other = WriteDocument("other", 2);

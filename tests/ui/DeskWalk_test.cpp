@@ -1,13 +1,17 @@
 // A user who does anything anywhere on the desk of a real frame, with events of real windows.
 #include "support/DeskWalk.h"
 
+#include <QMenu>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
+#include <optional>
 
 #include "render/RenderSession.h"
 #include "support/DeskInvariants.h"
+#include "ui/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/log/LogWindow.h"
 #include "ui/support/TestFrame.h"
@@ -21,7 +25,7 @@ using testing::HasSubstr;
 using testing::Not;
 using Id = CommandId;
 
-constexpr int kEdits = 200;
+constexpr int kEdits = 200;  // by the pointer, of one walk
 
 class FrameWalk : public test::FrameTest,
                   public testing::WithParamInterface<uint32_t>,
@@ -65,7 +69,10 @@ class FrameWalk : public test::FrameTest,
     }
     void Tick() override { SettleQuietly(); }
     void Edit(WalkEdit edit) override;
-    void Menu(const PointerState& pointer, WalkMenu choice, size_t cast) override;
+    void Menu(const PointerState& pointer, const WalkMenu& menu) override;
+    static DeskMenuEntries ItemsOf(const QMenu& menu);
+    void ChooseItem(QMenu& menu, QAction& item);
+    bool OneIn(uint32_t count) { return m_random() % count == 0; }
     void AddOperator(const std::string& name) override { Desk().AddOperator(name); }
     void Scroll(bool across, ScrollAction action, int thumb) override;
     void Lock(bool locked) override;
@@ -74,8 +81,13 @@ class FrameWalk : public test::FrameTest,
     QWidget& Pane() { return Frame().Desk().Desk(); }
 
     std::vector<std::string> operators;
+    void Look() { EXPECT_EQ(invariants->Look(walk->Selected()), ""); }
+
+    std::optional<test::DeskInvariants> invariants;
+    std::optional<test::DeskWalk> walk;
 
   private:
+    std::mt19937 m_random{GetParam()};
     std::string m_whenLocked;
 };
 
@@ -117,20 +129,61 @@ void FrameWalk::Edit(WalkEdit edit) {
     if (Document().lock == 0 && IsEnabled(id)) Action(id).trigger();
 }
 
-// What a context menu does when one of its items is chosen.
-void FrameWalk::Menu(const PointerState& pointer, WalkMenu choice, size_t cast) {
+DeskMenuEntries FrameWalk::ItemsOf(const QMenu& menu) {
+    using Kind = DeskMenuEntry::Kind;
+    DeskMenuEntries items;
+    for (const QAction* action : menu.actions()) {
+        const Kind kind = action->isSeparator()       ? Kind::kSeparator
+                          : action->menu() != nullptr ? Kind::kSubmenu
+                          : action->text().isEmpty()  ? Kind::kHelp
+                                                      : Kind::kCommand;
+        items.push_back({.kind = kind, .text = Bytes(action->text()), .enabled = action->isEnabled()});
+    }
+    return items;
+}
+
+// By the mouse, or by keys.
+void FrameWalk::ChooseItem(QMenu& menu, QAction& item) {
+    if (OneIn(2)) {
+        QTest::mouseClick(&menu, Qt::LeftButton, {}, menu.actionGeometry(&item).center());
+        return;
+    }
+    for (qsizetype left = menu.actions().size(); menu.activeAction() != &item && left > 0; --left)
+        QTest::keyClick(&menu, Qt::Key_Down);
+    ASSERT_EQ(menu.activeAction(), &item) << Bytes(item.text()) << " is not reached by keys";
+    QTest::keyClick(&menu, item.menu() == nullptr ? Qt::Key_Return : Qt::Key_Right);
+}
+
+void FrameWalk::Menu(const PointerState& pointer, const WalkMenu& wish) {
+    PointerState right = pointer;
     Send(pointer, QEvent::MouseMove, Qt::NoButton);
-    COpBox* box = Desk().m_mouseBox;
-    if (box == nullptr) return;
-    const bool onButton = Desk().m_mouseButton != nullptr;
-    if (choice == WalkMenu::kDuplicate && !onButton) Desk().DuplicateBox(*box);
-    if (choice == WalkMenu::kDeleteBox && !onButton) Desk().DeleteBox(*box);
-    if (choice == WalkMenu::kButtonAbove) Desk().GrowVinput(true);
-    if (choice == WalkMenu::kButtonBelow) Desk().GrowVinput(false);
-    if (choice == WalkMenu::kDeleteButton) Desk().DeleteButton();
-    if (choice == WalkMenu::kDeleteConnections) Desk().DeleteConnections();
-    if (choice == WalkMenu::kArgument) Desk().ToggleArgument();
-    if (choice == WalkMenu::kCast) Desk().ChooseCast(cast);
+    right.right = true;
+    Send(right, QEvent::MouseButtonPress, Qt::RightButton);
+    Send(pointer, QEvent::MouseButtonRelease, Qt::RightButton);
+    QPointer<QMenu> menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    bool isChosen = false;
+    while (menu != nullptr && !isChosen) {
+        ASSERT_TRUE(test::WaitUntil([&] { return menu->isVisible(); }));
+        const auto place = wish.next(ItemsOf(*menu));
+        if (!place) break;
+        const QPointer<QAction> item = menu->actions().at(static_cast<qsizetype>(*place));
+        isChosen = item->menu() == nullptr;
+        if (isChosen) {
+            wish.meanwhile();
+            Look();  // at this edit by itself: choosing is another
+        }
+        if (menu == nullptr || item == nullptr) break;  // what came meanwhile has closed it
+        QMenu* next = item->menu();
+        ChooseItem(*menu, *item);
+        menu = next;
+    }
+    if (menu != nullptr && !isChosen) wish.meanwhile();
+    for (int level = 0; level < 4 && QApplication::activePopupWidget() != nullptr; ++level) {
+        EXPECT_FALSE(isChosen) << "the menu stays open";
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+        SettleQuietly();
+    }
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr) << "the menu stays open";
 }
 
 void FrameWalk::Scroll(bool across, ScrollAction action, int thumb) {
@@ -168,24 +221,27 @@ void FrameWalk::SaveAndOpenAgain() {
     ASSERT_TRUE(Document().Save(directory / "walk.tvn", error)) << error;
     ASSERT_TRUE(Frame().OpenDocumentFile(directory / "walk.tvn"));
     SettleQuietly();
+    invariants->TakeAsItIs();
 }
 
 TEST_P(FrameWalk, LeavesTheDeskWholeAfterEveryEdit) {
     Start();
     Frame().resize(Frame().minimumSizeHint().expandedTo({700, 500}));
     SettleQuietly();
-    test::DeskInvariants invariants(Document(), Desk());
-    test::DeskWalk walk({Document(), Desk(), Frame().Desk().View(), *this, operators}, GetParam());
+    invariants.emplace(Document(), Desk());
+    walk.emplace(test::DeskWalk::Ground{Document(), Desk(), Frame().Desk().View(), *this, operators},
+                 GetParam());
     size_t wired = 0;
-    for (int step = 1; step <= kEdits && !HasFailure(); ++step) {
-        walk.Step();
-        if (walk.Name() == "save and open again") invariants.TakeAsItIs();
-        EXPECT_EQ(invariants.Look(walk.Selected()), "");
+    for (int step = 1; walk->PointerEdits() < kEdits && !HasFailure(); ++step) {
+        walk->Step();
+        Look();
         EXPECT_THAT(Log(), Not(HasSubstr("WARNING: m_")));
-        wired = std::max(wired, invariants.Wired().size());
-        if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk.Name();
+        wired = std::max(wired, invariants->Wired().size());
+        if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk->Name();
     }
     EXPECT_GT(wired, 1U) << "the walk came nowhere";
+    EXPECT_GT(walk->MenusOpened(), kEdits / 20);
+    EXPECT_GT(walk->ItemsChosen(), kEdits / 40);
     Document().SetModified(false);
 }
 

@@ -10,14 +10,17 @@
 #include "ui/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/OperatorToolBar.h"
+#include "ui/support/DeskPointer.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {
 namespace {
 
+using test::DeskPointer;
 using test::SourcePath;
 using test::WaitUntil;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -36,6 +39,7 @@ class MouseOnly : public test::FrameTest {
         Start();
         Frame().resize(1500, 850);
         Settle();
+        pointer.emplace(Frame());
         Document().m_renderOptions["MRAY_SIZE"] = std::to_string(kWidth) + "," + std::to_string(kHeight);
     }
     QWidget& Pane() { return Frame().Desk().Desk(); }
@@ -68,53 +72,9 @@ class MouseOnly : public test::FrameTest {
         const QPoint at(Pane().width() * (2 * column + 1) / (2 * kColumns),
                         Pane().height() * (2 * row + 1) / (2 * kRows));
         EXPECT_THAT(Desk().m_pendingBoxes, SizeIs(1));
-        MoveTo(at, Qt::NoButton);
-        Click(at);
+        pointer->Click(at);
         EXPECT_THAT(Desk().m_pendingBoxes, IsEmpty());
         return *Document().m_boxes.front();
-    }
-
-    void MoveTo(QPoint at, Qt::MouseButton held) {
-        QMouseEvent move(QEvent::MouseMove, at, Pane().mapToGlobal(at), Qt::NoButton, held, {});
-        QApplication::sendEvent(&Pane(), &move);
-    }
-    void Click(QPoint at) {
-        MoveTo(at, Qt::NoButton);
-        QTest::mouseClick(&Pane(), Qt::LeftButton, {}, at);
-        Settle();
-    }
-    QPoint At(DeskPoint point) {
-        const WindowPoint at = Frame().Desk().View().ToWindow(point);
-        return {static_cast<int>(at.x), static_cast<int>(at.y)};
-    }
-    // The place of a button that is seen and not covered.
-    QPoint Of(COpBox& box, const std::string& name) {
-        const COpButton* button = box.FindButton(name);
-        if (button == nullptr) throw std::logic_error(box.filename + " has no " + name);
-        const QPoint at = At(ButtonRect(ButtonPlace::Of(*button)).Middle());
-        EXPECT_TRUE(Pane().rect().contains(at)) << box.filename << " " << name;
-        return at;
-    }
-    void WireByDrag(QPoint from, QPoint to) {
-        MoveTo(from, Qt::NoButton);
-        QTest::mousePress(&Pane(), Qt::LeftButton, {}, from);
-        MoveTo((from + to) / 2, Qt::LeftButton);
-        MoveTo(to, Qt::LeftButton);
-        QTest::mouseRelease(&Pane(), Qt::LeftButton, {}, to);
-        Settle();
-    }
-    void WireByClicks(QPoint from, QPoint to) {
-        Click(from);
-        Click(to);
-    }
-
-    // In the middle of the wire's middle piece.
-    void ClickWireInto(const COpButton& input) {
-        const Polyline wire = ConnectionPolyline(ButtonPlace::Of(*input.connections.First()),
-                                                 ButtonPlace::Of(input), Document().linetype == 1);
-        const DeskPoint from = wire.points[wire.count / 2 - 1];
-        const DeskPoint to = wire.points[wire.count / 2];
-        Click(At({(from.x + to.x) / 2, (from.y + to.y) / 2}));
     }
 
     QImage Render(int number) {
@@ -128,8 +88,27 @@ class MouseOnly : public test::FrameTest {
         return picture.convertToFormat(QImage::Format_RGB32);
     }
 
+    // What was written of the last render for the filter script.
+    std::string Code() { return test::ReadFile(WorkDir() + "/codegenfile"); }
+    static size_t Colors(const QImage& picture) {
+        std::set<QRgb> colors;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x) colors.insert(picture.pixel(x, y));
+        return colors.size();
+    }
+    // How many pixels are clearly not grey.
+    static int Tinted(const QImage& picture) {
+        int tinted = 0;
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x) tinted += picture.pixelColor(x, y).hsvSaturation() > 60;
+        return tinted;
+    }
+    static std::vector<QPoint> Corners() { return {{0, 0}, {kWidth - 1, 0}}; }
+
     void BuildNetwork();
+    std::optional<DeskPointer> pointer;
     COpBox* surface = nullptr;
+    COpBox* mix = nullptr;
 
   private:
     static constexpr int kColumns = 5;
@@ -150,7 +129,7 @@ void MouseOnly::BuildNetwork() {
     TakeFromMenu("Patterns", "Checker");
     COpBox& checker = Drop(2, 2);
     TakeFromToolBar("Mix");
-    COpBox& mix = Drop(2, 0);
+    mix = &Drop(2, 0);
     TakeFromMenu("Colour", "Layers");
     COpBox& layers = Drop(2, 1);
     TakeFromMenu("Shading", "Matte");
@@ -158,27 +137,19 @@ void MouseOnly::BuildNetwork() {
     TakeFromToolBar("Surface");
     surface = &Drop(4, 1);
 
-    WireByDrag(Of(number, "result"), Of(noise, "detail"));
-    WireByClicks(Of(noise, "result"), Of(ramp, "value"));
-    WireByDrag(Of(ramp, "result"), Of(mix, "upper"));
-    WireByClicks(Of(even, "result"), Of(checker, "even"));
-    WireByDrag(Of(checker, "odd"), Of(odd, "result"));  // from the input back
-    WireByClicks(Of(mix, "lower"), Of(checker, "result"));
-    WireByDrag(Of(layers, "result"), Of(matte, "colour"));
-    WireByClicks(Of(matte, "result"), Of(*surface, "colour"));
-
+    DeskPointer& hand = *pointer;
+    hand.WireByDrag(hand.Of(number, "result"), hand.Of(noise, "detail"));
+    hand.WireByClicks(hand.Of(noise, "result"), hand.Of(ramp, "value"));
+    hand.WireByDrag(hand.Of(ramp, "result"), hand.Of(*mix, "upper"));
+    hand.WireByClicks(hand.Of(even, "result"), hand.Of(checker, "even"));
+    hand.WireByDrag(hand.Of(checker, "odd"), hand.Of(odd, "result"));  // from the input back
+    hand.WireByClicks(hand.Of(*mix, "lower"), hand.Of(checker, "result"));
+    hand.WireByDrag(hand.Of(layers, "result"), hand.Of(matte, "colour"));
+    hand.WireByClicks(hand.Of(matte, "result"), hand.Of(*surface, "colour"));
     // The colour lies on the second layer, which the arrow below the first makes.
-    const QPoint first = Of(layers, "layer1");
-    MoveTo(Of(mix, "result"), Qt::NoButton);
-    QTest::mousePress(&Pane(), Qt::LeftButton, {}, Of(mix, "result"));
-    MoveTo(first, Qt::LeftButton);
-    Settle();  // a paint brings the arrows up
-    const QPoint arrow = At(GrowArrowRect(ButtonPlace::Of(*layers.FindButton("layer1")), false).Middle());
-    MoveTo(arrow, Qt::LeftButton);
-    QTest::mouseRelease(&Pane(), Qt::LeftButton, {}, arrow);
-    Settle();
+    hand.WireToArrow(hand.Of(*mix, "result"), *layers.FindButton("layer1"), false);
     EXPECT_THAT(layers.inputs, SizeIs(3));
-    EXPECT_EQ(layers.inputs.at(1)->connections.First(), mix.FindButton("result"));
+    EXPECT_EQ(layers.inputs.at(1)->connections.First(), mix->FindButton("result"));
 }
 
 TEST_F(MouseOnly, TenBoxesAreWiredAndRendered) {
@@ -191,25 +162,35 @@ TEST_F(MouseOnly, TenBoxesAreWiredAndRendered) {
     EXPECT_EQ(Document().CollectUnconnectedInputs().size() + 9, inputs);
 
     const QImage picture = Render(1);
-    std::set<QRgb> colors;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) colors.insert(picture.pixel(x, y));
-    }
-    EXPECT_GT(colors.size(), 100U);
+    EXPECT_GT(Colors(picture), 100U);
+    EXPECT_GT(Tinted(picture), 100);
 
-    // Without its last wire the surface shows its own colour; what stands behind it stays.
-    ClickWireInto(*surface->FindButton("colour"));
+    // As numbers what is mixed is grey, which its menu changes for both of its sides; the background is not.
+    pointer->ChooseAt(pointer->Of(*mix, "result"), {"Casts", "float"});
+    for (const char* side : {"lower", "upper"}) EXPECT_EQ(mix->FindButton(side)->CurrentType(), "float");
+    EXPECT_THAT(Code(), HasSubstr("vec3 Mix_7_result;"));
+    const QImage numbers = Render(2);
+    EXPECT_THAT(Code(), HasSubstr("float Mix_7_result;"));
+    EXPECT_GT(Colors(numbers), 20U);
+    EXPECT_LT(Tinted(numbers), Tinted(picture) / 2);
+    for (const QPoint corner : Corners()) EXPECT_EQ(numbers.pixel(corner), picture.pixel(corner));
+
+    // Without its last wire the surface shows its own colour; what stands behind it stays. That colour is an
+    // argument of the shader now, which has the same value.
+    pointer->Click(pointer->OfWireInto(*surface->FindButton("colour")));
     ASSERT_THAT(Desk().m_selectedConnects, SizeIs(1));
     test::ChooseInMenu(Frame(), "Edit", Action(CommandId::kDelete));
     EXPECT_TRUE(surface->FindButton("colour")->connections.Empty());
-    const QImage grey = Render(2);
+    pointer->ChooseAt(pointer->Of(*surface, "colour"), {"Argument"});
+    const QImage grey = Render(3);
+    EXPECT_THAT(Code(), HasSubstr("mrAs_vec3(Surface_10_colour)"));
     const QPoint middle(kWidth / 2, kHeight / 2);
     EXPECT_NE(grey.pixel(middle), picture.pixel(middle));
+    EXPECT_NE(grey.pixel(middle), numbers.pixel(middle));
     const QColor seen = grey.pixelColor(middle);
     EXPECT_NEAR(seen.red(), seen.green(), 2);
     EXPECT_NEAR(seen.red(), seen.blue(), 2);
-    for (const QPoint corner : {QPoint(0, 0), QPoint(kWidth - 1, 0)})
-        EXPECT_EQ(grey.pixel(corner), picture.pixel(corner)) << corner.x();
+    for (const QPoint corner : Corners()) EXPECT_EQ(grey.pixel(corner), picture.pixel(corner));
 }
 
 }  // namespace

@@ -12,7 +12,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kAtlasSize = 2048;
 // What would take too much of the texture is drawn plainly.
 constexpr int kWidestWriting = 1024;
 constexpr int kLargestIcon = 256;
@@ -21,13 +20,10 @@ constexpr float kCutMargin = 0.0001F;
 
 }  // namespace
 
-BatchedPen::BatchedPen(const DeskViewport& view, DeskFonts& fonts)
-    : DeskPen(view, fonts), m_atlas(kAtlasSize) {}
-
-bool BatchedPen::IsUsable() {
+bool BatchedPen::IsUsable() const {
     GLint size = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &size);
-    return size >= kAtlasSize;
+    return size >= m_atlas.Size();
 }
 
 void BatchedPen::ContextIsNew() {
@@ -54,25 +50,13 @@ std::optional<BatchedPen::Place> BatchedPen::Room(int width, int height) {
     return m_atlas.Add(width, height);
 }
 
-DeskPoint BatchedPen::RasterAt(DeskPoint at) const {
-    return {kPixelCentre + (at.x - Visible().left) * DevicePixels(),
-            kPixelCentre + (at.y - Visible().bottom) * DevicePixels()};
-}
-
-// The inverse of what Begin tells the context.
-DeskPoint BatchedPen::DeskOf(float windowX, float windowY) const {
-    return {Visible().left + (windowX - kPixelCentre) / DevicePixels(),
-            Visible().bottom + (windowY - kPixelCentre) / DevicePixels()};
-}
-
-void BatchedPen::Picture(const Place& place, float left, float bottom, float width, float height,
-                         const Rgb& color) {
-    const auto inTexture = [](int x, int y) {
-        return DeskPoint{static_cast<float>(x) / kAtlasSize, static_cast<float>(y) / kAtlasSize};
+void BatchedPen::Picture(const Place& place, const DeskRect& window, const Rgb& color) {
+    const auto inTexture = [size = static_cast<float>(m_atlas.Size())](int x, int y) {
+        return DeskPoint{static_cast<float>(x) / size, static_cast<float>(y) / size};
     };
     m_layers.AddPicture(
         {inTexture(place.x, place.y), inTexture(place.x + place.width, place.y + place.height)},
-        DeskOf(left, bottom), DeskOf(left + width, bottom + height), color);
+        {{window.left, window.bottom}, {window.Right(), window.Top()}}, color);
 }
 
 std::optional<BatchedPen::Writing> BatchedPen::Write(int font, const std::u32string& letters) {
@@ -132,10 +116,13 @@ void BatchedPen::Text(int font, const std::string& text, const Rgb& color, DeskP
         return;
     }
     if (writing->place.width == 0) return;
-    const DeskPoint raster = RasterAt(at);
-    Picture(writing->place, std::floor(raster.x + kCutMargin) + static_cast<float>(writing->left),
-            std::floor(raster.y + kCutMargin) + static_cast<float>(writing->bottom),
-            static_cast<float>(writing->place.width), static_cast<float>(writing->place.height), color);
+    const DeskPoint begin = FromCorner(at);
+    constexpr float kCut = kPixelCentre + kCutMargin;
+    Picture(writing->place,
+            {std::floor(begin.x + kCut) + static_cast<float>(writing->left),
+             std::floor(begin.y + kCut) + static_cast<float>(writing->bottom),
+             static_cast<float>(writing->place.width), static_cast<float>(writing->place.height)},
+            color);
 }
 
 const BatchedPen::Place* BatchedPen::PlaceOf(const CSgiImage& image) {
@@ -154,17 +141,19 @@ const BatchedPen::Place* BatchedPen::PlaceOf(const CSgiImage& image) {
 }
 
 // Where pixels are drawn they begin at the nearest whole one.
-void BatchedPen::Icon(const CSgiImage& image, DeskPoint lowerLeft) {
+void BatchedPen::Image(const CSgiImage& image, DeskPoint lowerLeft) {
     const Place* place = PlaceOf(image);
     if (place == nullptr) {
         Flush();
         ImageByPixels(image, lowerLeft, 1 / Pixel());
         return;
     }
-    const DeskPoint raster = RasterAt(lowerLeft);
-    Picture(*place, std::round(raster.x), std::round(raster.y),
-            static_cast<float>(image.width) * DevicePixels(),
-            static_cast<float>(image.height) * DevicePixels(), {1, 1, 1});
+    const DeskPoint begin = FromCorner(lowerLeft);
+    Picture(
+        *place,
+        {std::round(begin.x + kPixelCentre), std::round(begin.y + kPixelCentre),
+         static_cast<float>(image.width) * DevicePixels(), static_cast<float>(image.height) * DevicePixels()},
+        {1, 1, 1});
 }
 
 }  // namespace tavrin

@@ -15,10 +15,13 @@ namespace tavrin {
 // PlainPen. Where the context's textures are too small, IsUsable tells.
 class BatchedPen : public DeskPen {
   public:
-    BatchedPen(const DeskViewport& view, DeskFonts& fonts);
+    static constexpr int kTextureSize = 2048;
+    // The texture has so many pixels on a side, a power of two.
+    BatchedPen(const DeskViewport& view, DeskFonts& fonts, int textureSize = kTextureSize)
+        : DeskPen(view, fonts), m_atlas(textureSize) {}
 
-    // Of the current context.
-    static bool IsUsable();
+    // In the current context.
+    bool IsUsable() const;
     void ContextIsNew() override;
 
     void BeginObject(const DeskRect& bounds) override { m_layers.BeginObject(bounds); }
@@ -27,9 +30,8 @@ class BatchedPen : public DeskPen {
         m_layers.AddPolygon(corners, color);
     }
     void Line(std::span<const DeskPoint> points, const LineLook& look) override {
-        m_layers.AddLine(points, look);
+        m_layers.AddLine(points, {look.color, DeviceWidth(look), look.stippled});
     }
-    void Icon(const CSgiImage& image, DeskPoint lowerLeft) override;
 
   protected:
     void ViewIsSet() override { m_layers.SetView(Visible(), Pixel()); }
@@ -37,6 +39,7 @@ class BatchedPen : public DeskPen {
         m_layers.AddFaces(corners, color);
     }
     void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) override;
+    void Image(const CSgiImage& image, DeskPoint lowerLeft) override;
     void Flush() override;
 
   private:
@@ -57,9 +60,7 @@ class BatchedPen : public DeskPen {
     void Ink(int font, const std::u32string& letters, const Writing& writing);
     const Place* PlaceOf(const CSgiImage& image);
     // Over a rectangle of the window, in device pixels from its lower left corner.
-    void Picture(const Place& place, float left, float bottom, float width, float height, const Rgb& color);
-    DeskPoint DeskOf(float windowX, float windowY) const;
-    DeskPoint RasterAt(DeskPoint at) const;
+    void Picture(const Place& place, const DeskRect& window, const Rgb& color);
 
     DrawLayers m_layers;
     DeskAtlas m_atlas;

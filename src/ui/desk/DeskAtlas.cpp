@@ -34,9 +34,9 @@ std::optional<DeskAtlas::Place> DeskAtlas::Add(int width, int height) {
 unsigned char* DeskAtlas::Row(const Place& place, int row) { return PixelAt(place.x, place.y + row); }
 
 void DeskAtlas::Clear() {
+    std::fill_n(m_pixels.begin(), PixelAt(0, m_top) - m_pixels.data(), 0);
     m_shelves.clear();
     m_top = 0;
-    std::fill(m_pixels.begin(), m_pixels.end(), 0);
 }
 
 void DeskAtlas::ContextIsNew() {

@@ -1,6 +1,7 @@
 #include "ui/desk/DeskContextMenu.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QMenu>
 #include <QScreen>
 #include <QWidgetAction>
@@ -13,6 +14,18 @@ namespace tavrin {
 namespace {
 
 using Choose = std::function<void(int id)>;
+
+// A desk that is locked disables what belongs to it: the menu could not even be closed by hand any more.
+class ContextMenu : public QMenu {
+  public:
+    using QMenu::QMenu;
+
+  protected:
+    void changeEvent(QEvent* event) override {
+        QMenu::changeEvent(event);
+        if (event->type() == QEvent::EnabledChange && !isEnabled()) close();
+    }
+};
 
 // '&' is no mnemonic, and what would break the line or begin the column of shortcuts is a blank.
 QString ItemText(const QMenu& menu, const std::string& text) {
@@ -71,7 +84,7 @@ void AddEntries(QMenu& menu, const DeskMenuEntries& entries, const Choose& choos
 }  // namespace
 
 QMenu* MakeDeskContextMenu(QWidget* parent, const DeskMenuEntries& entries, const Choose& choose) {
-    auto* menu = new QMenu(parent);
+    auto* menu = new ContextMenu(parent);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     AddEntries(*menu, entries, choose);
     return menu;

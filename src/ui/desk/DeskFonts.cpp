@@ -1,5 +1,6 @@
 #include "ui/desk/DeskFonts.h"
 
+#include <QFontInfo>
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
@@ -17,6 +18,11 @@ namespace {
 constexpr float kPixelsInAPoint = 96.0F / 72.0F;  // whatever the screen: texts are to fit their boxes
 constexpr char32_t kCommonLetters = 256;          // those of Latin-1, found without a search
 constexpr char32_t kDelete = 127;
+// Letters of so few pixels, without shades, stand at even distances: their faces' own ones, rounded to
+// pixels, would tear some words apart and let the letters of others touch.
+constexpr int kSmallPixels = 10;
+constexpr int kSmallGap = 1;
+constexpr int kSmallBlank = 3;
 constexpr char32_t kFirstUpperLetter = 160;
 
 bool IsShown(char32_t letter) { return (letter >= U' ' && letter < kDelete) || letter >= kFirstUpperLetter; }
@@ -60,6 +66,7 @@ struct DeskFonts::Size {
     };
 
     explicit Size(const QFont& face) : font(face), metrics(face) {}
+    bool IsSmall() const { return font.pixelSize() <= kSmallPixels; }
     Letter& At(char32_t letter) { return letter < kCommonLetters ? common[letter] : others[letter]; }
 
     QFont font;
@@ -94,7 +101,8 @@ DeskFonts::Size& DeskFonts::SizeAt(int font) {
     face.setStyleStrategy(QFont::NoAntialias);
     face.setHintingPreference(QFont::PreferFullHinting);
     size = std::make_unique<Size>(face);
-    if (size->metrics.ascent() <= 0) {
+    // Without a single face the toolkit draws frames in the place of letters; they are of no family.
+    if (size->metrics.ascent() <= 0 || QFontInfo(face).family().isEmpty()) {
         m_fail("FATAL ERROR: " + std::to_string(points) + " point font unavailable");
     }
     return *size;
@@ -104,7 +112,12 @@ int DeskFonts::AdvanceOf(int font, char32_t letter) {
     if (!IsShown(letter)) return 0;
     Size& size = SizeAt(font);
     std::optional<int>& advance = size.At(letter).advance;
-    if (!advance) advance = size.metrics.horizontalAdvance(TextOf(letter));
+    if (advance) return *advance;
+    advance = size.metrics.horizontalAdvance(TextOf(letter));
+    if (size.IsSmall() && *advance > 0) {
+        const Glyph& glyph = GlyphOf(font, letter);
+        advance = glyph.width > 0 ? glyph.width + kSmallGap : std::max(*advance, kSmallBlank);
+    }
     return *advance;
 }
 
@@ -116,15 +129,17 @@ const Glyph& DeskFonts::GlyphOf(int font, char32_t letter) {
     // A letter may stand out of its advance and of its line on all sides.
     const int margin = size.font.pixelSize();
     const QPoint origin(margin, margin + size.metrics.ascent());
-    QImage image(AdvanceOf(font, letter) + 2 * margin, size.metrics.height() + 2 * margin,
-                 QImage::Format_Mono);
+    const int advance = size.metrics.horizontalAdvance(TextOf(letter));
+    QImage image(advance + 2 * margin, size.metrics.height() + 2 * margin, QImage::Format_Mono);
     image.fill(0);
     QPainter painter(&image);
     painter.setFont(size.font);
     painter.setPen(Qt::white);
     painter.drawText(origin, TextOf(letter));
     painter.end();
-    return glyph.emplace(CutOut(image, origin));
+    glyph = CutOut(image, origin);
+    if (size.IsSmall() && advance > 0) glyph->left = 0;
+    return *glyph;
 }
 
 float DeskFonts::TextWidth(int font, const std::string& text) {

@@ -77,6 +77,21 @@ TEST_F(DeskFonts, AGlyphStandsOnTheBaseLine) {
     EXPECT_EQ(fonts.GlyphOf(20, U' ').width, 0);
 }
 
+TEST_F(DeskFonts, SmallLettersStandAtEvenDistances) {
+    for (const int font : {tavrin::DeskFonts::LabelFont(0.5F), tavrin::DeskFonts::LabelFont(1)}) {
+        for (const char32_t letter : U"coverfourth1.") {
+            if (letter == 0) continue;
+            EXPECT_EQ(fonts.GlyphOf(font, letter).left, 0) << int(letter);
+            EXPECT_EQ(fonts.AdvanceOf(font, letter), fonts.GlyphOf(font, letter).width + 1) << int(letter);
+        }
+        EXPECT_GE(fonts.AdvanceOf(font, U' '), 3);
+    }
+    // Large ones have the places that their face gives them.
+    const int large = tavrin::DeskFonts::kSizes - 1;
+    EXPECT_GT(fonts.AdvanceOf(large, U'l'), fonts.GlyphOf(large, U'l').width + 1);
+    EXPECT_GT(fonts.GlyphOf(large, U'l').left, 0);
+}
+
 TEST_F(DeskFonts, AtTwiceTheDevicePixelsTextsAreAsWide) {
     const float single = fonts.TextWidth(9, "a longer text");
     const float height = fonts.MetricsOf(9).height;

@@ -1,7 +1,8 @@
 #include "ui/desk/DeskPainter.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdlib>
+#include <cmath>
 #include <span>
 
 #include "document/TvDoc.h"
@@ -13,8 +14,13 @@ namespace {
 constexpr float kVeilShade = 0.2F;         // how much darker than the background
 constexpr DeskPoint kVarNameOffset{4, 6};  // of a variable's name from the start of its line, desk units
 
-// Without the segments at both ends that are out of view: a stipple whose first segment is clipped away would
-// begin with whatever the last one ended with.
+// Positions from a file may be anything.
+bool IsDrawable(const Polyline& line) {
+    return std::all_of(line.begin(), line.end(),
+                       [](DeskPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); });
+}
+
+// Without the segments at both ends that are out of view.
 std::span<const DeskPoint> PartInView(const Polyline& line, const DeskRect& visible) {
     const auto isOut = [&](size_t segment) {
         const DeskRect reach = DeskRect::Between(line.points[segment], line.points[segment + 1]);
@@ -78,7 +84,11 @@ void DeskPainter::PaintLines(const Boxes& boxes) {
 
 void DeskPainter::PaintLine(const ButtonPlace& from, const ButtonPlace& to, const LineLook& look) {
     const Polyline line = ConnectionPolyline(from, to, m_parts.document.linetype == 1);
-    m_pen.Line(PartInView(line, m_pen.Visible().GrownBy((look.width + 1) * m_pen.Pixel())), look);
+    if (!IsDrawable(line)) return;
+    // A stipple whose first segment the context clips away would begin with whatever the last one ended with.
+    // It clips by a line's middle, about half a pixel beside what is seen.
+    const float margin = look.stippled ? -0.5F : look.width + 1;
+    m_pen.Line(PartInView(line, m_pen.Visible().GrownBy(margin * m_pen.Pixel())), look);
     if (m_parts.document.showvarnames != 0 && m_pen.HasLabels()) {
         PaintVariableName(*from.box->outputs[from.index], line.points[0], look.color);
     }

@@ -1,4 +1,5 @@
 // How a box is painted.
+#include <algorithm>
 #include <array>
 
 #include "document/TvDoc.h"
@@ -25,8 +26,9 @@ constexpr float kArrowMargin = 3;
 }  // namespace
 
 void DeskPainter::PaintAllBoxes(const std::string& highlightedBox) {
-    const float around = desk_lengths::kGrowArrowHeight + kMarksWidth +
-                         m_parts.style.selectedBoxWidth * m_pen.Pixel();  // what may stand out of a box
+    // What may stand out of a box.
+    const float pixels = std::max(0.0F, m_parts.style.selectedBoxWidth) + kCrossWidth + 1;
+    const float around = desk_lengths::kGrowArrowHeight + kMarksWidth + pixels * m_pen.Pixel();
     const auto paint = [&](const COpBox& box) {
         const DeskRect bounds = BoxRect(box).GrownBy(around);
         if (!bounds.Overlaps(m_pen.Visible())) return;

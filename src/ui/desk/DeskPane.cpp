@@ -93,6 +93,7 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
     grid->setRowStretch(0, 1);
     grid->setColumnStretch(0, 1);
     LoadWallpaper();
+    m_fonts.MetricsOf(DeskFonts::LabelFont(1));  // a platform without fonts is to fail at once
 }
 
 DeskPane::~DeskPane() = default;
@@ -212,7 +213,7 @@ void DeskPane::FollowPixelRatio() {
 void DeskPane::ContextIsNew() {
     m_plainPen.ContextIsNew();
     m_batchedPen.ContextIsNew();
-    if (!BatchedPen::IsUsable()) m_plain = true;
+    m_canBatch = m_batchedPen.IsUsable();
 }
 
 void DeskPane::Paint() {
@@ -220,7 +221,7 @@ void DeskPane::Paint() {
     FollowPixelRatio();
     if (m_layoutDirty || m_view.Zoom() != m_lastZoom) LayoutAll();
     m_gestures.UpdateGrowArrows();
-    DeskPen& pen = m_plain ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
+    DeskPen& pen = m_plain || !m_canBatch ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
     DeskPainter(m_parts, pen)
         .Paint(
             {m_callbacks.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});

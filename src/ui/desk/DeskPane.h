@@ -63,8 +63,8 @@ class DeskPane : public QWidget {
     bool m_showWallpaper = true;
     bool m_tileWallpaper = false;
 
-    // Whether to draw shape by shape, which is slower and looks the same. Is switched on by itself where the
-    // context can do no better.
+    // Whether to draw shape by shape, which is slower and looks the same. Where the context can do no better
+    // it is done in any case.
     void SetPlain(bool plain) { m_plain = plain; }
 
   protected:
@@ -111,6 +111,7 @@ class DeskPane : public QWidget {
     PlainPen m_plainPen{m_view, m_fonts};
     BatchedPen m_batchedPen{m_view, m_fonts};
     bool m_plain = false;
+    bool m_canBatch = true;  // in the context as it is
     std::unique_ptr<CSgiImage> m_wallpaper;
     DeskWidget* m_widget;
     QScrollBar* m_across;

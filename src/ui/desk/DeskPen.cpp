@@ -16,6 +16,8 @@ using namespace desk_colors;
 constexpr unsigned short kLineStipple = 0x3333;
 constexpr size_t kRowBytes = 4;  // of a stipple pattern with 32 rows
 constexpr size_t kPatternBytes = 32 * kRowBytes;
+// Device pixels; no text is so long that it would be seen from there.
+constexpr float kFarAway = 1e6F;
 
 GLsizei Rounded(float length) { return static_cast<GLsizei>(std::lround(length)); }
 
@@ -39,6 +41,8 @@ void DeskPen::Begin(const Rgb& background) {
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
     glPolygonMode(GL_FRONT, GL_FILL);
+    glShadeModel(
+        GL_FLAT);  // between corners of one colour there may come out another one in the thinnest faces
     glLineStipple(1, kLineStipple);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glClearColor(background.r, background.g, background.b, 1);
@@ -77,6 +81,9 @@ void DeskPen::Bevel(const DeskRect& rect, const Rgb& color) {
           kBevelDark);
 }
 
+// A width that the context would refuse counts as the least one.
+float DeskPen::DeviceWidth(const LineLook& look) const { return look.width > 0 ? look.width * m_ratio : 1; }
+
 void DeskPen::Veil(const Rgb& color) {
     Flush();
     std::array<unsigned char, kPatternBytes> checkerboard;
@@ -88,13 +95,25 @@ void DeskPen::Veil(const Rgb& color) {
     glDisable(GL_POLYGON_STIPPLE);
 }
 
-// From a place that is always valid: so what follows may begin outside the window. The colour in use when the
+// From the window's corner, which is always valid: so what follows may begin outside the window. The corner
+// is told in pixels, since desk units far from the origin are not fine enough. The colour in use when the
 // raster is moved is that of the text.
 void DeskPen::MoveRaster(DeskPoint to) const {
     static constexpr unsigned char kNothing[4] = {};
-    const float pixels = DevicePixels();
-    glRasterPos2f(m_visible.left, m_visible.bottom);
-    glBitmap(1, 1, 0, 0, (to.x - m_visible.left) * pixels, (to.y - m_visible.bottom) * pixels, kNothing);
+    const float corner = kPixelCentre / m_ratio;
+    const DeskPoint move = FromCorner(to);
+    glPushMatrix();
+    glLoadIdentity();
+    glRasterPos2f(corner, corner);
+    glPopMatrix();
+    glBitmap(1, 1, 0, 0, move.x, move.y, kNothing);
+}
+
+void DeskPen::TextAt(int font, const std::string& text, const Rgb& color, DeskPoint at) {
+    if (font == DeskFonts::kNone || text.empty()) return;
+    const DeskPoint begin = FromCorner(at);
+    const bool isNear = std::abs(begin.x) < kFarAway && std::abs(begin.y) < kFarAway;
+    if (isNear) Text(font, text, color, at);
 }
 
 void DeskPen::TextByLists(int font, const std::string& text, const Rgb& color, DeskPoint at) {
@@ -108,9 +127,15 @@ void DeskPen::Centred(int font, const std::string& text, const DeskRect& rect) {
     const DeskFonts::Metrics metrics = m_fonts.MetricsOf(font);
     const float width = m_fonts.TextWidth(font, text) * Pixel();
     const float height = (metrics.height + metrics.leading) * Pixel();
-    Text(font, text, kInk,
-         {rect.left + (rect.width - width) * 0.5F,
-          rect.Top() - (height + rect.height) * 0.5F + metrics.descent * Pixel()});
+    TextAt(font, text, kInk,
+           {rect.left + (rect.width - width) * 0.5F,
+            rect.Top() - (height + rect.height) * 0.5F + metrics.descent * Pixel()});
+}
+
+void DeskPen::Icon(const CSgiImage& image, DeskPoint lowerLeft) {
+    const DeskRect rect{lowerLeft.x, lowerLeft.y, static_cast<float>(image.width),
+                        static_cast<float>(image.height)};
+    if (rect.GrownBy(Pixel()).Overlaps(m_visible)) Image(image, lowerLeft);
 }
 
 void DeskPen::ImageByPixels(const CSgiImage& image, DeskPoint lowerLeft, float scale) {

@@ -57,7 +57,7 @@ class DeskPen {
 
     // The left end of the base line is at the point.
     void LabelAt(const std::string& text, const Rgb& color, DeskPoint at) {
-        if (HasLabels() && !text.empty()) Text(m_labelFont, text, color, at);
+        TextAt(m_labelFont, text, color, at);
     }
     // Both in desk units.
     float LabelWidth(const std::string& text) { return m_fonts.TextWidth(m_labelFont, text) * Pixel(); }
@@ -66,7 +66,7 @@ class DeskPen {
     void CentredTitle(const std::string& text, const DeskRect& rect) { Centred(m_titleFont, text, rect); }
 
     // One pixel of the image is one desk unit large. Images stay as they are while there is a pen.
-    virtual void Icon(const CSgiImage& image, DeskPoint lowerLeft) = 0;
+    void Icon(const CSgiImage& image, DeskPoint lowerLeft);
     // Stands in the middle of the window, or fills it with copies from the lower left corner on.
     void Wallpaper(const CSgiImage& image, bool tiled);
 
@@ -77,20 +77,28 @@ class DeskPen {
     virtual void ViewIsSet() {}
     // Faces of four corners each.
     virtual void Quads(std::span<const DeskPoint> corners, const Rgb& color) = 0;
-    // Neither the font nor the text is empty.
+    // Neither the font nor the text is empty, and the point is not far from the window.
     virtual void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) = 0;
+    // Some of it is in view.
+    virtual void Image(const CSgiImage& image, DeskPoint lowerLeft) = 0;
     // Draws what waits to be drawn.
     virtual void Flush() {}
 
     DeskFonts& Fonts() { return m_fonts; }
     float DevicePixels() const { return m_zoom * m_ratio; }  // in a desk unit
     float PixelRatio() const { return m_ratio; }
+    // In device pixels from the lower left corner of what is seen.
+    DeskPoint FromCorner(DeskPoint at) const {
+        return {(at.x - m_visible.left) * DevicePixels(), (at.y - m_visible.bottom) * DevicePixels()};
+    }
+    float DeviceWidth(const LineLook& look) const;
     // The ways of OpenGL for single letters and images.
     void TextByLists(int font, const std::string& text, const Rgb& color, DeskPoint at);
     void ImageByPixels(const CSgiImage& image, DeskPoint lowerLeft, float scale);
 
   private:
     void MoveRaster(DeskPoint to) const;
+    void TextAt(int font, const std::string& text, const Rgb& color, DeskPoint at);
     void Centred(int font, const std::string& text, const DeskRect& rect);
     void Tile(const CSgiImage& image);
 

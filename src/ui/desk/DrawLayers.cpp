@@ -10,10 +10,28 @@ namespace tavrin {
 namespace {
 
 constexpr float kCellPixels = 64;
+// Objects of a cell that are told apart. Beyond them they count as one, which may put what comes later into
+// a higher layer than it needs, but bounds the search where all of a network lies on one spot.
+constexpr size_t kMostInCell = 64;
+// Memory of a layer and of the layers together that is kept in any case: vertices and layers.
+constexpr size_t kLittle = 256;
 
-// Of cells, for a position that may be anything.
+// The cell of a position, which may be anything, not a number as well.
 size_t Clamped(float position, size_t count) {
-    return static_cast<size_t>(std::clamp(position, 0.0F, static_cast<float>(count - 1)));
+    if (!(position > 0)) return 0;
+    return static_cast<size_t>(std::min(position, static_cast<float>(count - 1)));
+}
+
+// Whether so much memory is far more than what was needed.
+bool IsFarMore(size_t memory, size_t used) { return memory > 4 * used + kLittle; }
+
+template <typename Vertices>
+void Empty(Vertices& vertices) {
+    if (IsFarMore(vertices.capacity(), vertices.size())) {
+        Vertices().swap(vertices);
+    } else {
+        vertices.clear();
+    }
 }
 
 }  // namespace
@@ -34,30 +52,41 @@ void DrawLayers::ForgetObjects() {
     for (auto& cell : m_cells) cell.clear();
 }
 
-DrawLayers::Cells DrawLayers::CellsOf(const DeskRect& bounds) const {
-    return {Clamped((bounds.left - m_view.left) / m_cell, m_columns),
-            Clamped((bounds.Right() - m_view.left) / m_cell, m_columns),
-            Clamped((bounds.bottom - m_view.bottom) / m_cell, m_rows),
-            Clamped((bounds.Top() - m_view.bottom) / m_cell, m_rows)};
+template <typename Visit>
+void DrawLayers::ForEachCell(const DeskRect& bounds, Visit visit) {
+    const size_t left = Clamped((bounds.left - m_view.left) / m_cell, m_columns);
+    const size_t right = Clamped((bounds.Right() - m_view.left) / m_cell, m_columns);
+    const size_t bottom = Clamped((bounds.bottom - m_view.bottom) / m_cell, m_rows);
+    const size_t top = Clamped((bounds.Top() - m_view.bottom) / m_cell, m_rows);
+    for (size_t row = bottom; row <= top; ++row) {
+        for (size_t column = left; column <= right; ++column) visit(m_cells[row * m_columns + column]);
+    }
 }
 
 void DrawLayers::BeginObject(const DeskRect& bounds) {
     if (!m_inObject) m_firstLayer = m_used;
     m_inObject = true;
+    m_bounds = bounds;
     m_current = m_firstLayer;
-    const Cells cells = CellsOf(bounds);
-    for (size_t row = cells.bottom; row <= cells.top; ++row) {
-        for (size_t column = cells.left; column <= cells.right; ++column) {
-            for (const Object& object : m_cells[row * m_columns + column]) {
-                if (object.layer >= m_current && object.bounds.Overlaps(bounds)) m_current = object.layer + 1;
+    ForEachCell(bounds, [&](const std::vector<Object>& cell) {
+        for (const Object& object : cell) {
+            if (object.layer >= m_current && object.bounds.Overlaps(bounds)) m_current = object.layer + 1;
+        }
+    });
+    RememberObject({bounds, m_current});
+}
+
+void DrawLayers::RememberObject(const Object& object) {
+    ForEachCell(object.bounds, [&](std::vector<Object>& cell) {
+        if (cell.size() == kMostInCell) {
+            Object all = cell.front();
+            for (const Object& one : cell) {
+                all = {all.bounds.UnitedWith(one.bounds), std::max(all.layer, one.layer)};
             }
+            cell.assign(1, all);
         }
-    }
-    for (size_t row = cells.bottom; row <= cells.top; ++row) {
-        for (size_t column = cells.left; column <= cells.right; ++column) {
-            m_cells[row * m_columns + column].push_back({bounds, m_current});
-        }
-    }
+        cell.push_back(object);
+    });
 }
 
 void DrawLayers::EndObjects() {
@@ -90,6 +119,7 @@ void DrawLayers::AddFaces(std::span<const DeskPoint> corners, const Rgb& color) 
 
 // As quads that share the first corner.
 void DrawLayers::AddPolygon(std::span<const DeskPoint> corners, const Rgb& color) {
+    if (corners.size() < 3) return;
     auto& polygons = LayerFor(Kind::kPolygons).polygons;
     for (size_t i = 1; i + 1 < corners.size(); i += 2) {
         const size_t last = std::min(i + 2, corners.size() - 1);
@@ -97,15 +127,16 @@ void DrawLayers::AddPolygon(std::span<const DeskPoint> corners, const Rgb& color
     }
 }
 
-void DrawLayers::AddPicture(const TextureRect& texture, DeskPoint low, DeskPoint high, const Rgb& color) {
+void DrawLayers::AddPicture(const Span& texture, const Span& window, const Rgb& color) {
     auto& pictures = LayerFor(Kind::kPictures).pictures;
-    pictures.push_back({low, texture.low, color});
-    pictures.push_back({{high.x, low.y}, {texture.high.x, texture.low.y}, color});
-    pictures.push_back({high, texture.high, color});
-    pictures.push_back({{low.x, high.y}, {texture.low.x, texture.high.y}, color});
+    pictures.push_back({window.low, texture.low, color});
+    pictures.push_back({{window.high.x, window.low.y}, {texture.high.x, texture.low.y}, color});
+    pictures.push_back({window.high, texture.high, color});
+    pictures.push_back({{window.low.x, window.high.y}, {texture.low.x, texture.high.y}, color});
 }
 
 void DrawLayers::AddLine(std::span<const DeskPoint> points, const LineLook& look) {
+    if (points.size() < 2) return;
     Layer& layer = LayerFor(Kind::kLines);
     const auto first = static_cast<int>(layer.lines.size());
     if (look.stippled) {
@@ -126,17 +157,19 @@ void DrawLayers::AddLine(std::span<const DeskPoint> points, const LineLook& look
 void DrawLayers::Clear() {
     for (size_t i = 0; i < m_used; ++i) {
         Layer& layer = m_layers[i];
-        layer.faces.clear();
-        layer.pictures.clear();
-        layer.lines.clear();
-        layer.runs.clear();
-        layer.polygons.clear();
+        tavrin::Empty(layer.faces);
+        tavrin::Empty(layer.pictures);
+        tavrin::Empty(layer.lines);
+        tavrin::Empty(layer.runs);
+        tavrin::Empty(layer.polygons);
     }
-    ForgetObjects();
+    if (IsFarMore(m_layers.size(), m_used)) m_layers.resize(m_used);
     m_used = 0;
     m_current = 0;
     m_firstLayer = 0;
     m_kind = Kind::kFaces;
+    ForgetObjects();
+    if (m_inObject) RememberObject({m_bounds, 0});
 }
 
 void DrawLayers::DrawShapes(const std::vector<Vertex>& vertices) {
@@ -150,7 +183,10 @@ void DrawLayers::DrawShapes(const std::vector<Vertex>& vertices) {
     glDisableClientState(GL_VERTEX_ARRAY);
 }
 
-void DrawLayers::DrawPictures(const std::vector<PictureVertex>& vertices) {
+void DrawLayers::DrawPictures(const std::vector<PictureVertex>& vertices, float pixelRatio) {
+    glPushMatrix();
+    glLoadIdentity();
+    glScalef(1 / pixelRatio, 1 / pixelRatio, 1);
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_ALPHA_TEST);
     glAlphaFunc(GL_GREATER, 0.5F);
@@ -166,16 +202,17 @@ void DrawLayers::DrawPictures(const std::vector<PictureVertex>& vertices) {
     glDisableClientState(GL_VERTEX_ARRAY);
     glDisable(GL_ALPHA_TEST);
     glDisable(GL_TEXTURE_2D);
+    glPopMatrix();
 }
 
-void DrawLayers::DrawLines(const Layer& layer, float pixelRatio) {
+void DrawLayers::DrawLines(const Layer& layer) {
     if (layer.lines.empty()) return;
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_COLOR_ARRAY);
     glVertexPointer(2, GL_FLOAT, sizeof(Vertex), &layer.lines[0].at);
     glColorPointer(3, GL_FLOAT, sizeof(Vertex), &layer.lines[0].color);
     for (const Run& run : layer.runs) {
-        glLineWidth(run.width * pixelRatio);
+        glLineWidth(run.width);
         if (run.stippled) glEnable(GL_LINE_STIPPLE);
         glDrawArrays(run.stippled ? GL_LINE_STRIP : GL_LINES, run.first, run.count);
         if (run.stippled) glDisable(GL_LINE_STIPPLE);

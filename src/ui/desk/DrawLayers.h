@@ -16,8 +16,8 @@ namespace tavrin {
 class DrawLayers {
   public:
     enum class Kind { kFaces, kPictures, kLines, kPolygons };
-    // A rectangle of the texture: from the lower left to the upper right corner, 0 to 1.
-    struct TextureRect {
+    // From the lower left to the upper right corner.
+    struct Span {
         DeskPoint low;
         DeskPoint high;
     };
@@ -30,20 +30,24 @@ class DrawLayers {
 
     void AddFaces(std::span<const DeskPoint> corners, const Rgb& color);  // four corners each
     void AddPolygon(std::span<const DeskPoint> corners, const Rgb& color);
-    void AddPicture(const TextureRect& texture, DeskPoint low, DeskPoint high, const Rgb& color);
-    void AddLine(std::span<const DeskPoint> points, const LineLook& look);
+    // A part of the texture, which is 1 wide and high, fills a part of the window, in device pixels from its
+    // lower left corner: however far the view is from the desk's origin, these are exact.
+    void AddPicture(const Span& texture, const Span& window, const Rgb& color);
+    void AddLine(std::span<const DeskPoint> points, const LineLook& look);  // its width in device pixels
 
-    // Everything, lowest first; nothing is left. `bindTexture` makes the pictures' texture the current one.
+    // Everything, lowest first; nothing is left. An object that has begun goes on above it. `bindTexture`
+    // makes the pictures' texture the current one.
     template <typename BindTexture>
     void Draw(float pixelRatio, BindTexture bindTexture) {
+        if (Empty()) return;
         for (size_t i = 0; i < m_used; ++i) {
             Layer& layer = m_layers[i];
             DrawShapes(layer.faces);
             if (!layer.pictures.empty()) {
                 bindTexture();
-                DrawPictures(layer.pictures);
+                DrawPictures(layer.pictures, pixelRatio);
             }
-            DrawLines(layer, pixelRatio);
+            DrawLines(layer);
             DrawShapes(layer.polygons);
         }
         Clear();
@@ -62,7 +66,7 @@ class DrawLayers {
     };
     // Lines that look alike but for their colour.
     struct Run {
-        float width = 1;
+        float width = 1;  // device pixels
         bool stippled = false;
         int first = 0;
         int count = 0;
@@ -83,18 +87,19 @@ class DrawLayers {
     Layer& LayerAt(size_t index);
     void Clear();
     void ForgetObjects();
-    // The part of the view that objects are sought in.
-    struct Cells {
-        size_t left = 0, right = 0, bottom = 0, top = 0;  // all of them are part of it
-    };
-    Cells CellsOf(const DeskRect& bounds) const;
+    void RememberObject(const Object& object);
+    // Calls `visit` for the cells that a rectangle may touch; what is out of view counts for the outermost
+    // ones.
+    template <typename Visit>
+    void ForEachCell(const DeskRect& bounds, Visit visit);
     static void DrawShapes(const std::vector<Vertex>& vertices);
-    static void DrawPictures(const std::vector<PictureVertex>& vertices);
-    static void DrawLines(const Layer& layer, float pixelRatio);
+    static void DrawPictures(const std::vector<PictureVertex>& vertices, float pixelRatio);
+    static void DrawLines(const Layer& layer);
 
-    std::vector<Layer> m_layers;  // kept with their memory from one picture to the next
+    std::vector<Layer> m_layers;  // kept with their memory for the next picture, which is often like this one
     size_t m_used = 0;
     bool m_inObject = false;
+    DeskRect m_bounds;           // of the object
     size_t m_current = 0;        // layer of what comes next
     Kind m_kind = Kind::kFaces;  // of what came last outside objects
     size_t m_firstLayer = 0;     // of the objects

@@ -6,7 +6,9 @@ namespace tavrin {
 
 namespace {
 
+// Not without a point: at least one renderer then loses the shape that follows.
 void Shape(GLenum kind, std::span<const DeskPoint> points, const Rgb& color) {
+    if (points.empty()) return;
     glColor3f(color.r, color.g, color.b);
     glBegin(kind);
     for (const DeskPoint& point : points) glVertex2f(point.x, point.y);
@@ -24,7 +26,7 @@ void PlainPen::Polygon(std::span<const DeskPoint> corners, const Rgb& color) {
 }
 
 void PlainPen::Line(std::span<const DeskPoint> points, const LineLook& look) {
-    glLineWidth(look.width * PixelRatio());
+    glLineWidth(DeviceWidth(look));
     if (look.stippled) glEnable(GL_LINE_STIPPLE);
     Shape(GL_LINE_STRIP, points, look.color);
     if (look.stippled) glDisable(GL_LINE_STIPPLE);
@@ -34,7 +36,7 @@ void PlainPen::Text(int font, const std::string& text, const Rgb& color, DeskPoi
     TextByLists(font, text, color, at);
 }
 
-void PlainPen::Icon(const CSgiImage& image, DeskPoint lowerLeft) {
+void PlainPen::Image(const CSgiImage& image, DeskPoint lowerLeft) {
     ImageByPixels(image, lowerLeft, 1 / Pixel());
 }
 

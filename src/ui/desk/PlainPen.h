@@ -13,11 +13,11 @@ class PlainPen : public DeskPen {
 
     void Polygon(std::span<const DeskPoint> corners, const Rgb& color) override;
     void Line(std::span<const DeskPoint> points, const LineLook& look) override;
-    void Icon(const CSgiImage& image, DeskPoint lowerLeft) override;
 
   protected:
     void Quads(std::span<const DeskPoint> corners, const Rgb& color) override;
     void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) override;
+    void Image(const CSgiImage& image, DeskPoint lowerLeft) override;
 };
 
 }  // namespace tavrin

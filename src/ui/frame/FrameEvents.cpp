@@ -12,6 +12,7 @@
 #include "ui/frame/EventPump.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/SafetyCopies.h"
+#include "ui/frame/StatusBox.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/library/OperatorToolBar.h"
@@ -47,12 +48,20 @@ void MainFrame::SetLocked(bool locked) {
     m_windows.menuFinder->SetLocked(locked);
 }
 
+// What waits for the user on the desk.
+QString MainFrame::DeskHint(const COpDesk& desk) {
+    if (!desk.m_pendingBoxes.empty()) return "Click to drop, Delete to throw away";
+    if (desk.m_selectedButton != nullptr) return "Click a button to wire it, the desk to let go";
+    return {};
+}
+
 void MainFrame::OnIdle() {
     if (m_isClosed) return;
     const FrameState state = State();
     m_actions->Update(state);
     m_operatorBar->SetRenderEnabled(SpecOf(CommandId::kRenderIt).enabled(state));
     setWindowModified(m_work->document.IsModified());
+    m_statusBox->SetHint(DeskHint(m_work->desk));
     m_idleWork->Step();
 }
 

@@ -8,6 +8,8 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <cstdio>
+#include <utility>
 
 #include "ui/Messages.h"
 #include "ui/QtQueue.h"
@@ -214,8 +216,9 @@ void MainFrame::CreateClientArea() {
                            .changed = [this] { RefreshAllViews(); },
                            .fail =
                                [this](const std::string& text) {
+                                   if (std::exchange(m_hasFailed, true)) return;
+                                   std::fprintf(stderr, "tavrin: %s\n", text.c_str());
                                    ShowStop(this, "Fatal Error", Shown(text));
-                                   m_hasFailed = true;
                                    m_isClosed = true;
                                    QCoreApplication::quit();
                                },

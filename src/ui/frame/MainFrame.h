@@ -118,6 +118,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     void UpdateTitle();
     void SetLocked(bool locked);
     void OnIdle();
+    static QString DeskHint(const COpDesk& desk);
     bool MayClose();
 
     Site& GetSite() { return m_app.GetSite(); }

@@ -13,7 +13,9 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kTick = 200;        // milliseconds between two looks at the children
+// Milliseconds between two tellings of a time. Each repaints the window, which the desk makes dear where
+// there is no graphics card.
+constexpr int kTick = 500;
 constexpr int kForget = 10000;    // milliseconds for which the end of a render is told
 constexpr int kWaitToTell = 300;  // milliseconds that a step may take before it is told
 

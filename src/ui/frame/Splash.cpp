@@ -22,7 +22,8 @@ QString ProductText(const std::string& version) {
     return "Tavrin for Linux\nVersion " + Shown(ShortVersion(version));
 }
 
-Splash::Splash(QWidget* frame, const std::string& version) : QWidget(frame, Qt::SplashScreen | Qt::WindowDoesNotAcceptFocus) {
+Splash::Splash(QWidget* frame, const std::string& version)
+    : QWidget(frame, Qt::SplashScreen | Qt::WindowDoesNotAcceptFocus) {
     setAttribute(Qt::WA_ShowWithoutActivating);
     auto* picture = new QLabel(this);
     picture->setPixmap(ApplicationIcon().pixmap(QSize(kPicture, kPicture), devicePixelRatioF()));

@@ -16,17 +16,34 @@ constexpr int kFontPixels = 11;
 constexpr int kLines = 3;  // what the longest of the desk's own texts takes
 constexpr int kMargin = 4;
 constexpr int kLeastActivity = 200;  // pixels, however narrow the box is
+const QString kEllipsis = QStringLiteral(" \u2026");
 
 QColor ColourOf(const float (&components)[3]) {
     const auto channel = [&](int index) { return std::clamp(components[index], 0.0F, 1.0F); };
     return QColor::fromRgbF(channel(0), channel(1), channel(2));
 }
 
+// Tells when it has more or less room; its lines are laid out for it by then.
+class StatusText : public QPlainTextEdit {
+  public:
+    StatusText(QWidget* parent, std::function<void()> resized)
+        : QPlainTextEdit(parent), m_resized(std::move(resized)) {}
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override {
+        QPlainTextEdit::resizeEvent(event);
+        m_resized();
+    }
+
+  private:
+    std::function<void()> m_resized;
+};
+
 }  // namespace
 
 CStatusBox::CStatusBox(QWidget* frame, const float (&background)[3], Clock clock)
     : QFrame(frame),
-      m_text(new QPlainTextEdit(this)),
+      m_text(new StatusText(this, [this] { ShowStatus(); })),
       m_activity(new QLabel(this)),
       m_clock(clock ? std::move(clock) : [] { return static_cast<long>(std::time(nullptr)); }) {
     const QColor ground = ColourOf(background);
@@ -72,13 +89,34 @@ CStatusBox::CStatusBox(QWidget* frame, const float (&background)[3], Clock clock
 void CStatusBox::SetStatus(const std::string& text, int holdSeconds) {
     const long now = m_clock();
     if (m_hold != 0 && now - m_since < m_hold) return;
-    if (text != m_shown) m_text->setPlainText(Shown(text));
-    m_shown = text;
+    if (text != m_shown) {
+        m_shown = text;
+        m_status = Shown(text).replace("\r\n", "\n").replace('\r', '\n');
+        ShowStatus();
+    }
     m_since = now;
     m_hold = holdSeconds;
 }
 
-QString CStatusBox::Status() const { return m_text->toPlainText(); }
+// The document's height is that of its lines as they are laid out.
+void CStatusBox::ShowStatus() {
+    const auto isTooLong = [this] { return m_text->document()->size().height() > kLines; };
+    if (m_text->toPlainText() != m_status) m_text->setPlainText(m_status);
+    if (!isTooLong()) return;
+    const int lowest = m_text->viewport()->height() - m_text->fontMetrics().lineSpacing() / 2;
+    QString seen = m_status.left(m_text->cursorForPosition({m_text->viewport()->width(), lowest}).position());
+    do {
+        while (!seen.isEmpty() && seen.back().isSpace()) seen.chop(1);
+        m_text->setPlainText(seen + kEllipsis);
+        seen.chop(1);
+    } while (!seen.isEmpty() && isTooLong());
+}
+
+void CStatusBox::SetHint(const QString& text) {
+    if (m_hint == text) return;
+    m_hint = text;
+    ShowActivity();
+}
 
 void CStatusBox::SetActivity(const QString& text, bool isUrgent) {
     if (m_activityText == text) return;
@@ -87,13 +125,13 @@ void CStatusBox::SetActivity(const QString& text, bool isUrgent) {
     if (!isUrgent || !isVisible()) return;
     layout()->activate();
     repaint();
-    m_activity->repaint();
 }
 
 // At most half of the box, so that a long name neither widens the frame nor pushes the status away.
 void CStatusBox::ShowActivity() {
     const int room = std::max(width() / 2, kLeastActivity);
-    m_activity->setText(m_activity->fontMetrics().elidedText(m_activityText, Qt::ElideMiddle, room));
+    const QString& text = m_activityText.isEmpty() ? m_hint : m_activityText;
+    m_activity->setText(m_activity->fontMetrics().elidedText(text, Qt::ElideMiddle, room));
 }
 
 void CStatusBox::resizeEvent(QResizeEvent* event) {

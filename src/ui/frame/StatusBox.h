@@ -17,26 +17,32 @@ class CStatusBox : public QFrame {
     // `background` has three components from 0 to 1. The clock is a parameter for tests.
     CStatusBox(QWidget* frame, const float (&background)[3], Clock clock = {});
 
-    // Shows a text, unless an earlier one is still being held. The text is held for `holdSeconds`.
+    // Shows a text, unless an earlier one is still being held. The text is held for `holdSeconds`. One that
+    // the box has no room for ends in an ellipsis.
     void SetStatus(const std::string& text, int holdSeconds = 0);
     void ClearStatus() { SetStatus({}); }
-    QString Status() const;
+    QString Status() const { return m_status; }  // whole
 
     // What the program is busy with, beside the status text; empty for nothing. Shown at once if `isUrgent`,
     // for use while the event loop does not run.
     void SetActivity(const QString& text, bool isUrgent = false);
     const QString& Activity() const { return m_activityText; }
+    // What the user may do now, in the place of the activity while there is none; empty for nothing.
+    void SetHint(const QString& text);
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void ShowStatus();
     void ShowActivity();
 
     QPlainTextEdit* m_text;
     QLabel* m_activity;
     std::string m_shown;     // as it was set: the field has its own line ends
+    QString m_status;        // whole, with the field's line ends
     QString m_activityText;  // whole; the label shows what fits
+    QString m_hint;
     Clock m_clock;
     long m_since = 0;  // when the text that is held was set
     int m_hold = 0;    // seconds; 0 for none

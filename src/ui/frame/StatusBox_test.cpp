@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QLabel>
 #include <QPlainTextEdit>
 
 #include "ui/support/Windows.h"
@@ -54,6 +55,54 @@ TEST_F(StatusBoxTest, ShowsThreeLinesWholeAndTakesNoInput) {
     EXPECT_EQ(text->blockCount(), 3);
     EXPECT_GE(text->viewport()->height(), 3 * QFontMetrics(text->font()).lineSpacing());
     EXPECT_FALSE(text->isEnabled());
+}
+
+TEST_F(StatusBoxTest, ATextThatDoesNotFitEndsInAnEllipsisUntilThereIsRoom) {
+    box.resize(400, 80);
+    box.show();
+    test::HandleEvents();
+    QString help;
+    for (int word = 0; word < 60; ++word) help += QString("word%1 ").arg(word);
+    box.SetStatus(help.toStdString());
+    const auto* text = box.findChild<QPlainTextEdit*>("status");
+    const auto lines = [&] { return text->document()->size().height(); };
+    const QString narrow = text->toPlainText();
+    EXPECT_EQ(lines(), 3);
+    EXPECT_TRUE(narrow.endsWith(QString::fromUtf8(" \u2026"))) << narrow.toStdString();
+    EXPECT_TRUE(help.startsWith(narrow.chopped(2)));
+    EXPECT_EQ(box.Status(), help);
+    box.resize(600, 80);
+    test::HandleEvents();
+    EXPECT_EQ(lines(), 3);
+    EXPECT_GT(text->toPlainText().size(), narrow.size());
+    box.resize(3000, 80);
+    test::HandleEvents();
+    EXPECT_EQ(text->toPlainText(), help);
+    box.resize(400, 80);
+    test::HandleEvents();
+    EXPECT_EQ(text->toPlainText(), narrow);
+}
+
+TEST_F(StatusBoxTest, LinesThatAreTooManyAreCutAsWell) {
+    box.resize(600, 80);
+    box.show();
+    test::HandleEvents();
+    box.SetStatus("one\r\n\r\nthree\r\nfour");
+    const auto* text = box.findChild<QPlainTextEdit*>("status");
+    EXPECT_EQ(text->toPlainText(), QString::fromUtf8("one\n\nthree \u2026"));
+    EXPECT_EQ(box.Status(), "one\n\nthree\nfour");
+}
+
+TEST_F(StatusBoxTest, AHintIsShownWhileThereIsNoActivity) {
+    const auto* label = box.findChild<QLabel*>("activity");
+    box.SetHint("Click to drop");
+    EXPECT_EQ(label->text(), "Click to drop");
+    box.SetActivity("Rendering");
+    EXPECT_EQ(label->text(), "Rendering");
+    box.SetActivity({});
+    EXPECT_EQ(label->text(), "Click to drop");
+    box.SetHint({});
+    EXPECT_EQ(label->text(), "");
 }
 
 TEST_F(StatusBoxTest, ATextIsOnlySetWhereItDiffersWhateverItsLineEnds) {

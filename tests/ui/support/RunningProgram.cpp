@@ -21,6 +21,10 @@ RunningProgram::RunningProgram(const Environment& environment, const QStringList
     QStringList variables;
     for (const std::string& variable : environment.ToList()) variables << Shown(variable);
     m_process.setEnvironment(variables);
+    // Where the tests run in the background, these may be ignored, and the program would keep it so.
+    m_process.setChildProcessModifier([] {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::signal(signal, SIG_DFL);
+    });
     m_process.start(Shown(BuildPath("bin/tavrin")), words);
     EXPECT_TRUE(m_process.waitForStarted());
 }

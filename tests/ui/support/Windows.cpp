@@ -15,7 +15,6 @@
 #include <QTest>
 #include <QTimer>
 #include <deque>
-#include <set>
 
 #include "ui/Text.h"
 
@@ -55,11 +54,13 @@ void OnToolkitMessage(QtMsgType type, const QMessageLogContext&, const QString& 
     ADD_FAILURE() << "the toolkit warns: " << Bytes(message);
 }
 
-// Each test begins and ends without windows.
-class NoWindowLeft : public testing::EmptyTestEventListener {
+// Each test begins and ends without windows, and with the hand off the mouse: the events of the tests after
+// it would say that the button is down.
+class NothingIsLeft : public testing::EmptyTestEventListener {
     void OnTestStart(const testing::TestInfo&) override {
         g_answers.clear();
         g_boxes.clear();
+        QTestPrivate::qtestMouseButtons = Qt::NoButton;
     }
     void OnTestEnd(const testing::TestInfo&) override {
         EXPECT_TRUE(g_answers.empty()) << g_answers.size() << " dialogs that were expected did not come";
@@ -79,7 +80,7 @@ void WatchToolkit() {
     qInstallMessageHandler(OnToolkitMessage);
     static DialogWatcher watcher;
     qApp->installEventFilter(&watcher);
-    testing::UnitTest::GetInstance()->listeners().Append(new NoWindowLeft);
+    testing::UnitTest::GetInstance()->listeners().Append(new NothingIsLeft);
 }
 
 bool WaitUntil(const std::function<bool()>& condition, int seconds) {

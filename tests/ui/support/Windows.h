@@ -11,7 +11,8 @@ class QDialog;
 
 namespace tavrin::test {
 
-// Makes each warning of the toolkit, and each window that a test leaves behind, a failure of that test.
+// Makes each warning of the toolkit, and each window that a test leaves behind, a failure of that test. Each
+// test begins with no button of the mouse down.
 // Called once, by main.
 void WatchToolkit();
 

@@ -1,4 +1,5 @@
-// The program on displays without the OpenGL that the desk is drawn with.
+// The program on displays that lack what the desk is drawn with.
+#include "ui/Text.h"
 #include "ui/support/RunningProgram.h"
 #include "ui/support/TestFrame.h"
 
@@ -16,6 +17,7 @@ struct Lack {
     const char* message;
 };
 
+class PoorDisplay : public test::FrameTest {};
 class NoOpenGl : public test::FrameTest, public testing::WithParamInterface<Lack> {};
 
 TEST_P(NoOpenGl, IsToldInABoxAndOnStandardErrorAndEndsTheProgram) {
@@ -36,6 +38,22 @@ INSTANTIATE_TEST_SUITE_P(Lacks, NoOpenGl,
                                               "only the core profile of 3.3. "},
                                          Lack{"TooOld", "MESA_GL_VERSION_OVERRIDE", "1.0", "only 1.0. "}),
                          [](const auto& lack) { return std::string(lack.param.name); });
+
+TEST_F(PoorDisplay, WithoutAnyFontTheProgramSaysSoAndEnds) {
+    environment.Set("FONTCONFIG_FILE",
+                    directory.Write("none.conf", "<?xml version=\"1.0\"?><fontconfig></fontconfig>\n"));
+    Make();
+    const QString document = Shown(WriteDocument("one.tvn"));
+    End();
+    for (const QStringList& words : {QStringList{}, QStringList{document}}) {
+        RunningProgram run(environment, words);
+        run.Press("^Fatal Error$", "Return");
+        EXPECT_EQ(run.Status(), 1);
+        const std::string errors = run.Errors();
+        EXPECT_THAT(errors, testing::ContainsRegex("tavrin: FATAL ERROR: [0-9]+ point font unavailable\n"));
+        EXPECT_EQ(errors.find("FATAL"), errors.rfind("FATAL")) << errors;  // told once
+    }
+}
 
 }  // namespace
 }  // namespace tavrin
