@@ -108,11 +108,6 @@ void LayoutBox(COpBox& box, float zoom, const TextMeasure& text, IconSize icon) 
     layout.bottom = box.xypos[1] - (layout.bodyHeight + layout.titleHeight) * 0.5F;
 }
 
-DeskRect BoxRect(const COpBox& box) {
-    const BoxLayout& layout = box.layout;
-    return {layout.left, layout.bottom, layout.width, layout.titleHeight + layout.bodyHeight};
-}
-
 DeskRect TitleRect(const COpBox& box) {
     const BoxLayout& layout = box.layout;
     return {layout.left, layout.bottom + layout.bodyHeight, layout.width, layout.titleHeight};
@@ -168,12 +163,6 @@ Polyline ConnectionPolyline(const ButtonPlace& output, const ButtonPlace& input,
         from.x + RouteSpacing(isDown ? output.box->outputs.size() - output.index : output.index + 1);
     const float past = isDown ? target.Top() + turn : target.bottom - turn;
     return {{from, {out, from.y}, {out, past}, {middle, past}, {middle, to.y}, to}, 6};
-}
-
-// Traced lines turn beside the source and round the target, by a spacing for each of their buttons at most.
-DeskRect LineReach(const COpBox& source, const COpBox& target) {
-    const size_t most = std::max(source.outputs.size(), target.inputs.size());
-    return BoxRect(source).UnitedWith(BoxRect(target)).GrownBy(static_cast<float>(most + 1) * kRouteSpacing);
 }
 
 std::optional<DeskRect> NetworkRect(const CTvDoc& document, float zoom) {

@@ -1,6 +1,7 @@
 // Where things lie on the desk: plain arithmetic in desk units, x to the right and y upward.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <memory>
@@ -80,7 +81,10 @@ struct IconSize {
 void LayoutBox(COpBox& box, float zoom, const TextMeasure& text, IconSize icon);
 
 // What a laid out box covers, title included, and its pieces.
-DeskRect BoxRect(const COpBox& box);
+inline DeskRect BoxRect(const COpBox& box) {
+    const BoxLayout& layout = box.layout;
+    return {layout.left, layout.bottom, layout.width, layout.titleHeight + layout.bodyHeight};
+}
 DeskRect TitleRect(const COpBox& box);
 DeskRect PanelRect(const COpBox& box);  // between the two columns of buttons
 DeskRect ButtonColumnRect(const COpBox& box, bool outputs);
@@ -111,8 +115,21 @@ struct Polyline {
 // six where it has to come round the target box. Lines of neighbouring buttons keep clear of one another.
 Polyline ConnectionPolyline(const ButtonPlace& output, const ButtonPlace& input, bool traced);
 
-// A rectangle beyond which no line from the one box to the other goes.
-DeskRect LineReach(const COpBox& source, const COpBox& target);
+// A rectangle beyond which no line from the one box to the other goes. Traced lines turn beside the source
+// and round the target, by a spacing for each of their buttons at most; a button's row is never lower than
+// two.
+inline DeskRect LineReach(const COpBox& source, const COpBox& target) {
+    const BoxLayout& from = source.layout;
+    const BoxLayout& to = target.layout;
+    static_assert(desk_lengths::kRowHeight >= 2 * desk_lengths::kRouteSpacing);
+    const float turns = std::max(from.bodyHeight, to.bodyHeight) * 0.5F + desk_lengths::kRouteSpacing;
+    const float left = std::min(from.left, to.left);
+    const float bottom = std::min(from.bottom, to.bottom);
+    const float right = std::max(from.left + from.width, to.left + to.width);
+    const float top = std::max(from.bottom + from.bodyHeight, to.bottom + to.bodyHeight) +
+                      std::max(from.titleHeight, to.titleHeight);
+    return {left - turns, bottom - turns, right - left + 2 * turns, top - bottom + 2 * turns};
+}
 
 // Calls `visit(ButtonPlace output, ButtonPlace input, COpButton& inputButton)` for each input of the box that
 // has a connection, top to bottom. `visit` returns whether to go on; the result is whether all were visited.

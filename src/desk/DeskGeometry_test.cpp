@@ -264,8 +264,14 @@ class LinesByChance : public DeskGeometry {
         std::vector<COpBox*> boxes;
         for (int i = 0; i < 10; ++i) {
             COpBox& box = AddPlaced(1 + Chance(9), 1 + Chance(9), 0, 0);
-            box.layout = {
-                Coordinate(), Coordinate(), 16, 20 + Coordinate() * 0.25F, 16 + Coordinate() * 0.25F, 10, 10};
+            const auto rows = static_cast<float>(std::max(box.inputs.size(), box.outputs.size()));
+            box.layout = {Coordinate(),
+                          Coordinate(),
+                          desk_lengths::kRowHeight,
+                          20 + Coordinate() * 0.25F,
+                          rows * desk_lengths::kRowHeight + Coordinate() * 0.25F,
+                          10,
+                          10};
             boxes.push_back(&box);
         }
         for (COpBox* to : boxes) {

@@ -43,18 +43,15 @@ void DeskPen::Begin(const Rgb& background) {
     glPolygonMode(GL_FRONT, GL_FILL);
     glShadeModel(
         GL_FLAT);  // between corners of one colour there may come out another one in the thinnest faces
+    glDisable(GL_DITHER);  // colours are what the site says
     glLineStipple(1, kLineStipple);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glClearColor(background.r, background.g, background.b, 1);
     glClear(GL_COLOR_BUFFER_BIT);
-    // The alpha of the window stays whole, so that nothing shines through it.
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
     ViewIsSet();
 }
 
 void DeskPen::End() {
     Flush();
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glFinish();
 }
 
@@ -138,10 +135,14 @@ void DeskPen::Icon(const CSgiImage& image, DeskPoint lowerLeft) {
     if (rect.GrownBy(Pixel()).Overlaps(m_visible)) Image(image, lowerLeft);
 }
 
+// All else is opaque. The alpha of an image may not come into the window, through which something would
+// shine; a mask for all that is drawn would make software renderers slower.
 void DeskPen::ImageByPixels(const CSgiImage& image, DeskPoint lowerLeft, float scale) {
     MoveRaster(lowerLeft);
     glPixelZoom(scale * m_ratio, scale * m_ratio);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
     glDrawPixels(image.width, image.height, GL_RGBA, GL_UNSIGNED_BYTE, image.pixels.get());
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glPixelZoom(1, 1);
 }
 
