@@ -265,8 +265,8 @@ class LinesByChance : public DeskGeometry {
         for (int i = 0; i < 10; ++i) {
             COpBox& box = AddPlaced(1 + Chance(9), 1 + Chance(9), 0, 0);
             const auto rows = static_cast<float>(std::max(box.inputs.size(), box.outputs.size()));
-            box.layout = {Coordinate(),
-                          Coordinate(),
+            box.layout = {2 * Coordinate(),
+                          2 * Coordinate(),
                           desk_lengths::kRowHeight,
                           20 + Coordinate() * 0.25F,
                           rows * desk_lengths::kRowHeight + Coordinate() * 0.25F,
@@ -317,7 +317,7 @@ TEST_F(LinesByChance, EveryLineThatTouchesARectangleIsVisitedInItsOrderAndMostOt
     int visited = 0;
     for (int network = 0; network < 100; ++network) {
         MakeNetwork();
-        const DeskRect window{Coordinate(), Coordinate(), 60, 40};
+        const DeskRect window{2 * Coordinate(), 2 * Coordinate(), 60, 40};
         for (const auto& box : document.m_boxes) {
             std::vector<COpButton*> within;
             ForEachConnectionWithin(
