@@ -58,11 +58,15 @@ void COpDesk::ValidateReferences() {
     }
 }
 
-void COpDesk::OnInitialUpdate() {
+void COpDesk::ForgetReferences() {
     m_mouseBox = nullptr;
     m_mouseButton = nullptr;
     ClearSelectedButton();
     ClearSelectedConnects();
+}
+
+void COpDesk::OnInitialUpdate() {
+    ForgetReferences();
     DeletePending(m_pendingBoxes);
     m_view.ClearBoxFinder();
     m_usedWids.Clear();

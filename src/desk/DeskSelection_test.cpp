@@ -101,6 +101,21 @@ TEST_F(DeskSelection, EachStaleReferenceIsLoggedAndMended) {
     EXPECT_EQ(std::count(host.Sink().log.begin(), host.Sink().log.end(), '\n'), 6);
 }
 
+// A large file is read for some time, in which the desk may be painted.
+TEST_F(DeskSelection, NothingRefersToTheBoxesOfADocumentThatGivesPlaceToAnother) {
+    COpBox& box = Add(MakeLink("a", 1));
+    desk.m_mouseBox = &box;
+    desk.m_mouseButton = desk.m_selectedButton = box.outputs.at(0).get();
+    desk.m_selectedConnects = {box.inputs.at(0).get()};
+    document.DeleteContents();
+    EXPECT_EQ(desk.m_mouseBox, nullptr);
+    EXPECT_EQ(desk.m_mouseButton, nullptr);
+    EXPECT_EQ(desk.m_selectedButton, nullptr);
+    EXPECT_THAT(desk.m_selectedConnects, IsEmpty());
+    desk.ValidateReferences();
+    EXPECT_EQ(host.Sink().log, "");
+}
+
 TEST_F(DeskSelection, ANetworkIsTakenUpInItsOrder) {
     COpBox& old = Add(MakeLink("old", 1));
     desk.OnInitialUpdate();

@@ -21,7 +21,10 @@ COpDesk::COpDesk(CTvDoc& document, DocumentHost& host, DeskView& view)
     : m_document(document), m_host(host), m_view(view) {
     m_clipboardBoxes.reserve(kVectorRoom);
     m_pendingBoxes.reserve(kVectorRoom);
+    document.SetBeforeDelete([this] { ForgetReferences(); });
 }
+
+COpDesk::~COpDesk() { m_document.SetBeforeDelete({}); }
 
 void COpDesk::AddOperator(const std::string& name) {
     const bool wasSelected = AnyBoxSelected();

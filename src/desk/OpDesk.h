@@ -36,6 +36,7 @@ class COpDesk {
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;
 
     COpDesk(CTvDoc& document, DocumentHost& host, DeskView& view);
+    ~COpDesk();
     COpDesk(const COpDesk&) = delete;
     COpDesk& operator=(const COpDesk&) = delete;
 
@@ -122,6 +123,7 @@ class COpDesk {
     void AddBox(const std::string& name, bool wasSelected);
     void ClearSelections();
     void SetAllSelected(int selected);
+    void ForgetReferences();
     void ForgetButton(const COpButton& button);
     void ForgetBox(const COpBox& box);
     BoxVector TakeSelectedBoxes();

@@ -32,6 +32,7 @@ constexpr const char* kHelpTemplate =
 
 void CTvDoc::DeleteContents() {
     const Site& site = m_host.GetSite();
+    if (m_beforeDelete) m_beforeDelete();
     m_boxes.clear();
     toolbar = site.toolButtons;
     showiconimages = 0;

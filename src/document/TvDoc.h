@@ -1,6 +1,7 @@
 // The document: one shader network with everything needed to reopen it.
 #pragma once
 
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -48,6 +49,9 @@ class CTvDoc {
 
     // Empties the document and puts the defaults back.
     void DeleteContents();
+    // Is called before that: reading a large file takes its time, in which nobody may look at boxes that have
+    // gone. For the one desk over the document, which takes it back with an empty one.
+    void SetBeforeDelete(std::function<void()> beforeDelete) { m_beforeDelete = std::move(beforeDelete); }
 
     // Opens a file: empties the document, then reads. False if the file cannot be opened, with an alert;
     // the document then stays as it was. Errors in the file are alerted and leave what was read;
@@ -108,6 +112,7 @@ class CTvDoc {
     std::vector<COpBox*> BoxesByTitle() const;
 
     DocumentHost& m_host;
+    std::function<void()> m_beforeDelete;
     std::string m_path;
     bool m_modified = false;
     bool m_cutShort = false;
