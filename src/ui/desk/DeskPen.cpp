@@ -41,8 +41,8 @@ void DeskPen::Begin(const Rgb& background) {
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_BLEND);
     glPolygonMode(GL_FRONT, GL_FILL);
-    glShadeModel(
-        GL_FLAT);  // between corners of one colour there may come out another one in the thinnest faces
+    // Blended between corners of one colour, the thinnest faces may get another one.
+    glShadeModel(GL_FLAT);
     glDisable(GL_DITHER);  // colours are what the site says
     glLineStipple(1, kLineStipple);
     glClearColor(background.r, background.g, background.b, 1);
