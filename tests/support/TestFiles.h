@@ -11,13 +11,21 @@
 
 namespace tavrin::test {
 
-inline std::set<std::string> TestFilesInProgram() {
+// A source file as the compiler names it, below the source tree: a compiler cache that serves several trees makes
+// the names relative to the build.
+inline std::string BelowSource(std::string file, const std::string& sourceDir) {
+    if (file.starts_with(sourceDir + "/")) return file.substr(sourceDir.size() + 1);
+    while (file.starts_with("../")) file.erase(0, 3);
+    return file;
+}
+
+inline std::set<std::string> TestFilesInProgram(const std::string& sourceDir) {
     std::set<std::string> files;
     const auto& all = *testing::UnitTest::GetInstance();
     for (int suite = 0; suite < all.total_test_suite_count(); ++suite) {
         const auto& tests = *all.GetTestSuite(suite);
         for (int test = 0; test < tests.total_test_count(); ++test)
-            files.insert(tests.GetTestInfo(test)->file());
+            files.insert(BelowSource(tests.GetTestInfo(test)->file(), sourceDir));
     }
     return files;
 }
@@ -33,11 +41,11 @@ inline int CountMissingTestFiles(const std::string& sourceDir, const std::string
         const bool without = room.starts_with('-');
         const fs::path folder = fs::path(sourceDir) / room.substr(without ? 1 : 0);
         for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-            const std::string path = entry.path().string();
+            const std::string path = BelowSource(entry.path().string(), sourceDir);
             if (path.ends_with("_test.cpp")) (without ? leftOut : onDisk).insert(path);
         }
     }
-    const std::set<std::string> built = TestFilesInProgram();
+    const std::set<std::string> built = TestFilesInProgram(sourceDir);
     int missing = 0;
     for (const std::string& file : onDisk) {
         if (leftOut.contains(file) || built.contains(file)) continue;
