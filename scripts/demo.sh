@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh
-scripts/build.sh release
+scripts/build.sh release tavrin tavrin-batch
 
 output=demo-output
 mkdir -p "$output"
