@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "app/TvApp.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -146,7 +147,7 @@ TEST_F(TvAppEndsTest, TheEndWaitsForChildrenThatHeedTheirKillFile) {
     Load().GetSite().commands.RunScriptCommand(script);
     for (int tries = 0; sink.log.empty() && tries < 3000; ++tries)
         queue.RunPending(std::chrono::milliseconds(10));
-    EXPECT_TRUE(app->CloseDown(std::chrono::seconds(30)));
+    EXPECT_TRUE(app->CloseDown(test::kPatience));
     queue.RunPending();
     EXPECT_EQ(sink.log, "started stopped");
     EXPECT_FALSE(fs::exists(WorkDir()));

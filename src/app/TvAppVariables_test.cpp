@@ -9,6 +9,7 @@
 #include "app/TvApp.h"
 #include "forms/FormFields.h"
 #include "forms/FormFrame.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -162,7 +163,7 @@ TEST_F(TvAppVariablesTest, TheEditorIsStartedWithThePathAsOneWordAndNotWaitedFor
     app->OpenInEditor("/some/where/my file.tvn");
     EXPECT_FALSE(std::filesystem::exists(go + ".shown"));
     directory.Write("go", "");
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
     while (!std::filesystem::exists(go + ".shown") && std::chrono::steady_clock::now() < limit) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }

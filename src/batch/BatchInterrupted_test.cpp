@@ -14,6 +14,7 @@
 #include "base/FileDescriptor.h"
 #include "base/Files.h"
 #include "base/Process.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -42,7 +43,7 @@ constexpr const char* kStubbornChild =
     "sleep 1 while 1;\n";
 
 bool WaitUntil(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > limit) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));

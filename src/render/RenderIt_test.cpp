@@ -9,6 +9,7 @@
 
 #include "render/RenderSession.h"
 #include "site/Site.h"
+#include "support/Patience.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -48,7 +49,7 @@ class RenderItTest : public test::DocumentTest {
     std::string InWork(const std::string& name) const { return site.WorkPath(name); }
     void LetGo() const { host.Directory().Write("work/go", ""); }
     static bool WaitUntil(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > limit) return false;
             std::this_thread::sleep_for(std::chrono::milliseconds(2));

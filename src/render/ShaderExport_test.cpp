@@ -10,6 +10,7 @@
 
 #include "render/RenderSession.h"
 #include "site/Site.h"
+#include "support/Patience.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -44,7 +45,7 @@ class ShaderExportTest : public test::DocumentTest {
     }
     std::string Out(const std::string& name) const { return host.Directory() / "out/" + name; }
     void WaitForEnd() const {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
         while (site.commands.AnyProcessLeft() && std::chrono::steady_clock::now() < limit) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }

@@ -13,6 +13,7 @@
 
 #include "base/Files.h"
 #include "site/Commands.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -61,7 +62,7 @@ class CommandsChildren : public testing::Test {
 
     // Lets posted work run until the condition holds; false if that takes far too long.
     bool PumpUntil(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > limit) return false;
             queue.RunPending(std::chrono::milliseconds(2));

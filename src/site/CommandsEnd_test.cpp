@@ -11,6 +11,7 @@
 
 #include "base/Files.h"
 #include "site/Commands.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -50,7 +51,7 @@ class CommandsEnd : public testing::Test {
         ASSERT_TRUE(PumpUntil([&] { return sink.log.find(ready) != std::string::npos; }));
     }
     bool PumpUntil(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > limit) return false;
             queue.RunPending(milliseconds(2));

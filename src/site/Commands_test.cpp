@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "base/Files.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -24,7 +25,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 bool WaitUntil(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > limit) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

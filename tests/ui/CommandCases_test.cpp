@@ -111,7 +111,7 @@ TEST_F(OtherCommandEffects, AMinimizedToolWindowIsRestoredByItsCommand) {
         ToolWindow* window = nullptr;
         for (ToolWindow* each : Frame().Windows().All()) window = each->isVisible() ? each : window;
         ASSERT_NE(window, nullptr);
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+        ASSERT_TRUE(test::WaitUntilSeen(*window));
         window->showMinimized();
         ASSERT_TRUE(WaitUntil([&] { return window->isMinimized(); }));
         EXPECT_FALSE(window->IsUp());

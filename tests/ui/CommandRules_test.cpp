@@ -411,7 +411,7 @@ TEST_F(CommandRulesTest, TheMarkOfAToolWindowGoesWhenItIsClosedOrMinimized) {
         for (ToolWindow* each : Frame().Windows().All()) window = each->isVisible() ? each : window;
         ASSERT_NE(window, nullptr) << id;
         const std::string title = Bytes(window->windowTitle());
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+        ASSERT_TRUE(test::WaitUntilSeen(*window));
         EXPECT_TRUE(WaitUntil([&] { return ActionOf(id).isChecked(); })) << title;
         window->showMinimized();
         EXPECT_TRUE(WaitUntil([&] { return window->isMinimized() && !ActionOf(id).isChecked(); })) << title;

@@ -12,7 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::Ask;
-using test::kPatience;
 using test::WaitUntil;
 using testing::HasSubstr;
 using testing::Not;
@@ -53,8 +52,7 @@ class DeskProgramTest : public test::FrameTest {
         EXPECT_TRUE(WaitUntil(
             [&] {
                 return Shown(Ask("xdotool", {"getwindowgeometry", m_window}).text).endsWith(Shown(size));
-            },
-            kPatience));
+            }));
         X({"windowactivate", "--sync", m_window});
     }
     ~DeskProgramTest() override {
@@ -163,8 +161,7 @@ TEST_F(DeskProgramTest, HeldBeyondTheEdgeABoxStaysUnderThePointerWhileTheDeskScr
             X({"key", "ctrl+s"});
             text = test::ReadFile(m_path);
             return Offset(text, 0) >= 160;
-        },
-        kPatience));
+        }));
     X({"mouseup", "1"});
     X({"key", "ctrl+t"});  // so that there is something to save
     text = Saved();

@@ -15,7 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 using test::Ask;
 using test::FrameTest;
-using test::kPatience;
 using test::RunningProgram;
 using test::WaitUntil;
 using testing::AnyOf;
@@ -78,7 +77,7 @@ class ProgramTest : public FrameTest {
         return copies;
     }
     void WaitForCopies(size_t count) {
-        EXPECT_TRUE(WaitUntil([&] { return Copies().size() == count; }, kPatience)) << Copies().size();
+        EXPECT_TRUE(WaitUntil([&] { return Copies().size() == count; })) << Copies().size();
     }
     static void ChangeDocument(const RunningProgram& run, const QString& title) {
         run.Press("^" + title + "$", "ctrl+t");
@@ -276,11 +275,9 @@ TEST_F(ProgramTest, ASignalEndsItsRenderAsWell) {
     RunningProgram run = Tavrin({Shown(path)});
     const std::string work = WorkDirOf(run);
     run.Press("^work.tvn$", "F1");
-    ASSERT_TRUE(WaitUntil(
-        [&] {
-            return fs::exists(directory / "process") && test::ReadFile(directory / "process").ends_with('\n');
-        },
-        kPatience));
+    ASSERT_TRUE(WaitUntil([&] {
+        return fs::exists(directory / "process") && test::ReadFile(directory / "process").ends_with('\n');
+    }));
     const int child = std::stoi(test::ReadFile(directory / "process"));
     EXPECT_EQ(::kill(child, 0), 0);
     run.Send(SIGTERM);

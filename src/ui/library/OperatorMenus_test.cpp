@@ -25,7 +25,7 @@ QStringList TextsOf(const QMenu& menu) {
 
 void Open(QMenu& menu) {
     menu.popup(QPoint(200, 200));
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
+    ASSERT_TRUE(test::WaitUntilSeen(menu));
 }
 
 // A main window with one menu of operators, for a user's hands.

@@ -12,6 +12,7 @@
 
 #include "library/OpRegistry.h"
 #include "support/TestSite.h"
+#include "ui/support/Windows.h"
 
 namespace tavrin::test {
 
@@ -49,7 +50,7 @@ inline QStringList RowsOf(const QWidget& window) {
 // A tool window need not be active for a user's hands to reach it.
 inline void ShowUp(QWidget& window) {
     window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(WaitUntilSeen(window));
 }
 
 // What a list does by itself when it gets the focus.

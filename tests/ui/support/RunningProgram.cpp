@@ -3,16 +3,23 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include "support/Patience.h"
 #include "support/TestSite.h"
 #include "ui/Text.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin::test {
 
+namespace {
+
+constexpr int kPatienceInMs = std::chrono::milliseconds(kPatience).count();
+
+}  // namespace
+
 Said Ask(const QString& tool, const QStringList& words) {
     QProcess process;
     process.start(tool, words);
-    const bool ended = process.waitForFinished(kPatience * 1000);
+    const bool ended = process.waitForFinished(kPatienceInMs);
     return {ended && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
             process.readAllStandardOutput().toStdString()};
 }
@@ -26,7 +33,7 @@ RunningProgram::RunningProgram(const Environment& environment, const QStringList
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::signal(signal, SIG_DFL);
     });
     m_process.start(Shown(BuildPath("bin/tavrin")), words);
-    EXPECT_TRUE(m_process.waitForStarted());
+    EXPECT_TRUE(m_process.waitForStarted(kPatienceInMs));
 }
 
 RunningProgram::~RunningProgram() {
@@ -36,7 +43,7 @@ RunningProgram::~RunningProgram() {
 }
 
 int RunningProgram::Status() {
-    if (!WaitUntil([&] { return !IsRunning(); }, kPatience)) return -1;
+    if (!WaitUntil([&] { return !IsRunning(); })) return -1;
     return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
@@ -54,8 +61,7 @@ QString RunningProgram::Window(const QString& title) const {
         [&] {
             window = Windows(title).value(0);
             return !window.isEmpty() || !IsRunning();
-        },
-        kPatience);
+        });
     if (window.isEmpty()) {
         std::string others;
         for (const QString& other : Windows()) others += Ask("xdotool", {"getwindowname", other}).text;
@@ -71,8 +77,7 @@ void RunningProgram::Press(const QString& title, const QString& key) const {
             if (Ask("xdotool", {"getactivewindow"}).text == Bytes(window) + "\n") return true;
             Ask("xdotool", {"windowactivate", window});
             return false;
-        },
-        kPatience))
+        }))
         << Bytes(title) << " does not become active";
     EXPECT_TRUE(Ask("xdotool", {"key", key}).ok);
 }
@@ -84,8 +89,7 @@ void RunningProgram::WaitForSplashToGo() const {
             const auto count = Windows().size();
             came = came || count > 1;
             return came && count == 1;
-        },
-        kPatience));
+        }));
 }
 
 }  // namespace tavrin::test

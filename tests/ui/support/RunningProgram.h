@@ -11,8 +11,6 @@
 
 namespace tavrin::test {
 
-inline constexpr int kPatience = 30;  // seconds; far more than anything here takes
-
 // What a tool of the display prints, and whether it succeeds.
 struct Said {
     bool ok = false;

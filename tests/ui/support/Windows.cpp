@@ -16,11 +16,14 @@
 #include <QTimer>
 #include <deque>
 
+#include "support/Patience.h"
 #include "ui/Text.h"
 
 namespace tavrin::test {
 
 namespace {
+
+constexpr int kPatienceInMs = std::chrono::milliseconds(kPatience).count();
 
 std::deque<std::function<void(QDialog&)>> g_answers;
 QStringList g_boxes;
@@ -83,17 +86,19 @@ void WatchToolkit() {
     testing::UnitTest::GetInstance()->listeners().Append(new NothingIsLeft);
 }
 
-bool WaitUntil(const std::function<bool()>& condition, int seconds) {
+bool WaitUntil(const std::function<bool()>& condition) {
     QElapsedTimer clock;
     clock.start();
     QTimer wakeUp;  // a condition may come true without any event
     wakeUp.start(10);
     while (!condition()) {
-        if (clock.elapsed() > seconds * 1000) return false;
+        if (clock.elapsed() > kPatienceInMs) return false;
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
 }
+
+bool WaitUntilSeen(QWidget& window) { return QTest::qWaitForWindowExposed(&window, kPatienceInMs); }
 
 void HandleEvents() {
     for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
@@ -103,10 +108,10 @@ void ShowActive(QWidget& window) {
     window.show();
     window.raise();
     window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(WaitUntilSeen(window));
     // Asked before the window manager knew the window, it may have come to nothing.
     window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window, kPatienceInMs));
 }
 
 void WhenDialogComes(std::function<void(QDialog&)> answer) { g_answers.push_back(std::move(answer)); }

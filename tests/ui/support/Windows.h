@@ -16,9 +16,10 @@ namespace tavrin::test {
 // Called once, by main.
 void WatchToolkit();
 
-// Handles events until the condition holds. False after `seconds`, which is long: a test that has to wait
-// that long has failed.
-bool WaitUntil(const std::function<bool()>& condition, int seconds = 20);
+// Handles events until the condition holds. False if that does not come in time: the test has failed.
+bool WaitUntil(const std::function<bool()>& condition);
+// The same for a window to be seen.
+bool WaitUntilSeen(QWidget& window);
 // Handles what waits for the main thread now.
 void HandleEvents();
 
