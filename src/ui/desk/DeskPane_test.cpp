@@ -3,7 +3,9 @@
 
 #include <QCursor>
 
+#include "images/SgiTestFile.h"
 #include "ui/desk/DeskPaneTest.h"
+#include "ui/support/Pictures.h"
 
 namespace tavrin {
 namespace {
@@ -219,6 +221,58 @@ TEST_F(DeskPane, AResizedWindowShowsMoreAndItsBarsKnow) {
     EXPECT_TRUE(test::WaitUntil([&] { return pane->View().Width() > 800; }));
     EXPECT_EQ(Bar(Qt::Horizontal).pageStep(), pane->Desk().width());
 }
+
+// A resize or a change of state of the window, and how it goes back.
+struct WindowChange {
+    const char* name;
+    void (*to)(QWidget&);
+    void (*back)(QWidget&);
+};
+
+class DeskPaneSize : public test::DeskPaneTest, public testing::WithParamInterface<WindowChange> {
+  protected:
+    // Until the desk has taken on a size other than that one.
+    bool SizeLeaves(QSize size) {
+        return test::WaitUntil([&] { return pane->Desk().size() != size; });
+    }
+    bool ScreenShows(const QImage& picture) {
+        return test::WaitUntil(
+            [&] { return test::CountDifferences(test::SeenOnScreen(pane->Desk()), picture, 2) == 0; });
+    }
+};
+
+TEST_P(DeskPaneSize, TheScreenShowsWhatAFreshPictureShows) {
+    const auto image = test::SgiTestFile::Plain(60, 40, 4, {255, 0, 0, 255});
+    PutLink(200, 150);
+    PutLink(640, 400);  // half in view at first
+    Show();
+    pane->SetWallpaper(
+        std::make_unique<CSgiImage>(host.Directory().Write("wall.sgi", image.Bytes()), nullptr));
+    const QSize small = pane->Desk().size();
+    Look();
+    const QImage before = Picture();
+    ASSERT_TRUE(ScreenShows(before));
+
+    GetParam().to(*pane);
+    ASSERT_TRUE(SizeLeaves(small));
+    test::HandleEvents();
+    Look();
+    const QImage after = Picture();
+    const QSize large = pane->Desk().size();
+    GetParam().back(*pane);
+    ASSERT_TRUE(SizeLeaves(large));
+    EXPECT_TRUE(ScreenShows(before));
+    GetParam().to(*pane);
+    EXPECT_TRUE(ScreenShows(after));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Windows, DeskPaneSize,
+    testing::Values(WindowChange{"Resized", [](QWidget& window) { window.resize(900, 700); },
+                                 [](QWidget& window) { window.resize(640, 480); }},
+                    WindowChange{"Maximized", [](QWidget& window) { window.showMaximized(); },
+                                 [](QWidget& window) { window.showNormal(); }}),
+    [](const auto& change) { return std::string(change.param.name); });
 
 TEST_F(DeskPane, CommandsZoomFitAndCentre) {
     PutLink(100, 100);

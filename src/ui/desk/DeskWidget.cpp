@@ -58,9 +58,10 @@ void DeskWidget::Fail() {
     QTimer::singleShot(0, this, [this] { m_hooks.fail(ContextFault(context())); });
 }
 
+// The base class paints here and now, and nothing paints again: the new size is to be known before.
 void DeskWidget::resizeEvent(QResizeEvent* event) {
-    QOpenGLWidget::resizeEvent(event);
     m_hooks.resized();
+    QOpenGLWidget::resizeEvent(event);
 }
 
 // Where the release of a button that is down will not be told of, its gesture ends at once: nothing may go on

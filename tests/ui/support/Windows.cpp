@@ -11,7 +11,9 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPixmap>
 #include <QPointer>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <deque>
@@ -112,6 +114,11 @@ void ShowActive(QWidget& window) {
     // Asked before the window manager knew the window, it may have come to nothing.
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window, kPatienceInMs));
+}
+
+QImage SeenOnScreen(const QWidget& widget) {
+    const QPoint at = widget.mapToGlobal(QPoint(0, 0));
+    return widget.screen()->grabWindow(0, at.x(), at.y(), widget.width(), widget.height()).toImage();
 }
 
 void WhenDialogComes(std::function<void(QDialog&)> answer) { g_answers.push_back(std::move(answer)); }

@@ -1,6 +1,7 @@
 // What tests of windows build on: waiting for conditions, answering boxes, watching the toolkit.
 #pragma once
 
+#include <QImage>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -25,6 +26,9 @@ void HandleEvents();
 
 // Shows the window and waits until it is there, and is the active one.
 void ShowActive(QWidget& window);
+
+// What the screen shows where the widget is, with whatever lies above it; in device pixels.
+QImage SeenOnScreen(const QWidget& widget);
 
 // While a modal box or dialog runs, nothing behind the call that opened it goes on. So its answer is given
 // beforehand: `answer` is called once, from the event loop, with the next dialog that comes up.
