@@ -22,14 +22,25 @@ COpDesk::COpDesk(CTvDoc& document, DocumentHost& host, DeskView& view)
     m_clipboardBoxes.reserve(kVectorRoom);
     m_pendingBoxes.reserve(kVectorRoom);
     document.SetBeforeDelete([this] { ForgetReferences(); });
+    document.SetAfterReorder([this] { m_view.Repaint(); });
 }
 
-COpDesk::~COpDesk() { m_document.SetBeforeDelete({}); }
+COpDesk::~COpDesk() {
+    m_document.SetBeforeDelete({});
+    m_document.SetAfterReorder({});
+}
 
+// Where nothing comes of it, what was selected and what waited are gone all the same.
 void COpDesk::AddOperator(const std::string& name) {
     const bool wasSelected = AnyBoxSelected();
     ClearSelections();
     DeletePending(m_pendingBoxes);
+    BringOperator(name);
+    m_view.Repaint();
+    if (wasSelected) m_view.RefreshAllViews();
+}
+
+void COpDesk::BringOperator(const std::string& name) {
     Report& report = m_host.GetSite().report;
     const COpEntry* entry = m_host.Registry().FindByName(name);
     if (entry == nullptr) {
@@ -51,7 +62,7 @@ void COpDesk::AddOperator(const std::string& name) {
         archive->Rewind();
         AddMacro(*archive);
     } else {
-        AddBox(name, wasSelected);
+        AddBox(name);
     }
 }
 
@@ -67,14 +78,12 @@ void COpDesk::AddMacro(CArchive& archive) {
     if (scratch.ReadDeskOnly(archive)) MergeBoxes(scratch.m_boxes);
 }
 
-void COpDesk::AddBox(const std::string& name, bool wasSelected) {
+void COpDesk::AddBox(const std::string& name) {
     auto box = std::make_unique<COpBox>();
     if (!m_host.DefineBox(*box, name) || !AdmitBox(*box)) return;
     m_view.LayoutBox(*box);
     m_pendingBoxes.push_back(std::move(box));
     m_pendingPlaced = false;
-    m_view.Repaint();
-    if (wasSelected) m_view.RefreshAllViews();
 }
 
 COpDesk::InstanceCounts COpDesk::CountInstances() const {

@@ -119,8 +119,9 @@ class COpDesk {
     using InstanceCounts = std::unordered_map<std::string, int>;
     InstanceCounts CountInstances() const;
     bool AdmitBox(COpBox& box, InstanceCounts& counts);
+    void BringOperator(const std::string& name);
     void AddMacro(CArchive& archive);
-    void AddBox(const std::string& name, bool wasSelected);
+    void AddBox(const std::string& name);
     void ClearSelections();
     void SetAllSelected(int selected);
     void ForgetReferences();

@@ -130,6 +130,48 @@ TEST_F(OpDesk, AddingClearsEverySelectionAndRefreshesTheViewsIfABoxWasSelected) 
     EXPECT_THAT(view.calls, ElementsAre("layout noise_2", "layout noise_2", "repaint", "refresh"));
 }
 
+TEST_F(OpDesk, AStoreThatReordersTheStackRepaints) {
+    for (const int wid : {1, 2}) document.m_boxes.push_front(MakeLink("a", wid));
+    document.Store();
+    EXPECT_THAT(WidsOf(document), ElementsAre(1, 2));
+    EXPECT_THAT(view.calls, ElementsAre("repaint"));
+}
+
+// An operator that brings no box, by every way it can come to that.
+class RefusedOperator : public OpDesk, public testing::WithParamInterface<const char*> {
+  protected:
+    RefusedOperator() {
+        host.AddOperator("link", "output o { float out }");
+        host.AddOperator("limited", "defs { maxinstances -1 }");
+        host.AddOperator("broken", "nonsense\n");
+        host.AddOperator("empty", "");
+        host.AddOperator("macro", "tavrn-version 1\nopdesk {\noops");
+        std::filesystem::remove(host.AddOperator("gone", "output o { float out }"));
+    }
+};
+
+TEST_P(RefusedOperator, LeavesNothingToBeSeenOfWhatWaited) {
+    desk.AddOperator("link");
+    view.calls.clear();
+    desk.AddOperator(GetParam());
+    EXPECT_EQ(Alerts().size(), 1U);
+    EXPECT_THAT(Pending(), IsEmpty());
+    EXPECT_THAT(view.calls, ElementsAre("repaint"));
+}
+
+TEST_P(RefusedOperator, LeavesNothingToBeSeenOfASelection) {
+    const COpBox& box = Admit(MakeLink("a", 0));
+    view.calls.clear();
+    desk.AddOperator(GetParam());
+    EXPECT_EQ(Alerts().size(), 1U);
+    EXPECT_EQ(box.selected, 0);
+    EXPECT_THAT(view.calls, ElementsAre("repaint", "refresh"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, RefusedOperator,
+                         testing::Values("limited", "broken", "empty", "macro", "gone", "unknown"),
+                         [](const auto& way) { return std::string(way.param); });
+
 TEST_F(OpDesk, AddingReplacesWhatWaits) {
     host.AddOperator("one", "defs { maxinstances 1 }");
     desk.AddOperator("one");

@@ -95,8 +95,15 @@ std::vector<COpButton*> CTvDoc::CollectUnconnectedInputs() const {
     return buttons;
 }
 
+bool CTvDoc::BringIntoOrder() {
+    const auto isBefore = [](const auto& left, const auto& right) { return left->wid < right->wid; };
+    if (std::is_sorted(m_boxes.begin(), m_boxes.end(), isBefore)) return false;
+    m_boxes.sort(isBefore);
+    return true;
+}
+
 void CTvDoc::SortBoxesByWid() {
-    m_boxes.sort([](const auto& left, const auto& right) { return left->wid < right->wid; });
+    if (BringIntoOrder() && m_afterReorder) m_afterReorder();
 }
 
 }  // namespace tavrin

@@ -83,7 +83,8 @@ std::string CTvDoc::Snapshot() {
     std::vector<BoxList::iterator> stack;
     stack.reserve(m_boxes.size());
     for (auto box = m_boxes.begin(); box != m_boxes.end(); ++box) stack.push_back(box);
-    std::string text = Store();
+    BringIntoOrder();
+    std::string text = WriteDocument(*this, m_host);
     for (const auto& box : stack) m_boxes.splice(m_boxes.end(), m_boxes, box);
     return text;
 }

@@ -52,6 +52,9 @@ class CTvDoc {
     // Is called before that: reading a large file takes its time, in which nobody may look at boxes that have
     // gone. For the one desk over the document, which takes it back with an empty one.
     void SetBeforeDelete(std::function<void()> beforeDelete) { m_beforeDelete = std::move(beforeDelete); }
+    // Is called when storing or reading has changed the order of the stack: what is seen of it is out of
+    // date. Belongs to the same desk.
+    void SetAfterReorder(std::function<void()> afterReorder) { m_afterReorder = std::move(afterReorder); }
 
     // Opens a file: empties the document, then reads. False if the file cannot be opened, with an alert;
     // the document then stays as it was. Errors in the file are alerted and leave what was read;
@@ -110,9 +113,11 @@ class CTvDoc {
 
   private:
     std::vector<COpBox*> BoxesByTitle() const;
+    bool BringIntoOrder();  // whether that has changed anything
 
     DocumentHost& m_host;
     std::function<void()> m_beforeDelete;
+    std::function<void()> m_afterReorder;
     std::string m_path;
     bool m_modified = false;
     bool m_cutShort = false;

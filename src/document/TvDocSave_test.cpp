@@ -138,6 +138,21 @@ TEST_F(TvDocSave, SavingReordersTheStack) {
     EXPECT_THAT(test::WidsOf(document), ElementsAre(1, 2, 3));
 }
 
+TEST_F(TvDocSave, WhoeverShowsTheStackIsToldThatSavingHasReorderedIt) {
+    int told = 0;
+    document.SetAfterReorder([&] {
+        ++told;
+        EXPECT_THAT(test::WidsOf(document), ElementsAre(1, 2, 3));
+    });
+    for (const int wid : {3, 1, 2}) Add(test::MakeLink("a", wid));
+    document.Snapshot();
+    EXPECT_EQ(told, 0);
+    ASSERT_TRUE(Save(path));
+    EXPECT_EQ(told, 1);
+    ASSERT_TRUE(Save(path));
+    EXPECT_EQ(told, 1);
+}
+
 TEST_F(TvDocSave, ASnapshotIsWhatTheFileWouldHoldAndChangesNothing) {
     std::vector<const COpBox*> stack;
     for (const int wid : {3, 1, 2, 1}) stack.push_back(&Add(test::MakeLink("a", wid)));
