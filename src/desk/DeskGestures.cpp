@@ -1,6 +1,7 @@
 #include "desk/DeskGestures.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "desk/HitTest.h"
 #include "text/Report.h"
@@ -19,6 +20,11 @@ constexpr const char* kLoopHelp = ">>>\r\n>>> HEY!!!  That would make an endless
 // A press and a release word it differently.
 constexpr const char* kLoopAtPress = "That would create endless loop!  Watch status box for warnings.";
 constexpr const char* kLoopAtRelease = "That would create an endless loop!  Watch status box for warnings.";
+
+template <typename Object>
+bool HasGone(const Object* object, uint64_t serial) {
+    return object != nullptr && (!Object::IsLive(object) || object->Serial() != serial);
+}
 
 bool IsVinput(const COpButton* button) { return button != nullptr && button->kind == ButtonKind::kVinput; }
 
@@ -181,16 +187,25 @@ void DeskGestures::DragPending(DeskPoint at, DeskPoint delta) {
 }
 
 void DeskGestures::ShowHelp() {
+    const COpBox* box = m_around.desk.m_mouseBox;
+    const COpButton* button = m_around.desk.m_mouseButton;
+    m_help = {HelpUnderPointer(), box, box == nullptr ? 0 : box->Serial(), button,
+              button == nullptr ? 0 : button->Serial()};
+    m_around.showStatus(m_help.text);
+}
+
+std::string DeskGestures::HelpUnderPointer() const {
     const COpDesk& desk = m_around.desk;
     const COpButton* button = desk.m_mouseButton;
     const COpButton* selected = desk.m_selectedButton;
-    if (button == nullptr) {
-        m_around.showStatus(desk.m_mouseBox != nullptr ? desk.m_mouseBox->boxhelp : kDeskHint);
-    } else if (selected != nullptr && selected->CanConnect(*button) && selected->WouldLoop(*button)) {
-        m_around.showStatus(kLoopHelp);
-    } else {
-        m_around.showStatus(button->help);
-    }
+    if (button == nullptr) return desk.m_mouseBox != nullptr ? desk.m_mouseBox->boxhelp : kDeskHint;
+    const bool warns = selected != nullptr && selected->CanConnect(*button) && selected->WouldLoop(*button);
+    return warns ? kLoopHelp : button->help;
+}
+
+std::optional<std::string> DeskGestures::TakeStaleHelp() {
+    if (!HasGone(m_help.box, m_help.boxSerial) && !HasGone(m_help.button, m_help.buttonSerial)) return {};
+    return std::exchange(m_help, {}).text;
 }
 
 void DeskGestures::LeftUp(const PointerState& pointer) {

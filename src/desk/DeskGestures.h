@@ -1,7 +1,9 @@
 // What the pointer does on the desk: selecting, moving, wiring, rubber bands, panning.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "desk/DeskViewport.h"
@@ -51,6 +53,9 @@ class DeskGestures {
     void Cancel();
     // To be called at even times while a gesture runs: scrolls while boxes are held beyond the window's edge.
     void Tick();
+    // The help that was shown last if it is that of a box or button which is gone since, once; who shows it
+    // is to show something else.
+    std::optional<std::string> TakeStaleHelp();
     // The next move only tells where the pointer is: a menu has closed, and this is no drag.
     void IgnoreNextMove() { m_ignoreNextMove = true; }
 
@@ -75,15 +80,26 @@ class DeskGestures {
     void FollowButton(COpBox* box, COpButton* button, DeskPoint at);
     void DragPending(DeskPoint at, DeskPoint delta);
     void ShowHelp();
+    std::string HelpUnderPointer() const;
     void FinishWire(COpButton* grown);
     void Wire(COpButton& target);
     void FinishBand();
     bool IsInGrowArrow(DeskPoint at, bool above) const;
     void Remember(const PointerState& pointer, DeskPoint at);
 
+    // The numbers tell what a help is about from what comes to lie in its place.
+    struct ShownHelp {
+        std::string text;
+        const COpBox* box = nullptr;
+        uint64_t boxSerial = 0;
+        const COpButton* button = nullptr;
+        uint64_t buttonSerial = 0;
+    };
+
     Surroundings m_around;
     Kind m_gesture = Kind::kIdle;
     WindowPoint m_mousePoint;  // last position in the window
+    ShownHelp m_help;          // what was shown last
     DeskPoint m_bandAnchor;
     bool m_growArrowsShown = false;
     bool m_growArrowUpHot = false;

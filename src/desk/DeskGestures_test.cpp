@@ -443,6 +443,32 @@ TEST_F(DeskGestures, TheStatusTellsOfWhatLiesUnderThePointer) {
     EXPECT_EQ(status, "");
 }
 
+TEST_F(DeskGestures, HelpIsStaleOnceWhatItIsAboutHasGone) {
+    COpBox& box = PutVinput(0, 0);
+    box.boxhelp = "of the box";
+    box.inputs.at(0)->help = "of the input";
+    Hover(10, 10);
+    EXPECT_EQ(gestures.TakeStaleHelp(), std::nullopt);
+    desk.DeleteButton();
+    EXPECT_EQ(gestures.TakeStaleHelp(), "of the input");
+    EXPECT_EQ(gestures.TakeStaleHelp(), std::nullopt);
+    Hover(40, 10);
+    EXPECT_EQ(gestures.TakeStaleHelp(), std::nullopt);
+    desk.DeleteBox(box);
+    EXPECT_EQ(gestures.TakeStaleHelp(), "of the box");
+    Hover(40, 10);
+    EXPECT_EQ(status, kDeskHint);
+    EXPECT_EQ(gestures.TakeStaleHelp(), std::nullopt);
+}
+
+TEST_F(DeskGestures, HelpIsStaleAlsoWhereAnotherBoxHasComeToLieInThePlace) {
+    PutLink(0, 0).boxhelp = "of the box";
+    Hover(40, 10);
+    document.DeleteContents();
+    PutLink(0, 0);
+    EXPECT_EQ(gestures.TakeStaleHelp(), "of the box");
+}
+
 TEST_F(DeskGestures, TheFirstMoveAfterAMenuOnlyTellsWhereThePointerIs) {
     COpBox& box = PutLink(100, 100);
     Press(140, 110);

@@ -190,6 +190,69 @@ TEST_F(DeskHandTest, TheStatusBoxTellsOfWhatIsUnderThePointerLineByLine) {
     EXPECT_EQ(Status(), "held");
 }
 
+TEST_F(DeskHandTest, TheHelpOfABoxGoesWithTheBoxByWhateverWay) {
+    StartWithBoxes(1);
+    Document().Store();
+    const std::string other = WriteDocument("other");
+    const std::vector<std::function<void()>> ways = {
+        [this] { Do(CommandId::kDelete); },
+        [this] { Do(CommandId::kCut); },
+        [this] { Desk().DeleteBox(Box(0)); },
+        [this] {
+            Document().SetModified(false);
+            Do(CommandId::kNew);
+        },
+        [this, &other] {
+            Document().SetModified(false);
+            Frame().OpenDocumentFile(other);
+        },
+    };
+    for (const auto& way : ways) {
+        if (Document().m_boxes.empty()) AddBoxes(1);
+        Frame().Desk().CentreOnBox("Constant_1");
+        Box(0).boxhelp = "help of the box";
+        Box(0).selected = 1;
+        MoveTo(TitleOf(0));
+        EXPECT_EQ(Status(), "help of the box");
+        way();
+        Settle();
+        EXPECT_EQ(Status(), kDeskHint) << "by way " << &way - ways.data();
+    }
+    Document().SetModified(false);
+}
+
+TEST_F(DeskHandTest, WhatIsShownInThePlaceOfAHelpStaysWhenTheBoxGoes) {
+    StartWithBoxes(1);
+    Box(0).boxhelp = "help of the box";
+    Box(0).selected = 1;
+    MoveTo(TitleOf(0));
+    Frame().StatusBox().SetStatus("of the toolbar");
+    Do(CommandId::kDelete);
+    Settle();
+    EXPECT_EQ(Status(), "of the toolbar");
+    Document().SetModified(false);
+}
+
+TEST_F(DeskHandTest, WhatIsInHandIsToldBeforeTheHelp) {
+    StartWithBoxes(2);
+    const auto hint = [this] {
+        Settle();
+        return Bytes(Frame().StatusBox().Hint());
+    };
+    EXPECT_EQ(hint(), "");
+    Press(OutputOf(0));
+    EXPECT_EQ(hint(), "Release on a button to wire it");
+    Release(OutputOf(0));
+    EXPECT_EQ(hint(), "Click a button to wire it, the desk to let go");
+    Click(InputOf(1));
+    EXPECT_EQ(hint(), "");
+    Desk().AddOperator("Constant");
+    EXPECT_EQ(hint(), "");  // nothing has happened to the windows yet
+    SettleByKey();
+    EXPECT_EQ(hint(), "Click to drop, Delete to throw away");
+    Document().SetModified(false);
+}
+
 TEST_F(DeskHandTest, TheKeysZoomDuringADragAndTheBoxStaysUnderThePointer) {
     StartWithBoxes(1);
     Pane().setFocus();

@@ -49,10 +49,18 @@ void MainFrame::SetLocked(bool locked) {
 }
 
 // What waits for the user on the desk.
-QString MainFrame::DeskHint(const COpDesk& desk) {
+QString MainFrame::DeskHint() const {
+    const COpDesk& desk = m_work->desk;
     if (!desk.m_pendingBoxes.empty()) return "Click to drop, Delete to throw away";
-    if (desk.m_selectedButton != nullptr) return "Click a button to wire it, the desk to let go";
-    return {};
+    if (desk.m_selectedButton == nullptr) return {};
+    const bool isDrawn = m_desk->Gestures().Current() == DeskGestures::Kind::kWiring;
+    return isDrawn ? "Release on a button to wire it" : "Click a button to wire it, the desk to let go";
+}
+
+// Unless something else is shown by now.
+void MainFrame::DropStaleHelp() {
+    const auto help = m_desk->Gestures().TakeStaleHelp();
+    if (help && m_statusBox->Shows(*help)) m_statusBox->SetStatus(kDeskHint);
 }
 
 void MainFrame::OnIdle() {
@@ -61,7 +69,8 @@ void MainFrame::OnIdle() {
     m_actions->Update(state);
     m_operatorBar->SetRenderEnabled(SpecOf(CommandId::kRenderIt).enabled(state));
     setWindowModified(m_work->document.IsModified());
-    m_statusBox->SetHint(DeskHint(m_work->desk));
+    m_statusBox->SetHint(DeskHint());
+    DropStaleHelp();
     m_idleWork->Step();
 }
 

@@ -118,7 +118,8 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     void UpdateTitle();
     void SetLocked(bool locked);
     void OnIdle();
-    static QString DeskHint(const COpDesk& desk);
+    QString DeskHint() const;
+    void DropStaleHelp();
     bool MayClose();
 
     Site& GetSite() { return m_app.GetSite(); }

@@ -16,6 +16,7 @@ constexpr int kFontPixels = 11;
 constexpr int kLines = 3;  // what the longest of the desk's own texts takes
 constexpr int kMargin = 4;
 constexpr int kLeastActivity = 200;  // pixels, however narrow the box is
+constexpr int kLeastHint = 150;
 const QString kEllipsis = QStringLiteral(" \u2026");
 
 QColor ColourOf(const float (&components)[3]) {
@@ -43,6 +44,8 @@ class StatusText : public QPlainTextEdit {
 
 CStatusBox::CStatusBox(QWidget* frame, const float (&background)[3], Clock clock)
     : QFrame(frame),
+      m_hint(new QLabel(this)),
+      m_rule(new QFrame(this)),
       m_text(new StatusText(this, [this] { ShowStatus(); })),
       m_activity(new QLabel(this)),
       m_clock(clock ? std::move(clock) : [] { return static_cast<long>(std::time(nullptr)); }) {
@@ -77,9 +80,20 @@ CStatusBox::CStatusBox(QWidget* frame, const float (&background)[3], Clock clock
     m_activity->setTextFormat(Qt::PlainText);
     m_activity->setAlignment(Qt::AlignRight | Qt::AlignTop);
 
+    m_hint->setObjectName("hint");
+    m_hint->setFont(bold);
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_hint->setWordWrap(true);
+    m_hint->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);  // the text gives the height
+    m_rule->setFrameStyle(QFrame::VLine | QFrame::Plain);
+    ShowHint();
+
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(2 * kMargin, kMargin, 2 * kMargin, kMargin);
     row->setSpacing(4 * kMargin);
+    row->addWidget(m_hint);
+    row->addWidget(m_rule);
     row->addWidget(m_text, 1);
     row->addWidget(m_activity);
     m_text->setFixedHeight(kLines * QFontMetrics(bold).lineSpacing());
@@ -113,9 +127,19 @@ void CStatusBox::ShowStatus() {
 }
 
 void CStatusBox::SetHint(const QString& text) {
-    if (m_hint == text) return;
-    m_hint = text;
+    if (m_hintText == text) return;
+    m_hintText = text;
+    ShowHint();
     ShowActivity();
+}
+
+// At most a third of the box.
+void CStatusBox::ShowHint() {
+    const int room = std::max(width() / 3, kLeastHint);
+    m_hint->setFixedWidth(std::min(m_hint->fontMetrics().horizontalAdvance(m_hintText) + 1, room));
+    m_hint->setText(m_hintText);
+    m_hint->setVisible(!m_hintText.isEmpty());
+    m_rule->setVisible(!m_hintText.isEmpty());
 }
 
 void CStatusBox::SetActivity(const QString& text, bool isUrgent) {
@@ -127,15 +151,17 @@ void CStatusBox::SetActivity(const QString& text, bool isUrgent) {
     repaint();
 }
 
-// At most half of the box, so that a long name neither widens the frame nor pushes the status away.
+// With the hint at most half of the box, so that a long name neither widens the frame nor pushes the status
+// away.
 void CStatusBox::ShowActivity() {
-    const int room = std::max(width() / 2, kLeastActivity);
-    const QString& text = m_activityText.isEmpty() ? m_hint : m_activityText;
-    m_activity->setText(m_activity->fontMetrics().elidedText(text, Qt::ElideMiddle, room));
+    const int taken = m_hintText.isEmpty() ? 0 : m_hint->width();
+    const int room = std::max(width() / 2 - taken, kLeastActivity);
+    m_activity->setText(m_activity->fontMetrics().elidedText(m_activityText, Qt::ElideMiddle, room));
 }
 
 void CStatusBox::resizeEvent(QResizeEvent* event) {
     QFrame::resizeEvent(event);
+    ShowHint();
     ShowActivity();
 }
 

@@ -22,13 +22,17 @@ class CStatusBox : public QFrame {
     void SetStatus(const std::string& text, int holdSeconds = 0);
     void ClearStatus() { SetStatus({}); }
     QString Status() const { return m_status; }  // whole
+    // Whether this is the text that was set last.
+    bool Shows(const std::string& text) const { return text == m_shown; }
 
     // What the program is busy with, beside the status text; empty for nothing. Shown at once if `isUrgent`,
     // for use while the event loop does not run.
     void SetActivity(const QString& text, bool isUrgent = false);
     const QString& Activity() const { return m_activityText; }
-    // What the user may do now, in the place of the activity while there is none; empty for nothing.
+    // What the user has in hand and may do with it, before the status text; empty for nothing. Broken into
+    // lines where the box is narrow.
     void SetHint(const QString& text);
+    const QString& Hint() const { return m_hintText; }
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -36,13 +40,16 @@ class CStatusBox : public QFrame {
   private:
     void ShowStatus();
     void ShowActivity();
+    void ShowHint();
 
+    QLabel* m_hint;
+    QFrame* m_rule;  // between the hint and the text
     QPlainTextEdit* m_text;
     QLabel* m_activity;
     std::string m_shown;     // as it was set: the field has its own line ends
     QString m_status;        // whole, with the field's line ends
     QString m_activityText;  // whole; the label shows what fits
-    QString m_hint;
+    QString m_hintText;
     Clock m_clock;
     long m_since = 0;  // when the text that is held was set
     int m_hold = 0;    // seconds; 0 for none

@@ -14,6 +14,18 @@ constexpr float kGrey[3] = {0.76F, 0.76F, 0.76F};
 
 class StatusBoxTest : public testing::Test {
   protected:
+    // In the window that a box without a frame is; its manager has a word in the size.
+    void ShowOfWidth(int width) {
+        box.resize(width, 80);
+        test::ShowActive(box);
+        box.resize(width, 80);
+        ASSERT_TRUE(test::WaitUntil([&] { return box.width() == width; }));
+    }
+    const QPlainTextEdit& Field() { return *box.findChild<QPlainTextEdit*>("status"); }
+    QString Text() { return Field().toPlainText(); }
+    double Lines() { return Field().document()->size().height(); }
+    const QLabel& HintLabel() { return *box.findChild<QLabel*>("hint"); }
+
     long now = 1000;
     CStatusBox box{nullptr, kGrey, [this] { return now; }};
 };
@@ -58,51 +70,59 @@ TEST_F(StatusBoxTest, ShowsThreeLinesWholeAndTakesNoInput) {
 }
 
 TEST_F(StatusBoxTest, ATextThatDoesNotFitEndsInAnEllipsisUntilThereIsRoom) {
-    box.resize(400, 80);
-    box.show();
-    test::HandleEvents();
+    ShowOfWidth(400);
     QString help;
     for (int word = 0; word < 60; ++word) help += QString("word%1 ").arg(word);
     box.SetStatus(help.toStdString());
-    const auto* text = box.findChild<QPlainTextEdit*>("status");
-    const auto lines = [&] { return text->document()->size().height(); };
-    const QString narrow = text->toPlainText();
-    EXPECT_EQ(lines(), 3);
+    const QString narrow = Text();
+    EXPECT_EQ(Lines(), 3);
     EXPECT_TRUE(narrow.endsWith(QString::fromUtf8(" \u2026"))) << narrow.toStdString();
     EXPECT_TRUE(help.startsWith(narrow.chopped(2)));
     EXPECT_EQ(box.Status(), help);
     box.resize(600, 80);
-    test::HandleEvents();
-    EXPECT_EQ(lines(), 3);
-    EXPECT_GT(text->toPlainText().size(), narrow.size());
-    box.resize(3000, 80);
-    test::HandleEvents();
-    EXPECT_EQ(text->toPlainText(), help);
+    EXPECT_TRUE(test::WaitUntil([&] { return Text().size() > narrow.size(); }));
+    EXPECT_EQ(Lines(), 3);
+    box.resize(1900, 80);
+    EXPECT_TRUE(test::WaitUntil([&] { return Text() == help; })) << Text().toStdString();
     box.resize(400, 80);
-    test::HandleEvents();
-    EXPECT_EQ(text->toPlainText(), narrow);
+    EXPECT_TRUE(test::WaitUntil([&] { return Text() == narrow; })) << Text().toStdString();
 }
 
 TEST_F(StatusBoxTest, LinesThatAreTooManyAreCutAsWell) {
-    box.resize(600, 80);
-    box.show();
-    test::HandleEvents();
+    ShowOfWidth(600);
     box.SetStatus("one\r\n\r\nthree\r\nfour");
-    const auto* text = box.findChild<QPlainTextEdit*>("status");
-    EXPECT_EQ(text->toPlainText(), QString::fromUtf8("one\n\nthree \u2026"));
+    EXPECT_EQ(Text(), QString::fromUtf8("one\n\nthree \u2026"));
     EXPECT_EQ(box.Status(), "one\n\nthree\nfour");
 }
 
-TEST_F(StatusBoxTest, AHintIsShownWhileThereIsNoActivity) {
-    const auto* label = box.findChild<QLabel*>("activity");
-    box.SetHint("Click to drop");
-    EXPECT_EQ(label->text(), "Click to drop");
+TEST_F(StatusBoxTest, AHintStandsWholeBeforeTheTextWhateverTheActivity) {
+    ShowOfWidth(1200);
+    EXPECT_FALSE(HintLabel().isVisible());
+    box.SetStatus(std::string(300, 'y'));
     box.SetActivity("Rendering");
-    EXPECT_EQ(label->text(), "Rendering");
-    box.SetActivity({});
-    EXPECT_EQ(label->text(), "Click to drop");
+    const int start = Field().x();
+    box.SetHint("Click to drop");
+    EXPECT_TRUE(test::WaitUntil([&] { return Field().x() > start; }));
+    EXPECT_EQ(HintLabel().x(), start);
+    EXPECT_GE(Field().x(), HintLabel().geometry().right());
+    EXPECT_EQ(HintLabel().text(), "Click to drop");
+    EXPECT_GE(HintLabel().width(), HintLabel().fontMetrics().horizontalAdvance("Click to drop"));
+    EXPECT_EQ(box.findChild<QLabel*>("activity")->text(), "Rendering");
     box.SetHint({});
-    EXPECT_EQ(label->text(), "");
+    EXPECT_TRUE(test::WaitUntil([&] { return Field().x() == start; }));
+    EXPECT_FALSE(HintLabel().isVisible());
+}
+
+TEST_F(StatusBoxTest, InANarrowBoxAHintIsBrokenIntoLinesAndHasRoomForThem) {
+    ShowOfWidth(420);
+    const int height = box.sizeHint().height();
+    box.SetStatus("help");
+    box.SetHint("Click a button to wire it, the desk to let go");
+    EXPECT_TRUE(test::WaitUntil([&] { return Field().x() > HintLabel().x(); }));
+    EXPECT_LE(HintLabel().width(), 150);
+    EXPECT_LE(HintLabel().heightForWidth(HintLabel().width()), HintLabel().height());
+    EXPECT_EQ(box.sizeHint().height(), height);
+    EXPECT_EQ(Text(), "help");
 }
 
 TEST_F(StatusBoxTest, ATextIsOnlySetWhereItDiffersWhateverItsLineEnds) {
@@ -136,8 +156,7 @@ TEST_F(StatusBoxTest, ActivityStandsBesideTheText) {
 }
 
 TEST_F(StatusBoxTest, ALongNameNeitherWidensTheBoxNorPushesTheTextAway) {
-    box.resize(800, 60);
-    box.show();
+    ShowOfWidth(800);
     const int before = box.minimumSizeHint().width();
     const QString name(500, 'x');
     box.SetActivity("Rendering " + name);
@@ -145,9 +164,14 @@ TEST_F(StatusBoxTest, ALongNameNeitherWidensTheBoxNorPushesTheTextAway) {
     EXPECT_EQ(box.Activity(), "Rendering " + name);
     EXPECT_LE(box.minimumSizeHint().width(), before + 420);
     EXPECT_EQ(box.width(), 800);
-    EXPECT_GE(box.findChild<QPlainTextEdit*>("status")->width(), 350);
+    EXPECT_GE(Field().width(), 350);
+    box.SetHint("Click a button to wire it, the desk to let go");
+    test::HandleEvents();
+    EXPECT_LE(box.minimumSizeHint().width(), 700);
+    EXPECT_EQ(box.width(), 800);
+    EXPECT_GE(Field().width(), 200);
     box.SetStatus(std::string(300, 'y'));
-    EXPECT_EQ(box.findChild<QPlainTextEdit*>("status")->horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+    EXPECT_EQ(Field().horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
 }
 
 }  // namespace
