@@ -77,7 +77,7 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
         // The desk may have failed before there is a loop that could be left.
         if (OpenNamedDocument(frame, report, documentPath) && !frame.HasFailed())
             status = QApplication::exec();
-        if (frame.HasFailed()) status = EXIT_FAILURE;
+        if (frame.HasFailed()) status = frame.ExitStatusOfFailure();
         if (interruption.Signal() != 0) status = kSignalBase + interruption.Signal();
     }
     app.CloseDown(kGrace);

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QWheelEvent>
 #include <algorithm>
+#include <cstdlib>
 
 #include "base/Paths.h"
 #include "site/Site.h"
@@ -17,7 +18,8 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kWheelStep = 120;  // eighths of a degree in a notch
+constexpr int kWheelStep = 120;    // eighths of a degree in a notch
+constexpr int kNoFontStatus = -1;  // exit status where there is no font to be had
 
 // The wheel zooms wherever it is turned over the pane.
 class DeskScrollBar : public QScrollBar {
@@ -70,17 +72,18 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
       m_view(document, m_style.zoom),
       m_fonts(m_style.font,
               [this](const std::string& message) {
-                  QTimer::singleShot(0, this, [this, message] { m_callbacks.fail(message); });
+                  QTimer::singleShot(0, this, [this, message] { m_callbacks.fail(message, kNoFontStatus); });
               }),
       m_gestures(
           {document, desk, m_view, m_windows, site.report, m_style.connectWidth, m_callbacks.showStatus}),
       m_menu({document, desk, m_gestures, m_windows, site.types, m_callbacks.editFile}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
       m_parts{document, desk, m_gestures, m_style, m_icons, site.report},
-      m_widget(new DeskWidget(this, m_gestures,
-                              {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
-                               [this](const std::string& message) { m_callbacks.fail(message); },
-                               [this](QPoint at) { OpenMenu(at); }})),
+      m_widget(
+          new DeskWidget(this, m_gestures,
+                         {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
+                          [this](const std::string& message) { m_callbacks.fail(message, EXIT_FAILURE); },
+                          [this](QPoint at) { OpenMenu(at); }})),
       m_across(MakeScrollBar(Qt::Horizontal)),
       m_down(MakeScrollBar(Qt::Vertical)) {
     setFocusPolicy(Qt::ClickFocus);  // a click takes the keys from a field beside the desk
@@ -93,7 +96,7 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
     grid->setRowStretch(0, 1);
     grid->setColumnStretch(0, 1);
     LoadWallpaper();
-    m_fonts.MetricsOf(DeskFonts::LabelFont(1));  // a platform without fonts is to fail at once
+    m_fonts.MetricsOf(0);  // a platform without fonts is to fail at once, by the smallest size
 }
 
 DeskPane::~DeskPane() = default;

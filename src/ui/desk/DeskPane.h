@@ -28,8 +28,9 @@ class DeskPane : public QWidget {
     struct Callbacks {
         std::function<std::string()> highlightedBox;  // the Box Finder's current name; empty for none
         std::function<void(const std::string&)> showStatus;
-        std::function<void()> changed;                 // the document or the selection; not by a call below
-        std::function<void(const std::string&)> fail;  // the program must end with this message
+        std::function<void()> changed;  // the document or the selection; not by a call below
+        // The program must end with this message and this exit status.
+        std::function<void(const std::string&, int)> fail;
         // Opens the file of an operator for editing.
         std::function<void(const std::string&)> editFile = {};
     };

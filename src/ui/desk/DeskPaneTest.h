@@ -63,7 +63,7 @@ class DeskPaneTest : public DocumentTest {
             nullptr, document, desk, host.GetSite(),
             tavrin::DeskPane::Callbacks{
                 [this] { return highlighted; }, [this](const std::string& text) { status = text; },
-                [this] { ++changes; }, [](const std::string& text) { ADD_FAILURE() << text; },
+                [this] { ++changes; }, [](const std::string& text, int) { ADD_FAILURE() << text; },
                 [this](const std::string& name) { edited.push_back(name); }});
         view.pane = pane.get();
     }

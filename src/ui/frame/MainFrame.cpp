@@ -9,6 +9,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 #include "ui/Messages.h"
@@ -89,7 +90,7 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
         m_app, *this, std::move(m_splash),
         IdleWork::Callbacks{.quit =
                                 [this] {
-                                    m_hasFailed = true;
+                                    m_failure = EXIT_FAILURE;
                                     close();
                                 },
                             .started =
@@ -215,8 +216,9 @@ void MainFrame::CreateClientArea() {
                            .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
                            .changed = [this] { RefreshAllViews(); },
                            .fail =
-                               [this](const std::string& text) {
-                                   if (std::exchange(m_hasFailed, true)) return;
+                               [this](const std::string& text, int status) {
+                                   if (HasFailed()) return;
+                                   m_failure = status;
                                    std::fprintf(stderr, "tavrin: %s\n", text.c_str());
                                    ShowStop(this, "Fatal Error", Shown(text));
                                    m_isClosed = true;

@@ -58,7 +58,8 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     void SaveAside();
     // The user has closed the frame, or the program cannot go on.
     bool IsClosed() const { return m_isClosed; }
-    bool HasFailed() const { return m_hasFailed; }
+    bool HasFailed() const { return m_failure != 0; }
+    int ExitStatusOfFailure() const { return m_failure; }
 
     Workspace& Work() { return *m_work; }
     const FrameWindows& Windows() const { return m_windows; }
@@ -159,7 +160,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     bool m_showSliderDesk = true;
     bool m_locked = false;
     bool m_isClosed = false;
-    bool m_hasFailed = false;  // closed because the program could not go on
+    int m_failure = 0;  // exit status where it was closed because the program could not go on
 };
 
 }  // namespace tavrin
