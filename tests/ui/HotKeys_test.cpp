@@ -258,13 +258,29 @@ TEST_F(EditingKeys, InTheShaderTypeBoxArrowsChooseAndDoNotZoom) {
     auto* types = Frame().OperatorBar().findChild<QComboBox*>("shaderType");
     types->addItems({"light", "surface"});
     types->setCurrentIndex(0);
-    FocusOn(*types);
+    test::TabTo(*types);
     PressKeys("Down");
     EXPECT_EQ(types->currentText(), "surface");
     EXPECT_EQ(Document().zoomFactor, 1);
     PressKeys("Up");
     EXPECT_EQ(types->currentText(), "light");
     EXPECT_EQ(Document().zoomFactor, 1);
+}
+
+TEST_F(EditingKeys, ArrowsZoomWhereTheShaderTypeBoxOnlyCameToHaveTheFocus) {
+    Start();
+    AddBoxes(1);
+    auto* types = Frame().OperatorBar().findChild<QComboBox*>("shaderType");
+    types->addItems({"light", "surface"});
+    types->setCurrentIndex(0);
+    FocusOn(*types);
+    PressKeys("Down");
+    PressKeys("Down");
+    EXPECT_EQ(types->currentText(), "light");
+    EXPECT_FLOAT_EQ(Document().zoomFactor, 1 / 1.1F / 1.1F);
+    PressKeys("Up");
+    EXPECT_EQ(types->currentText(), "light");
+    EXPECT_FLOAT_EQ(Document().zoomFactor, 1 / 1.1F);
 }
 
 TEST_F(EditingKeys, InTheLogLeaveTheDeskAlone) {

@@ -130,7 +130,7 @@ TEST_F(OperatorWays, AnOpenedDocumentShowsItsShaderType) {
 TEST_F(OperatorWays, AChosenShaderTypeIsTheVariableAndStandsInTheTitle) {
     AddToSite(kForm);
     Start();
-    test::FocusOn(TypeBox());
+    test::TabTo(TypeBox());
     while (TypeBox().currentIndex() > 0) test::PressKeys("Up");
     Settle();
     EXPECT_EQ(Document().m_renderOptions["TAVRN_SHADER_TYPE"], "light");

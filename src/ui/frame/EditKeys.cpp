@@ -30,6 +30,33 @@ bool TakesArrows(const QObject* object) {
            qobject_cast<const QComboBox*>(object) != nullptr;
 }
 
+constexpr const char* kChosen = "tavrinChosenByHand";  // property of what the user gave the focus
+
+bool IsChosen(const QWidget& widget) { return widget.property(kChosen).toBool(); }
+
+void SetChosen(QWidget& widget, bool chosen) {
+    if (TakesArrows(&widget) && chosen != IsChosen(widget)) widget.setProperty(kChosen, chosen);
+}
+
+// What a press on a widget gives the focus to, whether or not it had it.
+void ChooseByClick(QWidget& pressed) {
+    for (QWidget* widget = &pressed; widget != nullptr; widget = widget->parentWidget()) {
+        if (TakesArrows(widget) && (widget->focusPolicy() & Qt::ClickFocus) != 0) {
+            SetChosen(*widget, true);
+            return;
+        }
+        if (widget->isWindow()) return;
+    }
+}
+
+// Whether the focus comes back with the window, or when a menu has closed.
+bool IsOnlyLent(Qt::FocusReason reason) {
+    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
+           reason == Qt::MenuBarFocusReason;
+}
+
+bool IsTab(const QKeyEvent& key) { return key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab; }
+
 bool IsArrow(const QKeyEvent& key) {
     return (key.key() == Qt::Key_Up || key.key() == Qt::Key_Down) &&
            (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
@@ -52,19 +79,53 @@ bool IsEditingKey(const QKeyEvent& key) {
     }
 }
 
+// A list that is open, as that of a chooser, has been opened by hand.
+bool Claims(const QWidget& widget, const QKeyEvent& key) {
+    if (IsTextField(&widget)) return IsEditingKey(key);
+    if (!TakesArrows(&widget) || !IsArrow(key)) return false;
+    return IsChosen(widget) || widget.window()->windowType() == Qt::Popup;
+}
+
 }  // namespace
 
 EditKeys::EditKeys() { QCoreApplication::instance()->installEventFilter(this); }
 
 EditKeys::~EditKeys() { QCoreApplication::instance()->removeEventFilter(this); }
 
+// The toolkit names the Tab key as the reason also where it looks for a first widget itself.
 bool EditKeys::eventFilter(QObject* object, QEvent* event) {
-    if (event->type() != QEvent::ShortcutOverride || !object->isWidgetType()) return false;
-    const auto& key = static_cast<const QKeyEvent&>(*event);
-    const bool claimed = IsTextField(object) ? IsEditingKey(key) : TakesArrows(object) && IsArrow(key);
-    if (!claimed) return false;
-    event->accept();
-    return true;
+    if (!object->isWidgetType()) return false;
+    auto& widget = static_cast<QWidget&>(*object);
+    switch (event->type()) {
+        case QEvent::KeyPress:
+            m_tabIsDown = IsTab(static_cast<const QKeyEvent&>(*event));
+            break;
+        case QEvent::KeyRelease:
+        case QEvent::WindowActivate:
+        case QEvent::WindowDeactivate:
+            m_tabIsDown = false;
+            break;
+        case QEvent::MouseButtonPress:
+            ChooseByClick(widget);
+            break;
+        case QEvent::FocusIn:
+            if (m_tabIsDown || static_cast<const QFocusEvent&>(*event).reason() == Qt::ShortcutFocusReason)
+                SetChosen(widget, true);
+            break;
+        case QEvent::FocusOut:
+            if (!IsOnlyLent(static_cast<const QFocusEvent&>(*event).reason())) SetChosen(widget, false);
+            break;
+        case QEvent::Hide:
+            SetChosen(widget, false);
+            break;
+        case QEvent::ShortcutOverride:
+            if (!Claims(widget, static_cast<const QKeyEvent&>(*event))) break;
+            event->accept();
+            return true;
+        default:
+            break;
+    }
+    return false;
 }
 
 }  // namespace tavrin

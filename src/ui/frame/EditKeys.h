@@ -7,7 +7,9 @@
 namespace tavrin {
 
 // Claims such keys for the field before they are looked up as accelerators. Lists, sliders and choosers
-// claim the arrow keys. Watches the whole application while it lives.
+// claim the arrow keys if the user has given them the focus, by a click or the Tab key, since their window
+// came up: one that only came to have it, as the first of a new window does, leaves them to the desk. Watches
+// the whole application while it lives.
 class EditKeys : public QObject {
   public:
     EditKeys();
@@ -15,6 +17,9 @@ class EditKeys : public QObject {
 
   protected:
     bool eventFilter(QObject* object, QEvent* event) override;
+
+  private:
+    bool m_tabIsDown = false;
 };
 
 }  // namespace tavrin

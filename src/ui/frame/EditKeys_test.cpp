@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSlider>
 #include <QTest>
 #include <QVBoxLayout>
@@ -26,7 +29,9 @@ class EditKeysTest : public testing::Test {
             widget->setFocusPolicy(Qt::StrongFocus);
             column->addWidget(widget);
         }
+        text->setTabChangesFocus(true);
         window.setCentralWidget(middle);
+        column->addWidget(first);
         list->addItems({"a", "b", "c"});
         chooser->addItems({"a", "b", "c"});
         for (const char* key : {"Up", "Down", "Esc", "Delete", "Ctrl+A", "Ctrl+C", "Ctrl+V", "Ctrl+X"}) {
@@ -36,6 +41,21 @@ class EditKeysTest : public testing::Test {
             window.addAction(action);
         }
         test::ShowActive(window);
+    }
+
+    // By the Tab key, from whatever has the focus.
+    void TabTo(QWidget* widget) {
+        for (int press = 0; press < 20 && !widget->hasFocus(); ++press)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        ASSERT_TRUE(widget->hasFocus());
+    }
+    // Pressed where the focus is.
+    void Press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+    // And it has the focus, somewhere in it.
+    void ShowOther(QWidget& other) {
+        test::ShowActive(other);
+        const auto hasFocus = [&] { return other.isAncestorOf(QApplication::focusWidget()); };
+        EXPECT_TRUE(test::WaitUntil(hasFocus));
     }
 
     void Press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -51,6 +71,7 @@ class EditKeysTest : public testing::Test {
     }
 
     QMainWindow window;
+    QPushButton* first = new QPushButton("first");
     QLineEdit* line = new QLineEdit("some text");
     QPlainTextEdit* text = new QPlainTextEdit("one\ntwo");
     QListWidget* list = new QListWidget;
@@ -77,17 +98,92 @@ TEST_F(EditKeysTest, ReachTheCommandsFromAnywhereElse) {
     EXPECT_EQ(commands, (QStringList{"Up", "Down", "Esc", "Delete", "Ctrl+A", "Ctrl+C", "Ctrl+V", "Ctrl+X"}));
 }
 
-TEST_F(EditKeysTest, ArrowsMoveWithinListsSlidersAndChoosers) {
+TEST_F(EditKeysTest, ArrowsMoveWithinAListASliderOrAChooserThatTheTabKeyHasLedTo) {
     list->setCurrentRow(0);
-    Press(list, Qt::Key_Down);
+    TabTo(list);
+    Press(Qt::Key_Down);
     EXPECT_EQ(list->currentRow(), 1);
-    Press(slider, Qt::Key_Up);
+    TabTo(slider);
+    Press(Qt::Key_Up);
     EXPECT_EQ(slider->value(), 1);
-    Press(chooser, Qt::Key_Down);
+    TabTo(chooser);
+    Press(Qt::Key_Down);
     EXPECT_EQ(chooser->currentIndex(), 1);
     EXPECT_EQ(commands, QStringList());
     Press(list, Qt::Key_Delete);
     EXPECT_EQ(commands, QStringList{"Delete"});
+}
+
+TEST_F(EditKeysTest, ArrowsMoveWithinAListThatWasClickedAlsoIfItHadTheFocusBefore) {
+    list->setFocus();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
+    Press(Qt::Key_Down);
+    EXPECT_EQ(list->currentRow(), 1);
+    EXPECT_EQ(commands, QStringList());
+}
+
+TEST_F(EditKeysTest, ArrowsReachTheCommandsFromWhatOnlyCameToHaveTheFocus) {
+    for (QWidget* widget : std::initializer_list<QWidget*>{list, slider, chooser}) {
+        commands.clear();
+        Press(widget, Qt::Key_Up);
+        Press(widget, Qt::Key_Down);
+        EXPECT_EQ(commands, (QStringList{"Up", "Down"})) << widget->metaObject()->className();
+    }
+}
+
+TEST_F(EditKeysTest, ArrowsReachTheCommandsAgainOnceTheFocusWasElsewhere) {
+    TabTo(list);
+    first->setFocus();
+    list->setFocus();
+    Press(Qt::Key_Down);
+    EXPECT_EQ(commands, QStringList{"Down"});
+}
+
+// The toolkit gives the focus of a new window to the first in the order of the Tab key, and names that key.
+TEST_F(EditKeysTest, ArrowsReachTheCommandsFromTheListOfAWindowThatCameUp) {
+    QWidget other(&window, Qt::Tool);  // such a one hands keys on to its parent
+    QVBoxLayout column(&other);
+    auto* inside = new QListWidget;
+    inside->addItems({"a", "b"});
+    column.addWidget(inside);
+    ShowOther(other);
+    Press(Qt::Key_Down);
+    EXPECT_EQ(commands, QStringList{"Down"});
+    QTest::mouseClick(inside->viewport(), Qt::LeftButton, {}, {5, 5});
+    Press(Qt::Key_Down);
+    EXPECT_EQ(inside->currentRow(), 1);
+    EXPECT_EQ(commands, QStringList{"Down"});
+    other.hide();
+    test::ShowActive(other);
+    inside->setFocus();
+    ASSERT_TRUE(test::WaitUntil([&] { return inside->hasFocus(); }));
+    Press(Qt::Key_Up);
+    EXPECT_EQ(commands, (QStringList{"Down", "Up"}));
+}
+
+TEST_F(EditKeysTest, AListKeepsTheArrowsWhileItsWindowIsNotTheActiveOne) {
+    list->setCurrentRow(0);
+    TabTo(list);
+    QWidget other(&window, Qt::Window);
+    QVBoxLayout column(&other);
+    column.addWidget(new QPushButton("other"));
+    ShowOther(other);
+    other.hide();
+    ASSERT_TRUE(test::WaitUntil([&] { return list->hasFocus(); }));
+    Press(Qt::Key_Down);
+    EXPECT_EQ(list->currentRow(), 1);
+    EXPECT_EQ(commands, QStringList());
+}
+
+TEST_F(EditKeysTest, ArrowsMoveWithinTheOpenListOfAChooser) {
+    chooser->setFocus();
+    chooser->showPopup();
+    QWidget* open = chooser->view();
+    ASSERT_TRUE(test::WaitUntil([&] { return open->isVisible(); }));
+    QTest::keyClick(open, Qt::Key_Down);
+    QTest::keyClick(open, Qt::Key_Return);
+    EXPECT_EQ(chooser->currentIndex(), 1);
+    EXPECT_EQ(commands, QStringList());
 }
 
 }  // namespace

@@ -92,4 +92,14 @@ void FocusOn(QWidget& widget) {
     ASSERT_TRUE(WaitUntil([&] { return QApplication::focusWidget() == &widget; }));
 }
 
+void TabTo(QWidget& widget) {
+    ShowActive(*widget.window());
+    const qsizetype most = widget.window()->findChildren<QWidget*>().size();
+    for (qsizetype press = 0; press <= most; ++press) {
+        PressKeys("Tab");
+        if (QApplication::focusWidget() == &widget) return;
+    }
+    FAIL() << "the Tab key does not lead to " << Bytes(widget.objectName());
+}
+
 }  // namespace tavrin::test

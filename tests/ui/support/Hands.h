@@ -20,7 +20,9 @@ void ClickOnToolBar(QMainWindow& frame, const char* toolBar, QAction& action);
 // Presses keys such as "Ctrl+A" in the window that has the focus, as the platform would.
 void PressKeys(const QString& keys);
 
-// Makes the window the active one with the focus in the widget.
+// Makes the window the active one with the focus in the widget, which nobody has chosen by hand.
 void FocusOn(QWidget& widget);
+// Presses the Tab key in the widget's window, which becomes the active one, until the widget has the focus.
+void TabTo(QWidget& widget);
 
 }  // namespace tavrin::test
