@@ -36,8 +36,14 @@ void CArchive::SkipToLineEnd() {
 }
 
 int CArchive::LineNumber() const {
-    const auto here = m_text.begin() + static_cast<std::ptrdiff_t>(m_position);
-    return 1 + static_cast<int>(std::count(m_text.begin(), here, '\n'));
+    if (m_position < m_countedTo) {
+        m_countedTo = 0;
+        m_lineFeeds = 0;
+    }
+    const std::string_view passed = std::string_view(m_text).substr(m_countedTo, m_position - m_countedTo);
+    m_lineFeeds += static_cast<int>(std::count(passed.begin(), passed.end(), '\n'));
+    m_countedTo = m_position;
+    return 1 + m_lineFeeds;
 }
 
 }  // namespace tavrin

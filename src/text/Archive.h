@@ -48,6 +48,10 @@ class CArchive {
     std::string m_path;
     std::string m_text;
     size_t m_position = 0;
+    // How far LineNumber has counted: a text with an error in each line is gone through once, not once for
+    // each.
+    mutable size_t m_countedTo = 0;
+    mutable int m_lineFeeds = 0;
 };
 
 }  // namespace tavrin

@@ -104,6 +104,11 @@ TEST(Archive, TheLineNumberCountsTheLineFeedsThatWereRead) {
     EXPECT_EQ(archive.LineNumber(), 3);
     archive.ReadLine(line);
     EXPECT_EQ(archive.LineNumber(), 3);
+    archive.Rewind();
+    archive.ReadLine(line);
+    EXPECT_EQ(archive.LineNumber(), 2) << "counted from the beginning again";
+    archive.ReadLine(line);
+    EXPECT_EQ(archive.LineNumber(), 3);
 }
 
 TEST(Archive, AFileIsReadAsItStands) {
