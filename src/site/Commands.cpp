@@ -25,6 +25,14 @@ constexpr std::chrono::milliseconds kPollStep{5};
 constexpr std::chrono::milliseconds kTellStep{100};  // between two words on how long a wait lasts
 constexpr std::chrono::milliseconds kTimeToHeedTerm{500};
 
+// Returns when the process has ended, which leaves it to be reaped.
+void AwaitExit(int process) {
+    siginfo_t information{};
+    while (::waitid(P_PID, static_cast<id_t>(process), &information, WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {
+    }
+}
+
 }  // namespace
 
 // One asynchronous child and the thread that owns its pipes.
@@ -50,62 +58,88 @@ Commands::~Commands() {
 }
 
 bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo) {
-    ReapUnwatched();
-    SpawnRequest request;
-    request.words = SplitCommandLine(command);
-    request.environment = m_environment.ToList();
-    request.standardOutput = m_commandOutput;
-    std::string error;
-    pid_t child = -1;
-    {
-        const std::lock_guard lock(m_waitedMutex);
-        if (m_interrupted) return false;
-        child = Spawn(request, error);
-        if (child >= 0 && wait) m_waitedFor = child;
-    }
+    const int child = Launch(command, wait);
     if (child < 0) {
-        m_report.Alert("command failed: %s", command.c_str());
+        if (!IsInterrupted()) m_report.Alert("command failed: %s", command.c_str());
         return false;
     }
     if (!wait) {
         m_unwatched.insert(child);
         return true;
     }
-    // The process is not reaped before its number is withdrawn, so that InterruptCommand never meets a
-    // number that has passed to another process.
-    WaitForExit(child);
-    const std::lock_guard lock(m_waitedMutex);
-    // What an interrupted command leaves behind in its group goes with it.
-    if (m_interrupted) ::kill(-child, SIGKILL);
-    m_waitedFor = -1;
-    const int exitCode = WaitForEnd(child);
+    WaitForOne({child});
+    const int exitCode = CollectCommand(child);
     if (processInfo != nullptr) processInfo->exitCode = exitCode;
     return true;
 }
 
-// Returns when the process has ended, which leaves it to be reaped.
-void Commands::WaitForExit(int process) const {
-    if (m_waitObserver) {
-        const auto start = Clock::now();
-        const FileDescriptor watched(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
-        pollfd wait{watched.Get(), POLLIN, 0};
-        for (;;) {
+int Commands::Launch(const std::string& command, bool isWaitedFor) {
+    ReapUnwatched();
+    SpawnRequest request;
+    request.words = SplitCommandLine(command);
+    request.environment = m_environment.ToList();
+    request.standardOutput = m_commandOutput;
+    std::string error;
+    const std::lock_guard lock(m_waitedMutex);
+    if (m_interrupted) return -1;
+    const pid_t child = Spawn(request, error);
+    if (child >= 0 && isWaitedFor) m_waitedFor.insert(child);
+    return child;
+}
+
+int Commands::StartCommand(const std::string& command) { return Launch(command, true); }
+
+void Commands::WaitForOne(const std::vector<int>& processes) const {
+    std::vector<FileDescriptor> watched;
+    std::vector<pollfd> waits;
+    bool canWatch = true;
+    for (const int process : processes) {
+        watched.emplace_back(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
+        waits.push_back({watched.back().Get(), POLLIN, 0});
+        canWatch = canWatch && watched.back();
+    }
+    const auto start = Clock::now();
+    const int step = m_waitObserver ? static_cast<int>(kTellStep.count()) : -1;
+    do {
+        if (m_waitObserver)
             m_waitObserver(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start));
-            // Where the system has no such descriptors the wait goes on below, untold.
-            if (watched.Get() < 0 || ::poll(&wait, 1, static_cast<int>(kTellStep.count())) > 0) break;
-        }
-    }
-    siginfo_t information{};
-    while (::waitid(P_PID, static_cast<id_t>(process), &information, WEXITED | WNOWAIT) != 0 &&
-           errno == EINTR) {
-    }
+    } while (canWatch && ::poll(waits.data(), waits.size(), step) <= 0);
+    // Where the system has no such descriptors the wait goes on for the first of them, untold.
+    if (!canWatch) AwaitExit(processes.front());
     if (m_waitObserver) m_waitObserver(std::nullopt);
+}
+
+bool Commands::HasEnded(int process) {
+    siginfo_t information{};
+    const int result = ::waitid(P_PID, static_cast<id_t>(process), &information, WEXITED | WNOHANG | WNOWAIT);
+    return result != 0 || information.si_pid == process;
+}
+
+int Commands::CollectCommand(int process) {
+    // The process is not reaped before its number is withdrawn, so that InterruptCommand never meets a
+    // number that has passed to another process.
+    AwaitExit(process);
+    const std::lock_guard lock(m_waitedMutex);
+    // What an interrupted command leaves behind in its group goes with it.
+    if (m_interrupted) ::kill(-process, SIGKILL);
+    m_waitedFor.erase(process);
+    return WaitForEnd(process);
+}
+
+void Commands::EndCommand(int process) {
+    ::kill(-process, SIGKILL);
+    CollectCommand(process);
 }
 
 void Commands::InterruptCommand(int signal) {
     const std::lock_guard lock(m_waitedMutex);
     m_interrupted = true;
-    if (m_waitedFor >= 0) ::kill(-m_waitedFor, signal);
+    for (const int process : m_waitedFor) ::kill(-process, signal);
+}
+
+bool Commands::IsInterrupted() const {
+    const std::lock_guard lock(m_waitedMutex);
+    return m_interrupted;
 }
 
 void Commands::ReapUnwatched() {
@@ -180,10 +214,7 @@ void Commands::Work(Child& child, const Start& start) {
     constexpr int kCannotStart = 127;
     int exitCode = kCannotStart;
     if (pid >= 0) {
-        siginfo_t information{};
-        while (::waitid(P_PID, static_cast<id_t>(pid), &information, WEXITED | WNOWAIT) != 0 &&
-               errno == EINTR) {
-        }
+        AwaitExit(pid);
         const std::lock_guard lock(m_childMutex);
         // What the child leaves behind in its group goes with it; not yet reaped, it still holds the number.
         if (m_ending) ::kill(-pid, SIGKILL);

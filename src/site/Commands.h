@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "base/Environment.h"
 #include "base/FileDescriptor.h"
@@ -51,9 +52,23 @@ class Commands {
     // as "command failed: COMMAND"; false.
     bool RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo = nullptr);
 
+    // The same in pieces, for who has several commands run beside each other (CommandQueue). Each process
+    // that is started is to be collected or ended; both let it go.
+
+    // Starts a command line; its process, or -1, unreported, if it cannot start or the program is to end.
+    int StartCommand(const std::string& command);
+    // Returns when one of the processes has ended, of which there is one at least.
+    void WaitForOne(const std::vector<int>& processes) const;
+    static bool HasEnded(int process);
+    // Waits for the end; the exit code.
+    int CollectCommand(int process);
+    // Ends the process and those of its group at once.
+    void EndCommand(int process);
+
     // Any thread: the program is to end. No command is started any more, without a word; the process
-    // group of the one that RunCommand waits for gets this signal.
+    // groups of those that are waited for get this signal.
     void InterruptCommand(int signal);
+    bool IsInterrupted() const;
 
     // Starts "PerlExec COMMAND" with its output going to the log, and returns at once. The child counts as
     // running until its output has closed, also on the side of its own children.
@@ -78,7 +93,7 @@ class Commands {
     struct Child;
     struct Start;
 
-    void WaitForExit(int process) const;
+    int Launch(const std::string& command, bool isWaitedFor);
     void Work(Child& child, const Start& start);
     void ReadOutput(Child& child, int pipe);
     void ReapUnwatched();
@@ -95,9 +110,9 @@ class Commands {
     std::function<void(int)> m_childEnd;
     WaitObserver m_waitObserver;
 
-    std::mutex m_waitedMutex;
+    mutable std::mutex m_waitedMutex;
     bool m_interrupted = false;
-    int m_waitedFor = -1;       // process that RunCommand waits for
+    std::set<int> m_waitedFor;  // processes that are to be collected
     std::set<int> m_unwatched;  // processes started without waiting, to be reaped when they end
 
     mutable std::mutex m_childMutex;
