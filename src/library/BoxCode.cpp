@@ -1,9 +1,9 @@
 // What boxes and buttons are called in generated code, and how a box turns its templates into lines.
 #include <algorithm>
-#include <unordered_set>
 
 #include "library/OpBox.h"
 #include "library/OpButton.h"
+#include "library/TiebackEnds.h"
 #include "site/TypeTables.h"
 #include "text/Report.h"
 
@@ -47,46 +47,30 @@ std::string_view StateText(const COpButton& button) {
     return connected ? "connectednoarg" : "defaultnoarg";
 }
 
-// Follows tiebacks from an output to the input that feeds it in the end, across boxes. Nothing if a
-// target is gone, which is alerted, or if the way leads round in a circle.
-struct TiebackEnd {
-    COpButton* input = nullptr;   // an input with nothing connected
-    COpButton* output = nullptr;  // or an output that is not tied back
-};
-
-TiebackEnd FollowTiebacks(COpButton& start, Report& report) {
-    std::unordered_set<const COpButton*> seen;
-    COpButton* output = &start;
-    while (!output->tieback.empty()) {
-        COpButton* target = output->owner->FindButton(output->tieback);
-        if (target == nullptr) {
-            report.Alert("%s %s: can't find tieback button %s (did you delete it?)",
-                         output->owner->BoxTitleWid().c_str(), output->DisplayName().c_str(),
-                         output->tieback.c_str());
-            return {};
-        }
-        if (!seen.insert(target).second) {
-            report.Alert("%s %s: the tieback to %s leads back to itself; cut one of the connections between",
-                         start.owner->BoxTitleWid().c_str(), start.DisplayName().c_str(),
-                         start.tieback.c_str());
-            return {};
-        }
-        // An argument without a name stands for its own variable, which leads on where the target is an
-        // output: one that bears the name of a deleted input.
-        const bool leadsOn = target->fixedtext.empty() && target->arg != 0 && target->argname.empty();
-        if (target->connections.Empty() && !leadsOn) return {target, nullptr};
-        output = target->connections.Empty() ? target : target->connections.First();
+// What an output that is tied back stands for; nothing, alerted, if its way ends nowhere.
+std::string TiedName(COpButton& output, Report& report, TiebackEnds& ends) {
+    using Kind = TiebackEnds::Kind;
+    const TiebackEnds::End end = ends.Of(output);
+    if (end.kind == Kind::kInput) return end.button->MacroValue(report);
+    if (end.kind == Kind::kOutput) return end.button->VariableName(report);
+    if (end.kind == Kind::kMissing) {
+        report.Alert("%s %s: can't find tieback button %s (did you delete it?)",
+                     end.button->owner->BoxTitleWid().c_str(), end.button->DisplayName().c_str(),
+                     end.button->tieback.c_str());
+    } else {
+        report.Alert("%s %s: the tieback to %s leads back to itself; cut one of the connections between",
+                     output.owner->BoxTitleWid().c_str(), output.DisplayName().c_str(),
+                     output.tieback.c_str());
     }
-    return {nullptr, output};
+    return {};
 }
 
 }  // namespace
 
-std::string COpButton::VariableName(Report& report) {
+std::string COpButton::VariableName(Report& report, TiebackEnds* ends) {
     if (!tieback.empty()) {
-        const TiebackEnd end = FollowTiebacks(*this, report);
-        if (end.input != nullptr) return end.input->MacroValue(report);
-        return end.output != nullptr ? end.output->VariableName(report) : std::string();
+        TiebackEnds own;
+        return TiedName(*this, report, ends == nullptr ? own : *ends);
     }
     std::string text;
     if (!fixedvalue.empty()) {
@@ -105,8 +89,8 @@ std::string COpButton::ArgumentName(Report& report) {
     return argname.empty() ? VariableName(report) : argname;
 }
 
-std::string COpButton::MacroValue(Report& report) {
-    if (!connections.Empty()) return connections.First()->VariableName(report);
+std::string COpButton::MacroValue(Report& report, TiebackEnds* ends) {
+    if (!connections.Empty()) return connections.First()->VariableName(report, ends);
     if (!fixedtext.empty()) return fixedtext;
     return arg != 0 ? ArgumentName(report) : ValueText();
 }
@@ -151,11 +135,11 @@ void COpBox::SetVariables(CMex& mex, const TypeTables& types) const {
     }
 }
 
-void COpBox::GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report) {
+void COpBox::GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report, TiebackEnds* ends) {
     CMex& local = shader.BoxExpander(codegen);
     SetVariables(local, types);
     for (const auto& button : inputs) {
-        local.AppendVariable(button->name, button->MacroValue(report), button->vargseparator);
+        local.AppendVariable(button->name, button->MacroValue(report, ends), button->vargseparator);
     }
     std::vector<std::string> declarations;
     std::string expanded;

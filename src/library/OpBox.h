@@ -17,6 +17,7 @@ namespace tavrin {
 class COpRegistry;
 class CArchive;
 class Report;
+class TiebackEnds;
 class TypeTables;
 struct Site;
 
@@ -86,8 +87,9 @@ class COpBox : public LiveObject<COpBox> {
     // generation; nothing else reads them, so boxes without a fixed value can be left out.
     void PrepareVariables(const TypeTables& types);
     bool HasFixedValue() const;
-    // Second pass: expands the box's templates and merges them into the working copy.
-    void GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report);
+    // Second pass: expands the box's templates and merges them into the working copy. `ends` are those of
+    // this generation.
+    void GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report, TiebackEnds* ends = nullptr);
 
   private:
     void SetVariables(CMex& mex, const TypeTables& types) const;

@@ -7,6 +7,7 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "codegen/CodeGen.h"
+#include "library/TiebackEnds.h"
 #include "render/ArgInfo.h"
 #include "render/FilterScript.h"
 #include "render/HelpLines.h"
@@ -91,7 +92,8 @@ RenderSession::Generated RenderSession::Generate() {
     for (COpBox* box : boxes) {
         if (box->HasFixedValue()) box->PrepareVariables(m_site.types);
     }
-    for (COpBox* box : boxes) box->GenerateCode(shader, m_site.types, m_site.report);
+    TiebackEnds ends;
+    for (COpBox* box : boxes) box->GenerateCode(shader, m_site.types, m_site.report, &ends);
     Generated generated;
     shader.WriteCode(generated.code);
     shader.WriteHints(generated.hints);

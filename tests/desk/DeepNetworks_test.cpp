@@ -21,7 +21,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr int kDeep = 20000;
-constexpr int kManyRelays = 2000;
 
 constexpr const char* kLink =
     "input in { float { 0.5 0 1 0 %g } } output out { float out }\n"
@@ -98,7 +97,7 @@ TEST_F(DeepNetworks, ALongRowIsGeneratedFromItsFirstBoxToItsLast) {
 
 TEST_F(DeepNetworks, ALongRowOfBoxesThatPassThroughHasTheNameOfItsFirstEverywhere) {
     PutRow(1);
-    PutRow(kManyRelays, "input in { float { 0.5 0 1 0 %g } } output tieback=in out { float out }\n");
+    PutRow(kDeep, "input in { float { 0.5 0 1 0 %g } } output tieback=in out { float out }\n");
     EXPECT_EQ(Last().outputs.at(0)->VariableName(host.GetSite().report), "link_1_out");
     Code();
     EXPECT_THAT(Alerts(), IsEmpty());

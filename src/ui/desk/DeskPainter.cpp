@@ -99,7 +99,7 @@ void DeskPainter::PaintVariableName(COpButton& output, DeskPoint start, const Rg
     const DeskRect& visible = m_pen.Visible();
     const float height = m_pen.LabelHeight();
     if (at.x >= visible.Right() || at.y - height >= visible.Top() || at.y + height < visible.bottom) return;
-    const std::string name = output.VariableName(m_parts.report);
+    const std::string name = output.VariableName(m_parts.report, &m_tiebackEnds);
     if (at.x + m_pen.LabelWidth(name) + height >= visible.left) m_pen.LabelAt(name, color, at);
 }
 

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "desk/DeskGestures.h"
+#include "library/TiebackEnds.h"
 #include "ui/desk/DeskIcons.h"
 #include "ui/desk/DeskPen.h"
 
@@ -55,6 +56,7 @@ class DeskPainter {
     const Parts& m_parts;
     DeskPen& m_pen;
     std::unordered_set<const COpButton*> m_selectedLines;
+    TiebackEnds m_tiebackEnds;
 };
 
 }  // namespace tavrin

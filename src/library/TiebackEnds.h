@@ -1,0 +1,32 @@
+// Where outputs that are tied back lead in the end.
+#pragma once
+
+#include <unordered_map>
+
+namespace tavrin {
+
+class COpButton;
+
+// Follows tiebacks from box to box, each stretch of the way once: what it has found stays true as long as no
+// button, wire or argument of the network changes, so it is made for one generation or one painting.
+class TiebackEnds {
+  public:
+    enum class Kind {
+        kInput,    // an input that nothing feeds
+        kOutput,   // an output that is not tied back
+        kMissing,  // an output whose tieback names no button of its box any more
+        kCircle,   // none: the way leads round
+    };
+    struct End {
+        Kind kind = Kind::kCircle;
+        COpButton* button = nullptr;
+    };
+
+    // An output that is not tied back is its own end.
+    End Of(COpButton& output);
+
+  private:
+    std::unordered_map<const COpButton*, End> m_ends;
+};
+
+}  // namespace tavrin
