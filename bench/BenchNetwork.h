@@ -24,11 +24,11 @@ namespace tavrin::bench {
 
 inline constexpr int kRuns = 9;
 
-// The median time of kRuns runs of `work`, in milliseconds; `cleanUp` runs after each and is not counted.
+// The median time of some runs of `work`, in milliseconds; `cleanUp` runs after each and is not counted.
 template <typename Work, typename CleanUp>
-double MedianMilliseconds(Work work, CleanUp cleanUp) {
+double MedianMilliseconds(Work work, CleanUp cleanUp, int runs = kRuns) {
     std::vector<double> times;
-    for (int run = 0; run < kRuns; ++run) {
+    for (int run = 0; run < runs; ++run) {
         const auto begin = std::chrono::steady_clock::now();
         work();
         const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - begin;
@@ -36,7 +36,7 @@ double MedianMilliseconds(Work work, CleanUp cleanUp) {
         cleanUp();
     }
     std::sort(times.begin(), times.end());
-    return times[kRuns / 2];
+    return times[times.size() / 2];
 }
 template <typename Work>
 double MedianMilliseconds(Work work) {
@@ -113,14 +113,16 @@ class BenchHost : public DocumentHost {
     const CExportOptions& ExportDefaults() const override { return m_exports; }
     bool IsUnsavedOption(const std::string&) const override { return false; }
     bool UseLibrary(const std::string&) override { return true; }
+    std::string DocumentVersion() const override { return "bench"; }
+    const CCodeGen& CodeGen() const { return m_codeGen; }
+
+  protected:
     // Reads the definition as the preprocessor would have left it, without the preprocessor's process.
-    bool DefineBox(COpBox& box, const std::string& operatorName) override {
+    bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts*) override {
         CArchive archive = CArchive::FromText("definition", kDefinition);
         box.filename = operatorName;
         return box.ReadDefinition(archive, {}, m_report);
     }
-    std::string DocumentVersion() const override { return "bench"; }
-    const CCodeGen& CodeGen() const { return m_codeGen; }
 
   private:
     Report m_report;

@@ -45,12 +45,14 @@ class FuzzHost : public DocumentHost {
     const CExportOptions& ExportDefaults() const override { return m_exports; }
     bool IsUnsavedOption(const std::string&) const override { return false; }
     bool UseLibrary(const std::string& name) override { return name != ".."; }
-    bool DefineBox(COpBox& box, const std::string& operatorName) override {
+    std::string DocumentVersion() const override { return "1.0.0"; }
+
+  protected:
+    bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts*) override {
         CArchive archive = CArchive::FromText("definition", kDefinition);
         box.filename = operatorName;
         return box.ReadDefinition(archive, "/nonexistent", m_report);
     }
-    std::string DocumentVersion() const override { return "1.0.0"; }
 
   private:
     Report m_report;

@@ -25,6 +25,7 @@ std::string PersonalDirectory(const Environment& environment) {
 }  // namespace
 
 void ReadSiteFiles(SiteTargets& targets) {
+    targets.site.settingsLibrary = targets.site.directories.libName;
     if (!targets.site.directories.libDir.empty()) ReadSiteFile(targets.site.LibraryPath(kSiteFile), targets);
     const std::string personal = PersonalDirectory(targets.site.environment);
     if (!personal.empty()) ReadSiteFile(personal + Separator(kNativeStyle) + kSiteFile, targets);

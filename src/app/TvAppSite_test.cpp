@@ -219,6 +219,27 @@ TEST_F(TvAppSiteTest, KillFilesLieInTheWorkDirectory) {
     EXPECT_EQ(sink.log, site.WorkPath("kill.1"));
 }
 
+TEST_F(TvAppSiteTest, ALibraryCallsItsPreprocessorPureForItselfAlone) {
+    CTvApp& loaded = Load("preprocess.pure 1\n");
+    const Site& site = loaded.GetSite();
+    EXPECT_TRUE(site.PreprocessIsPure());
+    loaded.UseLibrary("other");
+    EXPECT_FALSE(site.PreprocessIsPure());
+    loaded.UseLibrary("mray");
+    EXPECT_TRUE(site.PreprocessIsPure());
+    for (const char* line : {"", "preprocess.pure 0\n", "preprocess.pure yes\n", "preprocess.pure\n"}) {
+        app.reset();
+        EXPECT_FALSE(LoadedSite(line).PreprocessIsPure()) << line;
+    }
+}
+
+TEST_F(TvAppSiteTest, TheSuppliedLibraryCallsItsPreprocessorPure) {
+    environment.Set("TAVRN_DIR", test::SourcePath("installation"));
+    app = std::make_unique<CTvApp>(report, queue, environment, "/opt/tavrin/bin/tavrin");
+    app->LoadSiteDefaults();
+    EXPECT_TRUE(app->GetSite().PreprocessIsPure());
+}
+
 TEST_F(TvAppSiteTest, TheProcessEnvironmentIsNotWritten) {
     const auto before = Environment::FromProcess().ToList();
     Load();

@@ -1,5 +1,8 @@
 // The `opdesk` section: boxes, connections and the state of the desk.
 #include <algorithm>
+#include <functional>
+#include <unordered_set>
+#include <utility>
 
 #include "document/DocumentReader.h"
 #include "document/TvDoc.h"
@@ -10,11 +13,40 @@ namespace tavrin {
 namespace {
 
 constexpr std::string_view kButtonPrefix = "opbutton.";
+constexpr std::string_view kNameKeyword = "filename";
+constexpr size_t kLongestName = 300;  // no file's name is as long
+
+// The words behind "{ filename", each once, in their order: the names of the operators, as far as that can be
+// told without reading the text. A word too many or too few is no harm.
+std::vector<std::string_view> OperatorNamesIn(std::string_view text) {
+    std::vector<std::string_view> names;
+    std::unordered_set<std::string_view> seen;
+    const std::boyer_moore_horspool_searcher keyword(kNameKeyword.begin(), kNameKeyword.end());
+    for (auto place = text.begin();;) {
+        const auto [found, end] = keyword(place, text.end());
+        if (found == end) return names;
+        const std::string_view before = TrimRight(text.substr(0, static_cast<size_t>(found - text.begin())));
+        if (before.ends_with('{')) {
+            FieldScanner scanner(text.substr(static_cast<size_t>(end - text.begin()), kLongestName));
+            const auto word = scanner.Word();
+            if (word && seen.insert(*word).second) names.push_back(*word);
+        }
+        place = end;
+    }
+}
 
 }  // namespace
 
+// Lets the preprocessor begin with all operators of the file while the first boxes are read. Once for a file:
+// what this misses, in one that changes the library between its boxes, is run when its box comes.
+void DocumentReader::ExpectOperators() {
+    if (std::exchange(m_hasLookedAhead, true) || !m_definitions.AreShared()) return;
+    m_definitions.Expect(OperatorNamesIn(m_archive.Rest()));
+}
+
 bool DocumentReader::ReadOpDesk() {
     if (!Expect("{")) return false;
+    ExpectOperators();
     std::string keyword;
     while (ReadToken(m_archive, keyword) && keyword != "}") {
         if (!ReadDeskClause(keyword)) return false;
@@ -42,7 +74,7 @@ bool DocumentReader::ReadOpBox() {
     std::string filename;
     if (!Expect("{") || !Expect("filename") || !Operand(filename)) return false;
     auto made = std::make_unique<COpBox>();
-    if (!m_host.DefineBox(*made, filename)) return false;
+    if (!m_host.DefineBox(*made, filename, &m_definitions)) return false;
     COpBox& box = *m_document.m_boxes.emplace_back(std::move(made));
     // A definition may come with copies of a vinput; the file decides how many there are.
     std::erase_if(box.inputs, [](const auto& input) { return input->instance != 1; });
@@ -58,6 +90,7 @@ bool DocumentReader::ReadOpBox() {
         return input->kind == ButtonKind::kVinput && !m_namesSeen.contains(input->name);
     });
     box.RenumberInputs();
+    m_byWid[box.wid] = &box;
     return true;
 }
 
@@ -73,8 +106,6 @@ bool DocumentReader::ReadBoxClause(COpBox& box, const std::string& keyword) {
 
 bool DocumentReader::ReadConnects() {
     if (!Expect("{")) return false;
-    m_byWid.clear();
-    for (const auto& box : m_document.m_boxes) m_byWid[box->wid] = box.get();
     std::string token;
     while (ReadToken(m_archive, token) && token != "}") {
         if (!ReadConnection(token)) return false;

@@ -7,7 +7,12 @@
 namespace tavrin {
 
 DocumentReader::DocumentReader(CTvDoc& document, CArchive& archive, DocumentHost& host)
-    : TokenParser(archive, host.GetSite().report), m_document(document), m_host(host) {}
+    : TokenParser(archive, host.GetSite().report),
+      m_document(document),
+      m_host(host),
+      m_definitions(host.Registry(), host.GetSite()) {
+    for (const auto& box : document.m_boxes) m_byWid[box->wid] = box.get();
+}
 
 bool DocumentReader::Stop(const std::string& message) {
     m_report.AlertAt(m_archive, "%s", message.c_str());
@@ -38,6 +43,7 @@ bool DocumentReader::ReadSection(const std::string& keyword) {
     if (keyword == "tavrn-renderer") {
         // While reading, so that the boxes that follow are looked up in that library.
         if (!Operand(word)) return false;
+        m_definitions.Clear();
         if (!m_host.UseLibrary(word)) {
             m_report.AlertAt(m_archive,
                              "the library name \"%s\" leads out of the installation; reading on with %s",

@@ -6,6 +6,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "library/DefinitionTexts.h"
 #include "text/TokenParser.h"
 
 namespace tavrin {
@@ -34,6 +35,7 @@ class DocumentReader : private TokenParser {
     bool ReadRenderOptions();
     bool ReadHelp();
 
+    void ExpectOperators();
     bool ReadOpDesk();
     bool ReadDeskClause(const std::string& keyword);
     bool ReadOpBox();
@@ -56,11 +58,13 @@ class DocumentReader : private TokenParser {
     CTvDoc& m_document;
     DocumentHost& m_host;
     bool m_lostText = false;
+    DefinitionTexts m_definitions;
+    bool m_hasLookedAhead = false;  // for the operators to come
     // State of the box block at work.
     size_t m_inputCursor = 0;
     size_t m_outputCursor = 0;
     std::set<std::string> m_namesSeen;
-    // Boxes by number while connections are read; of a number that the file has twice, the last counts.
+    // Boxes by number, for the connections; of a number that the file has twice, the last counts.
     std::unordered_map<int, COpBox*> m_byWid;
 };
 

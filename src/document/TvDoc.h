@@ -15,6 +15,7 @@ namespace tavrin {
 
 class CArchive;
 class COpRegistry;
+class DefinitionTexts;
 struct Site;
 
 // What a document asks of the application that it belongs to.
@@ -29,16 +30,22 @@ class DocumentHost {
     virtual const CExportOptions& ExportDefaults() const = 0;
     // Render options that documents do not hold.
     virtual bool IsUnsavedOption(const std::string& name) const = 0;
-    // Loads a new box with its operator's definition; false, reported, if that fails. Overridden where no
-    // process may be started for it.
-    virtual bool DefineBox(COpBox& box, const std::string& operatorName) {
-        return box.Define(operatorName, Registry(), GetSite());
+    // Loads a new box with its operator's definition; false, reported, if that fails. The boxes of one
+    // reading share `texts`.
+    bool DefineBox(COpBox& box, const std::string& operatorName, DefinitionTexts* texts = nullptr) {
+        return LoadDefinition(box, operatorName, texts);
     }
     // Selects the library that a document names and scans its operators. False if the name is no plain
     // name of a directory, so that it could lead out of the installation; nothing is changed then.
     virtual bool UseLibrary(const std::string& name) = 0;
     // The short form of the program's version, as documents carry it.
     virtual std::string DocumentVersion() const = 0;
+
+  protected:
+    // Overridden where no process may be started for it.
+    virtual bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts* texts) {
+        return box.Define(operatorName, Registry(), GetSite(), texts);
+    }
 };
 
 class CTvDoc {

@@ -2,8 +2,10 @@
 // result is read afresh for every box, so that an edit of the file takes effect for the next one.
 #include <unistd.h>
 
+#include "base/Files.h"
 #include "base/Paths.h"
 #include "library/DefinitionReader.h"
+#include "library/DefinitionTexts.h"
 #include "library/OpBox.h"
 #include "library/OpRegistry.h"
 #include "site/Site.h"
@@ -15,36 +17,51 @@ namespace {
 
 constexpr size_t kSortKeyLength = 5;  // of a library file's name, its dot included
 
+// Runs the preprocessor; its output, or nothing, reported.
+std::optional<CArchive> Preprocess(const COpEntry& entry, Site& site) {
+    const std::string outputPath = DefinitionTexts::OutputPath(site);
+    const std::string errorPath = DefinitionTexts::ErrorPath(site);
+    const std::string commandLine = DefinitionTexts::CommandLine(site, entry, outputPath, errorPath);
+    ::unlink(outputPath.c_str());
+    ::unlink(errorPath.c_str());
+    ProcessInfo process;
+    if (!site.commands.RunCommand(commandLine, true, &process)) return std::nullopt;
+
+    site.LogFile(errorPath);
+    if (process.exitCode != 0) {
+        site.report.Alert("\"%s\" returned %d", commandLine.c_str(), process.exitCode);
+        return std::nullopt;
+    }
+    std::string reason;
+    auto archive = CArchive::Open(outputPath, reason);
+    if (!archive) site.report.Alert("unable to open %s for reading", outputPath.c_str());
+    return archive;
+}
+
 }  // namespace
 
-bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry, Site& site) {
+bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry, Site& site,
+                    DefinitionTexts* texts) {
     const COpEntry* entry = registry.FindByName(operatorName);
     if (entry == nullptr) {
         site.report.Alert("%s: unknown operator name", operatorName.c_str());
         return false;
     }
-    const std::string tmpPath = site.WorkPath("boxdef.tmp");
-    const std::string errPath = site.WorkPath("errors.txt");
-    const std::string commandLine = "perl " + site.LibraryPath("bin/redirect.pl") + " - " + tmpPath + " " +
-                                    errPath + " " + site.LibraryPath("bin/spp") + " " + entry->path;
-    ::unlink(tmpPath.c_str());
-    ::unlink(errPath.c_str());
-    ProcessInfo process;
-    if (!site.commands.RunCommand(commandLine, true, &process)) return false;
-
-    site.LogFile(errPath);
-    if (process.exitCode != 0) {
-        site.report.Alert("\"%s\" returned %d", commandLine.c_str(), process.exitCode);
-        return false;
+    const DefinitionTexts::Text* shared = texts == nullptr ? nullptr : texts->Find(*entry);
+    std::optional<CArchive> archive;
+    if (shared == nullptr) {
+        archive = Preprocess(*entry, site);
+    } else {
+        site.report.LogRaw(shared->log);
+        archive = CArchive::FromText(DefinitionTexts::OutputPath(site), shared->definition);
     }
-    std::string reason;
-    auto archive = CArchive::Open(tmpPath, reason);
-    if (!archive) {
-        site.report.Alert("unable to open %s for reading", tmpPath.c_str());
-        return false;
-    }
+    if (!archive) return false;
     filename = PathFile(entry->path).substr(kSortKeyLength);
-    return ReadDefinition(*archive, site.directories.libDir, site.report);
+    if (ReadDefinition(*archive, site.directories.libDir, site.report)) return true;
+    // The message names this file, in which another operator's text may lie by now.
+    std::string ignored;
+    if (shared != nullptr) WriteWholeFile(archive->Path(), shared->definition, ignored);
+    return false;
 }
 
 bool COpBox::ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report) {

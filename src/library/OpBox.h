@@ -16,13 +16,14 @@ namespace tavrin {
 
 class COpRegistry;
 class CArchive;
+class DefinitionTexts;
 class Report;
 class TiebackEnds;
 class TypeTables;
 struct Site;
 
-// Where the desk has laid a box out, in desk units: x to the right, y upward. Made anew from the box's anchor,
-// buttons and texts whenever one of them or the zoom changes; never saved.
+// Where the desk has laid a box out, in desk units: x to the right, y upward. Made anew from the box's
+// anchor, buttons and texts whenever one of them or the zoom changes; never saved.
 struct BoxLayout {
     float left = 0;
     float bottom = 0;  // of the body; the title stands on top of it
@@ -43,9 +44,11 @@ class COpBox : public LiveObject<COpBox> {
     COpBox& operator=(const COpBox&) = delete;
     virtual ~COpBox() = default;
 
-    // Runs the operator's definition through the library's preprocessor and reads the result. On failure
-    // false, the cause reported, the box as far as it got: its owner destroys it.
-    bool Define(const std::string& operatorName, const COpRegistry& registry, Site& site);
+    // Runs the operator's definition through the library's preprocessor and reads the result, or reads what
+    // the boxes of one operation share of that. On failure false, the cause reported, the box as far as it
+    // got: its owner destroys it.
+    bool Define(const std::string& operatorName, const COpRegistry& registry, Site& site,
+                DefinitionTexts* texts = nullptr);
 
     // Reads a preprocessed definition. Relative files of template clauses lie in `libraryDir`.
     bool ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report);

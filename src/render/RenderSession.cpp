@@ -31,10 +31,10 @@ std::string JoinLines(const std::vector<std::string>& lines) {
 
 // Names that the work directory has for files of its own, numbered history directories among them.
 bool IsWorkFile(const std::string& name) {
-    constexpr std::array kFiles = {
-        "", ".", "..", "codegenfile", "hintfile", "render_options", "errors.txt", "arginfo", "boxdef.tmp"};
+    constexpr std::array kFiles = {"",           ".",      "..", "codegenfile", "hintfile", "render_options",
+                                   "errors.txt", "arginfo"};
     return std::find(kFiles.begin(), kFiles.end(), name) != kFiles.end() || name.starts_with("kill.") ||
-           name.find_first_not_of("0123456789") == std::string::npos;
+           name.starts_with("boxdef.") || name.find_first_not_of("0123456789") == std::string::npos;
 }
 
 // The document's help as a comment at the head of the shader, in a language that has comments of more

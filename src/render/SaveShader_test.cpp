@@ -107,7 +107,7 @@ TEST_F(SaveShaderTest, WhiteSpaceInTheNameStopsBeforeAnyFileIsWritten) {
 
 TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
     for (const char* name : {"codegenfile", "hintfile", "render_options", "errors.txt", "arginfo",
-                             "boxdef.tmp", "kill.3", "12", ""}) {
+                             "boxdef.tmp", "boxdef.3.errors", "kill.3", "12", ""}) {
         host.Sink().alerts.clear();
         document.SetPath("/x/" + std::string(name) + ".tvn");
         EXPECT_FALSE(session.SaveShader()) << name;
@@ -115,7 +115,7 @@ TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
                                           " is that of a work file; save the document under another name"));
     }
     EXPECT_TRUE(fs::is_empty(site.directories.workDir));
-    for (const char* name : {"codegenfile2", "kill", "12a"}) {
+    for (const char* name : {"codegenfile2", "kill", "boxdef", "12a"}) {
         document.SetPath("/x/" + std::string(name) + ".tvn");
         EXPECT_TRUE(session.SaveShader()) << name;
     }

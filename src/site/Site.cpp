@@ -9,11 +9,20 @@ std::string Site::LibraryPath(const std::string& path) const { return ResolvePat
 
 std::string Site::WorkPath(const std::string& name) const { return JoinPath(directories.workDir, name); }
 
-void Site::LogFile(const std::string& path) {
+void Site::LogFile(const std::string& path) { report.LogRaw(LogText(path)); }
+
+std::string Site::LogText(const std::string& path) {
     std::string text;
     ReadFileToText(path, text);
     if (!text.empty() && text.back() != '\n') text += "\r\n";
-    report.LogRaw(text);
+    return text;
+}
+
+// A document can bring another library into use, of which these settings say nothing.
+bool Site::PreprocessIsPure() const {
+    int isPure = 0;
+    return settings.GetSettingInt("preprocess.pure", isPure) && isPure != 0 &&
+           settingsLibrary == directories.libName;
 }
 
 }  // namespace tavrin

@@ -37,12 +37,18 @@ struct Site {
 
     // Brings a child's error file into the log, its last line completed; nothing if there is none.
     void LogFile(const std::string& path);
+    // The text that LogFile logs.
+    static std::string LogText(const std::string& path);
+
+    // The library in use has said that what its preprocessor makes of an operator depends on files alone.
+    bool PreprocessIsPure() const;
 
     Report& report;
     Environment environment;  // what children are given
     Commands commands;
     Directories directories;
     Settings settings;
+    std::string settingsLibrary;  // the library whose site file is in the settings
     TypeTables types;
     std::vector<std::string> menuDirs;
     std::vector<std::string> toolButtons;                // names of operators

@@ -37,9 +37,9 @@ void TestHost::MakeLibrary(const std::string& name) {
     std::filesystem::create_directories(m_test.directory / ("installation/" + name + "/menu"));
 }
 
-bool TestHost::DefineBox(COpBox& box, const std::string& operatorName) {
+bool TestHost::LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts* texts) {
     const COpEntry* entry = m_registry.FindByName(operatorName);
-    if (startsProcesses || entry == nullptr) return DocumentHost::DefineBox(box, operatorName);
+    if (startsProcesses || entry == nullptr) return DocumentHost::LoadDefinition(box, operatorName, texts);
     box.filename = entry->name;
     CArchive archive = ArchiveOf(ReadFile(entry->path), entry->path);
     return box.ReadDefinition(archive, m_test.site.directories.libDir, m_test.report);

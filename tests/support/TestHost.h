@@ -28,7 +28,6 @@ class TestHost : public DocumentHost {
     const std::map<std::string, std::string>& AppVariables() const override { return appVariables; }
     const CExportOptions& ExportDefaults() const override { return exportDefaults; }
     bool IsUnsavedOption(const std::string& name) const override { return unsavedOptions.contains(name); }
-    bool DefineBox(COpBox& box, const std::string& operatorName) override;
     // Refuses a name with a separator in it.
     bool UseLibrary(const std::string& name) override;
     std::string DocumentVersion() const override { return "1.3.32"; }
@@ -45,6 +44,9 @@ class TestHost : public DocumentHost {
     std::set<std::string> unsavedOptions;
     std::vector<std::string> usedLibraries;  // every name that UseLibrary got
     bool startsProcesses = true;             // false: definitions are read directly, for tests that read many
+
+  protected:
+    bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts* texts) override;
 
   private:
     void MakeLibrary(const std::string& name);

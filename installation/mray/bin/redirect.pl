@@ -9,8 +9,8 @@
 #   exit 126  the command is there but cannot be run
 #   exit 127  the command is not there
 #
-# Every box that is made or read from a document costs one run of this script,
-# so it loads no module: strict and warnings alone would double its time.
+# Every operator of a document that is opened, and every box that is made, costs
+# one run of this script, so it loads no module: strict and warnings alone would double its time.
 #
 # A Perl script whose second line is "# redirect: inline" is run by this very
 # interpreter instead of a second one, which saves a third of the whole time.
