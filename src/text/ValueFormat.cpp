@@ -1,7 +1,10 @@
 #include "text/ValueFormat.h"
 
 #include <clocale>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <limits>
 #include <span>
 
 #include "text/Numbers.h"
@@ -31,11 +34,36 @@ class CLocaleScope {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// One conversion: the '%', its flags, width and precision, and the letter.
+// One conversion: '%', flags, width and precision, a length modifier, the letter.
 struct Conversion {
-    std::string_view text;
-    char letter = 0;  // 0 if this is no conversion that is honoured
+    std::string_view text;    // the whole
+    std::string_view spec;    // up to the modifier
+    std::string_view length;  // the modifier
+    char letter = 0;          // 0 if this is no conversion that is honoured
 };
+
+constexpr std::string_view kFloatLetters = "aAeEfFgG";
+constexpr std::string_view kIntegerLetters = "diuoxX";
+
+bool IsOneOf(char c, std::string_view letters) { return letters.find(c) != std::string_view::npos; }
+
+std::string_view LengthModifier(std::string_view text) {
+    for (const std::string_view modifier : {"hh", "ll", "h", "l", "L", "j", "z", "t"}) {
+        if (text.starts_with(modifier)) return modifier;
+    }
+    return {};
+}
+
+// What C says of the letter with this modifier and these flags. "%ls" it allows, but for a text of another
+// kind.
+bool IsAllowed(const Conversion& conversion) {
+    const std::string_view length = conversion.length;
+    if (IsOneOf(conversion.letter, kFloatLetters)) return length.empty() || length == "l" || length == "L";
+    if (!IsOneOf(conversion.letter, kIntegerLetters))
+        return (conversion.letter == 's' || conversion.letter == '%') && length.empty();
+    const bool isHexOrOctal = IsOneOf(conversion.letter, "oxX");
+    return length != "L" && (isHexOrOctal || conversion.spec.find('#') == std::string_view::npos);
+}
 
 size_t CountDigits(std::string_view text, size_t from) {
     size_t count = 0;
@@ -44,7 +72,6 @@ size_t CountDigits(std::string_view text, size_t from) {
 }
 
 Conversion ParseConversion(std::string_view pattern) {
-    constexpr std::string_view kLetters = "aAeEfFgGs%";
     size_t i = 1;
     while (i < pattern.size() && kFlags.find(pattern[i]) != std::string_view::npos && i <= kFlags.size()) ++i;
     const size_t width = CountDigits(pattern, i);
@@ -54,17 +81,20 @@ Conversion ParseConversion(std::string_view pattern) {
         precision = CountDigits(pattern, i + 1);
         i += 1 + precision;
     }
-    if (width > kMostDigits || precision > kMostDigits || i >= pattern.size()) return {};
-    if (kLetters.find(pattern[i]) == std::string_view::npos) return {};
-    return {pattern.substr(0, i + 1), pattern[i]};
+    if (width > kMostDigits || precision > kMostDigits) return {};
+    const std::string_view length = LengthModifier(pattern.substr(i));
+    const size_t end = i + length.size();
+    if (end >= pattern.size()) return {};
+    const Conversion conversion{pattern.substr(0, end + 1), pattern.substr(0, i), length, pattern[end]};
+    return IsAllowed(conversion) ? conversion : Conversion{};
 }
 
-void AppendNumber(std::string& result, const Conversion& conversion, double value) {
-    if (conversion.text == "%g") return AppendG(result, value);
-    const std::string format(conversion.text);
+// The format takes one argument, of the type that is passed.
+template <typename Number>
+void AppendPrinted(std::string& result, const std::string& format, Number value) {
     const CLocaleScope locale;
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"  // checked letter by letter above
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"  // put together letter by letter below
     const int length = std::snprintf(nullptr, 0, format.c_str(), value);
     if (length <= 0) return;
     const size_t before = result.size();
@@ -74,9 +104,34 @@ void AppendNumber(std::string& result, const Conversion& conversion, double valu
     result.resize(before + static_cast<size_t>(length));
 }
 
+// The whole part, at the nearest end of the range if it lies outside; 0 for what is no number.
+template <typename Integer>
+Integer WholePart(double value) {
+    using Limits = std::numeric_limits<Integer>;
+    if (std::isnan(value)) return 0;
+    if (value <= static_cast<double>(Limits::min())) return Limits::min();
+    if (value >= static_cast<double>(Limits::max())) return Limits::max();
+    return static_cast<Integer>(value);
+}
+
+// The values are doubles, whatever length a pattern speaks of: what is printed is the value in the widest
+// type of the conversion's kind, which no length makes shorter.
+void AppendNumber(std::string& result, const Conversion& conversion, double value) {
+    const std::string spec(conversion.spec);
+    if (IsOneOf(conversion.letter, "di")) {
+        AppendPrinted(result, spec + "j" + conversion.letter, WholePart<std::intmax_t>(value));
+    } else if (IsOneOf(conversion.letter, kIntegerLetters)) {
+        AppendPrinted(result, spec + "j" + conversion.letter, WholePart<std::uintmax_t>(value));
+    } else if (conversion.letter == 'g' && spec == "%") {
+        AppendG(result, value);
+    } else {
+        AppendPrinted(result, spec + conversion.letter, value);
+    }
+}
+
 // Width and precision of %s, done here because the value may hold any bytes.
 void AppendPadded(std::string& result, const Conversion& conversion, std::string_view value) {
-    std::string_view spec = conversion.text.substr(1, conversion.text.size() - 2);
+    std::string_view spec = conversion.spec.substr(1);
     bool left = false;
     while (!spec.empty() && kFlags.find(spec.front()) != std::string_view::npos) {
         left = left || spec.front() == '-';  // the other flags have no effect on text

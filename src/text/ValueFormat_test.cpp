@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <clocale>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -54,7 +55,31 @@ TEST(FormatNumbers, APatternWithoutConversionsStands) {
 TEST(FormatNumbers, ADoubledPercentSignIsOne) { EXPECT_EQ(FormatNumbers("%g%%", {50}), "50%"); }
 
 TEST(FormatNumbers, ForeignConversionsAreTextAndTakeNoValue) {
-    EXPECT_EQ(FormatNumbers("%s %n %d %p %c %lf %*g %1$g %g", {7}), "%s %n %d %p %c %lf %*g %1$g 7");
+    EXPECT_EQ(FormatNumbers("%s %n %p %c %*g %1$g %g", {7}), "%s %n %p %c %*g %1$g 7");
+}
+
+TEST(FormatNumbers, LengthModifiersThatTheConversionAllowsChangeNothing) {
+    EXPECT_EQ(FormatNumbers("%lf|%5.2lf|%lg|%LG|%-8.1Le|%la", {1, 2.345, 0.5, 1e-9, 1500, 1}),
+              "1.000000| 2.35|0.5|1E-09|1.5e+03 |0x1p+0");
+    EXPECT_EQ(FormatNumbers("%hd|%hhi|%ld|%lld|%jd|%zd|%td", {1, 300, 70000, -4, 5, 6, 7}),
+              "1|300|70000|-4|5|6|7");
+    EXPECT_EQ(FormatNumbers("%hu|%lx|%#llX|%#zo", {1, 255, 255, 8}), "1|ff|0XFF|010");
+}
+
+TEST(FormatNumbers, AWholeNumberIsTheValueWithoutItsFraction) {
+    EXPECT_EQ(FormatNumbers("%d %i %+d [%4d] [%-4d] [%04d] [%.3d]", {2.9, -2.9, 3, 4, 5, 6, 7}),
+              "2 -2 +3 [   4] [5   ] [0006] [007]");
+    EXPECT_EQ(FormatNumbers("%d %d %u %u", {1e30, -1e30, 1e30, -1}),
+              "9223372036854775807 -9223372036854775808 18446744073709551615 0");
+    EXPECT_EQ(FormatNumbers("%d %u", {std::nan(""), std::nan("")}), "0 0");
+}
+
+TEST(FormatNumbers, WhatCDoesNotAllowIsTextAndTakesNoValue) {
+    for (const char* pattern : {"%hf", "%hhg", "%llf", "%je", "%zf", "%ta", "%Ld", "%Lx", "%hhhd", "%lll",
+                                "%#d", "%#i",  "%#lu", "%l",  "%h%", "%ls", "%lc", "%ln", "%qd",   "%l f"}) {
+        const std::string text(pattern);
+        EXPECT_EQ(FormatNumbers(text + "|%g", {7}), text + "|7") << pattern;
+    }
 }
 
 TEST(FormatNumbers, APercentSignAtTheEndIsText) {
@@ -99,7 +124,7 @@ TEST(FormatString, ZeroBytesInTheTextStay) {
 TEST(FormatString, ASecondConversionGivesNothing) { EXPECT_EQ(FormatString("%s|%s|%9s", "x"), "x||"); }
 
 TEST(FormatString, ForeignConversionsAreText) {
-    EXPECT_EQ(FormatString("%d %g %n %ls %s%%", "x"), "%d %g %n %ls x%");
+    EXPECT_EQ(FormatString("%d %g %n %ls %hs %lf %hd %s%%", "x"), "%d %g %n %ls %hs %lf %hd x%");
 }
 
 TEST(FormatString, WidthPadsAndPrecisionCuts) {
