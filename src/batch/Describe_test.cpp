@@ -15,15 +15,15 @@ TEST(DescribeTest, OperatorsAreListedWithTheirMenusAndFiles) {
     test::TempDir directory;
     directory.Write("menu/0010.Noise", "");
     directory.Write("menu/0020.Maths/0010.Simple/0010.Add", "");
-    directory.Write("menu/0020.Maths/0020.Sine Wave", "");
+    directory.Write("menu/0020.Maths/0020.SineWave", "");
     Report report;
     COpRegistry registry(report);
     EXPECT_EQ(OperatorList(registry), "");
     registry.AddDirectory(directory / "menu");
     EXPECT_EQ(OperatorList(registry),
               "Noise\t\t" + directory / "menu/0010.Noise" + "\n" + "Add\tMaths > Simple\t" +
-                  directory / "menu/0020.Maths/0010.Simple/0010.Add" + "\n" + "Sine Wave\tMaths\t" +
-                  directory / "menu/0020.Maths/0020.Sine Wave" + "\n");
+                  directory / "menu/0020.Maths/0010.Simple/0010.Add" + "\n" + "SineWave\tMaths\t" +
+                  directory / "menu/0020.Maths/0020.SineWave" + "\n");
 }
 
 std::string Described(const std::string& definition) {

@@ -161,6 +161,47 @@ TEST(DefinitionButtons, WrongInputsAreUnexpectedInput) {
     }
 }
 
+TEST(DefinitionButtons, ANameThatDocumentsCannotHoldIsAnError) {
+    const std::string rule = "use a name without blanks, line breaks, double quotes, backslashes and #";
+    for (const char* clause : {"input", "vinput", "output", "output fixedvalue=1"}) {
+        for (const char* name :
+             {"\"two words\"", "\"\"", "\"a#b\"", "a\\\"b", "a\\\\b", "\"tab\t\"", "\"line\nend\""}) {
+            SCOPED_TRACE(std::string(clause) + " " + name);
+            Reading reading(std::string(clause) + " " + name + " { float out float { 0 0 1 0 %g } }");
+            EXPECT_FALSE(reading.ok);
+            ASSERT_EQ(reading.sink.alerts.size(), 1U);
+            EXPECT_THAT(reading.sink.LastAlert(),
+                        testing::MatchesRegex("box near line [12]: the button name \"[^\n]*\" "
+                                              "cannot be kept in a document: " +
+                                              rule));
+        }
+    }
+    ExpectError("input \"two words\" { }",
+                "1: the button name \"two words\" cannot be kept in a document: " + rule);
+}
+
+TEST(DefinitionButtons, ATypeThatDocumentsCannotHoldIsAnError) {
+    const std::string rule =
+        " cannot be kept in a document: use a name without blanks, line breaks, double quotes, backslashes "
+        "and #";
+    ExpectError("input a { \"generic:two words\" { } }", "1: the type \"generic:two words\"" + rule);
+    ExpectError("input a {\n\"generic#\" { } }", "2: the type \"generic#\"" + rule);
+    ExpectError("output a { \"generic:\nm\" out }", "2: the type \"generic: m\"" + rule);
+}
+
+TEST(DefinitionButtons, AMessageNamesTheOperatorOfWhichTheFileIsWritten) {
+    COpBox box;
+    box.filename = "Mix";
+    CollectingSink sink;
+    Report report;
+    report.SetSink(&sink);
+    CArchive archive =
+        ArchiveOf("vinput v { vinstances 20000 float { 0 0 1 0 %g } }\noutput \"o o\" { }", "boxdef.tmp");
+    EXPECT_FALSE(box.ReadDefinition(archive, "", report));
+    EXPECT_THAT(sink.alerts, ElementsAre(testing::HasSubstr("vinput v of operator Mix asks"),
+                                         testing::HasSubstr("button name \"o o\" of operator Mix cannot")));
+}
+
 TEST(DefinitionButtons, AnInputNamedByABraceNeedsItsOwn) {
     Reading reading("input { { float { 0 0 1 0 %g } }");
     EXPECT_TRUE(reading.ok);
@@ -175,11 +216,16 @@ TEST(DefinitionButtons, TheEndOfTheFileBehindHelpFailsWithoutAMessage) {
     }
 }
 
-TEST(DefinitionButtons, HelpThatIsNeverClosedEndsTheInput) {
-    ExpectError("input a { help {\ntext", "2: no type for button");
-    Reading reading("input a { float { 0 0 1 0 %g } help {\ntext");
+TEST(DefinitionButtons, HelpThatIsNeverClosedIsToldWhereItBeginsAndEndsTheInput) {
+    const std::string told = "the block \"help\" is not closed: its last line has to be a \"}\" alone";
+    ExpectError("\ninput a { help {\ntext\n", "2: " + told);
+    Reading reading("input a {\nfloat { 0 0 1 0 %g }\nhelp {\ntext\n} }\ninput b\n");
     EXPECT_TRUE(reading.ok);
-    EXPECT_EQ(reading.Input().help, "text");
+    EXPECT_THAT(reading.sink.alerts, ElementsAre("box near line 3: " + told));
+    EXPECT_EQ(reading.Input().help, "text\r\n} }\r\ninput b");
+    Reading output("output o { help\n{\ntext");
+    EXPECT_TRUE(output.ok);
+    EXPECT_THAT(output.sink.alerts, ElementsAre("box near line 2: " + told));
 }
 
 // Variable inputs
@@ -214,10 +260,17 @@ TEST(DefinitionButtons, ARepeatedCountReplacesTheFirst) {
     EXPECT_EQ(reading.box.inputs.size(), 2U);
 }
 
-TEST(DefinitionButtons, ACountBeyondAllReasonIsBounded) {
+TEST(DefinitionButtons, ACountBeyondAllReasonIsBoundedAndTold) {
+    Reading most("vinput a { vinstances 10000 float { 0 0 1 0 %g } }");
+    EXPECT_EQ(most.box.inputs.size(), 10000U);
+    EXPECT_THAT(most.sink.alerts, IsEmpty());
     Reading reading(
-        "vinput a { vinstances 1000000000 float { 0 0 1 0 %g } }\ninput b { float { 0 0 1 0 %g } }");
+        "vinput a { vinstances 1000000000 float { 0 0 1 0 %g }\n}\ninput b { float { 0 0 1 0 %g } }");
     EXPECT_TRUE(reading.ok);
+    EXPECT_THAT(
+        reading.sink.alerts,
+        ElementsAre("box near line 2: vinput a asks for 1000000000 instances and gets 10000, the most that "
+                    "there can be"));
     EXPECT_EQ(reading.box.inputs.size(), 10001U);
     EXPECT_EQ(reading.Input(9999).DisplayName(), "a10000");
     EXPECT_EQ(reading.Input(10000).DisplayName(), "b");

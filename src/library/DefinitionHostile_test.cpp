@@ -46,7 +46,8 @@ vinput layer {
 output fixedvalue="f(a)" fixed { float out }
 output tieback=layer2 through { help {
    passes it on
-} xyz out generic:matrix out }
+}
+xyz out generic:matrix out }
 output result { float out rgb out }
 defs { maxinstances 2 castlock.add a result castlock.clear }
 codegen.setvariable depth 3
@@ -75,10 +76,12 @@ struct Reading {
 };
 
 // What holds for every text: a failure has its one alert, unless the file ends where help should open;
-// a success has none, and its inputs are whole.
+// a success has none, unless the file ends within help, and its inputs are whole.
 void ExpectSound(const Reading& reading, std::string_view text) {
     if (reading.ok) {
-        EXPECT_THAT(reading.sink.alerts, IsEmpty()) << text;
+        if (!reading.sink.alerts.empty()) {
+            EXPECT_THAT(reading.sink.alerts, ElementsAre(HasSubstr("is not closed"))) << text;
+        }
         for (const auto& input : reading.box.inputs) EXPECT_FALSE(input->values.empty()) << text;
     } else if (reading.sink.alerts.empty()) {
         EXPECT_THAT(std::string(text), HasSubstr("help")) << text;

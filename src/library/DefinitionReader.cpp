@@ -1,6 +1,7 @@
 #include "library/DefinitionReader.h"
 
 #include "library/OpBox.h"
+#include "text/StoredText.h"
 
 namespace tavrin {
 
@@ -12,13 +13,37 @@ constexpr std::string_view kTiebackPrefix = "tieback=";
 
 }  // namespace
 
-// The end of the file before the brace fails in silence; so does one inside the text, which is all there.
+// The end of the file before the brace fails in silence.
 bool DefinitionReader::HelpBlock(std::string& help) {
     std::string token;
     if (!ReadToken(m_archive, token)) return false;
     if (token != "{") return Unexpected();
-    ReadTextBlock(m_archive, help);
+    HelpText("help", help);
     return true;
+}
+
+// A block that the file ends in is told with the place of its beginning, and has the whole rest of the file
+// for its text.
+void DefinitionReader::HelpText(const char* keyword, std::string& help) {
+    const size_t left = m_archive.Rest().size();
+    if (ReadTextBlock(m_archive, help)) return;
+    m_archive.Rewind();
+    m_archive.Skip(m_archive.Rest().size() - left);
+    m_report.AlertAt(m_archive, "the block \"%s\"%s is not closed: its last line has to be a \"}\" alone",
+                     keyword, OfOperator().c_str());
+    m_archive.Skip(left);
+    m_isOpenEnded = true;
+}
+
+std::string DefinitionReader::OfOperator() const {
+    return m_box.filename.empty() ? std::string() : " of operator " + m_box.filename;
+}
+
+bool DefinitionReader::CanBeStored(const char* what, const std::string& name) {
+    if (IsBareToken(name)) return true;
+    m_report.AlertAt(m_archive, "the %s \"%s\"%s cannot be kept in a document: %s", what,
+                     OneLine(name).c_str(), OfOperator().c_str(), kBareTokenRule);
+    return false;
 }
 
 bool DefinitionReader::Read() {
@@ -37,7 +62,7 @@ bool DefinitionReader::ReadClause(const std::string& keyword) {
     if (keyword == "icontext") return Operand(m_box.icontext);
     if (keyword == "boxhelp") {
         if (!Expect("{")) return false;
-        ReadTextBlock(m_archive, m_box.boxhelp);
+        HelpText("boxhelp", m_box.boxhelp);
         return true;
     }
     if (keyword == "input") return ReadInput(ButtonKind::kInput);
@@ -76,21 +101,31 @@ bool DefinitionReader::ReadDefs() {
 
 bool DefinitionReader::ReadInput(ButtonKind kind) {
     COpButton& button = *m_box.inputs.emplace_back(std::make_unique<COpButton>(&m_box, kind));
-    if (!Operand(button.name) || !Expect("{")) return false;
+    if (!Operand(button.name) || !CanBeStored("button name", button.name) || !Expect("{")) return false;
     std::string token;
     while (ReadToken(m_archive, token) && token != "}") {
         if (!ReadInputProperty(button, token)) return false;
     }
     if (button.values.empty()) {
-        m_report.AlertAt(m_archive, "no type for button");
+        // Where an open help block took the type along, its alert is the one to be seen.
+        if (!m_isOpenEnded) m_report.AlertAt(m_archive, "no type for button");
         return false;
     }
+    AddInstances(button);
+    return true;
+}
+
+void DefinitionReader::AddInstances(const COpButton& button) {
     constexpr int kMostInstances = 10000;  // a slip of the pen must not eat the memory
+    if (button.vinstances > kMostInstances) {
+        m_report.AlertAt(m_archive,
+                         "vinput %s%s asks for %d instances and gets %d, the most that there can be",
+                         button.name.c_str(), OfOperator().c_str(), button.vinstances, kMostInstances);
+    }
     for (int i = 2; i <= button.vinstances && i <= kMostInstances; ++i) {
         m_box.inputs.push_back(std::make_unique<COpButton>(button));
         m_box.inputs.back()->instance = i;
     }
-    return true;
 }
 
 bool DefinitionReader::ReadInputProperty(COpButton& button, const std::string& keyword) {
@@ -130,7 +165,7 @@ bool DefinitionReader::ReadOutput() {
         if (!Operand(token)) return false;
     }
     button.name = token;
-    if (!Expect("{")) return false;
+    if (!CanBeStored("button name", button.name) || !Expect("{")) return false;
     while (ReadToken(m_archive, token) && token != "}") {
         if (!ReadOutputProperty(button, token)) return false;
     }
@@ -142,7 +177,7 @@ bool DefinitionReader::ReadOutputProperty(COpButton& button, const std::string& 
     if (keyword == "help") return HelpBlock(button.help);
     auto value = keyword == type_words::kString ? nullptr : MakeValue(keyword);
     if (!value) return true;
-    if (!Expect("out")) return false;
+    if (!CanBeStored("type", keyword) || !Expect("out")) return false;
     button.values.push_back(std::move(value));
     return true;
 }

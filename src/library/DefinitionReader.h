@@ -45,10 +45,18 @@ class DefinitionReader : private TokenParser {
     template <typename Value>
     bool ReadOptions(Value& value);
 
+    void AddInstances(const COpButton& button);
+
     bool HelpBlock(std::string& help);
+    void HelpText(const char* keyword, std::string& help);
+    // A name or type that documents write bare. False, reported, if it would not come back from there.
+    bool CanBeStored(const char* what, const std::string& name);
+    // For messages, since the file that they name is the preprocessor's; empty while there is no name.
+    std::string OfOperator() const;
 
     COpBox& m_box;
     const std::string& m_libraryDir;
+    bool m_isOpenEnded = false;  // the file ended within a help block
 };
 
 }  // namespace tavrin

@@ -139,9 +139,13 @@ TEST(DefinitionReader, InHelpHashesQuotesAndBracesInsideALineAreText) {
     EXPECT_EQ(reading.box.boxhelp, "#1 of \"all\" {braces}");
 }
 
-TEST(DefinitionReader, HelpThatIsNeverClosedTakesTheRestOfTheFile) {
-    const Reading reading("boxhelp {\nicontext x\nsize 1 2");
+TEST(DefinitionReader, HelpThatIsNeverClosedTakesTheRestOfTheFileAndIsToldWhereItBegins) {
+    const Reading reading("# comment\nboxhelp {\nicontext x\nsize 1 2");
     EXPECT_TRUE(reading.ok);
+    EXPECT_THAT(reading.sink.alerts,
+                ElementsAre("box near line 2: the block \"boxhelp\" is not closed: its last line "
+                            "has to be a \"}\" alone"));
+    EXPECT_THAT(reading.sink.files, ElementsAre("box"));
     EXPECT_EQ(reading.box.boxhelp, "icontext x\r\nsize 1 2");
     EXPECT_EQ(reading.box.icontext, "");
 }

@@ -8,6 +8,7 @@ namespace tavrin {
 bool DefinitionReader::ReadValue(COpButton& button, const std::string& keyword) {
     auto made = MakeValue(keyword);
     if (!made) return Unexpected();
+    if (!CanBeStored("type", keyword)) return false;
     COpValue& value = *button.values.emplace_back(std::move(made));
     if (keyword == type_words::kFloat) return ReadGroup(static_cast<COpValueFloat&>(value));
     if (keyword == type_words::kXyz) return ReadGroup(static_cast<COpValueXyz&>(value));

@@ -6,6 +6,7 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "text/Report.h"
+#include "text/StoredText.h"
 #include "text/Tokens.h"
 
 namespace tavrin {
@@ -78,6 +79,13 @@ void COpRegistry::ScanDirectory(OpMenu& parentMenu, const std::string& directory
 }
 
 void COpRegistry::AddOperator(OpMenu& parentMenu, const std::string& path, const std::string& label) {
+    if (!IsBareToken(label)) {
+        if (m_told.insert(path).second) {
+            m_report.LogLine("WARNING: operator file %s is not offered: a document cannot hold its name; %s",
+                             OneLine(path).c_str(), kBareTokenRule);
+        }
+        return;
+    }
     const std::string key = ToLower(label);
     if (m_byName.contains(key)) {
         m_report.LogLine("WARNING: operator %s is not unique", label.c_str());

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,8 @@ class COpRegistry {
 
     void Clear();
     // Scans a directory into the root menu. Entries are named by four characters that are a sort key and
-    // no more, a dot and the operator's name; the first of a name wins, without regard to case.
+    // no more, a dot and the operator's name; the first of a name wins, without regard to case. A file with a
+    // name that documents cannot hold is left out, which the log tells once in the registry's life.
     void AddDirectory(const std::string& path);
 
     const COpEntry* FindByName(const std::string& name) const;
@@ -71,6 +73,7 @@ class COpRegistry {
     std::map<uint32_t, const COpEntry*> m_byId;
     std::map<std::string, const COpEntry*> m_byName;  // by the name in lower case
     uint32_t m_nextId = kFirstId;
+    std::set<std::string> m_told;         // paths of the files that were left out for their names
     std::vector<std::string> m_scanning;  // real paths of the directories being scanned, outermost first
 };
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "support/TestSite.h"
@@ -76,9 +77,10 @@ TEST_F(OpRegistry, NamesWithoutFourCharactersAndADotAreLeftOut) {
 }
 
 TEST_F(OpRegistry, AnyFourCharactersAreASortKey) {
-    AddFiles({"  a .blank", "1.2..dots", "#\xE4!x.bytes"});
+    AddFiles({"  a .blank", "1.2..dots", "#\xE4!x.bytes", "\"\\# .quotes"});
     Scan();
-    EXPECT_THAT(registry.Names(), ElementsAre("blank", "bytes", "dots"));
+    EXPECT_THAT(registry.Names(), ElementsAre("blank", "quotes", "bytes", "dots"));
+    EXPECT_EQ(sink.log, "");
 }
 
 TEST_F(OpRegistry, NamesThatBeginWithADotAreSkipped) {
@@ -206,6 +208,33 @@ TEST_F(OpRegistry, NamesAreFoundInAnyCaseAndKeepTheirOwn) {
     EXPECT_EQ(registry.FindByName("Mix"), nullptr);
     EXPECT_EQ(registry.FindByName("MixIt "), nullptr);
     EXPECT_EQ(registry.FindByName(""), nullptr);
+}
+
+TEST_F(OpRegistry, ANameThatDocumentsCannotHoldIsNotOffered) {
+    for (const char* name :
+         {"two words", "a#b", "#", "say\"so", "back\\slash", "line\nend", "tab\t", " lead"}) {
+        SCOPED_TRACE(name);
+        TempDir single;
+        const std::string path = single.Write("0100." + std::string(name), "");
+        single.Write("0200.Kept", "");
+        registry.Clear();
+        sink.log.clear();
+        registry.AddDirectory(single.Path());
+        EXPECT_EQ(TextOf(registry.Root()), "Kept");
+        EXPECT_EQ(registry.FindByName(name), nullptr);
+        EXPECT_EQ(registry.FindByName("Kept")->id, 40960U) << "a file that is left out takes no id";
+        std::string shown = path;
+        std::replace(shown.begin(), shown.end(), '\n', ' ');
+        EXPECT_EQ(sink.log,
+                  "WARNING: operator file " + shown +
+                      " is not offered: a document cannot hold its name; use a name without blanks, line "
+                      "breaks, double quotes, backslashes and #\r\n");
+        registry.Clear();
+        registry.AddDirectory(single.Path());
+        EXPECT_THAT(sink.log, testing::EndsWith("and #\r\n"));
+        EXPECT_EQ(std::count(sink.log.begin(), sink.log.end(), '\n'), 1)
+            << "told once, however often it is scanned";
+    }
 }
 
 TEST_F(OpRegistry, OnlyAsciiLettersAreFolded) {

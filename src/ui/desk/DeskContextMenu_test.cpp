@@ -424,7 +424,9 @@ TEST_F(DeskContextMenu, AMenuThatIsOpenGoesWithTheDesk) {
 // What is seen.
 
 TEST_F(DeskContextMenu, NamesAreShownAsTheyAre) {
-    COpBox& box = Put(MakeBox("Salt & Pepper", "input \"a & b\tc\" { float { 0 0 1 0 \"%g\" } }"), 200, 300);
+    auto made = MakeBox("Salt & Pepper", "input i { float { 0 0 1 0 \"%g\" } }");
+    made->inputs.at(0)->name = "a & b\tc";
+    COpBox& box = Put(std::move(made), 200, 300);
     Show();
     EXPECT_EQ(Open(TitleOf(box))->actions().at(0)->text(), "Salt && Pepper_1");
     CloseMenus();
