@@ -1,3 +1,7 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
 #include "forms/FormTestHost.h"
 
 namespace tavrin::test {
@@ -78,6 +82,27 @@ TEST_F(FormButtonProperties, AChooserWithoutMatchingLineStoresNothing) {
     ReadOne<CFormChooser>("chooser", "envname C");
     EXPECT_TRUE(host.stored.empty());
     EXPECT_EQ(host.unsaved, Lines{"C"}) << "kept out of documents all the same";
+}
+
+TEST_F(FormButtonProperties, AChooserWhoseDefaultIsNoneOfItsLinesIsToldOnce) {
+    ReadOne<CFormChooser>("chooser", "value z\nenvname C\nchoosercontents {\na\n}");
+    EXPECT_EQ(sink.log,
+              "WARNING: site.def near line 9: the value \"z\" of chooser C is none of its lines: the option "
+              "has no default\r\n");
+    form.LoadDefaults(host);
+    EXPECT_EQ(std::count(sink.log.begin(), sink.log.end(), '\n'), 1);
+    sink.log.clear();
+    ReadOne<CFormChooser>("chooser", "envname C\nchoosercontents {\na\n}");
+    EXPECT_THAT(sink.log, testing::HasSubstr("the value \"\" of chooser C is none of its lines"));
+    sink.log.clear();
+    ReadOne<CFormChooser>("chooser", "value z\nactionto a\nchoosercontents {\na\n}");
+    EXPECT_THAT(sink.log,
+                testing::HasSubstr("the value \"z\" of chooser without envname is none of its lines"));
+    sink.log.clear();
+    ReadOne<CFormChooser>("chooser", "actionto a\nchoosercontents {\na\n}");
+    ReadOne<CFormChooser>("chooser", "envname C\nvalue A\nchoosercontents {\nab\n}");
+    EXPECT_EQ(sink.log, "") << "one that only sends an action needs no default";
+    EXPECT_TRUE(sink.alerts.empty());
 }
 
 TEST_F(FormButtonProperties, AShaderTypeChooserFillsTheToolbar) {

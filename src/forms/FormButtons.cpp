@@ -56,6 +56,17 @@ void CFormChooser::Finish(const FormDraft& draft, FormHost& host, Report& report
     CFormOption::Finish(draft, host, report);
 }
 
+std::vector<std::string> CFormChooser::Faults(const FormDraft& draft) const {
+    std::vector<std::string> faults = CFormOption::Faults(draft);
+    const bool asksForNothing = envname.empty() && draft.value.empty();
+    if (selected == kNothing && !asksForNothing) {
+        faults.push_back("the value \"" + draft.value + "\" of chooser " +
+                         (envname.empty() ? "without envname" : envname) +
+                         " is none of its lines: the option has no default");
+    }
+    return faults;
+}
+
 void CFormChooser::Removed(FormHost& host) {
     if (m_filledShaderTypes) host.ClearShaderTypes();
 }
@@ -66,8 +77,9 @@ std::optional<std::string> CFormChooser::Take(const std::string& value) {
 }
 
 bool CFormChooser::Select(const std::string& text) {
-    const auto found = std::find_if(lines.begin(), lines.end(),
-                                    [&](const std::string& line) { return BeginsWith(line, text); });
+    const auto found = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
+        return text.empty() ? line.empty() : BeginsWith(line, text);
+    });
     if (found == lines.end()) return false;
     selected = static_cast<int>(found - lines.begin());
     return true;

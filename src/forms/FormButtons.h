@@ -50,6 +50,7 @@ class CFormLedButton : public CFormOption {
     void Finish(const FormDraft& draft, FormHost& host, Report& report) override;
 
   protected:
+    bool NeedsName() const override { return false; }  // it may be there for its action
     // On for "1", for `envon` exactly, and for "true" in any case; off for everything else.
     void Show(const std::string& value) override;
     std::optional<std::string> Take(const std::string& value) override;
@@ -77,15 +78,19 @@ class CFormChooser : public CFormOption {
 
     void Accept(FormVisitor& visitor) override { visitor.Visit(*this); }
     void Finish(const FormDraft& draft, FormHost& host, Report& report) override;
+    // A default that is none of the lines as well: the option then has no value until the user chooses one.
+    std::vector<std::string> Faults(const FormDraft& draft) const override;
     void Removed(FormHost& host) override;
 
   protected:
+    bool NeedsName() const override { return false; }  // it may be there for its action
     void Show(const std::string& value) override { Select(value); }
     // The value as written, if a line begins with it.
     std::optional<std::string> Take(const std::string& value) override;
 
   private:
-    // Selects the first line that begins with the text in any case; without one the selection stays.
+    // Selects the first line that begins with the text in any case; without one the selection stays. The
+    // empty text is the beginning of an empty line alone.
     bool Select(const std::string& text);
 
     bool m_filledShaderTypes = false;

@@ -83,4 +83,26 @@ TEST_F(FormButtons, ADefaultThatAChooserDoesNotHaveLeavesItAndStoresNothing) {
     EXPECT_EQ(host.stored, (Stored{{"C", "T"}}));
 }
 
+TEST_F(FormButtons, TheEmptyTextMatchesNoLine) {
+    auto& chooser = Make<CFormChooser>("chooser", "envname C\nchoosercontents {\none\ntwo\n}");
+    EXPECT_EQ(chooser.selected, CFormChooser::kNothing);
+    form.LoadDefaults(host);
+    form.BroadcastOption("C", "");
+    EXPECT_EQ(chooser.selected, CFormChooser::kNothing);
+    chooser.Choose(1, host);
+    host.stored.clear();
+    host.variables.erase("C");
+    form.LoadDefaults(host);
+    form.BroadcastOption("C", "");
+    EXPECT_EQ(chooser.selected, 1);
+    EXPECT_TRUE(host.stored.empty());
+}
+
+TEST_F(FormButtons, TheEmptyTextMatchesALineThatIsEmpty) {
+    auto& chooser = Make<CFormChooser>("chooser", "envname C\nvalue one\nchoosercontents {\none\n\"\"\n}");
+    chooser.Choose(1, host);
+    EXPECT_EQ(chooser.selected, 1);
+    EXPECT_EQ(host.stored, (Stored{{"C", ""}}));
+}
+
 }  // namespace tavrin::test

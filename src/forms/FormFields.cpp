@@ -95,6 +95,13 @@ void CFormXYZField::Finish(const FormDraft& draft, FormHost& host, Report& /*rep
     for (const Axis& axis : axes) host.AddUnsavedOption(axis.envname);
 }
 
+std::vector<std::string> CFormXYZField::Faults(const FormDraft& draft) const {
+    std::vector<std::string> faults;
+    if (draft.unsaved) return faults;
+    for (const Axis& axis : axes) CheckOptionName(axis.envname, faults);
+    return faults;
+}
+
 void CFormXYZField::StoreAll(FormHost& host) {
     for (Axis& axis : axes) {
         axis.text = Forced(axis.text, forcefloat);

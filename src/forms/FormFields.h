@@ -77,6 +77,7 @@ class CFormXYZField : public CFormWidget {
     void OptionChanged(const std::string& name, const std::string& value) override;
     void LoadDefaults(FormHost& host) override;
     void Finish(const FormDraft& draft, FormHost& host, Report& report) override;
+    std::vector<std::string> Faults(const FormDraft& draft) const override;
 
   private:
     void StoreAll(FormHost& host);

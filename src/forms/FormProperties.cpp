@@ -216,7 +216,12 @@ bool FormReader::ReadPresets(const std::string& value, PresetList& presets) {
 
 bool FormReader::ReadHelp(const std::string& value, CFormWidget& widget) {
     if (!OpenBlock(value)) return false;
-    ReadTextBlock(m_archive, widget.help);  // the end of the file ends it as well
+    const int line = m_archive.LineNumber();
+    if (!ReadTextBlock(m_archive, widget.help)) {
+        Warn(line,
+             "the block \"help\" is not closed and takes the rest of the file: its last line has to be a "
+             "\"}\" alone");
+    }
     return true;
 }
 

@@ -1,3 +1,7 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
 #include "forms/FormTestHost.h"
 
 namespace tavrin::test {
@@ -187,6 +191,60 @@ TEST_F(FormProperties, EachKindRefusesThePropertiesOfOthers) {
         ExpectRefused("stringinput", line);
     EXPECT_TRUE(form.children.empty());
     EXPECT_TRUE(host.stored.empty());
+}
+
+TEST_F(FormProperties, AnOptionThatDocumentsCannotKeepIsToldOnce) {
+    const std::string told =
+        "documents cannot keep the option \"two words\": use a name without blanks, line breaks, "
+        "double quotes, backslashes and #, or notavrnsave\r\n";
+    const std::pair<const char*, const char*> kWidgets[] = {
+        {"xfield", ""},
+        {"xyfield", ""},
+        {"stringinput", ""},
+        {"ledbutton", "state 1\n"},
+        {"chooser", "value a\nchoosercontents {\na\n}\n"}};
+    for (const auto& [kind, lines] : kWidgets) {
+        sink.log.clear();
+        EXPECT_TRUE(Read(std::string("{\n") + kind + " {\nenvname \"two words\"\n" + lines + "}\n}\n"));
+        EXPECT_THAT(sink.log, testing::MatchesRegex("WARNING: site.def near line [0-9]+: [^\n]*\n")) << kind;
+        EXPECT_THAT(sink.log, testing::EndsWith(told)) << kind;
+        form.LoadDefaults(host);
+        EXPECT_THAT(sink.log, testing::MatchesRegex("[^\n]*\n")) << "told once: " << kind;
+        sink.log.clear();
+        EXPECT_TRUE(
+            Read(std::string("{\n") + kind + " {\nnotavrnsave\nenvname \"two words\"\n" + lines + "}\n}\n"));
+        EXPECT_EQ(sink.log, "") << kind;
+    }
+    ReadOne<CFormXYZField>("xyzfield", "xenvname X\nyenvname \"two words\"\nzenvname a\\b");
+    EXPECT_EQ(std::count(sink.log.begin(), sink.log.end(), '\n'), 2);
+    EXPECT_THAT(sink.log, testing::HasSubstr(told));
+    EXPECT_THAT(sink.log, testing::HasSubstr("the option \"a\\b\""));
+    EXPECT_TRUE(sink.alerts.empty());
+}
+
+TEST_F(FormProperties, AFieldWithoutAnOptionIsTold) {
+    for (const char* kind : {"xfield", "xyfield", "stringinput"}) {
+        sink.log.clear();
+        EXPECT_TRUE(Read(std::string("{\n") + kind + " {\nvalue 1\n}\n}\n"));
+        EXPECT_EQ(
+            sink.log,
+            "WARNING: site.def near line 5: there is no envname: what the user enters is kept nowhere\r\n")
+            << kind;
+    }
+    sink.log.clear();
+    ReadOne<CFormLedButton>("ledbutton", "state 0\nactionto a");
+    ReadOne<CFormChooser>("chooser", "actionto a\nchoosercontents {\na\n}");
+    ReadOne<CFormXYZField>("xyzfield", "xvalue 1");
+    EXPECT_EQ(sink.log, "") << "these are good for more, or ask for less";
+}
+
+TEST_F(FormProperties, AHelpBlockThatIsNotClosedIsToldWhereItBegins) {
+    EXPECT_TRUE(Read("{\nxfield {\nenvname A\nhelp\n{\nall\n the } rest"));
+    EXPECT_EQ(Child<CFormXField>(form, 0).help, "all\r\nthe } rest");
+    EXPECT_EQ(sink.log,
+              "WARNING: site.def near line 5: the block \"help\" is not closed and takes the rest of the "
+              "file: its last line has to be a \"}\" alone\r\n");
+    EXPECT_TRUE(sink.alerts.empty());
 }
 
 }  // namespace tavrin::test

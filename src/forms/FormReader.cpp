@@ -17,6 +17,10 @@ bool FormReader::Unexpected() {
     return false;
 }
 
+void FormReader::Warn(int line, const std::string& text) {
+    m_report.LogLine("WARNING: %s near line %d: %s", m_archive.Path().c_str(), line, text.c_str());
+}
+
 bool FormReader::OpenBlock(const std::string& value) {
     return value == "{" || ReadOpeningBrace(m_archive, m_report);
 }
@@ -69,6 +73,7 @@ bool FormReader::ReadInto(CFormFrame& parent) {
         return false;
     }
     widget->Finish(draft, m_host, m_report);
+    for (const std::string& fault : widget->Faults(draft)) Warn(m_archive.LineNumber(), fault);
     parent.children.push_back(std::move(widget));
     return true;
 }

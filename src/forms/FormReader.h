@@ -27,6 +27,8 @@ class FormReader {
     // Every operation that returns false has reported why, except where the file ends in place of an
     // opening brace, which is a failure without words.
     bool Unexpected();
+    // Tells what is no error, and yet hardly meant.
+    void Warn(int line, const std::string& text);
 
     // A widget of the kind named, from behind its opening brace, as the last child of `parent`.
     bool ReadWidget(CFormFrame& parent, const std::string& kind);

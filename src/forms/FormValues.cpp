@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "text/StoredText.h"
 #include "text/Tokens.h"
 #include "text/ValueFormat.h"
 
@@ -34,6 +35,12 @@ FormPair SplitPair(std::string_view text) {
     const auto split = text.find_first_not_of("0123456789.", 1);
     if (split == std::string_view::npos) return {std::string(text), {}};
     return {std::string(text.substr(0, split)), std::string(text.substr(split + 1))};
+}
+
+void CheckOptionName(const std::string& name, std::vector<std::string>& faults) {
+    if (name.empty() || IsBareToken(name)) return;
+    faults.push_back("documents cannot keep the option \"" + OneLine(name) + "\": " + kBareTokenRule +
+                     ", or notavrnsave");
 }
 
 bool BeginsWith(std::string_view text, std::string_view prefix) {

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavrin {
 
@@ -17,6 +18,9 @@ struct FormPair {
 // Splits a pair at the first character, the very first one apart, that is neither a digit nor a dot. It
 // is dropped whatever it is, so pairs are read alike with any separator and the first may have a sign.
 FormPair SplitPair(std::string_view text);
+
+// Adds a fault if documents cannot hold an option of this name. Without a name there is no option.
+void CheckOptionName(const std::string& name, std::vector<std::string>& faults);
 
 // Without regard to the case of ASCII letters. Every text begins with the empty one.
 bool BeginsWith(std::string_view text, std::string_view prefix);

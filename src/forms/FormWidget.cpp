@@ -1,6 +1,7 @@
 #include "forms/FormWidget.h"
 
 #include "forms/FormHost.h"
+#include "forms/FormValues.h"
 
 namespace tavrin {
 
@@ -24,6 +25,14 @@ void CFormOption::Finish(const FormDraft& draft, FormHost& host, Report& /*repor
     const auto stored = Take(draft.value);
     if (stored) host.SetVariable(envname, *stored);
     if (draft.unsaved) host.AddUnsavedOption(envname);
+}
+
+std::vector<std::string> CFormOption::Faults(const FormDraft& draft) const {
+    std::vector<std::string> faults;
+    if (!draft.unsaved) CheckOptionName(envname, faults);
+    if (envname.empty() && NeedsName())
+        faults.emplace_back("there is no envname: what the user enters is kept nowhere");
+    return faults;
 }
 
 }  // namespace tavrin

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "forms/FormGrid.h"
 #include "forms/FormVisitor.h"
@@ -53,6 +54,8 @@ class CFormWidget {
 
     // The body of the widget has been read whole.
     virtual void Finish(const FormDraft& /*draft*/, FormHost& /*host*/, Report& /*report*/) {}
+    // After that: what its author should know of the widget, one sentence for each fault.
+    virtual std::vector<std::string> Faults(const FormDraft& /*draft*/) const { return {}; }
     // The widget is about to be destroyed while the program goes on.
     virtual void Removed(FormHost& /*host*/) {}
 
@@ -74,8 +77,11 @@ class CFormOption : public CFormWidget {
     void OptionChanged(const std::string& name, const std::string& value) override;
     void LoadDefaults(FormHost& host) override;
     void Finish(const FormDraft& draft, FormHost& host, Report& report) override;
+    std::vector<std::string> Faults(const FormDraft& draft) const override;
 
   protected:
+    // Without a name the widget would be good for nothing.
+    virtual bool NeedsName() const { return true; }
     // Takes a value as it is, for display.
     virtual void Show(const std::string& value) = 0;
     // Takes a value by the widget's rules. The text to be stored for it; nothing if the value is none of
