@@ -195,9 +195,9 @@ TEST_F(DocumentReader, BrokenRenderOptionsStopTheReading) {
 
 TEST_F(DocumentReader, AnUnknownExportOptionEndsItsSectionAloneAndTheLoadGoesOn) {
     EXPECT_TRUE(
-        Load("exportoptions\n{\n    tavrndir 1 /a/\n    newdir 1 /b/\n    shadersourcedir 1 /c/\n}\n"
+        Load("exportoptions\n{\n    tavrndir 1 /a/\n    newdir 1 toolbar\n    shadersourcedir 1 /c/\n}\n"
              "toolbar { button 0=x }\n"));
-    EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 4: unknown export option: newdir"));
+    EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 5: unknown export option: newdir"));
     EXPECT_EQ(document.exportOptions.tavrnPath, "/a/");
     EXPECT_EQ(document.exportOptions.saveSource, 0);
     EXPECT_THAT(document.toolbar, ElementsAre("x"));

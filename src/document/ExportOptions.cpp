@@ -6,6 +6,7 @@
 #include "text/Archive.h"
 #include "text/Numbers.h"
 #include "text/Report.h"
+#include "text/StoredText.h"
 #include "text/Tokens.h"
 
 namespace tavrin {
@@ -55,13 +56,13 @@ bool ReadExportOptions(CArchive& archive, CExportOptions& options, Report& repor
     std::string token;
     if (!ReadToken(archive, token)) return true;
     while (ReadToken(archive, token) && token != "}") {
+        std::string_view rest;
+        archive.ReadLine(rest);  // of an unknown option too: its flag and path are no words of the caller's
         const ExportKey* key = FindKey(token);
         if (key == nullptr) {
             report.AlertAt(archive, "unknown export option: %s", token.c_str());
             return false;
         }
-        std::string_view rest;
-        archive.ReadLine(rest);
         ReadLine(rest, *key, options);
     }
     return true;
@@ -72,7 +73,8 @@ std::string ExportOptionLines(const CExportOptions& options) {
     for (const ExportKey& key : kKeys) {
         const std::string& path = options.*key.path;
         text.append("    ").append(key.key).append(" ").append(std::to_string(options.*key.flag)).append(" ");
-        text.append(key.isDirectory ? PathDir(path) : path).append("\n");
+        const std::string line = OneLine(key.isDirectory ? PathDir(path) : path);
+        text.append(Trim(line)).append("\n");
     }
     return text;
 }

@@ -26,11 +26,13 @@ struct CExportOptions {
 };
 
 // Reads an `exportoptions` clause of a site file or a document from behind its keyword. A line sets its
-// flag, and its path unless that is empty; the directories get a closing separator. An unknown key is
-// alerted as "unknown export option: KEY" and ends the reading; false then.
+// flag, and its path unless that is empty; the directories get a closing separator. The line of an unknown
+// key is passed over; then the key is alerted as "unknown export option: KEY" and ends the reading; false
+// then.
 bool ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report);
 
-// The lines of the clause in a document, between its braces. They end in LF alone.
+// The lines of the clause in a document, between its braces. They end in LF alone; a line break in a path or
+// in the command becomes a blank.
 std::string ExportOptionLines(const CExportOptions& options);
 
 }  // namespace tavrin

@@ -113,9 +113,16 @@ TEST_F(ExportOptions, TheEndOfTheFileEndsTheClause) {
 
 TEST_F(ExportOptions, AnUnknownKeyEndsTheClauseAndLeavesTheRest) {
     Read("{\n# c\nTavrndir 1 /a/\nshadersourcedir 1 /b/\n}\n");
-    EXPECT_THAT(sink.alerts, ElementsAre("site.def near line 3: unknown export option: Tavrndir"));
+    EXPECT_THAT(sink.alerts, ElementsAre("site.def near line 4: unknown export option: Tavrndir"))
+        << "its line has been read";
     EXPECT_EQ(options.saveSource, 0);
-    EXPECT_THAT(rest, testing::HasSubstr("shadersourcedir 1 /b/\n}\n"));
+    EXPECT_EQ(rest, "shadersourcedir 1 /b/\n}\n") << "flag and path of the unknown key are gone with it";
+}
+
+TEST_F(ExportOptions, TheLineOfAnUnknownKeyMayBeTheLast) {
+    Read("{\nnew 1 /a/");
+    EXPECT_THAT(sink.alerts, ElementsAre("site.def near line 2: unknown export option: new"));
+    EXPECT_EQ(rest, "");
 }
 
 TEST_F(ExportOptions, WhatIsWrittenReadsBack) {
