@@ -1,4 +1,7 @@
-// Documents: what was read is generated, described to the scripts, stored and read again.
+// Documents: what was read is generated, described to the scripts, stored and read again; what was stored
+// always opens.
+#include <cstdlib>
+
 #include "codegen/CodeGen.h"
 #include "fuzz/FuzzHost.h"
 #include "render/ArgInfo.h"
@@ -20,7 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string stored = document.Store();
     CTvDoc again(host);
     CArchive copy = CArchive::FromText("copy", stored);
-    again.Load(copy);
-    again.Store();
+    if (!again.Load(copy)) std::abort();
+    const std::string second = again.Store();
+    CTvDoc third(host);
+    CArchive secondCopy = CArchive::FromText("copy", second);
+    if (!third.Load(secondCopy)) std::abort();
     return 0;
 }

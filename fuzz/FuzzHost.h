@@ -12,6 +12,7 @@
 #include "site/Site.h"
 #include "text/Archive.h"
 #include "text/Report.h"
+#include "text/StoredText.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
@@ -48,7 +49,9 @@ class FuzzHost : public DocumentHost {
     std::string DocumentVersion() const override { return "1.0.0"; }
 
   protected:
+    // Any name that a library can offer is an operator.
     bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts*) override {
+        if (!IsBareToken(operatorName)) return false;
         CArchive archive = CArchive::FromText("definition", kDefinition);
         box.filename = operatorName;
         return box.ReadDefinition(archive, "/nonexistent", m_report);

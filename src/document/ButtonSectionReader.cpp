@@ -1,6 +1,7 @@
 // The `opbutton` blocks of a box.
 #include "document/DocumentReader.h"
 #include "document/TvDoc.h"
+#include "site/TypeTables.h"
 
 namespace tavrin {
 
@@ -24,7 +25,9 @@ COpButton* DocumentReader::FindInput(COpBox& box, const std::string& kind, const
         Stop(FormatText("undefined input %s specified", name.c_str()));
         return nullptr;
     }
+    if (kind == "input" && box.inputs[m_inputCursor].get() == m_inputRead) PassToTwin(box);
     COpButton& found = *box.inputs[m_inputCursor];
+    m_inputRead = &found;
     if (found.KindText() != kind) {
         m_report.AlertAt(m_archive, "input %s not of type %s", name.c_str(), kind.c_str());
     }
@@ -35,6 +38,16 @@ COpButton* DocumentReader::FindInput(COpBox& box, const std::string& kind, const
     ++m_inputCursor;
     const auto place = box.inputs.begin() + static_cast<std::ptrdiff_t>(m_inputCursor);
     return box.inputs.insert(place, std::move(copy))->get();
+}
+
+// A definition may have several inputs of one name, and the file then has a block for each.
+void DocumentReader::PassToTwin(const COpBox& box) {
+    for (size_t next = m_inputCursor + 1; next < box.inputs.size(); ++next) {
+        const COpButton& input = *box.inputs[next];
+        if (input.kind != ButtonKind::kInput || input.name != m_inputRead->name) continue;
+        m_inputCursor = next;
+        return;
+    }
 }
 
 // Outputs are matched by position alone.
@@ -83,7 +96,7 @@ bool DocumentReader::ReadButtonClause(COpButton& button, const std::string& keyw
         if (auto* value = static_cast<COpValueString*>(button.FindValue(keyword))) value->value = text;
         return true;
     }
-    if (IsGenericType(keyword)) return ReadGeneric(button);
+    if (IsGenericType(keyword)) return ReadGeneric(button, keyword);
     if (keyword == "disableargflag" || keyword == "disableconnectflag") {
         std::string_view rest;  // these come from the definition
         return m_archive.ReadLine(rest) || Unexpected();
@@ -92,8 +105,7 @@ bool DocumentReader::ReadButtonClause(COpButton& button, const std::string& keyw
     return Stop("unexpected input \"" + keyword + "\"");
 }
 
-// Numbers of a type that the button does not have
-// are dropped.
+// Numbers of a type that the button does not have are dropped.
 bool DocumentReader::ReadNumbers(COpButton& button, const std::string& type) {
     const auto made = MakeValue(type);
     COpValue* value = button.FindValue(type);
@@ -115,8 +127,9 @@ bool DocumentReader::ReadNumbers(COpButton& button, const std::string& type) {
     return Operand(v.r) && Operand(v.g) && Operand(v.b) && Operand(v.a);
 }
 
-// A generic value is a line and no tokens: backslashes in it are not undone.
-bool DocumentReader::ReadGeneric(COpButton& button) {
+// A generic value is a line and no tokens: backslashes in it are not undone. A type that is neither "generic"
+// nor "generic:NAME" is its line's keyword.
+bool DocumentReader::ReadGeneric(COpButton& button, const std::string& keyword) {
     std::string_view rest;
     if (!m_archive.ReadLine(rest)) return Unexpected();
     rest = Trim(rest);
@@ -124,6 +137,9 @@ bool DocumentReader::ReadGeneric(COpButton& button) {
     std::string text;
     if (rest.size() > 1 && rest.front() == '"' && rest.back() == '"') {
         text = rest.substr(1, rest.size() - 2);
+        const bool mayBeType =
+            !keyword.starts_with(kGenericPrefix) || keyword.size() == kGenericPrefix.size();
+        if (mayBeType && button.FindValue(keyword) != nullptr) type = keyword;
     } else {
         FieldScanner scanner(rest);
         const auto word = scanner.Word();

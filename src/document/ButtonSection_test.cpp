@@ -136,6 +136,18 @@ TEST_F(ButtonSection, AGenericValueIsTheRestOfItsLineWithBackslashesAsTheyAre) {
     }
 }
 
+TEST_F(ButtonSection, AnOddGenericTypeIsTheKeywordOfItsLine) {
+    const std::string definition =
+        "input i { generic { value g } generic: { value e } genericlight { value l } }";
+    EXPECT_TRUE(
+        LoadBox(definition, Button("input i i", "genericlight",
+                                   "generic \"1\"\ngeneric: \"2\"\ngenericlight \"3\"\ngenericother \"4\"")));
+    EXPECT_EQ(ValueOf<COpValueGeneric>("generic").value, "4")
+        << "a type that the button lacks is \"generic\"";
+    EXPECT_EQ(ValueOf<COpValueGeneric>("generic:").value, "2");
+    EXPECT_EQ(ValueOf<COpValueGeneric>("genericlight").value, "3");
+}
+
 TEST_F(ButtonSection, AGenericLineWithoutAnyWordIsUnexpected) {
     ExpectStop("input i { generic { value old } }", Button("input i i", "generic", "generic  "), 4);
     EXPECT_FALSE(Load("opdesk { opbox { filename op1\nopbutton.input i i currentcast generic { generic"));

@@ -80,6 +80,7 @@ bool DocumentReader::ReadOpBox() {
     std::erase_if(box.inputs, [](const auto& input) { return input->instance != 1; });
     m_inputCursor = 0;
     m_outputCursor = 0;
+    m_inputRead = nullptr;
     m_namesSeen.clear();
 
     std::string keyword;

@@ -43,11 +43,12 @@ class DocumentReader : private TokenParser {
     bool ReadOpBoxButton(COpBox& box, const std::string& kind);
     COpButton* FindInput(COpBox& box, const std::string& kind, const std::string& name,
                          const std::string& fullName);
+    void PassToTwin(const COpBox& box);
     COpButton* NextOutput(COpBox& box, const std::string& kind, const std::string& name);
     bool ReadButtonBlock(COpButton& button);
     bool ReadButtonClause(COpButton& button, const std::string& keyword);
     bool ReadNumbers(COpButton& button, const std::string& type);
-    bool ReadGeneric(COpButton& button);
+    bool ReadGeneric(COpButton& button, const std::string& keyword);
     void ChooseCast(COpButton& button, const std::string& castName);
 
     bool ReadConnects();
@@ -63,6 +64,7 @@ class DocumentReader : private TokenParser {
     // State of the box block at work.
     size_t m_inputCursor = 0;
     size_t m_outputCursor = 0;
+    const COpButton* m_inputRead = nullptr;  // the input whose block was read last
     std::set<std::string> m_namesSeen;
     // Boxes by number, for the connections; of a number that the file has twice, the last counts.
     std::unordered_map<int, COpBox*> m_byWid;

@@ -6,8 +6,8 @@
 
 #include "document/TvDoc.h"
 #include "site/Site.h"
-#include "text/Archive.h"
 #include "text/Numbers.h"
+#include "text/StoredText.h"
 #include "text/Tokens.h"
 
 namespace tavrin {
@@ -33,11 +33,17 @@ std::string TimeText(const Environment& environment) {
     return {text, length};
 }
 
-// A key that the reader would give back as one token.
-bool IsBareToken(const std::string& key) {
-    CArchive archive = CArchive::FromText({}, key + " ");
-    std::string token;
-    return ReadToken(archive, token) && token == key && archive.Rest().empty();
+// A name within the end of a connection, whose fields are told apart by commas. Nobody reads the name.
+std::string ConnectionField(std::string name) {
+    std::replace(name.begin(), name.end(), ',', '_');
+    return name;
+}
+
+// The word of a generic value's line that brings it back to the cast of this type.
+std::string GenericWords(const std::string& type) {
+    const bool hasName = type.starts_with(kGenericPrefix) && type.size() > kGenericPrefix.size();
+    if (!hasName) return type;
+    return std::string(type_words::kGeneric) + " " + type.substr(kGenericPrefix.size());
 }
 
 // Builds the text line by line.
@@ -50,7 +56,7 @@ class Writer {
             "# Tavrn file written at " + TimeText(m_host.GetSite().environment) + "\r\n\r\n";
         m_text = header;
         Line("tavrn-version ", m_host.DocumentVersion(), kLineEnd);
-        Line("tavrn-renderer ", m_host.GetSite().directories.libName, kLineEnd);
+        Line("tavrn-renderer ", TokenText(m_host.GetSite().directories.libName), kLineEnd);
         WriteToolbar();
         WriteDesk();
         WriteRenderOptions();
@@ -73,6 +79,7 @@ class Writer {
     void Put(const char* text) { m_text += text; }
     void Put(int number) { m_text += std::to_string(number); }
     void Put(size_t number) { m_text += std::to_string(number); }
+    void Put(bool flag) { m_text += flag ? '1' : '0'; }
     void Put(float number) { AppendG(m_text, static_cast<double>(number)); }
 
     static std::string Fixed(float number) { return FormatF(static_cast<double>(number)); }
@@ -80,7 +87,7 @@ class Writer {
     void WriteToolbar() {
         Line("toolbar\r\n{");
         for (size_t i = 0; i < m_document.toolbar.size(); ++i)
-            Line("    button ", i, "=", m_document.toolbar[i]);
+            Line("    button ", TokenText(std::to_string(i) + "=" + m_document.toolbar[i]));
         Line("}\r\n");
     }
 
@@ -90,10 +97,10 @@ class Writer {
         Line();
         WriteConnections();
         Line("    # DESK STATE");
-        Line("    drawlinesoverboxes ", m_document.drawlinesoverboxes);
-        Line("    showvarnames       ", m_document.showvarnames);
-        Line("    lock               ", m_document.lock);
-        Line("    showiconimages     ", m_document.showiconimages);
+        Line("    drawlinesoverboxes ", m_document.drawlinesoverboxes != 0);
+        Line("    showvarnames       ", m_document.showvarnames != 0);
+        Line("    lock               ", m_document.lock != 0);
+        Line("    showiconimages     ", m_document.showiconimages != 0);
         Line("    linetype           ", m_document.linetype == 1 ? "trace" : "direct");
         Line("    offsetxy           ", Fixed(m_document.offset[0]), " ", Fixed(m_document.offset[1]));
         Line("    zoomxyf            ", Fixed(m_document.zoom[0]), " ", Fixed(m_document.zoom[1]), " ",
@@ -116,10 +123,9 @@ class Writer {
     }
 
     void WriteButton(const COpButton& button) {
-        const std::string& cast = button.CurrentType();
         Line("\r\n        opbutton.", button.KindText(), " ", button.name, " ", button.DisplayName());
         Line("        {\r\n            opbuttondefs\r\n            {");
-        Line("                currentcast ", cast.empty() ? "\"\"" : cast.c_str());
+        Line("                currentcast ", TokenText(button.CurrentType()));
         Line("                wwms\r\n                {");
         Line("                    pin ", button.pin);
         Line("                    stow ", button.stow);
@@ -150,12 +156,9 @@ class Writer {
         } else if (value.type == type_words::kString) {
             Line("string ", QuoteString(static_cast<const COpValueString&>(value).value));
         } else {
-            const std::string text = QuoteString(static_cast<const COpValueGeneric&>(value).value);
-            if (value.type == type_words::kGeneric) {
-                Line("generic ", text);
-            } else {
-                Line("generic ", std::string_view(value.type).substr(kGenericPrefix.size()), " ", text);
-            }
+            // Its reader takes the line as it stands, so the value has to keep to one.
+            const auto& v = static_cast<const COpValueGeneric&>(value);
+            Line(GenericWords(value.type), " ", QuoteString(OneLine(v.value)));
         }
     }
 
@@ -181,9 +184,10 @@ class Writer {
 
     void WriteConnection(const COpBox& box, size_t output, const COpButton& input) {
         const COpBox& target = *input.owner;
-        Line("        opbox:", box.filename, ",", box.wid, ",", box.outputs[output]->name, ",", output,
-             " -> opbox:", target.filename, ",", target.wid, ",", input.name, ",",
-             target.IndexOfButton(input));
+        Line("        opbox:", ConnectionField(box.filename), ",", box.wid, ",",
+             ConnectionField(box.outputs[output]->name), ",", output,
+             " -> opbox:", ConnectionField(target.filename), ",", target.wid, ",",
+             ConnectionField(input.name), ",", target.IndexOfButton(input));
     }
 
     void WriteRenderOptions() {
@@ -192,7 +196,7 @@ class Writer {
             if (m_host.IsUnsavedOption(key)) continue;
             if (IsBareToken(key)) {
                 Line("    setenv ", key, " ", QuoteString(value));
-            } else {
+            } else if (!m_host.AppVariables().contains(key)) {  // of its own options the form has told
                 m_host.GetSite().report.LogLine(
                     "WARNING: render option \"%s\" is not saved: a document cannot hold this name",
                     key.c_str());

@@ -28,6 +28,13 @@ constexpr const char* kHelpTemplate =
     "AUTHOR\r\n"
     "    Your name <your mail address>";
 
+// A switch of the site: any number but 0 is on, as documents have no other.
+int SwitchOf(const Settings& settings, const char* key) {
+    int value = 0;
+    settings.GetSettingInt(key, value);
+    return value != 0 ? 1 : 0;
+}
+
 }  // namespace
 
 void CTvDoc::DeleteContents() {
@@ -35,11 +42,12 @@ void CTvDoc::DeleteContents() {
     if (m_beforeDelete) m_beforeDelete();
     m_boxes.clear();
     toolbar = site.toolButtons;
-    showiconimages = 0;
-    linetype = 0;
+    showiconimages = SwitchOf(site.settings, "desk.showiconimages");
+    showvarnames = SwitchOf(site.settings, "desk.showvarnames");
+    lock = SwitchOf(site.settings, "desk.lock");
+    std::string word;
+    linetype = site.settings.GetSettingToken("desk.linetype", word) && word == "trace" ? 1 : 0;
     drawlinesoverboxes = 0;
-    showvarnames = 0;
-    lock = 0;
     offset[0] = offset[1] = 0;
     zoom[0] = zoom[1] = 0.5F;
     zoomFactor = 1;
@@ -48,12 +56,6 @@ void CTvDoc::DeleteContents() {
     customshaderhelp = kHelpTemplate;
     m_modified = false;
     m_cutShort = false;
-
-    site.settings.GetSettingInt("desk.showiconimages", showiconimages);
-    site.settings.GetSettingInt("desk.showvarnames", showvarnames);
-    site.settings.GetSettingInt("desk.lock", lock);
-    std::string word;
-    if (site.settings.GetSettingToken("desk.linetype", word) && word == "trace") linetype = 1;
 }
 
 bool CTvDoc::Open(const std::string& path) {
