@@ -4,6 +4,7 @@ use warnings;
 use File::Path 'make_path';
 use File::Temp 'tempdir';
 use FindBin;
+use POSIX ();
 use Test::More;
 
 my $filter = "$FindBin::Bin/../../installation/mray/bin/codefilter";
@@ -44,6 +45,21 @@ sub run_on {
 }
 
 sub run { run_on(put('in', $_[0])) }
+
+sub wait_for {
+	my ($test) = @_;
+	for (1 .. 3000) {
+		return 1 if $test->();
+		select undef, undef, undef, 0.01;
+	}
+	return 0;
+}
+
+# A process that nobody has waited for has ended all the same.
+sub ended {
+	my ($pid) = @_;
+	return !kill(0, $pid) || (get("/proc/$pid/stat") // '') =~ /\) Z /;
+}
 
 # The pieces of a code file.
 sub arg {
@@ -402,6 +418,32 @@ unlink "$base.frag";
 	like($err, qr{signal 11}, 'is told');
 	like($err, qr{odd words}, 'with its words');
 	is_deeply([map { s{.*/}{}r } glob "$dir/scratch/*"], ['demo'], 'and no half files');
+
+	# A compiler with a child that holds the output, as a wrapper has one.
+	put('fake/glslangValidator', "#!/bin/sh\nsleep 600 &\necho \$! \$\$ >'$dir/pids.new'\n"
+		. "mv '$dir/pids.new' '$dir/pids'\nwait\n");
+	for my $signal (qw(ALRM TERM INT HUP)) {
+		unlink "$dir/pids";
+		my $input = put('in', section([]) . shader([], @good));
+		my $pid = fork;
+		if (!$pid) {
+			setpgrp;
+			open STDIN, '<', $input or die;
+			open STDERR, '>', "$dir/err" or die;
+			exec $filter, 'demo', $base;
+		}
+		ok(wait_for(sub { -e "$dir/pids" }), 'a compiler that does not end');
+		my @pids = split ' ', get("$dir/pids");
+		# The limit of time is an alarm; the other signals are how the program stops.
+		kill $signal, $pid;
+		ok(wait_for(sub { waitpid($pid, POSIX::WNOHANG()) == $pid }), "is left at SIG$signal") or kill 'KILL', $pid;
+		is($? >> 8, 1, 'which is a failure');
+		ok(wait_for(sub { !grep { !ended($_) } @pids }), 'it has ended, and what it has started, too')
+			or kill 'KILL', @pids;
+		is(get("$dir/err"), $signal eq 'ALRM' ? "demo: glslangValidator was stopped: it took more than a minute\n"
+			: '', $signal eq 'ALRM' ? 'the reason is told' : 'without a word');
+		is_deeply([map { s{.*/}{}r } glob "$dir/scratch/*"], ['demo'], 'and no half files are left');
+	}
 }
 
 done_testing;
