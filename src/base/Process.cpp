@@ -98,6 +98,16 @@ std::vector<std::string> SplitCommandLine(std::string_view line) {
     return words;
 }
 
+std::string JoinCommandLine(const std::vector<std::string>& words) {
+    std::string line;
+    for (const std::string& word : words) {
+        const bool isPlain = !word.empty() && word.find_first_of(" \t\r\n") == std::string::npos;
+        if (!line.empty()) line += ' ';
+        line += isPlain ? word : '"' + word + '"';
+    }
+    return line;
+}
+
 std::string FindProgram(const std::string& word, std::string_view searchPath) {
     if (word.empty()) return {};
     if (word.find('/') != std::string::npos) return word;
@@ -112,6 +122,10 @@ std::string FindProgram(const std::string& word, std::string_view searchPath) {
         if (colon == std::string_view::npos) return {};
         searchPath.remove_prefix(colon + 1);
     }
+}
+
+bool HasProgram(const std::string& word, std::string_view searchPath) {
+    return IsRunnable(FindProgram(word, searchPath));
 }
 
 pid_t Spawn(const SpawnRequest& request, std::string& error) {

@@ -13,12 +13,18 @@ namespace tavrin {
 // run in which they do not, and is itself dropped. There is no escape character.
 std::vector<std::string> SplitCommandLine(std::string_view line);
 
+// Words as one line, as a user is shown them: those that are empty or hold blanks in double quotes.
+std::string JoinCommandLine(const std::vector<std::string>& words);
+
 // The value of PATH in a "NAME=VALUE" list; empty if there is none.
 std::string_view SearchPathOf(const std::vector<std::string>& environment);
 
 // Finds the file to run for the first word of a command: a word with a '/' stands for itself, any other
 // is looked for in `searchPath`, a colon-separated list. Empty if there is no such program.
 std::string FindProgram(const std::string& word, std::string_view searchPath);
+
+// Whether there is such a program, found as FindProgram does, and we may run it.
+bool HasProgram(const std::string& word, std::string_view searchPath);
 
 struct SpawnRequest {
     std::vector<std::string> words;        // program and arguments

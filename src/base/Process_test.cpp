@@ -49,6 +49,13 @@ TEST(SplitCommandLine, NoOtherCharacterMeansAnything) {
                 ElementsAre("a\\", "b", "'c", "d'", "$HOME", ";", "|", ">", "`x`", "\\y z\\"));
 }
 
+TEST(JoinCommandLine, WordsThatAreEmptyOrHoldBlanksAreQuoted) {
+    const std::vector<std::string> words = {"a", "b c", "", "d\te", "f"};
+    EXPECT_EQ(JoinCommandLine(words), "a \"b c\" \"\" \"d\te\" f");
+    EXPECT_EQ(SplitCommandLine(JoinCommandLine(words)), words);
+    EXPECT_EQ(JoinCommandLine({}), "");
+}
+
 TEST(SearchPathOf, IsTheValueOfPath) {
     EXPECT_EQ(SearchPathOf({"XPATH=/x", "PATH=/a:/b=c", "PATHS=/y"}), "/a:/b=c");
     EXPECT_EQ(SearchPathOf({"XPATH=/x"}), "");
@@ -122,6 +129,20 @@ Outcome OutcomeOf(std::vector<std::string> words,
     }
     outcome.exitCode = WaitForEnd(outcome.pid);
     return outcome;
+}
+
+TEST(HasProgram, IsTrueForWhatMayBeRun) {
+    const test::TempDir directory;
+    const std::string plain = directory.Write("plain", "");
+    const std::string program = directory.Write("program", "");
+    ::chmod(program.c_str(), 0755);
+    EXPECT_TRUE(HasProgram("program", directory.Path()));
+    EXPECT_TRUE(HasProgram(program, ""));
+    EXPECT_FALSE(HasProgram("plain", directory.Path()));
+    EXPECT_FALSE(HasProgram(plain, directory.Path()));
+    EXPECT_FALSE(HasProgram(directory / "gone", ""));
+    EXPECT_FALSE(HasProgram(directory.Path(), "")) << "a directory";
+    EXPECT_FALSE(HasProgram("", directory.Path()));
 }
 
 TEST(Spawn, WordsReachTheProgramAsTheyAre) {

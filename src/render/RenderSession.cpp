@@ -174,10 +174,10 @@ bool RenderSession::RenderIt() {
     if (!SaveShader()) return false;
     const std::string name = ShaderName();
     if (m_keepHistory && !KeepHistory(name)) return false;
-    const std::string command =
-        m_site.LibraryPath("bin/renderit") + " \"" + name + "\" " + std::to_string(m_nextRender);
+    const std::string number = std::to_string(m_nextRender);
     ++m_nextRender;
-    m_site.commands.RunScriptCommand(command);
+    m_site.commands.RunScriptCommand(m_site.LibraryPath("bin/renderit") + " \"" + name + "\" " + number,
+                                     "render " + number);
     return true;
 }
 

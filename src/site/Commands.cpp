@@ -50,7 +50,7 @@ struct Commands::Start {
 };
 
 Commands::Commands(Report& report, const Environment& environment, MainThreadQueue& queue)
-    : m_report(report), m_environment(environment), m_queue(queue) {}
+    : m_report(report), m_environment(environment), m_queue(queue), m_childLog(report) {}
 
 Commands::~Commands() {
     EndChildren(std::chrono::milliseconds(0));
@@ -58,9 +58,18 @@ Commands::~Commands() {
 }
 
 bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo) {
-    const int child = Launch(command, wait);
+    return Run(SplitCommandLine(command), command, wait, processInfo);
+}
+
+bool Commands::StartProgram(const std::vector<std::string>& words, const std::string& shownAs) {
+    return Run(words, shownAs, false, nullptr);
+}
+
+bool Commands::Run(const std::vector<std::string>& words, const std::string& shownAs, bool wait,
+                   ProcessInfo* processInfo) {
+    const int child = Launch(words, wait);
     if (child < 0) {
-        if (!IsInterrupted()) m_report.Alert("command failed: %s", command.c_str());
+        if (!IsInterrupted()) m_report.Alert("command failed: %s", shownAs.c_str());
         return false;
     }
     if (!wait) {
@@ -73,10 +82,10 @@ bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* pr
     return true;
 }
 
-int Commands::Launch(const std::string& command, bool isWaitedFor) {
+int Commands::Launch(const std::vector<std::string>& words, bool isWaitedFor) {
     ReapUnwatched();
     SpawnRequest request;
-    request.words = SplitCommandLine(command);
+    request.words = words;
     request.environment = m_environment.ToList();
     request.standardOutput = m_commandOutput;
     std::string error;
@@ -87,7 +96,7 @@ int Commands::Launch(const std::string& command, bool isWaitedFor) {
     return child;
 }
 
-int Commands::StartCommand(const std::string& command) { return Launch(command, true); }
+int Commands::StartCommand(const std::string& command) { return Launch(SplitCommandLine(command), true); }
 
 void Commands::WaitForOne(const std::vector<int>& processes) const {
     std::vector<FileDescriptor> watched;
@@ -148,7 +157,18 @@ void Commands::ReapUnwatched() {
 
 std::string Commands::KillFile(int id) const { return JoinPath(m_workDir, FormatText("kill.%d", id)); }
 
-void Commands::RunScriptCommand(const std::string& command) {
+void Commands::RunScriptCommand(const std::string& command, const std::string& label) {
+    const std::string commandLine = "PerlExec " + command;
+    StartChild(SplitCommandLine(commandLine), commandLine, label);
+}
+
+void Commands::RunScript(const std::vector<std::string>& words, const std::string& label) {
+    std::vector<std::string> all = {"PerlExec"};
+    all.insert(all.end(), words.begin(), words.end());
+    StartChild(all, JoinCommandLine(all), label);
+}
+
+void Commands::StartChild(std::vector<std::string> words, std::string commandLine, const std::string& label) {
     JoinFinished();
     auto child = std::make_unique<Child>();
     child->id = ++m_lastId;
@@ -156,8 +176,8 @@ void Commands::RunScriptCommand(const std::string& command) {
     ::unlink(killFile.c_str());
 
     Start start;
-    start.commandLine = "PerlExec " + command;
-    start.request.words = SplitCommandLine(start.commandLine);
+    start.commandLine = std::move(commandLine);
+    start.request.words = std::move(words);
     Environment environment = m_environment;
     environment.Set("TAVRN_KILLFILE", killFile);
     start.request.environment = environment.ToList();
@@ -165,6 +185,7 @@ void Commands::RunScriptCommand(const std::string& command) {
         const std::lock_guard lock(m_childMutex);
         m_children.insert(child->id);
     }
+    m_childLog.Begin(child->id, label);
     Child& worker = *child;
     m_workers.push_back(std::move(child));
     worker.thread = std::thread([this, &worker, start = std::move(start)] { Work(worker, start); });
@@ -200,13 +221,14 @@ void Commands::Work(Child& child, const Start& start) {
     childInput.Close();
     childOutput.Close();
     if (pid < 0 && !ending) {
-        post([this, line = start.commandLine] {
-            m_report.LogRaw(FormatText("CreateProcess failed: \"%s\"", line.c_str()));
+        post([this, id = child.id, line = start.commandLine] {
+            m_childLog.Append(id, FormatText("CreateProcess failed: \"%s\"", line.c_str()));
         });
     } else if (pid >= 0) {
         ReadOutput(child, reader.Get());
     }
     reader.Close();
+    post([this, id = child.id] { m_childLog.End(id); });
     {
         const std::lock_guard lock(m_childMutex);
         m_children.erase(child.id);
@@ -233,8 +255,9 @@ void Commands::ReadOutput(Child& child, int pipe) {
     for (;;) {
         const ssize_t count = ::read(pipe, piece, sizeof piece);
         if (count > 0) {
-            m_queue.Post([this, alive = m_alive, text = std::string(piece, static_cast<size_t>(count))] {
-                if (*alive) m_report.LogRaw(text);
+            m_queue.Post([this, alive = m_alive, id = child.id,
+                          text = std::string(piece, static_cast<size_t>(count))] {
+                if (*alive) m_childLog.Append(id, text);
             });
             continue;
         }

@@ -16,6 +16,7 @@
 #include "base/Environment.h"
 #include "base/FileDescriptor.h"
 #include "base/MainThreadQueue.h"
+#include "site/ChildLog.h"
 
 namespace tavrin {
 
@@ -52,6 +53,10 @@ class Commands {
     // as "command failed: COMMAND"; false.
     bool RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo = nullptr);
 
+    // Starts a program with these words, whatever they hold, and lets it go. In the alert of one that cannot
+    // start it is called `shownAs`.
+    bool StartProgram(const std::vector<std::string>& words, const std::string& shownAs);
+
     // The same in pieces, for who has several commands run beside each other (CommandQueue). Each process
     // that is started is to be collected or ended; both let it go.
 
@@ -71,8 +76,11 @@ class Commands {
     bool IsInterrupted() const;
 
     // Starts "PerlExec COMMAND" with its output going to the log, and returns at once. The child counts as
-    // running until its output has closed, also on the side of its own children.
-    void RunScriptCommand(const std::string& command);
+    // running until its output has closed, also on the side of its own children. Where children with labels
+    // run at the same time, each one's lines stand behind its label.
+    void RunScriptCommand(const std::string& command, const std::string& label = {});
+    // The same with the words as they are, whatever they hold.
+    void RunScript(const std::vector<std::string>& words, const std::string& label);
 
     // Called on the main thread with the exit code when a child's process has ended.
     void OnChildEnd(std::function<void(int exitCode)> observer) { m_childEnd = std::move(observer); }
@@ -93,7 +101,10 @@ class Commands {
     struct Child;
     struct Start;
 
-    int Launch(const std::string& command, bool isWaitedFor);
+    int Launch(const std::vector<std::string>& words, bool isWaitedFor);
+    bool Run(const std::vector<std::string>& words, const std::string& shownAs, bool wait,
+             ProcessInfo* processInfo);
+    void StartChild(std::vector<std::string> words, std::string commandLine, const std::string& label);
     void Work(Child& child, const Start& start);
     void ReadOutput(Child& child, int pipe);
     void ReapUnwatched();
@@ -120,6 +131,7 @@ class Commands {
     bool m_ending = false;     // nothing may be started any more
     std::list<std::unique_ptr<Child>> m_workers;
     int m_lastId = 0;
+    ChildLog m_childLog;
     // Closed workers must not reach an object that is gone: posted work holds this.
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
 };

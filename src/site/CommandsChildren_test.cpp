@@ -230,6 +230,39 @@ TEST_F(CommandsChildren, AShortChildEndsWhileALongOneRuns) {
     EXPECT_TRUE(PumpToTheEnd());
 }
 
+TEST_F(CommandsChildren, LinesOfChildrenThatRunTogetherAreWholeAndTellWhoseTheyAre) {
+    const std::string go = directory / "go";
+    const std::string waits = "while [ ! -e " + go + " ]; do sleep 0.01; done\n";
+    const auto start = [&](const std::string& text, const std::string& label) {
+        const std::string script = directory.Write("script." + std::to_string(++scripts), text);
+        commands.RunScript({script, "a \"b\" c"}, label);
+    };
+    start("printf 'alone\\nhalf a '\n" + waits + "echo \"line, longer than a piece of output: $1\"\n",
+          "render 1");
+    ASSERT_TRUE(PumpUntilLogged("half a "));
+    start("echo second\n" + waits + "printf 'no line end'\n", "render 2");
+    ASSERT_TRUE(PumpUntilLogged("second"));
+    EXPECT_EQ(sink.log, "alone\nhalf a \n[render 2] second\n");
+    directory.Write("go", "");
+    ASSERT_TRUE(PumpToTheEnd());
+    EXPECT_THAT(sink.log, HasSubstr("\n[render 1] line, longer than a piece of output: a \"b\" c\n"));
+    EXPECT_THAT(sink.log, HasSubstr("\n[render 2] no line end\n"));
+    sink.log.clear();
+    start("echo alone again", "render 3");
+    ASSERT_TRUE(PumpToTheEnd());
+    EXPECT_EQ(sink.log, "alone again\n");
+}
+
+TEST_F(CommandsChildren, AChildThatCannotStartIsToldBehindItsLabel) {
+    commands.RunScriptCommand(directory.Write("script", kUntilKillFile), "render 1");
+    environment.Set("PATH", work);
+    commands.RunScriptCommand("bin/renderit \"a b\" 2", "render 2");
+    EXPECT_TRUE(PumpUntilLogged("2\"\n"));
+    EXPECT_EQ(sink.log, "[render 2] CreateProcess failed: \"PerlExec bin/renderit \"a b\" 2\"\n");
+    commands.KillChildren();
+    EXPECT_TRUE(PumpToTheEnd());
+}
+
 // The end of a child
 
 TEST_F(CommandsChildren, TheExitCodeIsToldAfterAllOutput) {

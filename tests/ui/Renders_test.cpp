@@ -152,8 +152,14 @@ TEST_F(RendersTest, SeveralRendersRunAtOnceWhereThatIsAllowed) {
     StartRender(2);
     EXPECT_THAT(History(), ElementsAre("02 marble", "01 marble"));
     ReleaseScripts();
-    EXPECT_TRUE(WaitUntil([this] { return !ChildRuns(); }));
+    EXPECT_TRUE(WaitUntil([this] { return !App().GetSite().commands.AnyProcessLeft(); }));
+    Settle();
     EXPECT_THAT(ReadFile(WorkDir() + "/2/marble.tvn"), Not(IsEmpty()));
+    EXPECT_THAT(Log(),
+                AllOf(HasSubstr("renderit marble 1\n[render 2] renderit marble 2\n"),
+                      HasSubstr("\n[render 1] renderit done\n"), HasSubstr("\n[render 2] renderit done\n")));
+    Render();
+    EXPECT_THAT(Log(), HasSubstr("\nrenderit marble 3\nrenderit done\n"));
 }
 
 TEST_F(RendersTest, OneRenderAtATimeIsTheSitesChoice) {
