@@ -9,15 +9,16 @@
 #include "app/Version.h"
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/Process.h"
 #include "forms/FormFrame.h"
 #include "forms/FormParser.h"
+#include "site/TextEditor.h"
 
 namespace tavrin {
 
 namespace {
 
 constexpr const char* kDefaultLibrary = "mray";
-constexpr const char* kDefaultEditor = "xdg-open";
 constexpr const char* kDefaultTemporaryRoot = "/tmp";
 constexpr const char* kDefaultShaderIfaceExt = ".cus";
 
@@ -54,7 +55,7 @@ CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment,
       m_programDir(PathDir(programPath)),
       m_version(VersionText(kProductVersion)) {
     const Environment& env = m_site.environment;
-    m_site.directories.editorCmd = FirstOf(env, {"TAVRN_EDITORCMD", "EDITOR"}, kDefaultEditor);
+    m_site.directories.editorCmd = FirstOf(env, {"TAVRN_EDITORCMD", "VISUAL", "EDITOR"}, kDesktopsEditor);
     m_site.directories.tavrnDir = FirstOf(env, {"TAVRN_DIR"}, FullPath(m_programDir + "../share/tavrin"));
     SelectLibraryFromEnvironment();
     m_site.debugMode = IsSwitchedOn(env.Get("TAVRN_DEBUG"));
@@ -226,7 +227,7 @@ void CTvApp::PushOptionsToForm() {
 }
 
 void CTvApp::OpenInEditor(const std::string& path) {
-    m_site.commands.RunCommand(m_site.directories.editorCmd + " \"" + path + "\"", false);
+    StartEditor(path, m_site.directories.editorCmd + " \"" + path + "\"");
 }
 
 void CTvApp::EditOperator(const std::string& name) {
@@ -235,10 +236,19 @@ void CTvApp::EditOperator(const std::string& name) {
         m_site.report.Alert("%s: unknown operator name", name.c_str());
         return;
     }
-    // A command line is split at blanks, quotes keep a path in one piece.
-    const bool isPlain = entry->path.find_first_of(" \t") == std::string::npos;
-    const std::string path = isPlain ? entry->path : "\"" + entry->path + "\"";
-    m_site.commands.RunCommand(m_site.directories.editorCmd + " " + path, false);
+    StartEditor(entry->path, m_site.directories.editorCmd + " " + JoinCommandLine({entry->path}));
+}
+
+// `named` is how the user knows the command, if it is the one that was named.
+void CTvApp::StartEditor(const std::string& path, const std::string& named) {
+    // A path that is not absolute could pass for an option.
+    const std::string file = path.starts_with('/') ? path : FullPath(path);
+    const EditorStart start = StartOfEditor(m_site.directories.editorCmd, file, m_site.environment);
+    if (start.words.empty()) {
+        m_site.report.Alert("%s", start.problem.c_str());
+        return;
+    }
+    m_site.commands.StartProgram(start.words, start.isAsNamed ? named : JoinCommandLine(start.words));
 }
 
 std::string CTvApp::DocumentVersion() const { return ShortVersion(m_version); }

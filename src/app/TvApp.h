@@ -65,7 +65,8 @@ class CTvApp : public DocumentHost, private FormHost {
     // interface files follows the type.
     void ShaderTypeChanged();
 
-    // Opens a file in the user's editor, without waiting.
+    // Opens a file as a text in the user's editor, without waiting. Where there is none that can be started,
+    // that is alerted.
     void OpenInEditor(const std::string& path);
     // The same for the definition of an operator. One that is not in the library is alerted.
     void EditOperator(const std::string& name);
@@ -99,6 +100,7 @@ class CTvApp : public DocumentHost, private FormHost {
     void ClearShaderTypes() override { m_shaderTypes.clear(); }
 
     void SelectLibraryFromEnvironment();
+    void StartEditor(const std::string& path, const std::string& named);
     void MakeWorkDirectory(const std::string& temporaryRoot);
     void ExportEnvironment(const std::string& temporaryRoot);
 

@@ -58,6 +58,14 @@ TEST_F(TvAppConstructionTest, TheEditorOfTheSystemsOwnVariableWins) {
     EXPECT_EQ(Made().editorCmd, "gedit -w");
 }
 
+TEST_F(TvAppConstructionTest, TheEditorWithAWindowComesBeforeTheOther) {
+    environment.Set("EDITOR", "ed");
+    environment.Set("VISUAL", "emacs -q");
+    EXPECT_EQ(Made().editorCmd, "emacs -q");
+    environment.Set("TAVRN_EDITORCMD", "gedit -w");
+    EXPECT_EQ(Made().editorCmd, "gedit -w");
+}
+
 TEST_F(TvAppConstructionTest, EmptyVariablesCountAsNotSet) {
     environment.Set("EDITOR", "vi");
     environment.Set("TAVRN_EDITORCMD", "");

@@ -171,6 +171,39 @@ TEST_F(TvAppVariablesTest, TheEditorIsStartedWithThePathAsOneWordAndNotWaitedFor
     EXPECT_THAT(sink.alerts, IsEmpty());
 }
 
+// The file's own name and type would bring a document back to this program.
+TEST_F(TvAppVariablesTest, WithoutAnEditorOfTheUsersTheDesktopsEditorOfPlainTextsIsStarted) {
+    const std::string shown = directory / "shown";
+    const auto install = [this, &shown](const std::string& program, const std::string& types) {
+        std::filesystem::permissions(
+            directory.Write("bin/" + program, "#!/bin/sh\nprintf '" + program + "<%s>' \"$@\" > '" + shown +
+                                                  ".new'\nmv '" + shown + ".new' '" + shown + "'\n"),
+            std::filesystem::perms::owner_all);
+        directory.Write("share/applications/" + program + ".desktop",
+                        "[Desktop Entry]\nType=Application\nExec=" + program + " %f\n");
+        return types + "=" + program + ".desktop;\n";
+    };
+    directory.Write("share/applications/mimeinfo.cache",
+                    "[MIME Cache]\n" + install("tavrin", "application/x-tavrin-document") +
+                        install("pad", "text/plain") + install("xdg-open", "x-none/x-none"));
+    Environment& given = app->GetSite().environment;
+    given.Set("PATH", directory / "bin" + ":/usr/bin:/bin");
+    given.Set("HOME", directory / "home");
+    given.Set("XDG_CONFIG_DIRS", directory / "etc");
+    given.Set("XDG_DATA_DIRS", directory / "share");
+    app->OpenInEditor("/some/where/my \"broken\" file.tvn");
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!std::filesystem::exists(shown) && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    EXPECT_EQ(test::ReadFile(shown), "pad</some/where/my \"broken\" file.tvn>");
+    EXPECT_THAT(sink.alerts, IsEmpty());
+    given.Set("XDG_DATA_DIRS", directory / "none");
+    app->OpenInEditor("/some/where/my file.tvn");
+    EXPECT_THAT(sink.alerts,
+                ElementsAre(testing::StartsWith("there is no text editor to open /some/where/my file.tvn ")));
+}
+
 TEST_F(TvAppVariablesTest, AnEditorThatCannotStartIsAlerted) {
     app->GetSite().directories.editorCmd = "/no/such/editor";
     app->OpenInEditor("/some/file");

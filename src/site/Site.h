@@ -19,7 +19,7 @@ struct Directories {
     std::string libName;           // library: the last component of its directory, the renderer's name
     std::string libDir;            // tavrnDir and libName; empty while no library is selected
     std::string workDir;           // this process's own, removed at the end
-    std::string editorCmd;         // text editor
+    std::string editorCmd;         // text editor, as TextEditor.h reads it
     std::string docBrowserDir;     // where document dialogs open
     std::string scriptBrowserDir;  // where the script dialog opens
 };

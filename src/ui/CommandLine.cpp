@@ -36,7 +36,8 @@ std::string ProgramHelp() {
            "  TAVRN_DIR        the installation; by default ../share/tavrin beside the program\n"
            "  TAVRN_LIB        the library: the last component of this path, below TAVRN_DIR\n"
            "  TAVRN_TMPDIR     where the work directory is made; by default /tmp\n"
-           "  TAVRN_EDITORCMD  the text editor; by default $EDITOR, else xdg-open\n"
+           "  TAVRN_EDITORCMD  the text editor; by default $VISUAL, else $EDITOR, else the desktop's\n"
+           "  TERMINAL         the terminal for an editor that needs one\n"
            "\n"
            "tavrin-batch does the same work without a window.\n";
 }

@@ -46,6 +46,36 @@ TEST_F(BrokenDocumentTest, OpensAsFarAsItGoesAndIsShownInTheEditor) {
     EXPECT_THAT(RecentFilesShown(), ElementsAre(path));
 }
 
+// What opens files by their own type opens a document in this program, which would open it again, and so on.
+TEST_F(BrokenDocumentTest, WithoutAnEditorOfTheUsersOpensInTheDesktopsForPlainTexts) {
+    for (const char* name : {"TAVRN_EDITORCMD", "VISUAL", "EDITOR", "XDG_CURRENT_DESKTOP"})
+        environment.Unset(name);
+    environment.Set("PATH", directory / "programs:" + environment.Get("PATH").value_or(""));
+    environment.Set("XDG_CONFIG_HOME", directory / "config");
+    environment.Set("XDG_CONFIG_DIRS", directory / "config");
+    environment.Set("XDG_DATA_HOME", directory / "data");
+    environment.Set("XDG_DATA_DIRS", directory / "data");
+    const auto install = [this](const std::string& name, const std::string& mimeType) {
+        const std::string program = directory.Write(
+            "programs/" + name, "#!/bin/sh\nprintf '" + name + " %s\\n' \"$@\" >>\"$TAVRN_DIR/../edited\"\n");
+        fs::permissions(program, fs::perms::owner_all);
+        directory.Write("data/applications/" + name + ".desktop",
+                        "[Desktop Entry]\nType=Application\nExec=" + name + " %u\n");
+        return mimeType + "=" + name + ".desktop\n";
+    };
+    install("xdg-open", "");
+    directory.Write("config/mimeapps.list", "[Default Applications]\n" +
+                                                install("tavrin", "application/x-tavrin-document") +
+                                                install("pad", "text/plain"));
+    StartWithDocs();
+    path = WriteBrokenDocument("docs/my \"broken\" one.tvn");
+    PressWhenBoxComes("OK");
+    Open(path);
+    ExpectBox("Alert: " + path + " near line 5: unexpected input");
+    EXPECT_TRUE(test::WaitUntil([this] { return !EditedFiles().empty(); }));
+    EXPECT_THAT(EditedFiles(), ElementsAre("pad " + path));
+}
+
 TEST_F(BrokenDocumentTest, AsksBeforeItsFileIsSavedOver) {
     OpenBroken();
     Change();

@@ -7,7 +7,7 @@ mkdir -m 700 "$XDG_RUNTIME_DIR"
 # The user's directories: a test neither reads nor writes those of whoever runs it.
 export HOME=$home XDG_CONFIG_HOME=$home/.config XDG_STATE_HOME=$home/.local/state
 export QT_QPA_PLATFORM=xcb QT_QPA_PLATFORMTHEME= LIBGL_ALWAYS_SOFTWARE=1
-unset TAVRN_DIR TAVRN_LIB TAVRN_TMPDIR TAVRN_EDITORCMD EDITOR TAVRN_DEBUG TAVRN_QUIET
+unset TAVRN_DIR TAVRN_LIB TAVRN_TMPDIR TAVRN_EDITORCMD VISUAL EDITOR TERMINAL TAVRN_DEBUG TAVRN_QUIET
 trap 'kill "${manager:-}" "${server:-}" 2>/dev/null; wait 2>/dev/null; rm -rf "$home"' EXIT
 # A number of our own: left to choose, servers that start at the same moment may take the same one. A server
 # that resets when its last client leaves would refuse whoever comes at that moment.
