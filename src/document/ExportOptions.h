@@ -22,7 +22,7 @@ struct CExportOptions {
     std::string sourcePath = "./";
     std::string shaderIfacePath = "./";
     std::string renderIfacePath = "./";
-    std::string postSaveScript;  // a command
+    std::string postSaveScript;  // a command, split into words by blanks and double quotes
 };
 
 // Reads an `exportoptions` clause of a site file or a document from behind its keyword. A line sets its

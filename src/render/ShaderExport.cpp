@@ -1,5 +1,7 @@
 #include "render/ShaderExport.h"
 
+#include <algorithm>
+
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "document/TvDoc.h"
@@ -29,9 +31,7 @@ KindFields FieldsOf(ExportKind kind) {
     return {&CExportOptions::saveRenderIface, &CExportOptions::renderIfacePath};
 }
 
-std::string TargetWord(int flag, const std::string& path) {
-    return flag != 0 && !path.empty() ? " \"" + path + "\"" : " -";
-}
+std::string TargetWord(int flag, const std::string& path) { return flag != 0 && !path.empty() ? path : "-"; }
 
 }  // namespace
 
@@ -63,12 +63,20 @@ bool ShaderExport::PathsOk(const CExportOptions& options) {
            (options.runPostSave == 0 || ExportPathOk(options.renderIfacePath));
 }
 
+// The script splits the command into words by its double quotes.
+bool ShaderExport::PostSaveOk(const CExportOptions& options) {
+    const std::string& command = options.postSaveScript;
+    if (options.runPostSave == 0 || std::count(command.begin(), command.end(), '"') % 2 == 0) return true;
+    m_site.report.Alert("post save command %s has a double quote that is not closed", command.c_str());
+    return false;
+}
+
 bool ShaderExport::Export(const CExportOptions& options) {
     if (m_document.m_boxes.empty()) {
         m_site.report.Alert("desk is empty");
         return false;
     }
-    if (!PathsOk(options)) return false;
+    if (!PathsOk(options) || !PostSaveOk(options)) return false;
     if (options.saveTavrn != 0 && !options.tavrnPath.empty()) {
         std::string error;
         if (!ReplaceFile(options.tavrnPath, m_document.Store(), error)) {
@@ -77,12 +85,13 @@ bool ShaderExport::Export(const CExportOptions& options) {
         }
     }
     if (!m_session.SaveShader()) return false;
-    m_site.commands.RunScriptCommand(m_site.LibraryPath("bin/exportall") + " " + m_session.ShaderName() +
-                                     TargetWord(options.saveSource, options.sourcePath) +
-                                     TargetWord(options.saveCompiled, options.compiledPath) +
-                                     TargetWord(options.saveShaderIface, options.shaderIfacePath) +
-                                     TargetWord(options.saveRenderIface, options.renderIfacePath) +
-                                     TargetWord(options.runPostSave, options.postSaveScript));
+    m_site.commands.RunScript({m_site.LibraryPath("bin/exportall"), m_session.ShaderName(),
+                               TargetWord(options.saveSource, options.sourcePath),
+                               TargetWord(options.saveCompiled, options.compiledPath),
+                               TargetWord(options.saveShaderIface, options.shaderIfacePath),
+                               TargetWord(options.saveRenderIface, options.renderIfacePath),
+                               TargetWord(options.runPostSave, options.postSaveScript)},
+                              "export");
     return true;
 }
 

@@ -30,6 +30,7 @@ class ShaderExport {
   private:
     bool PathsOk(const CExportOptions& options);
     bool ExportPathOk(const std::string& path);
+    bool PostSaveOk(const CExportOptions& options);
 
     CTvDoc& m_document;
     Site& m_site;

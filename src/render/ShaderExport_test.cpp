@@ -229,6 +229,26 @@ TEST_F(ShaderExportTest, ABlankInAShaderInterfacePathReachesTheScriptAsOneWord) 
     EXPECT_EQ(Targets(), "<-><-><" + Out("my plastic.cus") + "><-><->");
 }
 
+TEST_F(ShaderExportTest, DoubleQuotesReachTheScriptAsTheyAre) {
+    options.saveSource = options.runPostSave = 1;
+    options.sourcePath = Out("a\"b\".src");
+    options.postSaveScript = "\"my tools/notify\" --name \"a b\"";
+    EXPECT_EQ(Targets(), "<" + Out("a\"b\".src") + "><-><-><-><\"my tools/notify\" --name \"a b\">");
+    EXPECT_THAT(Alerts(), IsEmpty());
+}
+
+TEST_F(ShaderExportTest, APostSaveCommandWithAnOpenQuoteIsRefusedBeforeAnythingIsWritten) {
+    options.saveTavrn = options.runPostSave = 1;
+    options.postSaveScript = "notify \"a b";
+    EXPECT_TRUE(Refuses());
+    EXPECT_THAT(Alerts(),
+                ElementsAre("post save command notify \"a b has a double quote that is not closed"));
+    EXPECT_FALSE(IsSaved());
+    EXPECT_TRUE(fs::is_empty(Out("")));
+    options.runPostSave = 0;
+    EXPECT_EQ(Targets(), "<-><-><-><-><->");
+}
+
 TEST_F(ShaderExportTest, OneKindAloneHasItsFlagAndItsPathAndNothingElse) {
     options = ShaderExport::OnlyThis(ExportKind::kShaderSource, "a.src");
     EXPECT_EQ(Targets(), "<a.src><-><-><-><->");

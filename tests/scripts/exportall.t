@@ -97,8 +97,7 @@ wrote $dir/there/demo.sif
 wrote ./demo.rif
 running tools/tell  one "two three" \$HOME *
 word one
-word "two
-word three"
+word two three
 word \$HOME
 word *
 export COMPILED=$dir/demo.spv
@@ -112,6 +111,18 @@ is(get("$dir/demo.spv"), get("$work/demo.spv"), 'the compiled shader');
 like(get("$dir/there/demo.sif"), qr{^shader "demo"\ntype surface\n.*^    >A demo\.\n.*^    parameter Ks \{}ms, 'the shader interface');
 is(decode_json(get("$dir/demo.rif"))->{uniforms}[0]{name}, 'Ks', 'the render interface');
 is(left_over(), '', 'and nothing else');
+
+mkdir "$dir/my tools";
+rename "$dir/tools/tell", "$dir/my tools/tell";
+is(run('demo', ('-') x 4, qq{"$dir/my tools/tell"\ta" "b"" "" 'x y'}), 0, 'a command in quotes');
+is($text, qq{running "$dir/my tools/tell"\ta" "b"" "" 'x y'\nword a b\nword \nword 'x\nword y'\nexport NAME=demo\n},
+	'quotes keep blanks and empty words, anywhere in a word');
+rename "$dir/my tools/tell", "$dir/tools/tell";
+is(run('demo', ('-') x 4, 'tools/tell "one two'), 1, 'a quote that is not closed');
+is($text, qq{exportall: not run, since a double quote in it is not closed: tools/tell "one two\n}, 'is told');
+is(run('demo', "there/a \"b\" c.frag", ('-') x 4), 0, 'quotes in a path');
+ok(-s "$dir/there/a \"b\" c.frag", 'are part of it');
+unlink "$dir/there/a \"b\" c.frag";
 
 make('module');
 is(run('demo', 'there/demo.frag', '-', 'there/demo.mif', '-', '-'), 0, 'two files of a module');

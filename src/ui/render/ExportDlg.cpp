@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 
+#include "base/Process.h"
 #include "document/TvDoc.h"
 #include "ui/Messages.h"
 #include "ui/Text.h"
@@ -186,7 +187,7 @@ void CExportDlg::AskForFile(int row) {
     const std::string before = document->exportOptions.*kRows[row].path;
     std::string path = before;
     if (row == kScriptRow) {
-        if (!SelectFile(path, this, FilePurpose::kRead) || path == before) return;
+        if (!AskForScript(path) || path == before) return;
     } else if (!SelectLocation(path, this)) {
         return;
     }
@@ -195,6 +196,20 @@ void CExportDlg::AskForFile(int row) {
     document->exportOptions.*kRows[row].path = path;
     Refresh();
     MarkChanged(*document);
+}
+
+// The command is split into words by blanks and double quotes, so a file with blanks in its path is quoted.
+bool CExportDlg::AskForScript(std::string& command) {
+    const std::vector<std::string> words = SplitCommandLine(command);
+    std::string path = words.empty() ? std::string() : words.front();
+    if (!SelectFile(path, this, FilePurpose::kRead)) return false;
+    if (path.find('"') != std::string::npos) {
+        ShowStop(this, "Alert",
+                 "A post save command cannot name a file with a double quote in its path:\n" + Shown(path));
+        return false;
+    }
+    command = JoinCommandLine({path});
+    return true;
 }
 
 void CExportDlg::ShowInfo(int row) { ShowInformation(this, LabelOf(row) + " Field", InfoOf(row)); }

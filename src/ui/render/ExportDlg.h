@@ -54,6 +54,7 @@ class CExportDlg : public ToolWindow {
     void CommitAll();
     void CommitScript();
     void AskForFile(int row);
+    bool AskForScript(std::string& command);
     void ShowInfo(int row);
     void ResetDefaults();
     void MarkChanged(CTvDoc& document);

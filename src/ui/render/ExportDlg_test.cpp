@@ -223,6 +223,28 @@ TEST_F(ExportDlg, FileOfThePostSaveScriptMarksTheDocumentOnlyForANewPath) {
     EXPECT_TRUE(document.IsModified());
 }
 
+TEST_F(ExportDlg, FileOfThePostSaveScriptIsQuotedWhereItsPathHasBlanks) {
+    const std::string script = host.Directory().Write("my tools/tell.sh", "");
+    document.exportOptions.postSaveScript = "\"" + script + "\" --now";
+    dialog.Refresh();
+    test::ShowActive(dialog);
+    test::ChooseFileWhenDialogComes(script);
+    Press("Post Save Script File");
+    EXPECT_EQ(document.exportOptions.postSaveScript, "\"" + script + "\"");
+    document.SetModified(false);
+    test::ChooseFileWhenDialogComes(script);
+    Press("Post Save Script File");
+    EXPECT_FALSE(document.IsModified());
+    test::ChooseFileWhenDialogComes(host.Directory() / "my \"tools\".sh");
+    test::PressWhenBoxComes("OK");
+    Press("Post Save Script File");
+    EXPECT_EQ(test::BoxesShown().last(),
+              "Alert: A post save command cannot name a file with a double quote in its path:\n" +
+                  Shown(host.Directory() / "my \"tools\".sh"));
+    EXPECT_EQ(document.exportOptions.postSaveScript, "\"" + script + "\"");
+    EXPECT_FALSE(document.IsModified());
+}
+
 TEST_F(ExportDlg, InfoTellsWhatEachRowIsFor) {
     test::ShowActive(dialog);
     for (const QString& row : kRowNames) {
