@@ -119,6 +119,19 @@ bool ReplaceFile(const std::string& path, std::string_view text, std::string& er
     return true;
 }
 
+bool CanReplaceFile(const std::string& path, std::string& error) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0) {
+        if (S_ISDIR(status.st_mode)) return Fail(error, EISDIR);
+        if (::access(path.c_str(), W_OK) != 0) return Fail(error, errno);
+        if (!S_ISREG(status.st_mode)) return true;
+    }
+    const std::string directory = PathDir(path);
+    const std::string parent = directory.empty() ? "." : directory;
+    if (PathFile(path).empty() || (PathExists(parent) && !IsDirectory(parent))) return Fail(error, ENOTDIR);
+    return ::access(parent.c_str(), W_OK | X_OK) == 0 || Fail(error, errno);
+}
+
 int MakeDirectory(const std::string& path) { return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno; }
 
 bool PathExists(const std::string& path) {
@@ -170,6 +183,17 @@ bool RemoveTree(const std::string& path, const std::function<void(const std::str
         removed = false;
     }
     return removed;
+}
+
+bool MakeWritableDirectory(const std::string& path, std::string& error) {
+    std::error_code code;
+    std::filesystem::create_directories(path, code);
+    if (code) {
+        error = code.message();
+        return false;
+    }
+    if (!IsDirectory(path)) return Fail(error, ENOTDIR);
+    return ::access(path.c_str(), W_OK | X_OK) == 0 || Fail(error, errno);
 }
 
 bool CopyTree(const std::string& from, const std::string& to, std::string& error) {

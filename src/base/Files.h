@@ -20,6 +20,9 @@ bool WriteWholeFile(const std::string& path, std::string_view text, std::string&
 // Devices (such as /dev/null) are written in place.
 bool ReplaceFile(const std::string& path, std::string_view text, std::string& error);
 
+// Whether ReplaceFile could write there, as far as can be told without doing it.
+bool CanReplaceFile(const std::string& path, std::string& error);
+
 // Creates one directory; 0, or the error number.
 int MakeDirectory(const std::string& path);
 
@@ -41,6 +44,9 @@ bool ListDirectory(const std::string& path, std::vector<DirEntry>& entries);
 // directory that could not be removed is named to `log` as "unable to remove PATH", and makes the result
 // false. A path that cannot be listed is left alone and counts as success.
 bool RemoveTree(const std::string& path, const std::function<void(const std::string&)>& log);
+
+// Makes sure that there is a directory in which files can be made, with missing parents.
+bool MakeWritableDirectory(const std::string& path, std::string& error);
 
 // Copies the files of a directory tree, making `to` and missing parents. False with `error` at the first
 // failure.

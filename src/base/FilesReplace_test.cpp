@@ -214,6 +214,45 @@ TEST(ReplaceFile, ADeviceIsWrittenInPlace) {
     EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("device"));
 }
 
+TEST(CanReplaceFile, FilesNewFilesAndDevicesCanBeWritten) {
+    const TempDir directory;
+    std::string error;
+    EXPECT_TRUE(CanReplaceFile(directory / "new", error));
+    EXPECT_TRUE(CanReplaceFile(directory.Write("old", "x"), error));
+    EXPECT_TRUE(CanReplaceFile("new-in-the-current-directory", error));
+    EXPECT_TRUE(CanReplaceFile("/dev/null", error));
+    EXPECT_EQ(error, "");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("old")) << "nothing is made";
+    EXPECT_EQ(ReadFile(directory / "old"), "x");
+}
+
+TEST(CanReplaceFile, SaysWhyNot) {
+    const TempDir directory;
+    directory.Write("file", "x");
+    const auto errorOf = [&directory](const std::string& name) {
+        std::string error;
+        EXPECT_FALSE(CanReplaceFile(directory / name, error)) << name;
+        return error;
+    };
+    EXPECT_EQ(errorOf(""), "Is a directory");
+    EXPECT_EQ(errorOf("none/new"), "No such file or directory");
+    EXPECT_EQ(errorOf("file/new"), "Not a directory");
+    EXPECT_EQ(errorOf("none/"), "Not a directory");
+}
+
+TEST(MakeWritableDirectory, MakesWhatIsMissing) {
+    const TempDir directory;
+    std::string error;
+    EXPECT_TRUE(MakeWritableDirectory(directory / "a/b", error));
+    EXPECT_TRUE(MakeWritableDirectory(directory / "a/b", error));
+    EXPECT_TRUE(IsDirectory(directory / "a/b"));
+    directory.Write("file", "x");
+    EXPECT_FALSE(MakeWritableDirectory(directory / "file/a", error));
+    EXPECT_EQ(error, "Not a directory");
+    EXPECT_FALSE(MakeWritableDirectory(directory / "file", error));
+    EXPECT_EQ(error, "Not a directory");
+}
+
 TEST(WriteWholeFile, AFullDiskIsAnError) {
     const TempDir directory;
     std::string error;

@@ -1,5 +1,6 @@
 #include "batch/BatchRun.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,12 +17,27 @@ namespace {
 
 constexpr std::chrono::milliseconds kGrace{2000};  // for children to heed their kill file at the end
 
+// What tells two states of a file apart; empty if there is none.
+std::string StampOf(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return {};
+    return FormatText("%lld %lld %lld.%09ld", static_cast<long long>(status.st_ino),
+                      static_cast<long long>(status.st_size), static_cast<long long>(status.st_mtim.tv_sec),
+                      status.st_mtim.tv_nsec);
+}
+
+bool IsDevice(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
 }  // namespace
 
 void BatchRun::SaveShader() {
     AddStep([this] { return m_work->SaveShader(); });
 }
 void BatchRun::Render() {
+    m_mayRender = true;
     AddStep([this] { return m_work->Render(); });
 }
 void BatchRun::Save(const std::string& path) {
@@ -43,6 +59,7 @@ void BatchRun::Describe(const std::string& operatorName) {
     AddStep([this, operatorName] { return DoDescribe(operatorName); });
 }
 void BatchRun::Script(const std::string& path) {
+    m_mayRender = true;
     AddStep([this, path] { return m_work->RunScript(path); });
 }
 void BatchRun::ExportAll() {
@@ -77,6 +94,8 @@ int BatchRun::Run(const std::vector<std::string>& words) {
         return Status();
     }
     if (parsed && m_documentPath.empty() && m_steps.empty()) error = "nothing to do; see tavrin-batch --help";
+    if (parsed && error.empty() && m_picture && !m_mayRender)
+        error = "--picture needs --render, or a script that renders; see tavrin-batch --help";
     if (!error.empty()) {
         const std::string line = m_sink.Cleaned("tavrin-batch: " + error + "\n");
         [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
@@ -118,8 +137,36 @@ bool BatchRun::Start() {
         Fail("there is no library " + directories.libName + " in " + directories.tavrnDir);
         return false;
     }
+    if (!SetTargets()) return false;
     m_work = std::make_unique<BatchWork>(*m_app, m_queue, [this] { return m_interruption->Signal() != 0; });
     return true;
+}
+
+bool BatchRun::SetTargets() {
+    Environment& environment = m_app->GetSite().environment;
+    environment.Set("TAVRN_KEEPWORK", m_keepWork.value_or(""));
+    environment.Set("TAVRN_PICTURE", m_picture.value_or(""));
+    std::string error;
+    if (m_keepWork && !MakeWritableDirectory(*m_keepWork, error)) {
+        Fail("unable to copy the work directory to " + *m_keepWork + ": " + error);
+        m_keepWork.reset();
+        return false;
+    }
+    if (m_picture && !CanReplaceFile(*m_picture, error)) {
+        Fail("unable to write the picture to " + *m_picture + ": " + error);
+        m_picture.reset();
+        return false;
+    }
+    if (m_picture) m_pictureBefore = StampOf(*m_picture);
+    return true;
+}
+
+// A library's script that does not heed the option would otherwise leave it without a word.
+void BatchRun::CheckPicture() {
+    if (!m_picture || IsDevice(*m_picture) || Status() != static_cast<int>(ExitStatus::kDone)) return;
+    if (StampOf(*m_picture) != m_pictureBefore) return;
+    Fail("no picture came to " + *m_picture +
+         ": nothing was rendered, or the library's bin/renderit does not heed TAVRN_PICTURE");
 }
 
 void BatchRun::RunSteps() {
@@ -171,6 +218,7 @@ void BatchRun::Fail(const std::string& message) {
 void BatchRun::Finish() {
     m_app->GetSite().commands.EndChildren(kGrace);
     m_queue.RunPending();
+    CheckPicture();
     const std::string& workDir = m_app->GetSite().directories.workDir;
     if (m_keepWork && !workDir.empty() && IsDirectory(workDir)) {
         std::string error;

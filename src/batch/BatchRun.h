@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "app/TvApp.h"
+#include "base/Interruption.h"
 #include "batch/BatchWork.h"
 #include "batch/CommandLine.h"
-#include "base/Interruption.h"
 #include "batch/TerminalSink.h"
 
 namespace tavrin {
@@ -34,6 +34,7 @@ class BatchRun : private CommandLineDelegate {
   private:
     void Document(const std::string& path) override { m_documentPath = path; }
     void KeepWork(const std::string& directory) override { m_keepWork = directory; }
+    void Picture(const std::string& path) override { m_picture = path; }
     void Library(const std::string& name) override { m_library = name; }
     void Force() override { m_force = true; }
     void Quiet() override { m_sink.SetQuiet(); }
@@ -57,6 +58,9 @@ class BatchRun : private CommandLineDelegate {
 
     // False if the program cannot start; the reason has been told.
     bool Start();
+    // Tells children where pictures and work files are to stay. False if they could not be written there.
+    bool SetTargets();
+    void CheckPicture();
     void RunSteps();
     void Finish();
     int Status() const;
@@ -75,6 +79,9 @@ class BatchRun : private CommandLineDelegate {
     std::string m_programPath;
     std::string m_documentPath;
     std::optional<std::string> m_keepWork;
+    std::optional<std::string> m_picture;
+    std::string m_pictureBefore;  // the stamp of what was there
+    bool m_mayRender = false;     // a step may make a picture
     std::optional<std::string> m_library;
     bool m_force = false;
     std::optional<std::string> m_printAndEnd;  // the first of --help and --version

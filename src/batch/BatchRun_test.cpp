@@ -110,6 +110,25 @@ TEST_F(BatchRunTest, ARenderMakesThePictureThatTheDocumentAsksFor) {
     EXPECT_THAT(Read("kept/1/brick.tvn"), StartsWith("# Tavrn file written at "));
 }
 
+TEST_F(BatchRunTest, APictureThatIsAskedForIsKept) {
+    const Outcome run =
+        Run({Example("brick"), "--set", "MRAY_SIZE=64,48", "--render", "--picture", In("a brick.png")});
+    EXPECT_EQ(run.status, 0) << run.log;
+    EXPECT_THAT(run.log, testing::EndsWith("\nwrote " + In("a brick.png") + "\n"));
+    EXPECT_EQ(SizeOfPng(Read("a brick.png")), "64x48");
+}
+
+TEST_F(BatchRunTest, ARenderNamesNoFileThatIsAboutToBeRemoved) {
+    Outcome run = Run({Example("brick"), "--set", "MRAY_SIZE=64,48", "--render"});
+    EXPECT_EQ(run.status, 0) << run.log;
+    EXPECT_THAT(run.log,
+                testing::EndsWith("\nrendered brick; its picture is not kept: --picture FILE keeps it\n"));
+    EXPECT_THAT(run.log, Not(HasSubstr(In("tmp"))));
+    run = Run({Example("brick"), "--set", "MRAY_SIZE=64,48", "--render", "--keep-work", In("kept")});
+    EXPECT_THAT(run.log, testing::EndsWith("\nwrote " + In("kept/1/brick.png") + "\n"));
+    EXPECT_EQ(SizeOfPng(Read("kept/1/brick.png")), "64x48");
+}
+
 TEST_F(BatchRunTest, ARenderOptionChangesThePictureOfTheRendersBehindIt) {
     const Outcome run =
         Run({Example("brick"), "--set", "MRAY_SAMPLES=1", "--set", "MRAY_SIZE=64,48", "--render", "--set",

@@ -79,6 +79,9 @@ const std::array kSettings = {
     Option{"--keep-work", "DIR",
            "Leave a copy of the work directory's files in DIR at the end,\nwhatever happens.",
            ActOn<&Delegate::KeepWork>},
+    Option{"--picture", "FILE",
+           "Keep the picture that --render or a script makes in FILE; of\nseveral renders, the last one's.",
+           ActOn<&Delegate::Picture>},
     Option{"--library", "NAME", "Start with this library of the installation.", ActOn<&Delegate::Library>},
     Option{"--force", "", "Let --save replace a document that could not be read to its\nend.",
            ActAlone<&Delegate::Force>},
@@ -207,8 +210,10 @@ std::string CommandLine::HelpText() {
     return text +
            "\n"
            "Examples:\n"
+           "  tavrin-batch --render --picture marble.png marble.tvn\n"
+           "      renders and keeps the picture\n"
            "  tavrin-batch --render --keep-work out marble.tvn\n"
-           "      renders; the picture is out/1/marble.png\n"
+           "      renders and keeps everything; the picture is out/1/marble.png\n"
            "  tavrin-batch --check --render --export shaderSource=/site/marble.frag marble.tvn\n"
            "      checks, renders, then delivers the source\n"
            "  tavrin-batch --set MRAY_OBJECT=torus --save torus.tvn marble.tvn\n"

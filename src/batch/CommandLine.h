@@ -14,6 +14,7 @@ class CommandLineDelegate {
     // What holds for the whole run.
     virtual void Document(const std::string& path) = 0;
     virtual void KeepWork(const std::string& directory) = 0;
+    virtual void Picture(const std::string& path) = 0;
     virtual void Library(const std::string& name) = 0;
     virtual void Force() = 0;
     virtual void Quiet() = 0;

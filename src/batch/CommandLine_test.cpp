@@ -15,6 +15,7 @@ class NotingDelegate : public CommandLineDelegate {
   public:
     void Document(const std::string& path) override { calls.push_back("document " + path); }
     void KeepWork(const std::string& directory) override { calls.push_back("keep-work " + directory); }
+    void Picture(const std::string& path) override { calls.push_back("picture " + path); }
     void Library(const std::string& name) override { calls.push_back("library " + name); }
     void Force() override { calls.emplace_back("force"); }
     void Quiet() override { calls.emplace_back("quiet"); }
@@ -75,9 +76,10 @@ TEST_F(CommandLineTest, EveryOptionReachesTheDelegateInItsPlace) {
 }
 
 TEST_F(CommandLineTest, AnOptionMayCarryItsValueBehindAnEqualsSign) {
-    EXPECT_THAT(
-        Parse({"--save=b=c.tvn", "--keep-work=w", "--library=glass", "--describe=Noise", "--set=A=1"}),
-        ElementsAre("save b=c.tvn", "keep-work w", "library glass", "describe Noise", "set <A><1>"));
+    EXPECT_THAT(Parse({"--save=b=c.tvn", "--keep-work=w", "--picture=p.png", "--library=glass",
+                       "--describe=Noise", "--set=A=1"}),
+                ElementsAre("save b=c.tvn", "keep-work w", "picture p.png", "library glass", "describe Noise",
+                            "set <A><1>"));
 }
 
 TEST_F(CommandLineTest, AnOptionMayComeMoreThanOnce) {
@@ -142,9 +144,10 @@ TEST_F(CommandLineTest, ALoneDashIsADocument) { EXPECT_THAT(Parse({"-"}), Elemen
 TEST_F(CommandLineTest, TheHelpTellsOfEveryOptionAndOfTheStatus) {
     const std::string help = CommandLine::HelpText();
     EXPECT_THAT(help, testing::StartsWith("Usage: tavrin-batch [OPTION...] [DOCUMENT.tvn]\n"));
-    for (const char* option : {"--save-shader ", "--render ", "--save FILE.tvn ", "--set NAME=VALUE ",
-                               "--list-operators ", "--describe OPERATOR ", "--keep-work DIR ",
-                               "--library NAME ", "--force ", "--quiet ", "--help ", "--version "}) {
+    for (const char* option :
+         {"--save-shader ", "--render ", "--save FILE.tvn ", "--set NAME=VALUE ", "--list-operators ",
+          "--describe OPERATOR ", "--keep-work DIR ", "--picture FILE ", "--library NAME ", "--force ",
+          "--quiet ", "--help ", "--version "}) {
         EXPECT_THAT(help, HasSubstr(std::string("\n  ") + option));
     }
     for (const char* variable : {"TAVRN_DIR", "TAVRN_LIB", "TAVRN_TMPDIR", "SOURCE_DATE_EPOCH"}) {

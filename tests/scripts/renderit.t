@@ -71,6 +71,8 @@ if ($what =~ /reject/) { print STDERR "$shader:9: error: no good\n$shader: more\
 if ($what =~ /early/)  { print STDERR "$shader:3: error: no good\n"; exit 1 }
 if ($what =~ /stop/)   { exit 3 }
 if ($what =~ /crash/)  { kill 'SEGV', $$; sleep 1 }
+if ($what =~ /nothing/) { exit 0 }
+if ($what =~ /empty/)  { open(my $e, '>', $picture); exit 0 }
 if ($what =~ /hang/)   { open(my $k, '>', $ENV{TAVRN_KILLFILE}); close $k; sleep 20 }
 open(my $out, '>', $picture); print $out 'picture'; close $out;
 END
@@ -168,6 +170,66 @@ subtest 'a failed render leaves no older picture' => sub {
     is($status, 1, 'status');
     like($text, qr/mray-render broke down \(signal 11\)/, 'is told');
     ok(!-e "$work/7/Ball.png", 'gone');
+};
+
+subtest 'a renderer that leaves no picture has failed' => sub {
+    for my $case ([nothing => 'not there'], [empty => 'empty']) {
+        my ($what, $told) = @$case;
+        put("$work/Ball", "fine\n");
+        renderit('Ball', 13);
+        put("$work/Ball", "$what\n");
+        my ($status, $text) = renderit('Ball', 13);
+        is($status, 1, "$what: status");
+        like($text, qr{^renderit: mray-render ended without an error, but left no picture: \Q$work\E/13/Ball\.png is $told$}m,
+            'the file is named');
+        unlike($text, qr/^wrote/m, 'and nothing else');
+    }
+};
+
+subtest 'what is told is where the picture stays' => sub {
+    put("$work/Ball", "fine\n");
+    delete local @ENV{qw(DISPLAY WAYLAND_DISPLAY)};
+    local $ENV{TAVRN_KILLFILE} = "$dir/kill";
+    my ($status, $text) = renderit('Ball', 14);
+    like($text, qr{\nwrote \Q$work\E/14/Ball\.png \(there until the program ends\)\n\z}, 'as long as the program runs');
+    {
+        local $ENV{TAVRN_KEEPWORK} = '';
+        ($status, $text) = renderit('Ball', 14);
+        is($status, 0, 'status');
+        like($text, qr{\nrendered Ball; its picture is not kept: --picture FILE keeps it\n\z}, 'nowhere');
+        unlike($text, qr{\Q$work\E}, 'so no file is named');
+        local $ENV{TAVRN_KEEPWORK} = 'kept here';
+        ($status, $text) = renderit('Ball', 14);
+        like($text, qr{\nwrote kept here/14/Ball\.png\n\z}, 'in the copy of the work directory');
+    }
+    for my $kept (undef, '', 'kept here') {
+        local $ENV{TAVRN_KEEPWORK} = $kept;
+        delete $ENV{TAVRN_KEEPWORK} if !defined $kept;
+        local $ENV{TAVRN_PICTURE} = "$dir/a \"b\".png";
+        put($ENV{TAVRN_PICTURE}, 'older');
+        ($status, $text) = renderit('Ball', 14);
+        is($status, 0, 'status');
+        like($text, qr{\nwrote \Q$dir\E/a "b"\.png\n\z}, 'in the file that is asked for');
+        is(slurp($ENV{TAVRN_PICTURE}), 'picture', 'which has it');
+        is(slurp("$work/14/Ball.png"), 'picture', 'beside the one of the history');
+    }
+    {
+        mkdir "$dir/elsewhere";
+        put("$dir/elsewhere/real.png", 'older');
+        symlink "$dir/elsewhere/real.png", "$dir/link.png";
+        local $ENV{TAVRN_PICTURE} = "$dir/link.png";
+        is((renderit('Ball', 14))[0], 0, 'a link');
+        ok(-l "$dir/link.png", 'stays one');
+        is(slurp("$dir/elsewhere/real.png"), 'picture', 'and its file has the picture');
+        local $ENV{TAVRN_PICTURE} = '/dev/null';
+        is((renderit('Ball', 14))[0], 0, 'a device');
+        ok(!-f '/dev/null', 'stays one, too');
+        local $ENV{TAVRN_PICTURE} = "$dir/none/x.png";
+        ($status, $text) = renderit('Ball', 14);
+        is($status, 1, 'a place that is not there');
+        like($text, qr{^renderit: cannot write \Q$dir\E/none/x\.png: No such file}m, 'is told');
+    }
+    is(join(' ', glob "$dir/*.new $dir/elsewhere/*.new"), '', 'nothing is left over');
 };
 
 subtest 'stopping' => sub {
