@@ -57,7 +57,7 @@ class Commands {
     // start it is called `shownAs`.
     bool StartProgram(const std::vector<std::string>& words, const std::string& shownAs);
 
-    // The same in pieces, for who has several commands run beside each other (CommandQueue). Each process
+    // RunCommand in pieces, for who has several commands run beside each other (CommandQueue). Each process
     // that is started is to be collected or ended; both let it go.
 
     // Starts a command line; its process, or -1, unreported, if it cannot start or the program is to end.
