@@ -1,6 +1,8 @@
 #include "ui/Messages.h"
 
 #include <QMessageBox>
+#include <QPushButton>
+#include <utility>
 
 namespace tavrin {
 
@@ -10,6 +12,12 @@ QMessageBox::StandardButton Run(QWidget* owner, QMessageBox::Icon icon, const QS
                                 const QString& text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton byDefault, QMessageBox::StandardButton onEscape) {
     QMessageBox box(icon, title, text, buttons, owner);
+    // The toolkit has no letters to press for these.
+    for (const auto& [button, label] :
+         {std::pair(QMessageBox::Save, "&Save"), std::pair(QMessageBox::Discard, "&Discard"),
+          std::pair(QMessageBox::Cancel, "&Cancel")}) {
+        if (box.button(button) != nullptr) box.button(button)->setText(label);
+    }
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
     box.setDefaultButton(byDefault);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QMessageBox>
 #include <QTest>
 
@@ -42,6 +43,22 @@ TEST(Messages, SavingHasThreeAnswersAndEscapeCancels) {
     EXPECT_EQ(AskSaveChanges(nullptr, "a.tvn"), SaveAnswer::kDiscard);
     WhenDialogComes([](QDialog& box) { QTest::keyClick(&box, Qt::Key_Escape); });
     EXPECT_EQ(AskSaveChanges(nullptr, "a.tvn"), SaveAnswer::kCancel);
+}
+
+TEST(Messages, TheAnswersToSavingHaveLettersToPress) {
+    const auto pressed = [](Qt::Key key) {
+        WhenDialogComes([key](QDialog& box) {
+            QStringList texts;
+            for (const QAbstractButton* button : dynamic_cast<QMessageBox&>(box).buttons())
+                texts << button->text();
+            EXPECT_THAT(texts, testing::UnorderedElementsAre("&Save", "&Discard", "&Cancel"));
+            QTest::keyClick(&box, key);
+        });
+        return AskSaveChanges(nullptr, "a.tvn");
+    };
+    EXPECT_EQ(pressed(Qt::Key_S), SaveAnswer::kSave);
+    EXPECT_EQ(pressed(Qt::Key_D), SaveAnswer::kDiscard);
+    EXPECT_EQ(pressed(Qt::Key_C), SaveAnswer::kCancel);
 }
 
 }  // namespace
