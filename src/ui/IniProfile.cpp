@@ -24,12 +24,18 @@ std::string IniProfile::GetText(const std::string& key) const {
 }
 
 void IniProfile::SetInt(const std::string& key, int value) {
-    m_settings.setValue(KeyOf(key), value);
-    m_settings.sync();
+    if (!m_settings.contains(KeyOf(key)) || GetInt(key, ~value) != value) Write(key, value);
 }
 
 void IniProfile::SetText(const std::string& key, const std::string& value) {
-    m_settings.setValue(KeyOf(key), QByteArray::fromStdString(value));
+    if (!m_settings.contains(KeyOf(key)) || GetText(key) != value)
+        Write(key, QByteArray::fromStdString(value));
+}
+
+// Dear, since the whole file goes to the disk: the end of the program sets some fifty values, of which hardly
+// one has changed.
+void IniProfile::Write(const std::string& key, const QVariant& value) {
+    m_settings.setValue(KeyOf(key), value);
     m_settings.sync();
 }
 

@@ -18,6 +18,8 @@ class IniProfile : public Profile {
     void SetText(const std::string& key, const std::string& value) override;
 
   private:
+    void Write(const std::string& key, const QVariant& value);
+
     QSettings m_settings;
 };
 

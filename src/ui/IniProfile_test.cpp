@@ -36,5 +36,23 @@ TEST(IniProfile, LiesInTheUsersConfigurationDirectoryUnderItsSection) {
     EXPECT_NE(test::ReadFile(file).find("Log.wordwrap=1"), std::string::npos);
 }
 
+TEST(IniProfile, WhatHasNotChangedIsNotWrittenAgain) {
+    IniProfile profile;
+    profile.SetInt("MainWindow.y", 31);
+    profile.SetText("Folder", "/a");
+    const std::string file = std::string(::getenv("XDG_CONFIG_HOME")) + "/Orlane/Tavrin.ini";
+    const std::string kept = file + ".kept";
+    std::filesystem::rename(file, kept);
+    profile.SetInt("MainWindow.y", 31);
+    profile.SetText("Folder", "/a");
+    EXPECT_FALSE(std::filesystem::exists(file));
+    std::filesystem::rename(kept, file);
+    profile.SetInt("MainWindow.y", 32);
+    profile.SetText("Folder", "/b");
+    const IniProfile next;
+    EXPECT_EQ(next.GetInt("MainWindow.y", 0), 32);
+    EXPECT_EQ(next.GetText("Folder"), "/b");
+}
+
 }  // namespace
 }  // namespace tavrin

@@ -1,11 +1,13 @@
 #include "ui/Program.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QElapsedTimer>
 #include <QSurfaceFormat>
 #include <QWindow>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 
 #include "app/TvApp.h"
@@ -84,6 +86,15 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
     return status;
 }
 
+// Ends the process with everything settled. The toolkit and the display's driver would join their threads and
+// give back their memory piece by piece, which on a busy machine takes long after the window has gone. A text
+// that was copied has still to be handed on by the toolkit.
+int End(int status) {
+    if (QGuiApplication::clipboard()->ownsClipboard()) return status;
+    std::fflush(nullptr);
+    std::_Exit(status);
+}
+
 }  // namespace
 
 int RunProgram(int& argc, char** argv) {
@@ -116,7 +127,7 @@ int RunProgram(int& argc, char** argv) {
         ShowStop(nullptr, "Fatal Error", Shown(fault));
         return EXIT_FAILURE;
     }
-    return RunWindows(ProgramPath(argv[0]), options.documentPath);
+    return End(RunWindows(ProgramPath(argv[0]), options.documentPath));
 }
 
 }  // namespace tavrin
