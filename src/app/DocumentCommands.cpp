@@ -58,17 +58,18 @@ bool DocumentCommands::Open(const std::string& path) {
     return true;
 }
 
-void DocumentCommands::HasBeenOpened(const std::string& path) {
+void DocumentCommands::HasBeenOpened(const std::string& what) {
     Refresh();
-    Log("opened", path);
+    Log("opened", what);
 }
 
 bool DocumentCommands::OpenRecovered(const std::string& copyPath, const std::string& documentPath,
-                                     bool wasCutShort) {
+                                     bool wasCutShort, std::optional<ContentMark> held) {
     if (!m_document.Open(copyPath)) return false;
     const bool isWhole = !m_document.WasCutShort();
     m_document.SetPath(documentPath);
     if (wasCutShort) m_document.SetCutShort();
+    m_document.Origin().file->held = held;
     Refresh();
     m_document.SetModified();
     if (m_announce == Announce::kYes)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "app/TvApp.h"
@@ -26,13 +27,15 @@ class DocumentCommands {
     // Document dialogs open in the file's directory from here on. False if the file cannot be opened; the
     // document is then as it was. A file that could not be read to its end counts as opened.
     bool Open(const std::string& path);
-    // To be called when the document was read from the file by another way.
-    void HasBeenOpened(const std::string& path);
+    // To be called when the document was read by another way; the log says that this was opened.
+    void HasBeenOpened(const std::string& what);
     // Reads a copy of unsaved work, taken of the document that belongs to `documentPath` (empty if it had
-    // no file); document dialogs open where they did. The document is modified, and as protected as its own
-    // file is if that `wasCutShort`. False if the copy could not be opened, which leaves the document as it
-    // was, or not be read to its end: what was read is then there, and the copy must be kept.
-    bool OpenRecovered(const std::string& copyPath, const std::string& documentPath, bool wasCutShort);
+    // no file), a file that `held` that when it was read or written last; document dialogs open where they
+    // did. The document is modified, and as protected as its own file is if that `wasCutShort`. False if the
+    // copy could not be opened, which leaves the document as it was, or not be read to its end: what was read
+    // is then there, and the copy must be kept.
+    bool OpenRecovered(const std::string& copyPath, const std::string& documentPath, bool wasCutShort,
+                       std::optional<ContentMark> held = {});
     // Puts the boxes of a file under the mouse, with new numbers; nothing else of it is taken. `opened` is
     // called between the opening of the file and the reading.
     bool Merge(const std::string& path, const std::function<void()>& opened = {});

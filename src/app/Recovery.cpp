@@ -101,13 +101,14 @@ bool Recovery::WriteAside(CTvDoc& document, std::string& error) {
     RecoveryOrigin origin;
     if (!document.Path().empty()) origin.documentPath = FullPath(document.Path());
     origin.wasCutShort = document.WasCutShort();
+    origin.held = document.Origin().file->held;
     if (m_hasCopy && origin.documentPath != m_origin.documentPath) Discard();
 
     const std::string text = document.Snapshot();
     const size_t hash = HashOf(text);
     std::time_t writtenAt = 0;
     if (m_hasCopy && hash == m_hash && origin.wasCutShort == m_origin.wasCutShort &&
-        m_directory.HasCopy(m_session, writtenAt))
+        origin.held == m_origin.held && m_directory.HasCopy(m_session, writtenAt))
         return true;
     origin.savedAt = std::time(nullptr);
     // The origin first, so that no copy is ever without it.
@@ -150,6 +151,7 @@ std::vector<Recovery::Found> Recovery::FindLeftovers() {
         found.title = CTvDoc::TitleOf(origin.documentPath);
         found.wasCutShort = origin.wasCutShort;
         found.failures = origin.failures;
+        found.held = origin.held;
         found.documentIsNewer = WasWrittenAfter(origin.documentPath, found.savedAt);
         leftovers.push_back(std::move(found));
     }
@@ -177,10 +179,11 @@ bool Recovery::Restore(const Found& found, DocumentCommands& commands, CTvDoc& d
     const std::string session = ClaimedSession(found);
     if (session.empty()) return false;
     // Counted beforehand: reading might end this process.
-    RecoveryOrigin origin{found.documentPath, found.savedAt, found.wasCutShort, found.failures + 1};
+    RecoveryOrigin origin{found.documentPath, found.savedAt, found.wasCutShort, found.failures + 1,
+                          found.held};
     std::string error;
     if (!m_directory.WriteOrigin(session, origin, error)) LogOnce(error);
-    if (!commands.OpenRecovered(found.copyPath, found.documentPath, found.wasCutShort)) {
+    if (!commands.OpenRecovered(found.copyPath, found.documentPath, found.wasCutShort, found.held)) {
         if (origin.failures >= kFailuresAllowed)
             m_report.LogLine("WARNING: %s could not be read %d times and is offered no more",
                              found.copyPath.c_str(), origin.failures);

@@ -53,6 +53,7 @@ class Recovery {
         bool wasCutShort = false;      // the document's own file had not been read to its end
         bool documentIsNewer = false;  // the document's own file was written after the copy
         int failures = 0;              // attempts at reading the copy so far
+        std::optional<ContentMark> held = {};  // by the document's own file when it was last read or written
     };
     // The copies of processes that are gone, newest first. No other process finds them while this one
     // lives. Clears away what processes without a copy have left.

@@ -172,6 +172,7 @@ bool RecoveryDirectory::WriteOrigin(const std::string& session, const RecoveryOr
     text += "saved " + std::to_string(origin.savedAt) + "\n";
     text += "cutshort " + std::to_string(origin.wasCutShort ? 1 : 0) + "\n";
     text += "failures " + std::to_string(origin.failures) + "\n";
+    if (origin.held) text += "held " + std::to_string(*origin.held) + "\n";
     return WritePrivate(PathOf(session, kOrigin), text, error);
 }
 
@@ -193,6 +194,7 @@ bool RecoveryDirectory::ReadOrigin(const std::string& session, RecoveryOrigin& o
         if (key == "document") read.documentPath = value;
         if (key == "saved") read.savedAt = static_cast<std::time_t>(number);
         if (key == "cutshort") read.wasCutShort = number != 0;
+        if (key == "held") read.held = std::strtoull(value.c_str(), nullptr, 10);
         if (key == "failures") read.failures = static_cast<int>(std::clamp(number, 0LL, 1000000LL));
     }
     const std::string& document = read.documentPath;

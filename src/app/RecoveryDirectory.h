@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/FileDescriptor.h"
+#include "document/DocumentFile.h"
 
 namespace tavrin {
 
@@ -17,6 +18,7 @@ struct RecoveryOrigin {
     std::time_t savedAt = 0;
     bool wasCutShort = false;  // that file had not been read to its end
     int failures = 0;          // attempts at reading the copy so far
+    std::optional<ContentMark> held = {};  // by that file, as DocumentFile has it
 };
 
 // A directory that only the user can enter. A process that has something to keep has a session there, three

@@ -130,6 +130,27 @@ TEST_F(RecoveryRestore, WorkOnAFileThatWasCutShortStaysProtectedThroughEveryCras
     }
 }
 
+TEST_F(RecoveryRestore, TheWorkIsSavedUnaskedOverTheFileThatItCameFromAndNoOther) {
+    for (const bool isChanged : {false, true}) {
+        const std::string path = directory.Write("own.tvn", "toolbar { }\n");
+        ASSERT_TRUE(document->Open(path));
+        document->SetModified();
+        {
+            Recovery dying(state, report);
+            ASSERT_TRUE(dying.Update(*document));
+            document->DeleteContents();
+        }
+        if (isChanged) directory.Write("own.tvn", "somebody else's");
+        Recovery recovery(state, report);
+        const auto leftovers = recovery.FindLeftovers();
+        ASSERT_THAT(leftovers, SizeIs(1));
+        ASSERT_TRUE(recovery.Restore(leftovers[0], *commands, *document));
+        EXPECT_EQ(document->Path(), path);
+        EXPECT_EQ(document->Origin().file->HoldsOther(), isChanged);
+        recovery.Discard();
+    }
+}
+
 TEST_F(RecoveryRestore, ACopyThatCannotBeReadIsKeptAndOfferedNoMoreThanThreeTimes) {
     LeaveBehind("Grain");
     const std::string copy = Copies().at(0);

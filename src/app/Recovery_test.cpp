@@ -287,6 +287,26 @@ TEST_F(RecoveryTest, NothingIsWrittenThroughALink) {
 
 // What is found.
 
+TEST_F(RecoveryTest, WhatTheFileHeldIsKnownAfterTheCrash) {
+    const std::string path = host.Directory().Write("own.tvn", "toolbar { }\n");
+    ASSERT_TRUE(document.Open(path));
+    document.SetModified();
+    LeaveBehind();
+    Recovery recovery(state, GetReport());
+    const auto leftovers = recovery.FindLeftovers();
+    ASSERT_THAT(leftovers, SizeIs(1));
+    EXPECT_EQ(leftovers[0].documentPath, path);
+    EXPECT_EQ(leftovers[0].held, MarkOf("toolbar { }\n"));
+}
+
+TEST_F(RecoveryTest, OfAFileThatTheDocumentNeverReadNothingIsKnown) {
+    LeaveBehind();
+    Recovery recovery(state, GetReport());
+    const auto leftovers = recovery.FindLeftovers();
+    ASSERT_THAT(leftovers, SizeIs(1));
+    EXPECT_EQ(leftovers[0].held, std::nullopt);
+}
+
 TEST_F(RecoveryTest, TheWorkOfAKilledProgramIsFoundWithItsOrigin) {
     document.SetCutShort();
     const std::string copy = LeaveBehind();

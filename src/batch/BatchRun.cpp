@@ -41,7 +41,7 @@ void BatchRun::Render() {
     AddStep([this] { return m_work->Render(); });
 }
 void BatchRun::Save(const std::string& path) {
-    AddStep([this, path] { return m_work->Save(path, m_force); });
+    AddStep([this, path] { return m_work->Save(path); });
 }
 void BatchRun::Set(const std::string& name, const std::string& value) {
     AddStep([this, name, value] {
@@ -138,7 +138,8 @@ bool BatchRun::Start() {
         return false;
     }
     if (!SetTargets()) return false;
-    m_work = std::make_unique<BatchWork>(*m_app, m_queue, [this] { return m_interruption->Signal() != 0; });
+    m_work = std::make_unique<BatchWork>(
+        *m_app, m_queue, [this] { return m_interruption->Signal() != 0; }, m_force);
     return true;
 }
 

@@ -132,6 +132,30 @@ TEST_F(BatchStatusTest, NoOtherWayLeadsToTheDocumentThatWasCutShort) {
     EXPECT_EQ(Read("cut.tvn"), cut);
 }
 
+TEST_F(BatchStatusTest, ADocumentThatWasCutShortIsNotExportedOverItselfUnlessForced) {
+    Script("exportall", "print \"exported\\n\";\n");
+    const std::string cut = "exportoptions { tavrndir 1 " + In("") + "\n}\n" + std::string(kDocument) +
+                            "toolbar { nonsense }\n";
+    const std::string document = Write("cut.tvn", cut);
+    const std::string refused = "ALERT: " + document +
+                                " was not read to its end, and exporting would lose the rest; export to "
+                                "another directory, or use --force\n";
+    EXPECT_EQ(Run({document, "--export-all"}), 1);
+    EXPECT_THAT(log, testing::EndsWith(refused));
+    EXPECT_EQ(Read("cut.tvn"), cut);
+    // Nor by a script, nor once it has been saved elsewhere under its name.
+    EXPECT_EQ(Run({document, "--script", Write("export.tvx", "form export all\n")}), 1);
+    EXPECT_THAT(log, testing::EndsWith(refused));
+    EXPECT_EQ(Read("cut.tvn"), cut);
+    EXPECT_EQ(Run({document, "--save", In("tmp/cut.tvn"), "--export-all"}), 1);
+    EXPECT_THAT(log, testing::EndsWith(refused));
+    EXPECT_EQ(Read("cut.tvn"), cut);
+    fs::remove(In("tmp/cut.tvn"));
+    EXPECT_EQ(Run({document, "--export-all", "--force"}), 1);
+    EXPECT_THAT(log, testing::EndsWith("exported\n"));
+    EXPECT_THAT(Read("cut.tvn"), AllOf(HasSubstr("filename Link"), testing::Not(HasSubstr("nonsense"))));
+}
+
 TEST_F(BatchStatusTest, ADocumentThatEndsTooEarlyHasFailedToo) {
     const std::string document = Write("cut.tvn", std::string(kDocument) + "customshaderhelp\n{\n>half of\n");
     EXPECT_EQ(Run({document, "--save", document}), 1);

@@ -26,12 +26,18 @@ ExportKind KindOf(const std::string& word) {
 
 }  // namespace
 
-BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted)
+BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted,
+                     bool force)
     : m_app(app),
       m_queue(queue),
       m_isInterrupted(std::move(isInterrupted)),
       m_work(app, m_view, DocumentCommands::Announce::kNo),
-      m_actions(*this, app.GetSite().commands, app.GetSite().report) {}
+      m_actions(*this, app.GetSite().commands, app.GetSite().report),
+      m_force(force) {
+    m_work.exporter.AskBeforeLoss([this](const std::string& path) {
+        return MayLoseUnread(path, "exporting", "export to another directory");
+    });
+}
 
 bool BatchWork::Fail(const std::string& message) {
     GetSite().report.Alert("%s", message.c_str());
@@ -42,8 +48,8 @@ bool BatchWork::Open(const std::string& path) {
     GetSite().report.TakePending();
     if (!m_work.commands.Open(path)) return false;
     m_openedPath = path;
-    m_cutShort = m_work.document.WasCutShort();
-    if (m_cutShort && !GetSite().report.HasPending()) Fail(path + " was not read to its end");
+    const bool isTold = !m_work.document.WasCutShort() || GetSite().report.HasPending();
+    if (!isTold) Fail(path + " was not read to its end");
     return true;
 }
 
@@ -71,12 +77,14 @@ void BatchWork::WaitForProcesses() {
     m_queue.RunPending();
 }
 
-bool BatchWork::Save(const std::string& path, bool force) {
-    if (m_cutShort && !force && IsSameFile(path, m_openedPath)) {
-        return Fail(path +
-                    " was not read to its end, and saving would lose the rest; save under another name, or"
-                    " use --force");
-    }
+bool BatchWork::MayLoseUnread(const std::string& path, const char* writing, const char* wayOut) {
+    return m_force || Fail(path + " was not read to its end, and " + writing + " would lose the rest; " +
+                           wayOut + ", or use --force");
+}
+
+bool BatchWork::Save(const std::string& path) {
+    if (m_work.document.WouldLoseUnread(path) && !MayLoseUnread(path, "saving", "save under another name"))
+        return false;
     return m_work.commands.Save(path);
 }
 

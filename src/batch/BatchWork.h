@@ -15,8 +15,9 @@ namespace tavrin {
 // application has started. Every operation reports before it returns false.
 class BatchWork : private ActionTarget {
   public:
-    // `isInterrupted` tells whether the program is being stopped: waiting ends then.
-    BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted);
+    // `isInterrupted` tells whether the program is being stopped: waiting ends then. Unless it is forced, the
+    // file that was not read to its end is not replaced, neither by a save nor by an export.
+    BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, bool force);
 
     // False if the file cannot be opened. A file that cannot be read to its end is alerted, and the work
     // goes on with what it gave.
@@ -28,8 +29,7 @@ class BatchWork : private ActionTarget {
     bool ExportAll();
     bool Export(const std::string& kind, const std::string& path);
 
-    // Refuses the file that was not read to its end unless it is forced.
-    bool Save(const std::string& path, bool force);
+    bool Save(const std::string& path);
     void Set(const std::string& name, const std::string& value);
     bool RunScript(const std::string& path);
     bool Merge(const std::string& path);
@@ -58,6 +58,7 @@ class BatchWork : private ActionTarget {
 
     Site& GetSite() { return m_app.GetSite(); }
     bool Fail(const std::string& message);
+    bool MayLoseUnread(const std::string& path, const char* writing, const char* wayOut);
     void WaitForProcesses();
     // Drops what was added or merged, to the right of what stands on the desk.
     bool DropBesideTheRest();
@@ -69,7 +70,7 @@ class BatchWork : private ActionTarget {
     Workspace m_work;
     Actions m_actions;
     std::string m_openedPath;
-    bool m_cutShort = false;  // the file at m_openedPath was not read to its end
+    bool m_force;
     bool m_closing = false;
     bool m_commandFailed = false;  // one that the present script sent
 };

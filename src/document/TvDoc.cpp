@@ -37,6 +37,11 @@ int SwitchOf(const Settings& settings, const char* key) {
 
 }  // namespace
 
+CTvDoc::CTvDoc(DocumentHost& host) : m_host(host) {
+    SetPath({});
+    DeleteContents();
+}
+
 void CTvDoc::DeleteContents() {
     const Site& site = m_host.GetSite();
     if (m_beforeDelete) m_beforeDelete();
@@ -55,7 +60,8 @@ void CTvDoc::DeleteContents() {
     exportOptions = m_host.ExportDefaults();
     customshaderhelp = kHelpTemplate;
     m_modified = false;
-    m_cutShort = false;
+    m_differsFromFile = false;
+    m_origin.cutFile.reset();
 }
 
 bool CTvDoc::Open(const std::string& path) {
@@ -66,10 +72,45 @@ bool CTvDoc::Open(const std::string& path) {
         return false;
     }
     DeleteContents();
-    m_path = path;
+    m_origin.file = FileReadFrom(path, MarkOf(archive->Rest()));
     DocumentReader reader(*this, *archive, m_host);
-    m_cutShort = !reader.Read() || reader.HasLostText();
+    if (!reader.Read() || reader.HasLostText()) SetCutShort();
     return true;
+}
+
+std::shared_ptr<DocumentFile> CTvDoc::NewFile(const std::string& path) {
+    std::erase_if(m_files, [](const auto& file) { return file.expired(); });
+    auto file = std::make_shared<DocumentFile>();
+    file->path = path;
+    m_files.push_back(file);
+    return file;
+}
+
+// One that is opened again as it was left is the one that earlier copies of the document go back to.
+std::shared_ptr<DocumentFile> CTvDoc::FileReadFrom(const std::string& path, ContentMark mark) {
+    for (const auto& known : m_files) {
+        auto file = known.lock();
+        if (file != nullptr && file->path == path && file->held == mark) return file;
+    }
+    auto file = NewFile(path);
+    file->held = mark;
+    return file;
+}
+
+void CTvDoc::SetPath(const std::string& path) {
+    const bool wasCutShort = m_origin.file != nullptr && WasCutShort();
+    m_origin.file = NewFile(path);
+    if (wasCutShort) SetCutShort();
+}
+
+void CTvDoc::SetCutShort() {
+    m_origin.file->cutShort = true;
+    m_origin.cutFile = m_origin.file;
+}
+
+bool CTvDoc::WouldLoseUnread(const std::string& path) const {
+    const auto& cut = m_origin.cutFile;
+    return cut != nullptr && cut->cutShort && IsSameFile(path, cut->path);
 }
 
 bool CTvDoc::Load(CArchive& archive) { return DocumentReader(*this, archive, m_host).Read(); }
@@ -91,13 +132,36 @@ std::string CTvDoc::Snapshot() {
     return text;
 }
 
-bool CTvDoc::Save(const std::string& path, std::string& error) {
-    if (!ReplaceFile(path, Store(), error)) return false;
-    m_path = path;
-    m_modified = false;
-    m_cutShort = false;
+// Knows afterwards what the document's files hold, and that nothing is left in them to be lost.
+bool CTvDoc::Write(const std::string& path, std::string& error) {
+    const std::string text = Store();
+    if (!ReplaceFile(path, text, error)) return false;
+    auto& cut = m_origin.cutFile;
+    if (cut != nullptr && IsSameFile(path, cut->path)) {
+        cut->cutShort = false;
+        cut.reset();
+    }
+    if (IsSameFile(path, Path())) {
+        m_origin.file->held = MarkOf(text);
+        m_differsFromFile = false;
+    }
     return true;
 }
+
+bool CTvDoc::Save(const std::string& path, std::string& error) {
+    const DocumentOrigin before = m_origin;
+    // Another file is none that earlier copies of the document may be saved to unasked.
+    if (path != Path()) m_origin.file = NewFile(path);
+    if (!Write(path, error)) {
+        m_origin = before;
+        return false;
+    }
+    m_modified = false;
+    m_differsFromFile = false;
+    return true;
+}
+
+bool CTvDoc::SaveCopy(const std::string& path, std::string& error) { return Write(path, error); }
 
 std::string CTvDoc::TitleOf(const std::string& path) {
     return path.empty() ? "Untitled.tvn" : PathFile(path);

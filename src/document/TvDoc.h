@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "document/DocumentFile.h"
 #include "document/ExportOptions.h"
 #include "library/OpBox.h"
 
@@ -50,7 +51,7 @@ class DocumentHost {
 
 class CTvDoc {
   public:
-    explicit CTvDoc(DocumentHost& host) : m_host(host) { DeleteContents(); }
+    explicit CTvDoc(DocumentHost& host);
     CTvDoc(const CTvDoc&) = delete;
     CTvDoc& operator=(const CTvDoc&) = delete;
 
@@ -80,18 +81,30 @@ class CTvDoc {
     // Writes the file so that a failure leaves the old one whole. On success it is the document's path and
     // the document is unmodified; on failure `error` holds the platform's message.
     bool Save(const std::string& path, std::string& error);
+    // Writes it in the same way, and the document stays what it is: its path, and whether it is modified.
+    bool SaveCopy(const std::string& path, std::string& error);
 
     // An error in the file that is now the document's path kept part of it from being read: saving there
     // would lose that part.
-    bool WasCutShort() const { return m_cutShort; }
+    bool WasCutShort() const { return m_origin.cutFile == m_origin.file && m_origin.file->cutShort; }
     // For a document that was read from a copy of its unsaved work.
-    void SetCutShort() { m_cutShort = true; }
+    void SetCutShort();
+    // The same for any path that leads to the file, also once the document has been saved elsewhere.
+    bool WouldLoseUnread(const std::string& path) const;
 
-    const std::string& Path() const { return m_path; }
-    void SetPath(const std::string& path) { m_path = path; }
+    const std::string& Path() const { return m_origin.file->path; }
+    // Whatever stands there is none of the document's. One that was cut short stays so.
+    void SetPath(const std::string& path);
+    // `origin` is what this gave earlier: the document goes back to the file that it had then.
+    const DocumentOrigin& Origin() const { return m_origin; }
+    void SetOrigin(const DocumentOrigin& origin) { m_origin = origin; }
     // File name, "Untitled.tvn" without a path.
-    std::string Title() const { return TitleOf(m_path); }
+    std::string Title() const { return TitleOf(Path()); }
     static std::string TitleOf(const std::string& path);
+    // Nobody has changed the document, but it is not what its file holds: an earlier version of it, which may
+    // be saved. Until it is, or the document gives place to another.
+    bool DiffersFromFile() const { return m_differsFromFile; }
+    void SetDiffersFromFile() { m_differsFromFile = true; }
     bool IsModified() const { return m_modified; }
     void SetModified(bool modified = true) { m_modified = modified; }
 
@@ -121,13 +134,17 @@ class CTvDoc {
   private:
     std::vector<COpBox*> BoxesByTitle() const;
     bool BringIntoOrder();  // whether that has changed anything
+    std::shared_ptr<DocumentFile> NewFile(const std::string& path);
+    std::shared_ptr<DocumentFile> FileReadFrom(const std::string& path, ContentMark mark);
+    bool Write(const std::string& path, std::string& error);
 
     DocumentHost& m_host;
     std::function<void()> m_beforeDelete;
     std::function<void()> m_afterReorder;
-    std::string m_path;
+    std::vector<std::weak_ptr<DocumentFile>> m_files;  // every one since the start that is still needed
+    DocumentOrigin m_origin;                           // its file is never null
     bool m_modified = false;
-    bool m_cutShort = false;
+    bool m_differsFromFile = false;
 };
 
 }  // namespace tavrin

@@ -43,12 +43,20 @@ bool RenderHistory::ParseEntry(const std::string& text, int& number, std::string
     return true;
 }
 
-void RenderHistory::AddEntry(const std::string& text) {
+void RenderHistory::AddEntry(const std::string& text, const DocumentOrigin& origin) {
     m_entries.push_front(text);
+    m_origins.push_front(origin);
     if (m_entries.size() <= static_cast<size_t>(m_maxHistory)) return;
     const std::string oldest = m_entries.back();
     m_entries.pop_back();
+    m_origins.pop_back();
     RemoveDirectoryOf(oldest);
+}
+
+DocumentOrigin RenderHistory::OriginOf(const std::string& text) const {
+    const auto entry = std::find(m_entries.begin(), m_entries.end(), text);
+    if (entry == m_entries.end()) return {};
+    return m_origins[static_cast<size_t>(entry - m_entries.begin())];
 }
 
 // A whole tree is removed here, so its name is looked at once more.

@@ -118,7 +118,7 @@ TEST_F(RenderHistoryPruningTest, GoingBackLeavesTheEntryAndTheNumbersAsTheyAre) 
     std::string name;
     ASSERT_TRUE(RenderHistory::ParseEntry(session.History().Entries().back(), number, name));
     EXPECT_TRUE(session.LoadHistoryEntry(name, number));
-    EXPECT_EQ(document.Path(), "/documents/plastic.tvn");
+    EXPECT_EQ(document.Path(), "/elsewhere/plastic.tvn");
     EXPECT_EQ(document.Title(), "plastic.tvn");
     EXPECT_EQ(session.ShaderName(), "plastic");
     EXPECT_FALSE(document.IsModified());

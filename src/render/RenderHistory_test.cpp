@@ -135,6 +135,71 @@ TEST_F(RenderHistoryTest, GoingBackOpensTheEntryUnderTheDocumentsOwnPlace) {
     EXPECT_EQ(document.m_boxes.size(), 1U);
 }
 
+TEST_F(RenderHistoryTest, AnEntryGoesBackToTheFileOfTheDocumentThatWasRendered) {
+    host.startsProcesses = false;
+    host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
+    site.directories.docBrowserDir = host.Directory() / "b/";
+    const std::string path = host.Directory().Write("a/one.tvn", document.Store());
+    const std::string sameName = host.Directory().Write("b/one.tvn", "another");
+    ASSERT_TRUE(document.Open(path));
+    ASSERT_TRUE(Session().RenderIt());
+    ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "")));
+    ASSERT_TRUE(session->LoadHistoryEntry("one", 1));
+    EXPECT_EQ(document.Path(), path);
+    EXPECT_FALSE(document.Origin().file->HoldsOther());
+    EXPECT_FALSE(document.IsModified());
+    EXPECT_TRUE(document.DiffersFromFile());
+    // An entry of the entry.
+    ASSERT_TRUE(session->RenderIt());
+    ASSERT_TRUE(document.Open(sameName));
+    ASSERT_TRUE(session->LoadHistoryEntry("one", 2));
+    EXPECT_EQ(document.Path(), path);
+    host.Directory().Write("a/one.tvn", "somebody else's");
+    EXPECT_TRUE(document.Origin().file->HoldsOther());
+}
+
+TEST_F(RenderHistoryTest, AnEntryOfADocumentWithoutAFileHasNone) {
+    site.directories.docBrowserDir = "/documents";
+    document.SetPath("");
+    ASSERT_TRUE(Session().RenderIt());
+    document.SetPath("/documents/glass.tvn");
+    ASSERT_TRUE(session->LoadHistoryEntry("Untitled", 1));
+    EXPECT_EQ(document.Path(), "");
+}
+
+TEST_F(RenderHistoryTest, AnEntryOfACutDocumentIsCutShortAsWell) {
+    host.startsProcesses = false;
+    host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
+    const std::string path =
+        host.Directory().Write("a/cut.tvn", "opdesk { opbox { filename Link wid 1 }\noops }\n");
+    ASSERT_TRUE(document.Open(path));
+    ASSERT_TRUE(Session().RenderIt());
+    ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "")));
+    ASSERT_FALSE(document.WasCutShort());
+    ASSERT_TRUE(session->LoadHistoryEntry("cut", 1));
+    EXPECT_TRUE(document.WasCutShort());
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+}
+
+TEST_F(RenderHistoryTest, AnEntryThatIsCutItselfIsNoVersionToReplaceTheFileUnasked) {
+    const std::string path = host.Directory().Write("a/one.tvn", document.Store());
+    document.SetPath(path);
+    ASSERT_TRUE(Session().RenderIt());
+    host.Directory().Write("work/1/one.tvn", "toolbar");
+    ASSERT_TRUE(session->LoadHistoryEntry("one", 1));
+    EXPECT_EQ(document.Path(), path);
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+}
+
+TEST_F(RenderHistoryTest, AnEntryIsFoundByItsPath) {
+    ASSERT_TRUE(Session().RenderIt());
+    const std::string* entry = session->EntryAt(site.WorkPath("1/plastic.tvn"));
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(*entry, "01 plastic");
+    EXPECT_EQ(session->EntryAt(site.WorkPath("2/plastic.tvn")), nullptr);
+    EXPECT_EQ(session->EntryAt("/documents/plastic.tvn"), nullptr);
+}
+
 TEST_F(RenderHistoryTest, AnEntryThatIsGoneLeavesTheDocumentAsItWas) {
     document.SetModified();
     EXPECT_FALSE(Session().LoadHistoryEntry("plastic", 9));

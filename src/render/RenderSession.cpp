@@ -161,6 +161,10 @@ bool RenderSession::RunFilter() {
 
 std::string RenderSession::HistoryDir(int number) const { return m_site.WorkPath(std::to_string(number)); }
 
+std::string RenderSession::HistoryPath(const std::string& name, int number) const {
+    return JoinPath(HistoryDir(number), name + m_site.docExt);
+}
+
 bool RenderSession::RenderIt() {
     Report& report = m_site.report;
     if (m_document.m_boxes.empty()) {
@@ -182,12 +186,11 @@ bool RenderSession::RenderIt() {
 }
 
 bool RenderSession::KeepHistory(const std::string& name) {
-    const std::string directory = HistoryDir(m_nextRender);
-    MakeDirectory(directory);
-    const std::string path = JoinPath(directory, name + m_site.docExt);
+    MakeDirectory(HistoryDir(m_nextRender));
+    const std::string path = HistoryPath(name, m_nextRender);
     std::string error;
     if (WriteWholeFile(path, m_document.Store(), error)) {
-        m_history.AddEntry(RenderHistory::EntryText(m_nextRender, name));
+        m_history.AddEntry(RenderHistory::EntryText(m_nextRender, name), m_document.Origin());
         return true;
     }
     m_site.report.Alert("unable to create history file %s", path.c_str());
@@ -195,11 +198,28 @@ bool RenderSession::KeepHistory(const std::string& name) {
 }
 
 bool RenderSession::LoadHistoryEntry(const std::string& name, int number) {
-    const std::string file = name + m_site.docExt;
-    if (!m_document.Open(JoinPath(HistoryDir(number), file))) return false;
+    const DocumentOrigin origin = m_history.OriginOf(RenderHistory::EntryText(number, name));
+    if (!m_document.Open(HistoryPath(name, number))) return false;
     // So that a save goes to the document's own place and never into the history.
-    m_document.SetPath(JoinPath(m_site.directories.docBrowserDir, file));
+    if (origin.file == nullptr) {
+        m_document.SetPath(JoinPath(m_site.directories.docBrowserDir, name + m_site.docExt));
+    } else if (m_document.WasCutShort()) {
+        m_document.SetPath(origin.file->path);
+    } else {
+        m_document.SetOrigin(origin);
+    }
+    m_document.SetDiffersFromFile();
     return true;
+}
+
+const std::string* RenderSession::EntryAt(const std::string& path) const {
+    int number = 0;
+    std::string name;
+    for (const std::string& entry : m_history.Entries()) {
+        const bool isEntry = RenderHistory::ParseEntry(entry, number, name);
+        if (isEntry && HistoryPath(name, number) == path) return &entry;
+    }
+    return nullptr;
 }
 
 void RenderSession::StopRender() { m_site.commands.KillChildren(); }

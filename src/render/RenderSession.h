@@ -41,9 +41,12 @@ class RenderSession {
     void StopRender();
 
     const RenderHistory& History() const { return m_history; }
-    // Opens the document of a history entry. Its path becomes the place of a document of that name where
-    // document dialogs open. False, reported, if it cannot be opened; the document then stays as it was.
+    // Opens the document of a history entry. It goes back to the file that it had when it was rendered; where
+    // that is not known, its path becomes the place of a document of that name where document dialogs open.
+    // False, reported, if it cannot be opened; the document then stays as it was.
     bool LoadHistoryEntry(const std::string& name, int number);
+    // The entry whose document the path leads to; null if it leads to none.
+    const std::string* EntryAt(const std::string& path) const;
 
     bool m_keepHistory = true;
     bool m_multipleRenders = true;  // from the site's setting
@@ -52,6 +55,7 @@ class RenderSession {
   private:
     bool ShaderNameOk();
     std::string HistoryDir(int number) const;
+    std::string HistoryPath(const std::string& name, int number) const;
     bool WriteCodeFiles(const Generated& generated);
     void WriteRenderOptions();
     bool RunFilter();

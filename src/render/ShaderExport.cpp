@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/Files.h"
 #include "base/Paths.h"
 #include "document/TvDoc.h"
 #include "render/RenderSession.h"
@@ -71,19 +70,29 @@ bool ShaderExport::PostSaveOk(const CExportOptions& options) {
     return false;
 }
 
+bool ShaderExport::WriteDocument(const std::string& path) {
+    if (m_document.WouldLoseUnread(path)) {
+        if (m_mayLose == nullptr) {
+            m_site.report.Alert("%s was not read to its end, and exporting would lose the rest",
+                                path.c_str());
+            return false;
+        }
+        if (!m_mayLose(path)) return false;
+    }
+    std::string error;
+    if (m_document.SaveCopy(path, error)) return true;
+    m_site.report.Alert("unable to write shader file %s", path.c_str());
+    return false;
+}
+
 bool ShaderExport::Export(const CExportOptions& options) {
     if (m_document.m_boxes.empty()) {
         m_site.report.Alert("desk is empty");
         return false;
     }
     if (!PathsOk(options) || !PostSaveOk(options)) return false;
-    if (options.saveTavrn != 0 && !options.tavrnPath.empty()) {
-        std::string error;
-        if (!ReplaceFile(options.tavrnPath, m_document.Store(), error)) {
-            m_site.report.Alert("unable to write shader file %s", options.tavrnPath.c_str());
-            return false;
-        }
-    }
+    const bool writesDocument = options.saveTavrn != 0 && !options.tavrnPath.empty();
+    if (writesDocument && !WriteDocument(options.tavrnPath)) return false;
     if (!m_session.SaveShader()) return false;
     m_site.commands.RunScript({m_site.LibraryPath("bin/exportall"), m_session.ShaderName(),
                                TargetWord(options.saveSource, options.sourcePath),

@@ -1,6 +1,7 @@
 // Export: the delivery of a finished shader by the library's script.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "document/ExportOptions.h"
@@ -23,6 +24,11 @@ class ShaderExport {
     // on the targets. False if it was not started; the reason has been reported.
     bool Export(const CExportOptions& options);
 
+    // Decides, and tells whoever asked for the export, whether the document's copy may replace the file that
+    // the document was read from but not to its end. Unless this is set, it may not.
+    using MayLoseUnread = std::function<bool(const std::string& path)>;
+    void AskBeforeLoss(MayLoseUnread mayLose) { m_mayLose = std::move(mayLose); }
+
     // Options that export one kind of file to a path, and the path that the document has for it.
     static CExportOptions OnlyThis(ExportKind kind, const std::string& path);
     std::string DocumentPath(ExportKind kind) const;
@@ -31,10 +37,12 @@ class ShaderExport {
     bool PathsOk(const CExportOptions& options);
     bool ExportPathOk(const std::string& path);
     bool PostSaveOk(const CExportOptions& options);
+    bool WriteDocument(const std::string& path);
 
     CTvDoc& m_document;
     Site& m_site;
     RenderSession& m_session;
+    MayLoseUnread m_mayLose;
 };
 
 // Gives the document's five export paths its present name and the site's present extensions; their

@@ -101,6 +101,54 @@ TEST_F(ShaderExportTest, EachFlagGivesOneTarget) {
     EXPECT_EQ(Targets(), "<-><-><-><-><" + Out("notify") + ">");
 }
 
+TEST_F(ShaderExportTest, ADocumentThatWasCutShortIsNotExportedOverItsFileUnasked) {
+    host.startsProcesses = false;
+    host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
+    const std::string cut = "opdesk { opbox { filename Link wid 1 }\noops }\n";
+    ASSERT_TRUE(document.Open(host.Directory().Write("out/plastic.tvn", cut)));
+    host.Sink().alerts.clear();
+    options.saveTavrn = 1;
+    options.tavrnPath = Out("../out/plastic.tvn");
+    EXPECT_TRUE(Refuses());
+    EXPECT_THAT(Alerts(), ElementsAre(options.tavrnPath +
+                                      " was not read to its end, and exporting would lose the rest"));
+    EXPECT_FALSE(IsSaved());
+
+    std::vector<std::string> asked;
+    bool answer = false;
+    exporter.AskBeforeLoss([&](const std::string& path) {
+        asked.push_back(path);
+        return answer;
+    });
+    EXPECT_TRUE(Refuses());
+    EXPECT_EQ(test::ReadFile(Out("plastic.tvn")), cut);
+    options.tavrnPath = Out("copy.tvn");
+    Targets();
+    EXPECT_THAT(asked, ElementsAre(Out("../out/plastic.tvn")));
+    EXPECT_TRUE(document.WasCutShort());
+
+    options.tavrnPath = Out("plastic.tvn");
+    answer = true;
+    Targets();
+    Targets();
+    EXPECT_THAT(asked, testing::SizeIs(2)) << "nothing is left to be lost";
+    EXPECT_NE(test::ReadFile(Out("plastic.tvn")), cut);
+}
+
+TEST_F(ShaderExportTest, WhatIsExportedOverTheDocumentsFileIsItsOwn) {
+    host.startsProcesses = false;
+    host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
+    ASSERT_TRUE(document.Open(host.Directory().Write("out/plastic.tvn", document.Store())));
+    document.SetModified();
+    options.saveTavrn = 1;
+    options.tavrnPath = Out("plastic.tvn");
+    document.toolbar = {"new"};
+    Targets();
+    EXPECT_THAT(test::ReadFile(Out("plastic.tvn")), testing::HasSubstr("new"));
+    EXPECT_FALSE(document.Origin().file->HoldsOther());
+    EXPECT_TRUE(document.IsModified());
+}
+
 TEST_F(ShaderExportTest, AFlagWithoutAPathGivesNoTarget) {
     options.saveSource = options.saveCompiled = options.saveShaderIface = options.saveRenderIface = 1;
     options.runPostSave = options.saveTavrn = 1;

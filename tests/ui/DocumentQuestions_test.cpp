@@ -37,13 +37,15 @@ class QuestionTest : public DocumentsTest, public testing::WithParamInterface<co
         if (way == "History") DoubleClickOldestEntry();
         if (way == "Recent") ChooseRecentFile(m_b);
         if (way == "Drop") Drop(m_b);
+        if (way == "Action") Frame().ActionDispatch().DoAction("form", "loadtavrn", m_b);
         Settle();
     }
     void ExpectReplaced() {
         const std::string way = GetParam();
         EXPECT_EQ(Boxes(), way == "New" ? 0U : way == "History" ? 1U : 2U);
+        EXPECT_FALSE(Document().IsModified());
         // An older version is not what the document's file holds.
-        EXPECT_EQ(Document().IsModified(), way == "History");
+        EXPECT_EQ(Document().DiffersFromFile(), way == "History");
         EXPECT_EQ(FullPath(Document().Path()), way == "New"       ? directory / "docs/untitled.tvn"
                                                : way == "History" ? m_a
                                                                   : m_b);
@@ -68,7 +70,8 @@ class QuestionTest : public DocumentsTest, public testing::WithParamInterface<co
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Ways, QuestionTest, testing::Values("New", "Open", "History", "Recent", "Drop"),
+INSTANTIATE_TEST_SUITE_P(Ways, QuestionTest,
+                         testing::Values("New", "Open", "History", "Recent", "Drop", "Action"),
                          [](const auto& way) { return std::string(way.param); });
 
 TEST_P(QuestionTest, SaveSavesAndGoesOn) {
@@ -103,6 +106,37 @@ TEST_P(QuestionTest, ASaveThatFailsStaysWithTheDocument) {
     Go("Save", "OK");
     EXPECT_THAT(Bytes(BoxesShown().last()), HasSubstr("Alert: unable to save " + m_a + ": "));
     ExpectKept();
+}
+
+// Each way that may lead to a file that cannot be opened.
+class FailedOpenTest : public QuestionTest {
+  protected:
+    size_t Copies() {
+        size_t copies = 0;
+        for (const auto& file : fs::directory_iterator(directory / "state/tavrin/recovery"))
+            copies += file.path().extension() == ".tvn" ? 1 : 0;
+        return copies;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Ways, FailedOpenTest, testing::Values("History", "Recent", "Drop", "Action"),
+                         [](const auto& way) { return std::string(way.param); });
+
+TEST_P(FailedOpenTest, StaysWithTheModifiedDocumentAndItsCopyAside) {
+    StartModified();
+    Frame().SaveAside();
+    ASSERT_EQ(Copies(), 1U);
+    fs::remove(m_b);
+    fs::create_directory(m_b);
+    fs::remove(WorkDir() + "/1/a.tvn");
+    Go("Discard", "OK");
+    EXPECT_THAT(Bytes(BoxesShown().last()), HasSubstr("Alert: unable to open "));
+    ExpectKept();
+    EXPECT_TRUE(IsEnabled(CommandId::kSave));
+    EXPECT_EQ(Copies(), 1U);
+    PressWhenBoxComes("Cancel");
+    Do(CommandId::kNew);
+    EXPECT_EQ(Bytes(BoxesShown().last()), "Tavrin: Save changes to a.tvn?");
 }
 
 TEST_F(DocumentsTest, AnUnmodifiedDocumentGoesWithoutAQuestion) {

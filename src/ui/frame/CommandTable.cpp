@@ -9,6 +9,7 @@ namespace {
 using Id = CommandId;
 using State = const FrameState&;
 
+bool CanSave(State s) { return s.modified || s.differsFromFile; }
 bool NoChild(State s) { return !s.childRuns; }
 bool NoScriptNoChild(State s) { return !s.scriptRuns && !s.childRuns; }
 bool SelectionUnlocked(State s) { return s.boxSelected && !s.locked; }
@@ -22,7 +23,7 @@ std::vector<CommandSpec> FileCommands() {
         {Id::kNew, "&New", "Ctrl+N", "new", "Start a new network"},
         {Id::kOpen, "&Open...", "Ctrl+O", "open", "Open a network"},
         {Id::kMerge, "&Merge...", "", "merge", "Add the boxes of another network to this one"},
-        {Id::kSave, "&Save", "Ctrl+S", "save", "Save the network", [](State s) { return s.modified; }},
+        {Id::kSave, "&Save", "Ctrl+S", "save", "Save the network", CanSave},
         {Id::kSaveAs, "Save &As...", "", "save-as", "Save the network under another name"},
         {Id::kExportOptions, "Export O&ptions...", "", "export-options",
          "Choose what Export All writes, and where", nullptr, [](State s) { return s.exportOptionsUp; }},

@@ -2,7 +2,6 @@
 
 #include "app/RecentFiles.h"
 #include "app/Workspace.h"
-#include "base/Files.h"
 #include "base/Paths.h"
 #include "ui/FileDialogs.h"
 #include "ui/Messages.h"
@@ -25,12 +24,13 @@ DocumentWork::DocumentWork(QWidget& frame, Workspace& work, RenderWork& renders,
       m_work(work),
       m_renders(renders),
       m_recentFiles(recentFiles),
-      m_callbacks(std::move(callbacks)) {}
+      m_callbacks(std::move(callbacks)) {
+    m_work.exporter.AskBeforeLoss([this](const std::string& path) { return MayLoseUnread(path); });
+}
 
 void DocumentWork::New() {
     if (!SettleChanges()) return;
     m_work.commands.New();
-    m_pathIsProposed = true;
     m_callbacks.workIsSafe();
     m_callbacks.documentReplaced();
 }
@@ -50,11 +50,15 @@ void DocumentWork::Open() {
 }
 
 bool DocumentWork::OpenDocument(const std::string& path) {
-    if (!SettleChanges()) return false;
     const std::string fullPath = FullPath(path);
+    int number = 0;
+    std::string name;
+    const std::string* entry = m_work.session.EntryAt(fullPath);
+    if (entry != nullptr && RenderHistory::ParseEntry(*entry, number, name))
+        return OpenHistoryEntry(name, number);
+    if (!SettleChanges()) return false;
     const RenderWork::Step step(m_renders, "Opening " + Shown(PathFile(path)));
     if (!m_work.commands.Open(fullPath)) return false;
-    m_pathIsProposed = false;
     m_recentFiles.Add(fullPath);
     m_callbacks.workIsSafe();
     m_callbacks.documentReplaced();
@@ -63,11 +67,12 @@ bool DocumentWork::OpenDocument(const std::string& path) {
 
 bool DocumentWork::OpenHistoryEntry(const std::string& name, int number) {
     if (!SettleChanges()) return false;
+    const std::string entry = RenderHistory::EntryText(number, name);
+    const RenderWork::Step step(m_renders, "Opening " + Shown(entry));
     if (!m_work.session.LoadHistoryEntry(name, number)) return false;
-    m_pathIsProposed = false;
-    m_work.commands.HasBeenOpened(m_work.document.Path());
+    const std::string& path = m_work.document.Path();
+    m_work.commands.HasBeenOpened("history entry " + entry + (path.empty() ? "" : " of " + path));
     m_callbacks.workIsSafe();
-    m_work.document.SetModified();  // the document's own file holds another version
     m_callbacks.documentReplaced();
     return true;
 }
@@ -89,7 +94,7 @@ void DocumentWork::Merge() {
 }
 
 bool DocumentWork::Save() {
-    const std::string& path = m_work.document.Path();
+    const std::string path = m_work.document.Path();  // a question may be open for long
     return path.empty() ? SaveAs() : SaveTo(path, false);
 }
 
@@ -108,7 +113,6 @@ bool DocumentWork::SaveAs() {
 bool DocumentWork::SaveTo(const std::string& path, bool asNew) {
     if (!MayReplace(path, asNew)) return false;
     if (!(asNew ? m_work.commands.SaveAs(path) : m_work.commands.Save(path))) return false;
-    m_pathIsProposed = false;
     m_recentFiles.Add(FullPath(path));
     m_callbacks.workIsSafe();
     m_callbacks.nameChanged();
@@ -116,13 +120,15 @@ bool DocumentWork::SaveTo(const std::string& path, bool asNew) {
 }
 
 bool DocumentWork::MayReplace(const std::string& path, bool wasChosen) {
-    if (m_work.document.WasCutShort() && IsSameFile(path, m_work.document.Path())) {
-        return AskWarning(&m_frame, Shown(path + " was not read to its end because of an error in it."
-                                                 "  Saving replaces the file and loses what was not"
-                                                 " read.  Save anyway?"));
-    }
-    if (wasChosen || !m_pathIsProposed || !PathExists(path)) return true;
+    if (m_work.document.WouldLoseUnread(path)) return MayLoseUnread(path);
+    if (wasChosen || !m_work.document.Origin().file->HoldsOther()) return true;
     return AskWarning(&m_frame, Shown(path + " is there already.  Replace it?"));
+}
+
+bool DocumentWork::MayLoseUnread(const std::string& path) {
+    return AskWarning(&m_frame, Shown(path + " was not read to its end because of an error in it."
+                                             "  Saving replaces the file and loses what was not"
+                                             " read.  Save anyway?"));
 }
 
 bool DocumentWork::SettleChanges() {

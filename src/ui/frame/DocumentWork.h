@@ -32,7 +32,8 @@ class DocumentWork {
     // The normal way to open a file, whoever asks for it: settles changes, opens, remembers the file. False
     // if the user cancels or the file cannot be opened; the document is then as it was.
     bool OpenDocument(const std::string& path);
-    // Opens the copy that a render has kept. It is not remembered as a recent file.
+    // Opens the copy that a render has kept, as an earlier version of the document that was rendered: nothing
+    // is modified, and it can be saved where that document belongs. It is not remembered as a recent file.
     bool OpenHistoryEntry(const std::string& name, int number);
     void Merge();
     // False if the document was not saved.
@@ -47,14 +48,14 @@ class DocumentWork {
     // Asks before a file is written that would lose something by it. One that was chosen in a dialog was
     // asked about there.
     bool MayReplace(const std::string& path, bool wasChosen);
+    bool MayLoseUnread(const std::string& path);
 
     QWidget& m_frame;
     Workspace& m_work;
     RenderWork& m_renders;  // tells how long the reading takes
     RecentFiles& m_recentFiles;
     Callbacks m_callbacks;
-    bool m_pathIsProposed = false;  // the document's path comes from New: nobody has chosen that file
-    int m_lastFilterIndex = 0;      // chosen last in the Open dialog
+    int m_lastFilterIndex = 0;  // chosen last in the Open dialog
 };
 
 }  // namespace tavrin

@@ -165,6 +165,7 @@ FrameState MainFrame::State() const {
     const Site& site = m_app.GetSite();
     FrameState state;
     state.modified = document.IsModified();
+    state.differsFromFile = document.DiffersFromFile();
     state.locked = document.lock != 0;
     state.childRuns = site.commands.AnyChildRunning();
     state.scriptRuns = m_dispatch.ScriptRunning();

@@ -6,6 +6,7 @@ namespace tavrin {
 struct FrameState {
     // What is there.
     bool modified = false;
+    bool differsFromFile = false;  // not modified, and yet something to be saved
     bool locked = false;  // the document's lock flag
     bool childRuns = false;
     bool scriptRuns = false;

@@ -1,0 +1,33 @@
+// The file that a document is saved to, as the program has seen it last.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavrin {
+
+// Stands for what a file holds: files that hold the same have the same mark, others do not.
+using ContentMark = uint64_t;
+ContentMark MarkOf(std::string_view text);
+
+// Shared by the document and by the copies of it that the history of renders keeps, so that a copy goes back
+// to the same file and knows what the document has written there since.
+struct DocumentFile {
+    std::string path;                 // empty while nobody has said where to
+    std::optional<ContentMark> held;  // when it was read or written last; nothing before that
+    bool cutShort = false;            // an error kept part of it from being read, which is still there
+
+    // What is there is neither what was read from it nor what was written to it: saving would lose it.
+    bool HoldsOther() const;
+};
+
+// Where the contents of a document come from and go to.
+struct DocumentOrigin {
+    std::shared_ptr<DocumentFile> file;     // null if nobody knows it
+    std::shared_ptr<DocumentFile> cutFile;  // what was not read to its end for them; null if they are whole
+};
+
+}  // namespace tavrin

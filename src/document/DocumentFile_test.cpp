@@ -1,0 +1,151 @@
+// What the program knows of the file that a document is saved to.
+#include "document/DocumentFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/TestHost.h"
+
+namespace tavrin {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ReadFile;
+
+class DocumentFileTest : public test::DocumentTest {
+  protected:
+    std::string Write(const std::string& name, const std::string& text) {
+        return host.Directory().Write(name, text);
+    }
+    bool HoldsOther() const { return document.Origin().file->HoldsOther(); }
+    bool Save(const std::string& to) { return document.Save(to, error); }
+
+    std::string path = host.Directory() / "doc.tvn";
+    std::string error;
+};
+
+TEST_F(DocumentFileTest, WhatIsThereAndWasNeverReadIsAnother) {
+    document.SetPath(path);
+    EXPECT_FALSE(HoldsOther());
+    Write("doc.tvn", "");
+    EXPECT_TRUE(HoldsOther());
+    document.SetPath("");
+    EXPECT_FALSE(HoldsOther());
+}
+
+TEST_F(DocumentFileTest, WhatWasReadIsKnownUntilSomebodyChangesIt) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar { }\n")));
+    EXPECT_FALSE(HoldsOther());
+    fs::last_write_time(path, fs::file_time_type::clock::now() + std::chrono::hours(1));
+    EXPECT_FALSE(HoldsOther()) << "it holds the same";
+    Write("doc.tvn", "toolbar {  }\n");
+    EXPECT_TRUE(HoldsOther());
+    fs::remove(path);
+    EXPECT_FALSE(HoldsOther()) << "nothing is left to be lost";
+    fs::create_directory(path);
+    EXPECT_FALSE(HoldsOther()) << "a directory is not replaced";
+}
+
+TEST_F(DocumentFileTest, WhatWasWrittenIsKnownUntilSomebodyChangesIt) {
+    ASSERT_TRUE(Save(path));
+    EXPECT_FALSE(HoldsOther());
+    document.toolbar = {"new"};
+    EXPECT_FALSE(HoldsOther());
+    ASSERT_TRUE(Save(path));
+    EXPECT_FALSE(HoldsOther());
+    Write("doc.tvn", "somebody else's");
+    EXPECT_TRUE(HoldsOther());
+}
+
+TEST_F(DocumentFileTest, ACopyThatGoesToTheDocumentsOwnFileIsKnownAsWell) {
+    ASSERT_TRUE(Save(path));
+    fs::create_symlink("doc.tvn", host.Directory() / "link.tvn");
+    document.toolbar = {"new"};
+    document.SetModified();
+    document.SetDiffersFromFile();
+    ASSERT_TRUE(document.SaveCopy(host.Directory() / "elsewhere.tvn", error));
+    EXPECT_TRUE(document.DiffersFromFile());
+    ASSERT_TRUE(document.SaveCopy(host.Directory() / "link.tvn", error));
+    EXPECT_FALSE(HoldsOther());
+    EXPECT_FALSE(document.DiffersFromFile());
+    EXPECT_TRUE(document.IsModified());
+    EXPECT_EQ(document.Path(), path);
+    EXPECT_EQ(ReadFile(path), document.Store());
+}
+
+TEST_F(DocumentFileTest, AnEarlierVersionKnowsWhatTheDocumentHasWrittenSince) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar { }\n")));
+    const DocumentOrigin earlier = document.Origin();
+    ASSERT_TRUE(Save(path));
+    EXPECT_FALSE(earlier.file->HoldsOther());
+    ASSERT_TRUE(document.Open(Write("other.tvn", "")));
+    ASSERT_TRUE(document.Open(path));
+    ASSERT_TRUE(Save(path));
+    EXPECT_FALSE(earlier.file->HoldsOther()) << "opened again, it is still the document's file";
+}
+
+TEST_F(DocumentFileTest, AnotherDocumentThatTakesThePlaceIsAnother) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar { }\n")));
+    const DocumentOrigin earlier = document.Origin();
+    ASSERT_TRUE(document.Open(Write("other.tvn", "")));
+    ASSERT_TRUE(Save(path));
+    EXPECT_FALSE(HoldsOther());
+    EXPECT_TRUE(earlier.file->HoldsOther());
+}
+
+TEST_F(DocumentFileTest, AFileThatSomebodyChangedBeforeItWasOpenedAgainIsAnother) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar { }\n")));
+    const DocumentOrigin earlier = document.Origin();
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "")));
+    EXPECT_TRUE(earlier.file->HoldsOther());
+    EXPECT_FALSE(HoldsOther());
+}
+
+TEST_F(DocumentFileTest, ASaveThatFailsChangesNothing) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar")));
+    const DocumentOrigin before = document.Origin();
+    document.SetDiffersFromFile();
+    EXPECT_FALSE(Save(host.Directory() / "none/doc.tvn"));
+    EXPECT_EQ(document.Origin().file, before.file);
+    EXPECT_TRUE(document.WasCutShort());
+    EXPECT_TRUE(document.DiffersFromFile());
+}
+
+TEST_F(DocumentFileTest, WhatWasNotReadWouldBeLostByEveryWayToTheFile) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar")));
+    fs::create_symlink("doc.tvn", host.Directory() / "link.tvn");
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+    EXPECT_TRUE(document.WouldLoseUnread(host.Directory() / "link.tvn"));
+    EXPECT_FALSE(document.WouldLoseUnread(host.Directory() / "copy.tvn"));
+    ASSERT_TRUE(Save(host.Directory() / "copy.tvn"));
+    EXPECT_FALSE(document.WasCutShort());
+    EXPECT_TRUE(document.WouldLoseUnread(path)) << "the document elsewhere still lacks it";
+    EXPECT_FALSE(document.WouldLoseUnread(host.Directory() / "copy.tvn"));
+    ASSERT_TRUE(document.SaveCopy(path, error));
+    EXPECT_FALSE(document.WouldLoseUnread(path)) << "it is gone";
+}
+
+TEST_F(DocumentFileTest, AnEarlierVersionOfACutDocumentIsProtectedUntilTheFileIsReplaced) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar")));
+    const DocumentOrigin earlier = document.Origin();
+    ASSERT_TRUE(document.Open(Write("other.tvn", "")));
+    document.SetOrigin(earlier);
+    EXPECT_TRUE(document.WasCutShort());
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+    ASSERT_TRUE(Save(path));
+    document.SetOrigin(earlier);
+    EXPECT_FALSE(document.WasCutShort());
+    EXPECT_FALSE(document.WouldLoseUnread(path));
+}
+
+TEST_F(DocumentFileTest, AnotherPathForACutDocumentKeepsItsProtection) {
+    ASSERT_TRUE(document.Open(Write("copy.tvn", "toolbar")));
+    document.SetPath(Write("doc.tvn", "whole"));
+    EXPECT_TRUE(document.WasCutShort());
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+}
+
+}  // namespace
+}  // namespace tavrin
