@@ -179,6 +179,10 @@ bool CTvApp::CloseDown(std::chrono::milliseconds grace) {
     return RemoveWorkDirectory();
 }
 
+bool CTvApp::CanRemoveWorkDirectory() const {
+    return !m_ownsWorkDir || CanRemoveTree(m_site.directories.workDir);
+}
+
 bool CTvApp::RemoveWorkDirectory() {
     const std::string& workDir = m_site.directories.workDir;
     if (!m_ownsWorkDir) return true;

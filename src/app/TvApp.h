@@ -48,9 +48,12 @@ class CTvApp : public DocumentHost, private FormHost {
     // The end of the program: stops the children within `grace`, then removes the work directory. False,
     // with a log line, if something of it stays.
     bool CloseDown(std::chrono::milliseconds grace);
-    // Removes the work directory alone, with the same result.
+    // Whether that would leave nothing of the work directory, as far as can be told without doing it.
+    bool CanRemoveWorkDirectory() const;
+    // Removes the work directory alone, with the same result as CloseDown.
     bool RemoveWorkDirectory();
-    // Makes the work directory again where it was removed, since the user did not quit after all.
+    // Makes the work directory again where it has been cleared away, as happens to what lies long in a
+    // directory of temporary files.
     void RestoreWorkDirectory();
 
     // The one document; none while there is no frame.

@@ -100,6 +100,8 @@ TEST_F(TvAppEndsTest, TheEndRemovesTheWorkDirectoryWithAllThatIsInIt) {
     fs::create_directories(WorkDir() + "/1/deeper");
     directory.Write("precious", "x");
     fs::create_symlink(directory / "precious", WorkDir() + "/1/link");
+    EXPECT_TRUE(app->CanRemoveWorkDirectory());
+    EXPECT_TRUE(fs::exists(WorkDir() + "/1/deeper"));
     EXPECT_TRUE(app->CloseDown(kNoGrace));
     EXPECT_FALSE(fs::exists(WorkDir()));
     EXPECT_TRUE(fs::exists(directory / "precious"));
@@ -111,6 +113,8 @@ TEST_F(TvAppEndsTest, WhatCannotBeRemovedStaysAndIsNamedInTheLog) {
     Load();
     fs::create_directories(WorkDir() + "/1/.kept");
     fs::create_directories(WorkDir() + "/2");
+    EXPECT_FALSE(app->CanRemoveWorkDirectory());
+    EXPECT_TRUE(fs::exists(WorkDir() + "/2"));
     EXPECT_FALSE(app->CloseDown(kNoGrace));
     EXPECT_EQ(sink.log, "unable to remove " + WorkDir() + "/1\r\nunable to remove " + WorkDir() + "\r\n");
     EXPECT_TRUE(fs::exists(WorkDir() + "/1/.kept"));
@@ -165,6 +169,7 @@ TEST_F(TvAppEndsTest, AWorkDirectoryThatWasRemovedCanBeMadeAgain) {
     Load();
     ASSERT_TRUE(app->RemoveWorkDirectory());
     EXPECT_FALSE(fs::exists(WorkDir()));
+    EXPECT_TRUE(app->CanRemoveWorkDirectory());
     app->RestoreWorkDirectory();
     EXPECT_TRUE(fs::is_directory(WorkDir()));
     EXPECT_TRUE(app->CloseDown(kNoGrace));

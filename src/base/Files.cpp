@@ -185,6 +185,23 @@ bool RemoveTree(const std::string& path, const std::function<void(const std::str
     return removed;
 }
 
+bool CanRemoveTree(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return true;
+    std::vector<DirEntry> entries;
+    if (!ListDirectory(path, entries)) return true;
+    if (!entries.empty() && ::access(path.c_str(), W_OK | X_OK) != 0) return false;
+    for (const DirEntry& entry : entries) {
+        const std::string full = JoinPath(path, entry.name);
+        struct stat below {};
+        if (::lstat(full.c_str(), &below) != 0 || !S_ISDIR(below.st_mode)) continue;
+        // What is mounted there holds its place; what cannot be listed is left alone.
+        if (entry.name.front() == '.' || below.st_dev != status.st_dev) return false;
+        if (::access(full.c_str(), R_OK) != 0 || !CanRemoveTree(full)) return false;
+    }
+    return true;
+}
+
 bool MakeWritableDirectory(const std::string& path, std::string& error) {
     std::error_code code;
     std::filesystem::create_directories(path, code);

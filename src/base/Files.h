@@ -45,6 +45,9 @@ bool ListDirectory(const std::string& path, std::vector<DirEntry>& entries);
 // false. A path that cannot be listed is left alone and counts as success.
 bool RemoveTree(const std::string& path, const std::function<void(const std::string&)>& log);
 
+// Whether RemoveTree would leave nothing of it, as far as that can be told without trying.
+bool CanRemoveTree(const std::string& path);
+
 // Makes sure that there is a directory in which files can be made, with missing parents.
 bool MakeWritableDirectory(const std::string& path, std::string& error);
 

@@ -32,6 +32,8 @@ TEST_F(RemoveTreeTest, FilesAndDirectoriesGo) {
     directory.Write("tree/file", "x");
     directory.Write("tree/sub/deep/file", "x");
     fs::create_directory(directory / "tree/empty");
+    EXPECT_TRUE(CanRemoveTree(tree));
+    EXPECT_TRUE(fs::exists(directory / "tree/sub/deep/file"));
     EXPECT_TRUE(Remove(tree));
     EXPECT_FALSE(fs::exists(tree));
     EXPECT_THAT(log, IsEmpty());
@@ -39,6 +41,7 @@ TEST_F(RemoveTreeTest, FilesAndDirectoriesGo) {
 
 TEST_F(RemoveTreeTest, FilesThatBeginWithADotGo) {
     directory.Write("tree/.hidden", "x");
+    EXPECT_TRUE(CanRemoveTree(tree));
     EXPECT_TRUE(Remove(tree));
     EXPECT_FALSE(fs::exists(tree));
 }
@@ -47,6 +50,8 @@ TEST_F(RemoveTreeTest, DirectoriesThatBeginWithADotStayWithTheirParents) {
     const std::string kept = directory.Write("tree/sub/.keep/file", "kept");
     directory.Write("tree/sub/file", "x");
     directory.Write("tree/other/file", "x");
+    EXPECT_FALSE(CanRemoveTree(tree));
+    EXPECT_TRUE(fs::exists(directory / "tree/other/file"));
     EXPECT_FALSE(Remove(tree));
     EXPECT_EQ(ReadFile(kept), "kept");
     EXPECT_FALSE(fs::exists(directory / "tree/sub/file"));
@@ -56,6 +61,7 @@ TEST_F(RemoveTreeTest, DirectoriesThatBeginWithADotStayWithTheirParents) {
 
 TEST_F(RemoveTreeTest, TheTreeItselfMayBeginWithADot) {
     directory.Write(".tree/file", "x");
+    EXPECT_TRUE(CanRemoveTree(directory / ".tree"));
     EXPECT_TRUE(Remove(directory / ".tree"));
     EXPECT_FALSE(fs::exists(directory / ".tree"));
 }

@@ -57,6 +57,7 @@ bool DocumentWork::OpenDocument(const std::string& path) {
     if (entry != nullptr && RenderHistory::ParseEntry(*entry, number, name))
         return OpenHistoryEntry(name, number);
     if (!SettleChanges()) return false;
+    m_work.app.RestoreWorkDirectory();
     const RenderWork::Step step(m_renders, "Opening " + Shown(PathFile(path)));
     if (!m_work.commands.Open(fullPath)) return false;
     m_recentFiles.Add(fullPath);
@@ -85,6 +86,7 @@ void DocumentWork::Merge() {
     request.extension = kExtension;
     const auto chosen = AskFileToOpen(&m_frame, request);
     if (!chosen) return;
+    m_work.app.RestoreWorkDirectory();
     const RenderWork::Step step(m_renders, "Merging " + Shown(PathFile(chosen->path)));
     m_work.commands.Merge(chosen->path, [this] {
         if (m_callbacks.slidersFrozen()) return;

@@ -216,6 +216,7 @@ void MainFrame::RebuildOperatorMenus() {
 }
 
 void MainFrame::AddOperatorById(uint32_t id) {
+    m_app.RestoreWorkDirectory();
     const COpEntry* entry = m_app.Registry().FindById(id);
     if (entry == nullptr) {
         GetSite().report.Alert("WARNING: no operator found for ID %d", static_cast<int>(id));

@@ -81,7 +81,8 @@ bool MainFrame::PumpMessages(std::chrono::milliseconds wait) {
 
 void MainFrame::SaveAside() { m_safetyCopies->Update(); }
 
-// The questions before the end, in their order. What was done before a "no" stays done.
+// The questions before the end, in their order. Until the last is answered the program may go on, so nothing
+// of the session is ended or removed before, but for a script.
 bool MainFrame::MayClose() {
     if (m_dispatch.ScriptRunning()) {
         if (!AskWarning(this, "Running script.  Quit anyway?")) return false;
@@ -89,14 +90,11 @@ bool MainFrame::MayClose() {
     }
     const std::string& workDir = GetSite().directories.workDir;
     // A child at work would fill the directory again, or lose the ground under its feet.
-    if (!workDir.empty() && (GetSite().commands.AnyProcessLeft() || !m_app.RemoveWorkDirectory())) {
-        if (!AskWarning(this,
-                        Shown("An open editor or image window or an in-progress render prevent removal of"
-                              " work directory " +
-                              workDir + ".  Quit anyway?"))) {
-            return false;
-        }
-        m_app.CloseDown(kGrace);
+    if (!workDir.empty() && (GetSite().commands.AnyProcessLeft() || !m_app.CanRemoveWorkDirectory()) &&
+        !AskWarning(this, Shown("An open editor or image window or an in-progress render prevent removal of"
+                                " work directory " +
+                                workDir + ".  Quit anyway?"))) {
+        return false;
     }
     WindowPlaces places(m_profile);
     places.SaveWindow(*this, "MainWindow");
@@ -112,12 +110,16 @@ void MainFrame::showEvent(QShowEvent* event) {
 }
 
 void MainFrame::closeEvent(QCloseEvent* event) {
-    if (!m_isClosed && !MayClose()) {
-        event->ignore();
-        return;
+    if (!m_isClosed) {
+        if (!MayClose()) {
+            event->ignore();
+            return;
+        }
+        m_isClosed = true;
+        // While the window stands, so that its going is the program's end.
+        m_app.CloseDown(kGrace);
     }
     m_safetyCopies->Discard();
-    m_isClosed = true;
     for (ToolWindow* window : m_windows.All()) window->hide();
     event->accept();
     QCoreApplication::quit();
