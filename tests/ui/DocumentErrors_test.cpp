@@ -115,6 +115,20 @@ TEST_F(BrokenDocumentTest, IsSavedUnderAnotherNameWithoutAQuestion) {
     EXPECT_EQ(ReadFile(path), text);
 }
 
+TEST_F(BrokenDocumentTest, ACopyOfUnsavedWorkThatIsBrokenIsShownAsFarAsItGoes) {
+    const std::string copies = "state/tavrin/recovery/unsaved-abcdef";
+    const std::string copy = WriteBrokenDocument(copies + ".tvn");
+    directory.Write(copies + ".origin", "tavrin-recovery 1\ndocument \"" + directory / "docs/own.tvn" +
+                                            "\"\nsaved 1000000000\ncutshort 0\nfailures 0\n");
+    PressWhenBoxComes("Recover");
+    PressWhenBoxComes("OK");
+    StartWithDocs();
+    ExpectBox("Alert: " + copy + " near line 5: unexpected input");
+    EXPECT_EQ(Boxes(), 2U);
+    EXPECT_EQ(Bytes(Frame().windowTitle()), "own.tvn[*]");
+    EXPECT_TRUE(Frame().isWindowModified());
+}
+
 // Saves that fail
 
 class FailingSaveTest : public DocumentsTest {

@@ -50,7 +50,9 @@ bool SafetyCopies::OfferLeftovers(QWidget& frame, const std::function<bool()>& s
         switch (AskAbout(frame, found)) {
             case Answer::kRecover:
                 // One document holds one copy; the others are offered by the next start.
-                return settleChanges() && m_recovery.Restore(found, m_work.commands, m_work.document);
+                if (!settleChanges()) return false;
+                m_recovery.Restore(found, m_work.commands, m_work.document);
+                return true;  // what was read of a copy that has an error counts as well
             case Answer::kDiscard:
                 m_recovery.Remove(found);
                 break;

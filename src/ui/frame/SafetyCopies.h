@@ -23,7 +23,7 @@ class SafetyCopies {
     // Nothing unsaved is left.
     void Discard();
     // Asks about what programs that did not end well have left. `settleChanges` is asked before a copy takes
-    // the document's place; true if one did.
+    // the document's place; true if one may have done so.
     bool OfferLeftovers(QWidget& frame, const std::function<bool()>& settleChanges);
 
   private:
