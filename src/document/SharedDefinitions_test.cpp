@@ -232,6 +232,23 @@ TEST_F(SharedDefinitions, AnInterruptEndsTheReadingWithoutAWord) {
     EXPECT_THAT(Alerts(), IsEmpty());
 }
 
+TEST_F(SharedDefinitions, AfterAnInterruptNoBoxIsReadThoughItsTextIsThere) {
+    // Interrupts at the warning of the first box.
+    struct Interrupting : ReportSink {
+        explicit Interrupting(Commands& own) : commands(own) {}
+        void OnAlert(const std::string& text, const std::string&) override { ADD_FAILURE() << text; }
+        void OnLog(std::string_view text) override {
+            if (!text.empty()) commands.InterruptCommand(SIGTERM);
+        }
+        Commands& commands;
+    } sink(Site().commands);
+    AddOperator("Old", "icontext old\n");
+    Site().report.SetSink(&sink);
+    EXPECT_FALSE(Load(Boxes({"Old", "Old"})));
+    Site().report.SetSink(&host.Sink());
+    EXPECT_THAT(Texts(), ElementsAre("old"));
+}
+
 TEST_F(SharedDefinitions, TheWordOfOneLibraryIsNotThatOfAnother) {
     AddOperator("One", "icontext other\n", "other");
     EXPECT_TRUE(Load("tavrn-renderer other\n" + Boxes({"One", "One"})));
