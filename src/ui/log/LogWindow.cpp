@@ -90,6 +90,7 @@ void LogWindow::MakeSwitches() {
     const auto addSwitch = [this](QAction* action, const char* setting, auto set) {
         const bool on = m_profile.GetInt(setting, 0) != 0;
         action->setCheckable(true);
+        action->setIconVisibleInMenu(false);  // it would stand where the check mark belongs
         action->setChecked(on);
         set(on);
         connect(action, &QAction::toggled, this, [this, setting, set](bool now) {

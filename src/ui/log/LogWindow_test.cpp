@@ -272,6 +272,16 @@ TEST_F(LogWindowTest, EditableIsCheckedWrittenAtOnceAndKept) {
     EXPECT_EQ(profile.numbers["Log.editable"], 0);
 }
 
+TEST_F(LogWindowTest, TheSwitchesShowTheirCheckMarksInTheMenu) {
+    for (const auto command : {kWrap, kEditable}) {
+        const QAction* action = window.Command(command);
+        EXPECT_FALSE(action->icon().isNull()) << "the toolbar's";
+        // An icon in the menu would stand where the check mark belongs.
+        EXPECT_TRUE(action->isCheckable());
+        EXPECT_FALSE(action->isIconVisibleInMenu());
+    }
+}
+
 TEST_F(LogWindowTest, WrapIsCheckedWrittenAtOnceAndKept) {
     EXPECT_FALSE(IsChecked(kWrap));
     EXPECT_FALSE(window.Edit().HasWordWrap());
