@@ -30,6 +30,28 @@ QListWidgetItem* MakeRow(const std::string& name) {
 
 std::string NameOf(const QListWidgetItem& row) { return row.data(kNameRole).toByteArray().toStdString(); }
 
+// While no row is selected there is no current one either: its mark would look like a selection, and the
+// arrow keys would start from it.
+class RowList : public QListWidget {
+  public:
+    using QListWidget::QListWidget;
+
+  protected:
+    void focusInEvent(QFocusEvent* event) override {
+        QListWidget::focusInEvent(event);
+        ForgetUnselected();
+    }
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override {
+        QListWidget::selectionChanged(selected, deselected);
+        ForgetUnselected();
+    }
+
+  private:
+    void ForgetUnselected() {
+        if (!selectionModel()->hasSelection()) selectionModel()->clearCurrentIndex();
+    }
+};
+
 }  // namespace
 
 CustomizeDialog::CustomizeDialog(QWidget* owner, const COpRegistry& registry, std::vector<std::string> names,
@@ -38,7 +60,7 @@ CustomizeDialog::CustomizeDialog(QWidget* owner, const COpRegistry& registry, st
       m_registry(registry),
       m_result(std::move(names)),
       m_beep(std::move(beep)),
-      m_list(new QListWidget(this)),
+      m_list(new RowList(this)),
       m_operators(new QMenu(this)) {
     setWindowTitle("Customize Operator Toolbar");
     setModal(true);

@@ -106,6 +106,48 @@ TEST_F(CustomizeDialogTest, TheMnemonicsPressTheButtons) {
     menu.close();
 }
 
+// What is seen of a row where it has no text.
+QColor GroundOf(const CustomizeDialog& dialog, int row) {
+    QListView& list = test::ListOf(dialog);
+    const QRect place = list.visualRect(list.model()->index(row, 0));
+    const QImage picture = list.viewport()->grab(place).toImage();
+    return picture.pixelColor(picture.width() - 4, picture.height() / 2);
+}
+
+TEST_F(CustomizeDialogTest, WhatLooksSelectedIsSelected) {
+    Open({"Mix", "Noise"});
+    QListView& list = test::ListOf(*dialog);
+    const auto marked = [&] {
+        QStringList rows;
+        for (int row = 0; row < list.model()->rowCount(); ++row) {
+            if (GroundOf(*dialog, row) != list.palette().color(QPalette::Base)) rows << QString::number(row);
+        }
+        return rows.join(' ');
+    };
+    Button("add")->setFocus();
+    list.setFocus();
+    ASSERT_TRUE(test::WaitUntil([&] { return list.hasFocus(); }));
+    EXPECT_TRUE(SelectedIn(*dialog).isNull());
+    EXPECT_EQ(marked(), "");
+    QTest::keyClick(&list, Qt::Key_Down);
+    EXPECT_EQ(SelectedIn(*dialog), "Mix") << "the first key comes to the first row";
+    EXPECT_EQ(marked(), "0");
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::ControlModifier,
+                      list.visualRect(list.model()->index(0, 0)).center());
+    EXPECT_TRUE(SelectedIn(*dialog).isNull());
+    EXPECT_EQ(marked(), "") << "a row that was given up";
+}
+
+TEST_F(CustomizeDialogTest, SortingLeavesNoMarkOnARowThatIsNotSelected) {
+    Open({"Noise", "Mix"});
+    QListView& list = test::ListOf(*dialog);
+    list.setFocus();
+    Click("sort");
+    for (int row = 0; row < 3; ++row) {
+        EXPECT_EQ(GroundOf(*dialog, row), list.palette().color(QPalette::Base)) << row;
+    }
+}
+
 // Add
 
 TEST_F(CustomizeDialogTest, TheOperatorsOpenAtTheRightTopCornerOfTheButton) {
