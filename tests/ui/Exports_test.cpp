@@ -12,6 +12,7 @@
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/render/ExportDlg.h"
+#include "ui/support/PaintWatcher.h"
 #include "ui/support/SeenDialog.h"
 #include "ui/support/TestFrame.h"
 
@@ -22,6 +23,7 @@ namespace fs = std::filesystem;
 
 using test::AnswerFileDialog;
 using test::BoxesShown;
+using test::PaintWatcher;
 using test::PressWhenBoxComes;
 using test::ReadFile;
 using test::SeenDialog;
@@ -96,11 +98,12 @@ class ExportsTest : public test::FrameTest {
 
 TEST_F(ExportsTest, WithAllFlagsOffEverythingIsSavedAndNothingAskedFor) {
     StartWithMarble();
+    const PaintWatcher status(Frame().StatusBox());
     QTest::keyClick(&Frame(), Qt::Key_F7);
     EXPECT_EQ(Exported(), "exportall marble - - - - -");
     EXPECT_THAT(ReadFile(WorkDir() + "/marble"), HasSubstr("surface marble"));
     EXPECT_FALSE(fs::exists(Out("marble.tvn")));
-    EXPECT_TRUE(WaitUntil([this] { return Activity().starts_with("Exported marble in "); }));
+    EXPECT_TRUE(WaitUntil([&] { return status.HasTold("Exported marble in "); }));
 }
 
 TEST_F(ExportsTest, WithAllFlagsOnEachTargetHasItsPlaceInTheCommand) {
@@ -200,27 +203,29 @@ TEST_F(ExportsTest, AKindOfFileIsExportedToThePathThatIsChosenAndThatIsNotStored
     const struct {
         CommandId id;
         const char* offered;
+        const char* chosen;
         const char* command;
     } kinds[] = {
-        {CommandId::kExportShaderSource, "marble.mi", "exportall marble % - - - -"},
-        {CommandId::kExportCompiledShader, "marble.so", "exportall marble - % - - -"},
-        {CommandId::kExportShaderInterface, "marble.cus", "exportall marble - - % - -"},
-        {CommandId::kExportRenderInterface, "marble.ri", "exportall marble - - - % -"},
+        {CommandId::kExportShaderSource, "marble.mi", "source", "exportall marble % - - - -"},
+        {CommandId::kExportCompiledShader, "marble.so", "compiled", "exportall marble - % - - -"},
+        {CommandId::kExportShaderInterface, "marble.cus", "shaderface", "exportall marble - - % - -"},
+        {CommandId::kExportRenderInterface, "marble.ri", "renderface", "exportall marble - - - % -"},
     };
+    const PaintWatcher status(Frame().StatusBox());
     Options().runPostSave = Options().saveTavrn = 1;  // which only Export All heeds
     Options().postSaveScript = "/bin/true";
     for (const auto& kind : kinds) {
         const CExportOptions before = Options();
         SeenDialog seen;
-        AnswerFileDialog(seen, directory / "chosen");
+        AnswerFileDialog(seen, directory / kind.chosen);
         Do(kind.id);
         EXPECT_EQ(seen.title, "Select File");
         EXPECT_EQ(seen.directory, directory / "out/");
         EXPECT_EQ(seen.name, kind.offered);
-        EXPECT_EQ(
-            Exported(),
-            std::string(kind.command).replace(std::string(kind.command).find('%'), 1, directory / "chosen"));
-        EXPECT_TRUE(WaitUntil([this] { return Activity().starts_with("Exported chosen in "); }));
+        const std::string command = kind.command;
+        EXPECT_EQ(Exported(), std::string(command).replace(command.find('%'), 1, directory / kind.chosen));
+        const std::string told = std::string("Exported ") + kind.chosen + " in ";
+        EXPECT_TRUE(WaitUntil([&] { return status.HasTold(told); })) << told;
         EXPECT_EQ(Options().sourcePath, before.sourcePath);
         EXPECT_EQ(Options().compiledPath, before.compiledPath);
         EXPECT_EQ(Options().shaderIfacePath, before.shaderIfacePath);

@@ -6,12 +6,15 @@
 #include <QTest>
 #include <filesystem>
 #include <set>
+#include <thread>
 
 #include "base/Paths.h"
 #include "ui/Text.h"
+#include "ui/frame/RenderWork.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/log/LogWindow.h"
 #include "ui/render/RenderHistoryDlg.h"
+#include "ui/support/PaintWatcher.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {
@@ -20,6 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using test::BoxesShown;
+using test::PaintWatcher;
 using test::PressWhenBoxComes;
 using test::ReadFile;
 using test::WaitUntil;
@@ -44,28 +48,6 @@ for (1 .. 1000) { last if -e "$ENV{TAVRN_DIR}/../go"; select undef, undef, undef
 open my $shader, '>', $base or die;
 close $shader;
 )";
-
-// What the status box says, and which cursor is shown, each time that it is painted.
-class PaintWatcher : public QObject {
-  public:
-    explicit PaintWatcher(QWidget& box) : m_activity(box.findChild<QLabel*>("activity")) {
-        m_activity->installEventFilter(this);
-    }
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (object != m_activity || event->type() != QEvent::Paint) return false;
-        texts.insert(Bytes(m_activity->text()));
-        const QCursor* cursor = QGuiApplication::overrideCursor();
-        if (cursor != nullptr && cursor->shape() == Qt::WaitCursor) waiting.insert(Bytes(m_activity->text()));
-        if (onPaint) onPaint();
-        return false;
-    }
-    std::set<std::string> texts;
-    std::set<std::string> waiting;  // those of them under the wait cursor
-    std::function<void()> onPaint;
-
-  private:
-    QLabel* m_activity;
-};
 
 class RendersTest : public test::FrameTest {
   protected:
@@ -203,6 +185,19 @@ TEST_F(RendersTest, TheStatusBoxTellsOfTheRenderAndOfItsEnd) {
     ReleaseScripts();
     EXPECT_TRUE(WaitUntil([&] { return ActivityIs(std::string("Rendered marble in ") + kSeconds); }))
         << Activity();
+}
+
+// The script may have ended before anybody looks whether it runs.
+TEST_F(RendersTest, ARenderThatEndsAtOnceIsToldOfAllTheSame) {
+    StartWithMarble();
+    const auto waitWithoutEvents = [this] {
+        while (ChildRuns()) std::this_thread::yield();
+    };
+    RenderWork renders(Frame(), Frame().Work(), Frame().StatusBox(), waitWithoutEvents);
+    renders.RenderIt();
+    EXPECT_TRUE(ActivityIs(std::string("Rendered marble in ") + kSeconds)) << Activity();
+    Settle();
+    EXPECT_TRUE(ActivityIs(std::string("Rendered marble in ") + kSeconds)) << Activity();
 }
 
 TEST_F(RendersTest, TheStatusBoxTellsOfARenderThatFailed) {

@@ -106,6 +106,7 @@ void RenderWork::OpenView(const QString& step, const std::function<std::optional
 }
 
 void RenderWork::StartWatching(const QString& doing, const QString& done) {
+    m_stepTold = -1;  // what is told from here on is no step, and stays
     m_doing = doing;
     m_done = done;
     m_stopped = false;
