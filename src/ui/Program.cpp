@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QSurfaceFormat>
 #include <QWindow>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -47,11 +48,17 @@ bool OpenNamedDocument(MainFrame& frame, Report& report, const std::string& path
     return false;
 }
 
-// Until it is on the screen, but not for long: some displays do not tell.
-void WaitForWindow(const QWidget& window) {
+bool AnyWindowToCome() {
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    return std::any_of(windows.begin(), windows.end(),
+                       [](const QWindow* window) { return window->isVisible() && !window->isExposed(); });
+}
+
+// Until all that is shown is on the screen, but not for long: some displays do not tell.
+void WaitForWindows() {
     QElapsedTimer clock;
     clock.start();
-    while (!window.windowHandle()->isExposed() && clock.elapsed() < kTimeToShow) {
+    while (AnyWindowToCome() && clock.elapsed() < kTimeToShow) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, kTimeToShow / 10);
     }
     QCoreApplication::processEvents();
@@ -75,7 +82,7 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
         });
         frame.show();
         // A long document is opened before the user's eyes.
-        if (!documentPath.empty()) WaitForWindow(frame);
+        if (!documentPath.empty()) WaitForWindows();
         // The desk may have failed before there is a loop that could be left.
         if (OpenNamedDocument(frame, report, documentPath) && !frame.HasFailed())
             status = QApplication::exec();

@@ -1,10 +1,20 @@
 #include "ui/ToolWindow.h"
 
 #include <QCloseEvent>
+#include <utility>
 
 namespace tavrin {
 
-ToolWindow::ToolWindow(const QString& title, QWidget* frame) : QWidget(frame, Qt::Window) {
+namespace {
+
+// To the window manager a utility of the frame: it keeps that over the frame, and where it was put. Plain
+// windows it lets sink below, dialogs it moves. As a Qt::Tool the same would send the frame's shortcuts to
+// the frame, Delete among them.
+constexpr Qt::WindowType kFloating = Qt::Drawer;
+
+}  // namespace
+
+ToolWindow::ToolWindow(const QString& title, QWidget* frame) : QWidget(frame, kFloating) {
     setWindowTitle(title);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_QuitOnClose, false);
@@ -25,6 +35,11 @@ void ToolWindow::ComeUp() {
         show();
     }
     raise();
+}
+
+void ToolWindow::setVisible(bool visible) {
+    if (visible && m_firstPlace) move(std::exchange(m_firstPlace, {})());
+    QWidget::setVisible(visible);
 }
 
 void ToolWindow::closeEvent(QCloseEvent* event) {

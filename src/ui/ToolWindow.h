@@ -1,6 +1,7 @@
-// The base of the modeless windows that float beside the main frame.
+// The base of the modeless windows that float over the main frame.
 #pragma once
 
+#include <QPoint>
 #include <QWidget>
 #include <functional>
 
@@ -8,7 +9,8 @@ class QCloseEvent;
 
 namespace tavrin {
 
-// Lives as long as the frame, its parent. Its close button hides it.
+// Lives as long as the frame, its parent, which it is never below once the frame is on the screen. Its close
+// button hides it.
 class ToolWindow : public QWidget {
   public:
     // `frame` may be null in tests.
@@ -22,6 +24,12 @@ class ToolWindow : public QWidget {
     // The rule of a command that never hides: restores, or brings to the top.
     void ComeUp();
 
+    void setVisible(bool visible) override;
+    // Asked for a place, once, when the window comes up first: for one that was never placed.
+    void PlaceWhenFirstShown(std::function<QPoint()> place) { m_firstPlace = std::move(place); }
+    // It has a place to be kept.
+    bool IsPlaced() const { return !m_firstPlace; }
+
     // Called when the window was shown or hidden by whatever way.
     void OnShownOrHidden(std::function<void()> observer) { m_observer = std::move(observer); }
 
@@ -34,6 +42,7 @@ class ToolWindow : public QWidget {
     void hideEvent(QHideEvent* event) override;
 
   private:
+    std::function<QPoint()> m_firstPlace;
     std::function<void()> m_observer;
 };
 

@@ -7,6 +7,7 @@
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/log/LogWindow.h"
+#include "ui/support/Stacking.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {
@@ -183,18 +184,89 @@ TEST_F(PlacesTest, TheMainWindowIsShownWhateverWasStoredOfIt) {
     EXPECT_EQ(profile.GetInt("MainWindow.visible", -1), 1);
 }
 
-TEST_F(PlacesTest, NothingIsShownOrMovedAtTheFirstStart) {
+TEST_F(PlacesTest, AtTheFirstStartNoToolWindowIsShownAndNoneGetsAPlaceThatItNeverHad) {
     Start();
     for (const Place& tool : Tools()) EXPECT_FALSE(tool.window->isVisible()) << tool.name;
     EXPECT_GE(Frame().x(), 0);
     EXPECT_GE(Frame().y(), 0);
     CloseFrame();
-    for (const char* name : {"MainWindow", "RenderHistory", "BoxFinder", "MenuFinder", "ArgumentEditor",
-                             "RenderOptionsEditor", "ExportOptionsEditor", "HelpEditor", "Log"}) {
-        for (const char* key : {".x", ".y", ".width", ".height", ".visible"}) {
-            EXPECT_TRUE(profile.numbers.contains(std::string(name) + key)) << name << key;
-        }
+    for (const char* key : {".x", ".y", ".width", ".height", ".visible"})
+        EXPECT_TRUE(profile.numbers.contains(std::string("MainWindow") + key)) << key;
+    EXPECT_FALSE(profile.numbers.contains("Log.x"));
+    Start();
+    Do(CommandId::kDisplayLog);
+    CloseFrame();
+    for (const char* key : {".x", ".y", ".width", ".height", ".visible"})
+        EXPECT_TRUE(profile.numbers.contains(std::string("Log") + key)) << key;
+    EXPECT_FALSE(profile.numbers.contains("BoxFinder.x"));
+}
+
+TEST_F(PlacesTest, WindowsThatWereNeverPlacedComeUpOnTheFrameEachOnASpotOfItsOwn) {
+    Start();
+    CloseFrame();  // as in the second run: the profile knows of the frame alone
+    Start();
+    const QRect onScreen = Frame().screen()->availableGeometry();
+    std::map<std::pair<int, int>, std::string> spots;
+    for (const Place& tool : Tools()) {
+        tool.window->show();
+        ASSERT_TRUE(WaitUntil([&] { return tool.window->windowHandle()->isExposed(); })) << tool.name;
+        const QRect place = tool.window->frameGeometry();
+        EXPECT_TRUE(WaitUntil([&] { return onScreen.contains(tool.window->frameGeometry()); }, 5))
+            << tool.name << ": " << Text(place);
+        EXPECT_TRUE(Frame().frameGeometry().intersects(place)) << tool.name << ": " << Text(place);
+        EXPECT_GT(place.y(), Frame().y()) << tool.name << " covers the menus";
+        const auto [spot, isNew] = spots.emplace(std::pair(place.x(), place.y()), tool.name);
+        EXPECT_TRUE(isNew) << tool.name << " stands on " << spot->second;
     }
+}
+
+TEST_F(PlacesTest, AWindowThatWasHiddenAndComesUpAgainHasNotMoved) {
+    Start();
+    Do(CommandId::kBoxFinder);
+    QWidget& finder = *Frame().Windows().boxFinder;
+    ASSERT_TRUE(WaitUntil([&] { return finder.isVisible() && finder.windowHandle()->isExposed(); }));
+    finder.move(444, 333);
+    ExpectPlace(finder, {QPoint(444, 333), finder.size()}, "before");
+    Do(CommandId::kBoxFinder);
+    Frame().move(Frame().pos() + QPoint(20, 20));
+    Do(CommandId::kBoxFinder);
+    ExpectPlace(finder, {QPoint(444, 333), finder.size()}, "after");
+}
+
+TEST_F(PlacesTest, ToolWindowsStayOverTheFrameWhateverComesToTheTop) {
+    Store("Log", NthPlace(0), true);  // comes up with the frame
+    Start();
+    for (const Place& tool : Tools()) {
+        tool.window->show();
+        EXPECT_TRUE(WaitUntil([&] { return test::IsAbove(*tool.window, Frame()); })) << tool.name;
+    }
+    QWidget other;
+    test::ShowActive(other);
+    test::ShowActive(Frame());
+    EXPECT_TRUE(WaitUntil([&] { return test::IsAbove(Frame(), other); }));
+    for (const Place& tool : Tools()) EXPECT_TRUE(test::IsAbove(*tool.window, Frame())) << tool.name;
+}
+
+TEST_F(PlacesTest, AMaximizedFrameComesBackMaximizedAndGoesBackToItsNormalPlace) {
+    Start();
+    Frame().resize(1010, 707);
+    Frame().move(120, 95);
+    ExpectPlace(Frame(), {120, 95, 1010, 707}, "MainWindow");
+    Settle();
+    Frame().showMaximized();
+    const auto isMaximized = [this] { return Frame().isMaximized() && Frame().width() > 1500; };
+    ASSERT_TRUE(WaitUntil(isMaximized));
+    for (int restart = 0; restart < 2; ++restart) {
+        CloseFrame();
+        Start();
+        EXPECT_TRUE(WaitUntil(isMaximized)) << Text(PlaceOf(Frame()));
+    }
+    Frame().showNormal();
+    ExpectPlace(Frame(), {120, 95, 1010, 707}, "MainWindow");
+    CloseFrame();
+    Start();
+    EXPECT_FALSE(Frame().isMaximized());
+    ExpectPlace(Frame(), {120, 95, 1010, 707}, "MainWindow");
 }
 
 TEST_F(PlacesTest, AMinimizedToolWindowKeepsItsStoredPlace) {

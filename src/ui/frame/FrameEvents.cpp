@@ -3,7 +3,9 @@
 #include <QCoreApplication>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QSplitter>
 #include <QTimer>
+#include <utility>
 
 #include "base/Profile.h"
 #include "ui/Messages.h"
@@ -97,17 +99,28 @@ bool MainFrame::MayClose() {
         return false;
     }
     WindowPlaces places(m_profile);
-    places.SaveWindow(*this, "MainWindow");
-    m_windows.SavePlaces(places);
+    places.SaveWindow(*this, kPlaceName, m_normalPlace);
+    if (m_hasBeenShown) m_windows.SavePlaces(places);
     m_profile.SetInt(kScrollBarsKey, m_desk->ScrollBarsShown() ? 1 : 0);
     return m_documents->SettleChanges();
 }
 
-void MainFrame::showEvent(QShowEvent* event) {
-    QMainWindow::showEvent(event);
+void MainFrame::setVisible(bool visible) {
+    const bool isFirst = visible && !std::exchange(m_hasBeenShown, true);
+    WindowPlaces places(m_profile);
+    // Only now: any change of size, as by a layout that is made, would end that state.
+    if (isFirst) places.RestoreMaximized(*this, kPlaceName);
+    QMainWindow::setVisible(visible);
+    if (!isFirst) return;
+    // Not before the frame is on its way to the screen: a window manager that does not know the frame yet
+    // cannot keep them over it.
+    m_windows.RestorePlaces(places, [this] { return ViewsOnScreen(); });
     m_idleWork->ShowSplash();
     m_idle.Request();
 }
+
+// In global coordinates.
+QRect MainFrame::ViewsOnScreen() const { return {m_splitter->mapToGlobal(QPoint(0, 0)), m_splitter->size()}; }
 
 void MainFrame::closeEvent(QCloseEvent* event) {
     if (!m_isClosed) {

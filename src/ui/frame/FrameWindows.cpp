@@ -1,5 +1,6 @@
 #include "ui/frame/FrameWindows.h"
 
+#include <QScreen>
 #include <array>
 
 #include "ui/TableWindow.h"
@@ -18,19 +19,26 @@ struct Place {
     ToolWindow* window;
     const char* name;
     bool restoresSize;
+    QPointF share;  // of the ground's free room that is left of it and above it at first
 };
 
 std::array<Place, 8> PlacesOf(const FrameWindows& windows) {
     return {{
-        {windows.renderHistory, "RenderHistory", true},
-        {windows.boxFinder, "BoxFinder", true},
-        {windows.menuFinder, "MenuFinder", true},
-        {windows.argumentEditor, "ArgumentEditor", true},
-        {windows.renderOptions, "RenderOptionsEditor", false},
-        {windows.exportDialog, "ExportOptionsEditor", false},
-        {windows.helpEditor, "HelpEditor", true},
-        {windows.log, "Log", true},
+        {windows.renderHistory, "RenderHistory", true, {1, 1}},
+        {windows.boxFinder, "BoxFinder", true, {1, 0}},
+        {windows.menuFinder, "MenuFinder", true, {0, 0}},
+        {windows.argumentEditor, "ArgumentEditor", true, {0.5, 0.9}},
+        {windows.renderOptions, "RenderOptionsEditor", false, {0.2, 0.2}},
+        {windows.exportDialog, "ExportOptionsEditor", false, {0.5, 0.3}},
+        {windows.helpEditor, "HelpEditor", true, {0.7, 0.5}},
+        {windows.log, "Log", true, {0.1, 1}},
     }};
+}
+
+// The window manager will draw round it what it draws round the frame.
+QSize WithBorder(const QWidget& window) {
+    const QWidget& frame = *window.parentWidget();
+    return window.size() + frame.frameGeometry().size() - frame.size();
 }
 
 }  // namespace
@@ -46,14 +54,23 @@ void FrameWindows::RefreshTables() const {
     argumentEditor->Refresh();
 }
 
-void FrameWindows::RestorePlaces(WindowPlaces& places) const {
+void FrameWindows::RestorePlaces(WindowPlaces& places, const std::function<QRect()>& ground) const {
     for (const Place& place : PlacesOf(*this)) {
-        places.RestoreWindow(*place.window, place.name, {place.restoresSize, true});
+        if (places.RestoreWindow(*place.window, place.name, {place.restoresSize, true})) continue;
+        place.window->PlaceWhenFirstShown([windows = All(), place, ground] {
+            FirstPlaceRoom room{ground(), place.window->parentWidget()->screen()->availableGeometry(), {}};
+            for (const ToolWindow* other : windows) {
+                if (other->isVisible()) room.taken.push_back(other->pos());
+            }
+            return FirstPlace(room, WithBorder(*place.window), place.share);
+        });
     }
 }
 
 void FrameWindows::SavePlaces(WindowPlaces& places) const {
-    for (const Place& place : PlacesOf(*this)) places.SaveWindow(*place.window, place.name);
+    for (const Place& place : PlacesOf(*this)) {
+        if (place.window->IsPlaced()) places.SaveWindow(*place.window, place.name);
+    }
 }
 
 void FrameWindows::TellState(FrameState& state) const {

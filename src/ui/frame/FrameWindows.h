@@ -1,6 +1,8 @@
 // The modeless windows that stand beside the main frame, once each for its life.
 #pragma once
 
+#include <QRect>
+#include <functional>
 #include <vector>
 
 #include "ui/frame/FrameState.h"
@@ -31,7 +33,10 @@ struct FrameWindows {
     std::vector<ToolWindow*> All() const;
     // What the lists show of the document may have changed.
     void RefreshTables() const;
-    void RestorePlaces(WindowPlaces& places) const;
+    // A window that was never placed comes up on the `ground`, asked for then: where desk and sliders are, in
+    // global coordinates.
+    void RestorePlaces(WindowPlaces& places, const std::function<QRect()>& ground) const;
+    // Of those that have been placed.
     void SavePlaces(WindowPlaces& places) const;
     // Fills in which of them are up.
     void TellState(FrameState& state) const;

@@ -16,11 +16,10 @@ IdleWork::~IdleWork() = default;
 
 void IdleWork::ShowSplash() {
     if (m_splash == nullptr) return;
-    m_splash->move(m_frame.frameGeometry().center() - m_splash->rect().center());
     // The toolkit turns the event loop while it shows a splash. A step meanwhile would destroy the splash
     // below its own show, and run boxes before the frame is up.
     m_isShowing = true;
-    m_splash->show();
+    m_splash->ShowOverFrame();
     m_isShowing = false;
 }
 

@@ -24,7 +24,7 @@ class IdleWork {
     IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, Callbacks callbacks);
     ~IdleWork();
 
-    // Once the frame stands on the screen; nothing if the splash is gone.
+    // Once the frame has been shown; nothing if the splash is gone.
     void ShowSplash();
     // One idle pass. Does nothing while a box of an earlier pass is still open.
     void Step();

@@ -68,7 +68,8 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
     setContextMenuPolicy(Qt::NoContextMenu);  // else bars could be hidden there, to be found again nowhere
     setWindowIcon(ApplicationIcon());
     resize(kFirstSize.boundedTo(screen()->availableSize() - kWindowBorder));
-    WindowPlaces(m_profile).RestoreWindow(*this, "MainWindow", {true, false});
+    WindowPlaces(m_profile).RestoreWindow(*this, kPlaceName, {true, false});
+    m_normalPlace.Note();
     if (showSplash) m_splash = std::make_unique<Splash>(this, m_app.ProductVersion());
     m_windows.log = new LogWindow(this, m_profile);
     GetSite().report.SetSink(m_sink.get());
@@ -81,8 +82,6 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
     CreateClientArea();
     CreateMenus();
     RetitleCommands();
-    WindowPlaces places(m_profile);
-    m_windows.RestorePlaces(places);
 
     m_queue.OnRan([this] { m_idle.Request(); });
     m_safetyCopies = std::make_unique<SafetyCopies>(*m_work);

@@ -10,6 +10,7 @@
 #include "app/Actions.h"
 #include "app/RecentFiles.h"
 #include "app/Workspace.h"
+#include "ui/NormalPlace.h"
 #include "ui/frame/CommandActions.h"
 #include "ui/frame/DocumentWork.h"
 #include "ui/frame/EditKeys.h"
@@ -70,8 +71,10 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     Actions& ActionDispatch() { return m_dispatch; }
     FrameState State() const;
 
+    // What floats over the frame comes up with it.
+    void setVisible(bool visible) override;
+
   protected:
-    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -122,10 +125,13 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     QString DeskHint() const;
     void DropStaleHelp();
     bool MayClose();
+    QRect ViewsOnScreen() const;
 
     Site& GetSite() { return m_app.GetSite(); }
 
-    static constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";  // in the profile
+    // In the profile.
+    static constexpr const char* kPlaceName = "MainWindow";
+    static constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";
 
     // Routes the core's reports: the log to its window, alerts to the next idle pass.
     class Sink;
@@ -135,6 +141,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     Profile& m_profile;
     IdleDriver m_idle;
     EditKeys m_editKeys;
+    NormalPlace m_normalPlace{*this};
     FrameWindows m_windows;
     std::unique_ptr<Sink> m_sink;
     std::unique_ptr<Splash> m_splash;
@@ -159,6 +166,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     bool m_showStatus = true;
     bool m_showSliderDesk = true;
     bool m_locked = false;
+    bool m_hasBeenShown = false;
     bool m_isClosed = false;
     int m_failure = 0;  // exit status where it was closed because the program could not go on
 };

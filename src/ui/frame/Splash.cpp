@@ -1,5 +1,6 @@
 #include "ui/frame/Splash.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QVBoxLayout>
@@ -41,6 +42,19 @@ Splash::Splash(QWidget* frame, const std::string& version)
     adjustSize();
     m_since.start();
 }
+
+void Splash::ShowOverFrame() {
+    MoveToMiddle();
+    parentWidget()->installEventFilter(this);
+    show();
+}
+
+bool Splash::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) MoveToMiddle();
+    return QWidget::eventFilter(object, event);
+}
+
+void Splash::MoveToMiddle() { move(parentWidget()->frameGeometry().center() - rect().center()); }
 
 void ShowAboutBox(QWidget* owner, const std::string& version) {
     QMessageBox box(owner);

@@ -7,7 +7,7 @@
 
 namespace tavrin {
 
-// Owned by the frame until its time is over.
+// Owned by the frame, its parent, until its time is over.
 class Splash : public QWidget {
   public:
     // It goes when more than this has passed, or an alert waits.
@@ -15,9 +15,19 @@ class Splash : public QWidget {
 
     Splash(QWidget* frame, const std::string& version);
 
+    // In its middle, and there it stays if the frame is moved: a window manager may place that only now. To
+    // be called when the frame is on the screen, else the splash could come to lie under it. Turns the event
+    // loop.
+    void ShowOverFrame();
+
     qint64 TimeLeft() const { return kTime + 1 - m_since.elapsed(); }
 
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
   private:
+    void MoveToMiddle();
+
     QElapsedTimer m_since;
 };
 
