@@ -3,7 +3,6 @@
 #include <ctime>
 
 #include "base/Paths.h"
-#include "render/ShaderExport.h"
 #include "text/Archive.h"
 
 namespace tavrin {
@@ -23,14 +22,9 @@ std::string TimeOfDay() {
 
 }  // namespace
 
-void DocumentCommands::NameHasChanged() {
-    m_app.ShaderTypeChanged();
-    UpdateExportPaths(m_document, m_app.GetSite());
-}
-
 void DocumentCommands::Refresh() {
     m_desk.OnInitialUpdate();
-    NameHasChanged();
+    m_app.ShaderTypeChanged();
     m_app.PushOptionsToForm();
 }
 
@@ -99,7 +93,7 @@ bool DocumentCommands::Save(const std::string& path) {
         m_app.GetSite().report.Alert("unable to save %s: %s", path.c_str(), error.c_str());
         return false;
     }
-    NameHasChanged();
+    m_app.UpdateTitle();
     Log("saved", path);
     return true;
 }
@@ -113,12 +107,6 @@ bool DocumentCommands::SaveAs(const std::string& path) {
 void DocumentCommands::Toggle(int& flag) {
     flag = flag == 0 ? 1 : 0;
     m_document.SetModified();
-}
-
-std::string DocumentCommands::WindowTitle() const {
-    const auto type = m_document.m_renderOptions.find(kShaderTypeOption);
-    if (type == m_document.m_renderOptions.end()) return m_document.Title();
-    return m_document.Title() + " [" + type->second + "]";
 }
 
 }  // namespace tavrin

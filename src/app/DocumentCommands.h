@@ -10,8 +10,8 @@
 
 namespace tavrin {
 
-// Keeps desk, form and export paths in step with the document. Asks nothing: whether a modified document may
-// go is settled before. Every operation reports before it returns false.
+// Keeps desk, form, title and export paths in step with the document. Asks nothing: whether a modified
+// document may go is settled before. Every operation reports before it returns false.
 class DocumentCommands {
   public:
     // Whether the log tells of every document that was opened or saved, with the time of day.
@@ -51,13 +51,6 @@ class DocumentCommands {
     void ToggleLock() { Toggle(m_document.lock); }
     // A locked desk's display options, all but the lock itself, are frozen with it.
     bool CanToggleDisplay() const { return m_document.lock == 0; }
-
-    // The document's title, with the shader type in brackets behind it if the document has one.
-    std::string WindowTitle() const;
-
-    // To be called after a change of the document's name or its shader type: the extension of the shader
-    // interface and the export paths follow.
-    void NameHasChanged();
 
   private:
     void Toggle(int& flag);

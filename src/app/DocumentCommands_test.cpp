@@ -69,7 +69,7 @@ TEST_F(DocumentCommandsTest, ANewDocumentWillBeSavedAsUntitledWhereDialogsOpen) 
     EXPECT_EQ(document->Path(), "/shaders/untitled.tvn");
     EXPECT_TRUE(document->m_boxes.empty());
     EXPECT_FALSE(document->IsModified());
-    EXPECT_EQ(commands->WindowTitle(), "untitled.tvn [surface]");
+    EXPECT_EQ(app->WindowTitle(), "untitled.tvn [surface]");
     EXPECT_EQ(desk->NextWid(), 1);
 }
 
@@ -81,7 +81,7 @@ TEST_F(DocumentCommandsTest, OpeningTellsTheLogAndMovesTheDialogs) {
 
 TEST_F(DocumentCommandsTest, AnOpenedDocumentTakesItsNumbersAndItsTypeAlong) {
     ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));
-    EXPECT_EQ(commands->WindowTitle(), "a.tvn [light]");
+    EXPECT_EQ(app->WindowTitle(), "a.tvn [light]");
     EXPECT_EQ(document->exportOptions.shaderIfacePath, "./a.lif");
     EXPECT_EQ(document->exportOptions.sourcePath, "./a.src");
     for (int wid = 1; wid < 7; ++wid) EXPECT_EQ(desk->NextWid(), wid);
@@ -113,7 +113,7 @@ TEST_F(DocumentCommandsTest, RecoveredWorkIsTheModifiedDocumentOfItsOwnFile) {
     EXPECT_EQ(document->Path(), "/there/a.tvn");
     EXPECT_TRUE(document->IsModified());
     EXPECT_FALSE(document->WasCutShort());
-    EXPECT_EQ(commands->WindowTitle(), "a.tvn [light]");
+    EXPECT_EQ(app->WindowTitle(), "a.tvn [light]");
     EXPECT_EQ(document->exportOptions.sourcePath, "./a.src");
     EXPECT_EQ(dynamic_cast<const CFormXField&>(*app->RenderOptionsForm().children[1]).text, "9");
     EXPECT_EQ(desk->NextWid(), 1);
@@ -141,7 +141,7 @@ TEST_F(DocumentCommandsTest, ACopyThatCannotBeReadToItsEndGivesWhatWasRead) {
     EXPECT_EQ(document->Path(), "/a.tvn");
     EXPECT_TRUE(document->IsModified());
     EXPECT_TRUE(document->WasCutShort());
-    EXPECT_EQ(commands->WindowTitle(), "a.tvn [surface]");
+    EXPECT_EQ(app->WindowTitle(), "a.tvn [surface]");
 }
 
 TEST_F(DocumentCommandsTest, ACopyThatCannotBeOpenedLeavesEverythingAsItWas) {
@@ -194,7 +194,7 @@ TEST_F(DocumentCommandsTest, SavingUnderAnotherNameMovesTheDialogs) {
     ASSERT_EQ(MakeDirectory(directory / "else"), 0);
     ASSERT_TRUE(commands->SaveAs(directory / "else/b.tvn"));
     EXPECT_EQ(app->GetSite().directories.docBrowserDir, directory / "else/");
-    EXPECT_EQ(commands->WindowTitle(), "b.tvn [surface]");
+    EXPECT_EQ(app->WindowTitle(), "b.tvn [surface]");
 }
 
 TEST_F(DocumentCommandsTest, AFailedSaveIsAlertedAndLeavesTheDocumentModified) {
@@ -234,14 +234,14 @@ TEST_F(DocumentCommandsTest, ALockedDeskFreezesItsDisplayOptions) {
 
 TEST_F(DocumentCommandsTest, WithoutAShaderTypeTheTitleIsTheFileName) {
     document->m_renderOptions.erase("TAVRN_SHADER_TYPE");
-    EXPECT_EQ(commands->WindowTitle(), "Untitled.tvn");
+    EXPECT_EQ(app->WindowTitle(), "Untitled.tvn");
 }
 
 TEST_F(DocumentCommandsTest, TheFirstDocumentHasNoPath) {
     ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));
     commands->StartUntitled();
     EXPECT_EQ(document->Path(), "");
-    EXPECT_EQ(commands->WindowTitle(), "Untitled.tvn [surface]");
+    EXPECT_EQ(app->WindowTitle(), "Untitled.tvn [surface]");
     EXPECT_TRUE(document->m_boxes.empty());
     EXPECT_FALSE(document->IsModified());
 }

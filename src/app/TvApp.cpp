@@ -12,6 +12,7 @@
 #include "base/Process.h"
 #include "forms/FormFrame.h"
 #include "forms/FormParser.h"
+#include "render/ShaderExport.h"
 #include "site/TextEditor.h"
 
 namespace tavrin {
@@ -217,10 +218,28 @@ std::string CTvApp::GetAppVariable(const std::string& name) {
 void CTvApp::ShaderTypeChanged() {
     if (m_document == nullptr) return;
     m_site.extShaderIface = kDefaultShaderIfaceExt;
+    if (const std::string* type = ShaderType()) {
+        if (m_titleView != nullptr) m_titleView->ShowShaderType(*type);
+        const auto extension = m_site.shaderIfaceExts.find(*type);
+        if (extension != m_site.shaderIfaceExts.end()) m_site.extShaderIface = extension->second;
+    }
+    UpdateTitle();
+}
+
+void CTvApp::UpdateTitle() {
+    if (m_document == nullptr) return;
+    UpdateExportPaths(*m_document, m_site);
+    if (m_titleView != nullptr) m_titleView->ShowTitle(WindowTitle());
+}
+
+std::string CTvApp::WindowTitle() const {
+    const std::string* type = ShaderType();
+    return type == nullptr ? m_document->Title() : m_document->Title() + " [" + *type + "]";
+}
+
+const std::string* CTvApp::ShaderType() const {
     const auto type = m_document->m_renderOptions.find(kShaderTypeOption);
-    if (type == m_document->m_renderOptions.end()) return;
-    const auto extension = m_site.shaderIfaceExts.find(type->second);
-    if (extension != m_site.shaderIfaceExts.end()) m_site.extShaderIface = extension->second;
+    return type == m_document->m_renderOptions.end() ? nullptr : &type->second;
 }
 
 void CTvApp::LoadFormDefaults() { m_form->LoadDefaults(*this); }

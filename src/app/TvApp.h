@@ -21,6 +21,17 @@ class CRenderOptionsEditor;
 // The one option with a reaction: it selects the extension of shader interface files.
 inline constexpr const char* kShaderTypeOption = "TAVRN_SHADER_TYPE";
 
+// What a program shows of the document's name and its shader's type.
+class TitleView {
+  public:
+    virtual ~TitleView() = default;
+
+    // The document has this type.
+    virtual void ShowShaderType(const std::string& type) = 0;
+    // The extensions and the export paths are in line with it.
+    virtual void ShowTitle(const std::string& title) = 0;
+};
+
 // One for the process, made by the program before anything else. It has no window and never ends the
 // process: StartUpProblem tells what must end it.
 class CTvApp : public DocumentHost, private FormHost {
@@ -59,14 +70,22 @@ class CTvApp : public DocumentHost, private FormHost {
     // The one document; none while there is no frame.
     void SetDocument(CTvDoc* document) { m_document = document; }
     CTvDoc* GetDocument() const { return m_document; }
+    // Who is told of changes of name and type. It outlives its being told; null for nobody.
+    void SetTitleView(TitleView* view) { m_titleView = view; }
 
     // The one way to store a named value: in the document or, while there is none, here. A value that was
     // there already does not mark the document.
     void SetVariable(const std::string& name, const std::string& value, bool updateForm);
     std::string GetAppVariable(const std::string& name) override;
-    // To be called when a document was opened or its shader type has changed: the extension of shader
-    // interface files follows the type.
+    // The one door for every change of the document's shader type, by whatever way it comes; SetVariable goes
+    // through it by itself. The extension of shader interface files follows the type, then all that
+    // UpdateTitle brings in line. To be called as well when another document has taken the place of the one
+    // before.
     void ShaderTypeChanged();
+    // After a change of the document's name: the export paths and what the program shows follow.
+    void UpdateTitle();
+    // The title of the document, which is there, with the shader type in brackets behind it if it has one.
+    std::string WindowTitle() const;
 
     // Opens a file as a text in the user's editor, without waiting. Where there is none that can be started,
     // that is alerted.
@@ -102,6 +121,8 @@ class CTvApp : public DocumentHost, private FormHost {
     void AddShaderType(const std::string& line) override { m_shaderTypes.push_back(line); }
     void ClearShaderTypes() override { m_shaderTypes.clear(); }
 
+    // Null for none.
+    const std::string* ShaderType() const;
     void SelectLibraryFromEnvironment();
     void StartEditor(const std::string& path, const std::string& named);
     void MakeWorkDirectory(const std::string& temporaryRoot);
@@ -116,6 +137,7 @@ class CTvApp : public DocumentHost, private FormHost {
     std::vector<std::string> m_shaderTypes;
     std::unique_ptr<CRenderOptionsEditor> m_form;
     CTvDoc* m_document = nullptr;
+    TitleView* m_titleView = nullptr;
     std::string m_programDir;
     std::string m_version;
     bool m_ownsWorkDir = false;

@@ -17,6 +17,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 constexpr const char* kSiteFile =
     "ext.shaderiface surface .sif\next.shaderiface volume\n"
@@ -143,6 +144,61 @@ TEST_F(TvAppVariablesTest, ADocumentWithoutAShaderTypeGoesBackToTheUsualExtensio
     document->DeleteContents();
     app->ShaderTypeChanged();
     EXPECT_EQ(IfaceExt(), ".cus");
+}
+
+// What a program would show.
+class ShownTitle : public TitleView {
+  public:
+    void ShowShaderType(const std::string& type) override { told.push_back("type " + type); }
+    void ShowTitle(const std::string& title) override {
+        told.push_back(title + " " + document->exportOptions.shaderIfacePath);
+    }
+    CTvDoc* document = nullptr;
+    std::vector<std::string> told;
+};
+
+TEST_F(TvAppVariablesTest, WhateverChangesTheShaderTypeTitleAndExportPathsFollow) {
+    ShownTitle view;
+    view.document = &OpenDocument();
+    document->SetPath("/there/a.tvn");
+    app->SetTitleView(&view);
+    app->SetVariable("TAVRN_SHADER_TYPE", "surface", false);
+    EXPECT_THAT(view.told, ElementsAre("type surface", "a.tvn [surface] ./a.sif"));
+    view.told.clear();
+    app->SetVariable("TAVRN_SHADER_TYPE", "surface", true);
+    EXPECT_EQ(view.told.size(), 2U) << "also where the value was there already";
+    view.told.clear();
+    app->SetVariable("DEPTH", "5", true);
+    EXPECT_THAT(view.told, IsEmpty());
+    document->SetPath("/there/b.tvn");
+    app->UpdateTitle();
+    EXPECT_THAT(view.told, ElementsAre("b.tvn [surface] ./b.sif"));
+    view.told.clear();
+    document->DeleteContents();
+    app->ShaderTypeChanged();
+    ASSERT_EQ(view.told.size(), 1U) << "a document without a type has none to show";
+    EXPECT_EQ(view.told.front(), app->WindowTitle() + " " + document->exportOptions.shaderIfacePath);
+    app->SetTitleView(nullptr);
+}
+
+TEST_F(TvAppVariablesTest, TheFormsDefaultsBringBackTheShaderTypeThatTheyHold) {
+    directory.Write(
+        "site/mray/tavrn.def",
+        std::string(kSiteFile) + "roe {\nxfield {\nenvname TAVRN_SHADER_TYPE\nvalue surface\n}\n}\n");
+    CTvApp other(report, queue, environment, "/opt/tavrin/bin/tavrin");
+    other.LoadSiteDefaults();
+    CTvDoc opened(other);
+    other.SetDocument(&opened);
+    other.SetVariable("TAVRN_SHADER_TYPE", "light", true);
+    ShownTitle view;
+    view.document = &opened;
+    other.SetTitleView(&view);
+    other.LoadFormDefaults();
+    EXPECT_EQ(other.GetSite().extShaderIface, ".sif");
+    ASSERT_THAT(view.told, SizeIs(2));
+    EXPECT_EQ(view.told.front(), "type surface");
+    EXPECT_THAT(view.told.back(), testing::EndsWith(".sif"));
+    other.SetDocument(nullptr);
 }
 
 TEST_F(TvAppVariablesTest, WithoutADocumentTheExtensionStays) {

@@ -21,7 +21,7 @@ struct Workspace {
           views(document, app.GetSite(), session),
           exporter(document, app.GetSite(), session) {
         app.SetDocument(&document);
-        commands.NameHasChanged();
+        app.ShaderTypeChanged();
     }
     ~Workspace() { app.SetDocument(nullptr); }
     Workspace(const Workspace&) = delete;

@@ -93,7 +93,6 @@ void BatchWork::Set(const std::string& name, const std::string& value) {
         GetSite().report.LogLine("WARNING: the library's form has no render option %s", name.c_str());
     }
     m_app.SetVariable(name, value, true);
-    m_work.commands.NameHasChanged();
 }
 
 bool BatchWork::RunScript(const std::string& path) {

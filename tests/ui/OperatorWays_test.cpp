@@ -1,5 +1,7 @@
 // The ways to operators and boxes in a frame: the operators' menus, the toolbar with its dialog, the finders.
+#include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListView>
@@ -139,6 +141,48 @@ TEST_F(OperatorWays, AChosenShaderTypeIsTheVariableAndStandsInTheTitle) {
     test::PressKeys("Down");
     EXPECT_EQ(Document().m_renderOptions["TAVRN_SHADER_TYPE"], "surface");
     EXPECT_THAT(Bytes(Frame().windowTitle()), HasSubstr("Untitled.tvn [surface]"));
+}
+
+TEST_F(OperatorWays, TheShaderTypeBoxFollowsEveryChangeOfTheType) {
+    AddToSite(kForm);
+    Start();
+    const auto expect = [this](const char* type, const std::string& path) {
+        EXPECT_EQ(Bytes(TypeBox().currentText()), type);
+        EXPECT_THAT(Bytes(Frame().windowTitle()), HasSubstr(std::string("[") + type + "]"));
+        EXPECT_EQ(Document().exportOptions.shaderIfacePath, path);
+    };
+    App().SetVariable("TAVRN_SHADER_TYPE", "light", true);
+    expect("light", "./Untitled.lif");
+    Frame().ActionDispatch().DoAction("roe", "use-defaults", "");
+    expect("surface", "./Untitled.cus");
+    App().SetVariable("TAVRN_SHADER_TYPE", "light", false);  // as a control of the form does
+    expect("light", "./Untitled.lif");
+    const std::string script = directory.Write("it.tvx", "roe use-defaults\n");
+    EXPECT_TRUE(Frame().ActionDispatch().RunScriptFile(script));
+    expect("surface", "./Untitled.cus");
+    EXPECT_TRUE(Frame().isWindowModified());
+}
+
+TEST_F(OperatorWays, AShaderTypeChosenWithTheMouseLeavesTheFocusOnTheDesk) {
+    AddToSite(kForm);
+    Start();
+    test::FocusOn(TypeBox());
+    Click(&TypeBox());
+    QAbstractItemView& list = *TypeBox().view();
+    ASSERT_TRUE(WaitUntil([&] { return list.isVisible(); }));
+    const QPoint row = list.visualRect(list.model()->index(0, 0)).center();
+    QTest::mouseMove(list.viewport(), row);
+    // A click that follows the first too soon counts as its second half.
+    ASSERT_TRUE(WaitUntil([&] {
+        if (list.isVisible()) QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
+        return TypeBox().currentText() == "light";
+    }));
+    ASSERT_TRUE(WaitUntil([&] { return !list.isVisible(); }));
+    EXPECT_TRUE(WaitUntil([&] { return QApplication::focusWidget() == &Frame().Desk(); }));
+    AddBoxes(1);
+    test::PressKeys("Down");
+    EXPECT_EQ(TypeBox().currentText(), "light");
+    EXPECT_LT(Document().zoomFactor, 1) << "the key is the desk's again";
 }
 
 TEST_F(OperatorWays, AButtonOfTheToolbarAddsItsOperator) {

@@ -117,7 +117,6 @@ bool DocumentWork::SaveTo(const std::string& path, bool asNew) {
     if (!(asNew ? m_work.commands.SaveAs(path) : m_work.commands.Save(path))) return false;
     m_recentFiles.Add(FullPath(path));
     m_callbacks.workIsSafe();
-    m_callbacks.nameChanged();
     return true;
 }
 

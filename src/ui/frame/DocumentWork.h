@@ -18,8 +18,7 @@ class DocumentWork {
   public:
     struct Callbacks {
         std::function<void()> documentReplaced;  // another document is shown now
-        std::function<void()> nameChanged;
-        std::function<void()> workIsSafe;  // nothing unsaved is left of what was edited
+        std::function<void()> workIsSafe;        // nothing unsaved is left of what was edited
         std::function<bool()> slidersFrozen;
         std::function<void()> freezeSliders;
     };

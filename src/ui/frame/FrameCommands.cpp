@@ -198,7 +198,6 @@ void MainFrame::HideRenderOptions() { m_windows.renderOptions->hide(); }
 
 void MainFrame::LoadFormDefaults() {
     m_app.LoadFormDefaults();
-    UpdateTitle();
     m_windows.RefreshTables();
 }
 

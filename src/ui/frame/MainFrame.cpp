@@ -82,6 +82,7 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
     CreateClientArea();
     CreateMenus();
     RetitleCommands();
+    m_app.SetTitleView(this);
 
     m_queue.OnRan([this] { m_idle.Request(); });
     m_safetyCopies = std::make_unique<SafetyCopies>(*m_work);
@@ -106,6 +107,7 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
 
 MainFrame::~MainFrame() {
     m_queue.OnRan({});
+    m_app.SetTitleView(nullptr);
     // The document goes before the windows that its desk speaks to, children before the queue they post to.
     m_renders.reset();
     m_safetyCopies.reset();
@@ -168,10 +170,8 @@ void MainFrame::CreateBars() {
     m_operatorBar = new OperatorToolBar(
         this, m_app.Registry(),
         {.shaderTypeChosen =
-             [this](const std::string& type) {
-                 m_app.SetVariable(kShaderTypeOption, type, true);
-                 UpdateTitle();
-             },
+             [this](const std::string& type) { m_app.SetVariable(kShaderTypeOption, type, true); },
+         .focusDesk = [this] { m_desk->setFocus(); },
          .render = [this] { Command(CommandId::kRenderIt); },
          .customize = [this] { Command(CommandId::kCustomize); },
          .addOperator = [this](uint32_t id) { AddOperatorById(id); },
@@ -198,7 +198,6 @@ void MainFrame::CreateBars() {
     m_documents = std::make_unique<DocumentWork>(
         *this, *m_work, *m_renders, m_recentFiles,
         DocumentWork::Callbacks{.documentReplaced = [this] { DocumentReplaced(); },
-                                .nameChanged = [this] { UpdateTitle(); },
                                 .workIsSafe = [this] { m_safetyCopies->Discard(); },
                                 .slidersFrozen = [this] { return m_sliders->IsFrozen(); },
                                 .freezeSliders = [this] { m_sliders->SetFrozen(true); }});
@@ -267,23 +266,19 @@ void MainFrame::RetitleCommands() {
 void MainFrame::DocumentReplaced() {
     m_desk->Gestures().Cancel();
     RebuildOperatorMenus();
-    const auto& options = m_work->document.m_renderOptions;
-    if (const auto type = options.find(kShaderTypeOption); type != options.end()) {
-        m_operatorBar->ShowShaderType(type->second);
-    }
     m_operatorBar->RebuildButtons(m_work->document.toolbar);
     m_windows.helpEditor->DocumentReplaced();
-    UpdateTitle();
     m_desk->LayoutAll();
     RefreshAllViews();
     UpdateScrollBars();
 }
 
-void MainFrame::UpdateTitle() {
+void MainFrame::ShowShaderType(const std::string& type) { m_operatorBar->ShowShaderType(type); }
+
+void MainFrame::ShowTitle(const std::string& title) {
     // "[*]" is where the toolkit puts the mark of a modified document.
-    setWindowTitle(Shown(m_work->commands.WindowTitle()).replace("[*]", "[*][*]") + "[*]");
+    setWindowTitle(Shown(title).replace("[*]", "[*][*]") + "[*]");
     setWindowModified(m_work->document.IsModified());
-    m_work->commands.NameHasChanged();
     m_windows.exportDialog->Refresh();
     m_windows.RefreshTables();
 }

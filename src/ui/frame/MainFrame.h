@@ -9,6 +9,7 @@
 
 #include "app/Actions.h"
 #include "app/RecentFiles.h"
+#include "app/TvApp.h"
 #include "app/Workspace.h"
 #include "ui/NormalPlace.h"
 #include "ui/frame/CommandActions.h"
@@ -26,7 +27,6 @@ class QSplitter;
 namespace tavrin {
 
 class CStatusBox;
-class CTvApp;
 class DeskPane;
 class OperatorToolBar;
 class Profile;
@@ -36,7 +36,7 @@ class SafetyCopies;
 class SliderPane;
 
 // Made once by the program, which shows it. Main thread only.
-class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
+class MainFrame : public QMainWindow, private ActionTarget, private DeskView, private TitleView {
   public:
     // What the frame's windows and the document stand on. All of it outlives the frame.
     struct Ground {
@@ -96,6 +96,10 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     void RefreshAllViews() override;
     void UpdateScrollBars() override;
 
+    // What the application tells of the document.
+    void ShowShaderType(const std::string& type) override;
+    void ShowTitle(const std::string& title) override;
+
     // Making the frame, in this order.
     void CreateWindows();
     void CreateBars();
@@ -119,7 +123,6 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView {
     void ConnectOptions();
 
     void DocumentReplaced();
-    void UpdateTitle();
     void SetLocked(bool locked);
     void OnIdle();
     QString DeskHint() const;

@@ -7,6 +7,7 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QTextDocument>
+#include <QWheelEvent>
 #include <algorithm>
 #include <utility>
 
@@ -39,6 +40,41 @@ void KeepWhole(QWidget& control, int width) {
 
 }  // namespace
 
+// A chooser that the user comes to on purpose: the wheel in passing changes nothing, and a click leaves the
+// focus where it was.
+class ShaderTypeBox : public QComboBox {
+  public:
+    explicit ShaderTypeBox(QWidget* parent) : QComboBox(parent) {
+        setFocusPolicy(Qt::TabFocus);
+        view()->installEventFilter(this);
+        view()->viewport()->installEventFilter(this);
+    }
+    // How the row was chosen that `activated` tells of.
+    bool ChosenByMouse() const { return m_chosenByMouse; }
+
+  protected:
+    void wheelEvent(QWheelEvent* event) override {
+        m_chosenByMouse = false;
+        if (hasFocus()) {
+            QComboBox::wheelEvent(event);
+        } else {
+            event->ignore();
+        }
+    }
+    void keyPressEvent(QKeyEvent* event) override {
+        m_chosenByMouse = false;
+        QComboBox::keyPressEvent(event);
+    }
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress) m_chosenByMouse = false;
+        if (event->type() == QEvent::MouseButtonRelease) m_chosenByMouse = true;
+        return QComboBox::eventFilter(object, event);
+    }
+
+  private:
+    bool m_chosenByMouse = false;
+};
+
 QFont OperatorToolBarFont(const QLocale& system) {
     QFont font = QApplication::font();
     const QLocale::Language language = system.language();
@@ -54,7 +90,7 @@ OperatorToolBar::OperatorToolBar(QWidget* frame, const COpRegistry& registry, Ca
     : QToolBar("Operators", frame),
       m_registry(registry),
       m_callbacks(std::move(callbacks)),
-      m_shaderType(new QComboBox(this)),
+      m_shaderType(new ShaderTypeBox(this)),
       m_font(OperatorToolBarFont(QLocale::system())) {
     setObjectName("operatorToolBar");
     setMovable(false);
@@ -64,11 +100,11 @@ OperatorToolBar::OperatorToolBar(QWidget* frame, const COpRegistry& registry, Ca
     m_shaderType->setToolTip("Type of the shader");
     m_shaderType->setFont(m_font);
     m_shaderType->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    m_shaderType->setFocusPolicy(Qt::StrongFocus);  // a turn of the wheel in passing changes nothing
     KeepWhole(*m_shaderType, kShaderTypeWidth);
     addWidget(m_shaderType);
     connect(m_shaderType, &QComboBox::activated, this, [this](int row) {
         m_callbacks.shaderTypeChosen(m_shaderType->itemData(row).toByteArray().toStdString());
+        if (m_shaderType->ChosenByMouse()) m_callbacks.focusDesk();
     });
     AddGap();
     m_render = AddButton("render", "RENDER", "Render the shader (F1)");
@@ -110,6 +146,7 @@ void OperatorToolBar::SetShaderTypes(const std::vector<std::string>& types) {
 }
 
 void OperatorToolBar::ShowShaderType(const std::string& text) {
+    if (m_shaderType->currentData().toByteArray().toStdString() == text) return;
     const std::string start = ToLower(text);
     for (int row = 0; row < m_shaderType->count(); ++row) {
         if (!ToLower(m_shaderType->itemData(row).toByteArray().toStdString()).starts_with(start)) continue;

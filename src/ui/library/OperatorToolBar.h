@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-class QComboBox;
 class QLocale;
 class QPushButton;
 
@@ -16,6 +15,7 @@ namespace tavrin {
 
 struct COpEntry;
 class COpRegistry;
+class ShaderTypeBox;
 
 // The font of all its controls: 12 units high and bold; the application's own where the language of the
 // system is written with characters of two bytes, which that would make illegible.
@@ -26,6 +26,7 @@ class OperatorToolBar : public QToolBar {
   public:
     struct Callbacks {
         std::function<void(const std::string& type)> shaderTypeChosen;  // by the user
+        std::function<void()> focusDesk;                                // after a choice with the mouse
         std::function<void()> render;
         std::function<void()> customize;
         std::function<void(uint32_t id)> addOperator;  // may rebuild the buttons
@@ -37,7 +38,8 @@ class OperatorToolBar : public QToolBar {
 
     // Fills the shader type box, once: later calls do nothing. Its first row, in sorted order, is selected.
     void SetShaderTypes(const std::vector<std::string>& types);
-    // Selects the first row that begins with the text, without regard to case; none, and all stays.
+    // Selects the first row that begins with the text, without regard to case; none, and all stays. The row
+    // of the text itself stays selected.
     void ShowShaderType(const std::string& text);
 
     // A button for each of the operators, in their order, with the commands they have now. Names that the
@@ -58,7 +60,7 @@ class OperatorToolBar : public QToolBar {
     const COpRegistry& m_registry;
     Callbacks m_callbacks;
     // Children, as are all controls of the bar.
-    QComboBox* m_shaderType;
+    ShaderTypeBox* m_shaderType;
     QPushButton* m_customize;
     QPushButton* m_render;
     std::vector<QAction*> m_operatorSlots;

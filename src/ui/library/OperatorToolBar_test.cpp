@@ -25,12 +25,17 @@ class OperatorToolBarTest : public testing::Test {
         bar = new OperatorToolBar(
             &window, library.registry,
             {.shaderTypeChosen = [this](const std::string& t) { calls.push_back("type " + t); },
+             .focusDesk = [this] { calls.emplace_back("focus"); },
              .render = [this] { calls.emplace_back("render"); },
              .customize = [this] { calls.emplace_back("customize"); },
              .addOperator = [this](uint32_t id) { Added(id); },
              .logLine = [this](const std::string& line) { log.push_back(line); },
              .showStatus = [this](const std::string& text) { status.push_back(text); }});
         window.addToolBar(bar);
+        auto* desk = new QWidget(&window);
+        desk->setFocusPolicy(Qt::StrongFocus);
+        window.setCentralWidget(desk);
+        desk->setFocus();
         window.resize(900, 120);
         test::ShowActive(window);
     }
@@ -41,6 +46,12 @@ class OperatorToolBarTest : public testing::Test {
     }
     QPushButton* Button(const char* role) { return bar->findChild<QPushButton*>(role); }
     QComboBox& TypeBox() { return *bar->findChild<QComboBox*>("shaderType"); }
+    void TurnWheel() {
+        const QPoint middle = TypeBox().rect().center();
+        QWheelEvent turn(middle, TypeBox().mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                         Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&TypeBox(), &turn);
+    }
     QList<QPushButton*> Operators() { return bar->findChildren<QPushButton*>("operator"); }
     QStringList Captions() {
         QStringList captions;
@@ -133,6 +144,48 @@ TEST_F(OperatorToolBarTest, ChoosingAShaderTypeIsTold) {
     EXPECT_EQ(TypeBox().currentText(), "surface");
     QTest::keyClick(&TypeBox(), Qt::Key_Up);
     EXPECT_THAT(calls, ElementsAre("type surface", "type light"));
+}
+
+TEST_F(OperatorToolBarTest, TheWheelChangesTheShaderTypeOnlyWhereItHasTheFocus) {
+    bar->SetShaderTypes({"light", "surface"});
+    TurnWheel();
+    EXPECT_EQ(TypeBox().currentText(), "light");
+    Click(&TypeBox());
+    ASSERT_TRUE(test::WaitUntil([&] { return TypeBox().view()->isVisible(); }));
+    QTest::keyClick(TypeBox().view(), Qt::Key_Escape);
+    ASSERT_TRUE(test::WaitUntil([&] { return !TypeBox().view()->isVisible(); }));
+    TurnWheel();
+    EXPECT_EQ(TypeBox().currentText(), "light") << "a click has given it the focus";
+    EXPECT_THAT(calls, IsEmpty());
+    TypeBox().setFocus();
+    TurnWheel();
+    EXPECT_EQ(TypeBox().currentText(), "surface");
+    EXPECT_THAT(calls, ElementsAre("type surface")) << "who turns it there stays there";
+}
+
+TEST_F(OperatorToolBarTest, AChoiceWithTheMouseSendsTheFocusToTheDesk) {
+    bar->SetShaderTypes({"light", "surface"});
+    TypeBox().setFocus();
+    Click(&TypeBox());
+    QAbstractItemView& list = *TypeBox().view();
+    ASSERT_TRUE(test::WaitUntil([&] { return list.isVisible(); }));
+    const QPoint row = list.visualRect(list.model()->index(1, 0)).center();
+    // A click that comes too soon after the first counts as its second half.
+    QTest::mouseMove(list.viewport(), row);
+    ASSERT_TRUE(test::WaitUntil([&] {
+        if (list.isVisible()) QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
+        return !calls.empty();
+    }));
+    EXPECT_THAT(calls, ElementsAre("type surface", "focus"));
+    QTest::keyClick(&TypeBox(), Qt::Key_Up);
+    EXPECT_THAT(calls, ElementsAre("type surface", "focus", "type light")) << "a key leaves it";
+}
+
+TEST_F(OperatorToolBarTest, OfTwoTypesThatDifferInCaseTheOneThatIsMeantStaysSelected) {
+    bar->SetShaderTypes({"Metal", "metal"});
+    TypeBox().setCurrentIndex(1);
+    bar->ShowShaderType("metal");
+    EXPECT_EQ(TypeBox().currentText(), "metal");
 }
 
 TEST_F(OperatorToolBarTest, ShowShaderTypeSelectsTheFirstRowThatBeginsSo) {
