@@ -72,6 +72,7 @@ enum class CommandId : int {
     kOnlineDocumentation = 32918,
     kAbout = 57664,
     kCustomize = 36864,
+    kReloadOperators = 32940,
 };
 
 }  // namespace tavrin

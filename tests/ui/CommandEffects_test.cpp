@@ -1,4 +1,10 @@
 // Every command by each of its ways: from the menu, by its keys, from the toolbar.
+#include <QMenuBar>
+#include <QPushButton>
+
+#include "ui/library/MenuFinder.h"
+#include "ui/library/OperatorToolBar.h"
+#include "ui/library/TestLibrary.h"
 #include "ui/support/CommandBench.h"
 
 namespace tavrin {
@@ -289,6 +295,30 @@ const std::vector<Effect>& Effects() {
              ChooseFileWhenDialogComes(t.directory.Write("red.sgi", file.Bytes()));
          },
          [](Bench& t) { EXPECT_EQ(t.RedPixels(), 60 * 40); }},
+        {"ReloadOperators", Id::kReloadOperators, "Options", "", false,
+         [](Bench& t) {
+             t.AddBoxes(1, "Disc");
+             const std::string menu = t.directory / "tavrin/tiny/menu/";
+             t.directory.Write("tavrin/tiny/menu/0500.More/0010.Extra",
+                               test::ReadFile(menu + "0100.Constant"));
+             fs::remove(menu + "0400.Shapes/0010.Disc");
+             t.Document().toolbar = {"Extra"};
+         },
+         [](Bench& t) {
+             EXPECT_EQ(t.BoxCount(), 1) << "a box on the desk goes with its operator";
+             EXPECT_EQ(t.App().Registry().FindByName("Disc"), nullptr);
+             EXPECT_NE(t.App().Registry().FindByName("Extra"), nullptr);
+             const QStringList operators = test::RowsOf(*t.Frame().Windows().menuFinder);
+             EXPECT_TRUE(operators.contains("Extra"));
+             EXPECT_FALSE(operators.contains("Disc"));
+             EXPECT_EQ(t.Frame().menuBar()->actions().last()->text(), "More");
+             const auto* button = t.Frame().OperatorBar().findChild<QPushButton*>("operator");
+             ASSERT_NE(button, nullptr);
+             EXPECT_EQ(button->text(), "Extra");
+             EXPECT_EQ(t.Frame().StatusBox().Status(),
+                       "Operators reloaded: " + QString::number(t.App().Registry().Entries().size()));
+             EXPECT_FALSE(t.Frame().IsClosed());
+         }},
 
         // Render
         {"RenderIt", Id::kRenderIt, "Render", "F1", true, [](Bench& t) { t.AddBoxes(1); },

@@ -98,6 +98,7 @@ constexpr Rule kRules[] = {
     {32878, "Show Wallpaper", "EEEEEEEEEEEE"},
     {32877, "Tile Wallpaper", "EEEEEEEEEEEE"},
     {32879, "Set Wallpaper", "EEEEEEEEEEEE"},
+    {32940, "Reload Operators", "EEEEEEEEEEEE"},
     {32792, "Render It", "-EEEE-EEE-EE"},
     {32793, "Stop Render", "--------EE-E"},
     {32889, "Display Log", "EEEEEEEEEEEE"},

@@ -71,6 +71,7 @@ constexpr Listed kListed[] = {
     {32878, "Show Wallpaper", ""},
     {32877, "Tile Wallpaper", ""},
     {32879, "Set Wallpaper...", ""},
+    {32940, "Reload Operators", ""},
     {32792, "Render It\tF1", ""},
     {32793, "Stop Render\tF4", ""},
     {32889, "Display Log\tF8", ""},
@@ -219,7 +220,8 @@ TEST_F(CommandTableTest, TheMenusHoldTheirItemsInOrder) {
     EXPECT_EQ(Bytes(Items("Options").join('|')),
               "Freeze Sliders|-|Display Icons|Straight Trace Lines|Lines Draw Over Boxes|Show Varnames|"
               "Lock Desk|-|Status Bar|Scroll Bars|-|Render History|Sound Effects|Debug Mode|-|"
-              "Render Options|Argument Editor|-|Show Wallpaper|Tile Wallpaper|Set Wallpaper...");
+              "Render Options|Argument Editor|-|Show Wallpaper|Tile Wallpaper|Set Wallpaper...|-|"
+              "Reload Operators");
     EXPECT_EQ(Bytes(Items("Render").join('|')),
               "Render It|Stop Render|Render History|-|Display Log|Clear Log|-|View Shader Source (.src)|"
               "View Render Interface (.rif)|View Shader Interface (.cus)");

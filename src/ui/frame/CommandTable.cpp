@@ -112,6 +112,8 @@ std::vector<CommandSpec> ViewCommands() {
         {Id::kTileWallpaper, "Tile Wallpaper", "", "", "Repeat the wallpaper over the desk", nullptr,
          [](State s) { return s.wallpaperTiled; }},
         {Id::kSetWallpaper, "Set Wallpaper...", "", "", "Choose the desk's wallpaper"},
+        {Id::kReloadOperators, "&Reload Operators", "", "",
+         "Look for new and removed operators of the library"},
     };
 }
 
@@ -208,7 +210,8 @@ const std::vector<MenuSpec>& MenuBarLayout() {
                              {Id::kStatusBar, Id::kScrollBars},
                              {Id::kKeepHistory, Id::kSoundEffects, Id::kDebugMode},
                              {Id::kRenderOptions, Id::kArgumentEditor},
-                             {Id::kShowWallpaper, Id::kTileWallpaper, Id::kSetWallpaper}})},
+                             {Id::kShowWallpaper, Id::kTileWallpaper, Id::kSetWallpaper},
+                             {Id::kReloadOperators}})},
         {"&Render", Groups({{Id::kRenderIt, Id::kStopRender, Id::kRenderHistory},
                             {Id::kDisplayLog, Id::kClearLog},
                             {Id::kViewShaderSource, Id::kViewRenderInterface, Id::kViewShaderInterface}})},

@@ -127,6 +127,7 @@ void MainFrame::ConnectWindowCommands() {
     m_handlers[CommandId::kShaderHelp] = [this] { m_windows.helpEditor->Toggle(); };
     m_handlers[CommandId::kDisplayLog] = [this] { m_windows.log->ComeUp(); };
     m_handlers[CommandId::kClearLog] = [this] { m_windows.log->Clear(); };
+    m_handlers[CommandId::kReloadOperators] = [this] { ReloadOperators(); };
     m_handlers[CommandId::kCustomize] = [this] { CustomizeToolBar(); };
     m_handlers[CommandId::kOnlineDocumentation] = [this] { OpenDocumentation(); };
     m_handlers[CommandId::kAbout] = [this] { ShowAboutBox(this, m_app.ProductVersion()); };
@@ -204,6 +205,13 @@ void MainFrame::LoadFormDefaults() {
 void MainFrame::ToggleDocumentFlag(void (DocumentCommands::*toggle)()) {
     (m_work->commands.*toggle)();
     RefreshAllViews();
+}
+
+void MainFrame::ReloadOperators() {
+    m_app.ReloadOperators();
+    RebuildOperatorMenus();
+    m_operatorBar->RebuildButtons(m_work->document.toolbar);  // with the commands of now
+    m_statusBox->SetStatus("Operators reloaded: " + std::to_string(m_app.Registry().Entries().size()));
 }
 
 // The registry has been scanned anew.

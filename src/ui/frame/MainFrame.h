@@ -107,6 +107,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView, pr
     void CreateMenus();
     void RetitleCommands();
 
+    void ReloadOperators();
     void RebuildOperatorMenus();
     void AddOperatorById(uint32_t id);
     void CustomizeToolBar();
