@@ -13,15 +13,12 @@ pictures=()
 failed=()
 for document in examples/*.tvn; do
   name=$(basename "$document" .tvn)
-  work=$(mktemp -d)
   echo "demo: rendering $name"
-  if build/release/bin/tavrin-batch --quiet --render --keep-work "$work" "$document" &&
-     cp "$work/1/$name.png" "$output/$name.png"; then
+  if build/release/bin/tavrin-batch --quiet --render --picture "$output/$name.png" "$document"; then
     pictures+=("$output/$name.png")
   else
     failed+=("$name")
   fi
-  rm -rf "$work"
 done
 for picture in "${pictures[@]}"; do echo "$PWD/$picture"; done
 if [ ${#failed[@]} -gt 0 ]; then
