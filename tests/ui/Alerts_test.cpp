@@ -5,7 +5,9 @@
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 #include <filesystem>
+#include <optional>
 
 #include "ui/Text.h"
 #include "ui/frame/Splash.h"
@@ -180,6 +182,29 @@ TEST_F(SplashTest, StaysForItsTimeAndGoesWithoutTheUserDoingAnything) {
     ASSERT_TRUE(WaitUntil([] { return FindSplash() == nullptr; }));
     EXPECT_GT(clock.elapsed(), 2500);
     EXPECT_TRUE(Frame().isVisible());
+}
+
+// Tells whether the frame's window was on its way to the screen when the splash was shown.
+class SplashWatcher : public QObject {
+  public:
+    explicit SplashWatcher(const QWidget& frame) : m_frame(frame) { qApp->installEventFilter(this); }
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::Show && dynamic_cast<Splash*>(object) != nullptr)
+            afterFrame = m_frame.windowHandle() != nullptr && m_frame.windowHandle()->isVisible();
+        return false;
+    }
+    std::optional<bool> afterFrame;
+
+  private:
+    const QWidget& m_frame;
+};
+
+// A window manager that learns of the frame later has it above the splash.
+TEST_F(SplashTest, IsShownAfterTheFrame) {
+    Make(true);
+    const SplashWatcher watcher(Frame());
+    Frame().show();
+    EXPECT_EQ(watcher.afterFrame, true);
 }
 
 TEST_F(SplashTest, GoesBeforeTheBoxOfAnAlertThatWaits) {

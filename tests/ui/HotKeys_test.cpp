@@ -301,6 +301,21 @@ TEST_F(EditingKeys, InTheLogLeaveTheDeskAlone) {
     EXPECT_TRUE(Desk().m_clipboardBoxes.empty());
 }
 
+TEST_F(EditingKeys, InAFinderLeaveTheDeskAlone) {
+    Start();
+    AddBoxes(2);
+    Desk().SelectAllBoxes();
+    Do(Id::kBoxFinder);
+    FocusOn(*Window("Box Finder").findChild<QAbstractItemView*>());
+    for (const char* key : {"Delete", "Ctrl+X", "Ctrl+C", "Escape", "Up"}) {
+        PressKeys(key);
+        Settle();
+    }
+    EXPECT_EQ(Document().m_boxes.size(), 2U);
+    EXPECT_TRUE(Desk().m_clipboardBoxes.empty());
+    EXPECT_EQ(Document().zoomFactor, 1);
+}
+
 // A locked desk
 
 class LockedDesk : public KeysTest {

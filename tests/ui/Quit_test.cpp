@@ -101,6 +101,7 @@ class QuitTest : public FrameTest {
         fs::remove(directory / "processes");
         m_asked.clear();
         Start();
+        for (int toggle = 0; toggle < 2; ++toggle) Do(CommandId::kMenuFinder);  // it has a place now
         document = WriteDocument("work");
         Frame().OpenDocumentFile(document);
         written = test::ReadFile(document);
@@ -211,7 +212,7 @@ class QuitTest : public FrameTest {
 
         // Up to the question of the work directory nothing has been stored, beyond it all has.
         EXPECT_EQ(profile.numbers.contains("MainWindow.x"), last != "No");
-        EXPECT_EQ(profile.numbers.contains("Log.visible"), last != "No");
+        EXPECT_EQ(profile.numbers.contains("MenuFinder.visible"), last != "No");
         EXPECT_EQ(profile.numbers.contains("OpDesk.scrollbars"), last != "No");
 
         // As long as the program may go on it keeps what it works with.
@@ -447,6 +448,7 @@ TEST_F(QuitTest, AMinimizedMainWindowKeepsItsStoredPlace) {
                        {"MainWindow.visible", 1}};
     const auto stored = profile.numbers;
     Start();
+    for (int toggle = 0; toggle < 2; ++toggle) Do(CommandId::kMenuFinder);  // hidden, it is not minimized
     Frame().move(200, 210);
     Frame().resize(1000, 700);
     Frame().showMinimized();
@@ -454,7 +456,7 @@ TEST_F(QuitTest, AMinimizedMainWindowKeepsItsStoredPlace) {
     AskToEnd(Way::kWindow);
     EXPECT_TRUE(Frame().IsClosed());
     for (const auto& [key, value] : stored) EXPECT_EQ(profile.GetInt(key, -1), value) << key;
-    EXPECT_TRUE(profile.numbers.contains("Log.x"));
+    EXPECT_TRUE(profile.numbers.contains("MenuFinder.x"));
 }
 
 }  // namespace
