@@ -143,6 +143,7 @@ TEST_F(CustomizeDialogTest, SortingLeavesNoMarkOnARowThatIsNotSelected) {
     QListView& list = test::ListOf(*dialog);
     list.setFocus();
     Click("sort");
+    list.setFocus();
     for (int row = 0; row < 3; ++row) {
         EXPECT_EQ(GroundOf(*dialog, row), list.palette().color(QPalette::Base)) << row;
     }
