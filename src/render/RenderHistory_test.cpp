@@ -21,12 +21,19 @@ class RenderHistoryTest : public test::DocumentTest {
   protected:
     RenderHistoryTest() {
         // Neither filter nor launcher has anything to do here.
-        host.Directory().Write("installation/mini/bin/redirect.pl", "exit 0;\n");
+        WriteFilter();
         host.Directory().Write("bin/PerlExec", "#!/bin/sh\n");
         fs::permissions(host.Directory() / "bin/PerlExec", fs::perms::owner_all);
         site.environment.Set("PATH", host.Directory() / "bin" + ":/usr/bin:/bin");
         document.SetPath("/documents/plastic.tvn");
         Add(test::MakeLink("Link", 1));
+    }
+    void WriteFilter() const { host.Directory().Write("installation/mini/bin/redirect.pl", "exit 0;\n"); }
+    // Documents that are read may hold it.
+    void AddLinkOperator() {
+        host.startsProcesses = false;
+        host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
+        WriteFilter();  // a new operator brings a library's usual scripts
     }
     RenderSession& Session(const std::string& maxHistory = {}) {
         if (!maxHistory.empty()) site.settings.Store("maxhistory", maxHistory);
@@ -136,8 +143,7 @@ TEST_F(RenderHistoryTest, GoingBackOpensTheEntryUnderTheDocumentsOwnPlace) {
 }
 
 TEST_F(RenderHistoryTest, AnEntryGoesBackToTheFileOfTheDocumentThatWasRendered) {
-    host.startsProcesses = false;
-    host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
+    AddLinkOperator();
     site.directories.docBrowserDir = host.Directory() / "b/";
     const std::string path = host.Directory().Write("a/one.tvn", document.Store());
     const std::string sameName = host.Directory().Write("b/one.tvn", "another");
@@ -168,8 +174,7 @@ TEST_F(RenderHistoryTest, AnEntryOfADocumentWithoutAFileHasNone) {
 }
 
 TEST_F(RenderHistoryTest, AnEntryOfACutDocumentIsCutShortAsWell) {
-    host.startsProcesses = false;
-    host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
+    AddLinkOperator();
     const std::string path =
         host.Directory().Write("a/cut.tvn", "opdesk { opbox { filename Link wid 1 }\noops }\n");
     ASSERT_TRUE(document.Open(path));

@@ -237,7 +237,9 @@ class QuitTest : public FrameTest {
         return numbers;
     }
     void ExpectToLiveOn(const Situation& situation) {
-        if (situation.child && !situation.script) EXPECT_TRUE(ChildRuns());
+        if (situation.child && !situation.script) {
+            EXPECT_TRUE(ChildRuns());
+        }
         ReleaseScripts();
         EXPECT_TRUE(WaitUntil([&] { return !App().GetSite().commands.AnyProcessLeft(); }));
         Do(CommandId::kClearLog);
