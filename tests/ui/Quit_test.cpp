@@ -426,7 +426,11 @@ TEST_F(QuitTest, AWorkDirectoryThatWasClearedAwayIsThereAgainWhenItIsNeeded) {
     EXPECT_EQ(Desk().m_pendingBoxes.size(), 1U);
     Do(CommandId::kDelete);
     fs::remove_all(WorkDir());
-    Menu("Patterns")->actions().first()->trigger();
+    QMenu& patterns = *Menu("Patterns");
+    patterns.popup(Frame().mapToGlobal(QPoint(0, 0)));  // which fills it
+    ASSERT_FALSE(patterns.actions().isEmpty());
+    patterns.actions().constFirst()->trigger();
+    patterns.hide();
     EXPECT_EQ(Desk().m_pendingBoxes.size(), 1U);
     EXPECT_THAT(Log(), Not(HasSubstr("ALERT")));
 }
