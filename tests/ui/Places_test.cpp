@@ -56,12 +56,9 @@ class PlacesTest : public FrameTest {
     static QRect PlaceOf(const QWidget& window) { return {window.pos(), window.size()}; }
     // Once the window manager has had its say.
     void ExpectPlace(const QWidget& window, const QRect& place, const std::string& name) {
-        const bool stands = WaitUntil(
-            [&] {
-                return PlaceOf(window) == place &&
-                       (!window.isVisible() || window.windowHandle()->isExposed());
-            },
-            5);
+        const bool stands = WaitUntil([&] {
+            return PlaceOf(window) == place && (!window.isVisible() || window.windowHandle()->isExposed());
+        });
         EXPECT_TRUE(stands) << name << ": " << Text(PlaceOf(window)) << " instead of " << Text(place);
     }
     void CloseFrame() {
@@ -211,7 +208,7 @@ TEST_F(PlacesTest, WindowsThatWereNeverPlacedComeUpOnTheFrameEachOnASpotOfItsOwn
         tool.window->show();
         ASSERT_TRUE(WaitUntil([&] { return tool.window->windowHandle()->isExposed(); })) << tool.name;
         const QRect place = tool.window->frameGeometry();
-        EXPECT_TRUE(WaitUntil([&] { return onScreen.contains(tool.window->frameGeometry()); }, 5))
+        EXPECT_TRUE(WaitUntil([&] { return onScreen.contains(tool.window->frameGeometry()); }))
             << tool.name << ": " << Text(place);
         EXPECT_TRUE(Frame().frameGeometry().intersects(place)) << tool.name << ": " << Text(place);
         EXPECT_GT(place.y(), Frame().y()) << tool.name << " covers the menus";
