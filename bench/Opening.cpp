@@ -6,8 +6,8 @@
 
 #include "base/Process.h"
 #include "bench/BenchNetwork.h"
-#include "desk/OpDesk.h"
 #include "library/DefinitionTexts.h"
+#include "library/SavedNetwork.h"
 #include "site/CommandQueue.h"
 
 namespace {
@@ -25,7 +25,7 @@ class LibraryHost : public BenchHost {
         site.directories.workDir = workDir;
         m_library.AddDirectory(library + "/menu");
         for (const auto& entry : m_library.Entries()) {
-            if (!COpDesk::IsMacro(entry->path)) m_operators.push_back(entry.get());
+            if (!IsSavedNetwork(entry->path)) m_operators.push_back(entry.get());
         }
     }
     const COpRegistry& Registry() const override { return m_library; }

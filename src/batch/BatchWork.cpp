@@ -7,6 +7,7 @@
 #include "batch/Describe.h"
 #include "forms/FormFrame.h"
 #include "library/OpRegistry.h"
+#include "library/SavedNetwork.h"
 #include "render/NetworkCheck.h"
 #include "text/Archive.h"
 
@@ -147,7 +148,7 @@ std::optional<std::string> BatchWork::Describe(const std::string& operatorName) 
     Report& report = GetSite().report;
     report.TakePending();
     const COpEntry* entry = m_app.Registry().FindByName(operatorName);
-    if (entry != nullptr && COpDesk::IsMacro(entry->path)) {
+    if (entry != nullptr && IsSavedNetwork(entry->path)) {
         const COpEntry found = *entry;  // opening a document may scan the operators again
         CTvDoc network(m_app);
         const std::string unchangedHelp = network.customshaderhelp;

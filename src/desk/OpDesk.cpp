@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "library/OpRegistry.h"
+#include "library/SavedNetwork.h"
 #include "site/Site.h"
 #include "text/Archive.h"
 #include "text/Tokens.h"
@@ -12,7 +13,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr std::string_view kDocumentKeyword = "tavrn-version";  // first token of a saved network
 constexpr size_t kVectorRoom = 100;
 
 }  // namespace
@@ -64,13 +64,6 @@ void COpDesk::BringOperator(const std::string& name) {
     } else {
         AddBox(name);
     }
-}
-
-bool COpDesk::IsMacro(const std::string& path) {
-    std::string reason;
-    std::string token;
-    auto archive = CArchive::Open(path, reason);
-    return archive && ReadToken(*archive, token) && token == kDocumentKeyword;
 }
 
 void COpDesk::AddMacro(CArchive& archive) {

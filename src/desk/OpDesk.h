@@ -43,8 +43,6 @@ class COpDesk {
     // Makes a box of the operator, or the network of a macro operator, and hands it to the mouse. What
     // waited there is destroyed. Failures are alerted.
     void AddOperator(const std::string& name);
-    // Whether an operator's file is a saved network.
-    static bool IsMacro(const std::string& path);
     // Checks `maxinstances`, numbers the box, selects it and lays it out. False, with an alert, if the desk
     // may hold no more of it. The caller puts it where it belongs.
     bool AdmitBox(COpBox& box);

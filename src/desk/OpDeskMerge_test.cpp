@@ -147,14 +147,6 @@ TEST_F(OpDeskMerge, ASavedNetworkInTheLibraryIsAnOperator) {
     EXPECT_TRUE(document.IsModified());
 }
 
-TEST_F(OpDeskMerge, AMacroOperatorIsKnownByItsFirstWord) {
-    EXPECT_TRUE(COpDesk::IsMacro(host.AddOperator("a", "# saved\r\n\r\ntavrn-version 1")));
-    EXPECT_TRUE(COpDesk::IsMacro(host.AddOperator("b", document.Store())));
-    EXPECT_FALSE(COpDesk::IsMacro(host.AddOperator("c", "output o { float out } tavrn-version")));
-    EXPECT_FALSE(COpDesk::IsMacro(host.AddOperator("d", "# tavrn-version\n")));
-    EXPECT_FALSE(COpDesk::IsMacro(host.Directory() / "missing"));
-}
-
 TEST_F(OpDeskMerge, ASavedNetworkWithAnErrorBringsNothing) {
     host.AddOperator("src", "output o { float out }");
     const std::string path =

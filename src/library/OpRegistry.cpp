@@ -5,6 +5,7 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "library/SavedNetwork.h"
 #include "text/Report.h"
 #include "text/StoredText.h"
 #include "text/Tokens.h"
@@ -79,7 +80,8 @@ void COpRegistry::ScanDirectory(OpMenu& parentMenu, const std::string& directory
 }
 
 void COpRegistry::AddOperator(OpMenu& parentMenu, const std::string& path, const std::string& label) {
-    if (!IsBareToken(label)) {
+    // A saved network is in no document by its own name.
+    if (!IsBareToken(label) && !IsSavedNetwork(path)) {
         if (m_told.insert(path).second) {
             m_report.LogLine("WARNING: operator file %s is not offered: a document cannot hold its name; %s",
                              OneLine(path).c_str(), kBareTokenRule);

@@ -237,6 +237,16 @@ TEST_F(OpRegistry, ANameThatDocumentsCannotHoldIsNotOffered) {
     }
 }
 
+TEST_F(OpRegistry, ASavedNetworkMayHaveAnyName) {
+    TempDir single;
+    single.Write("0100.Two words #2", "# saved\ntavrn-version 1.3.32\n");
+    registry.Clear();
+    sink.log.clear();
+    registry.AddDirectory(single.Path());
+    EXPECT_EQ(TextOf(registry.Root()), "Two words #2");
+    EXPECT_EQ(sink.log, "");
+}
+
 TEST_F(OpRegistry, OnlyAsciiLettersAreFolded) {
     AddFiles({"0100.\xC3\x84rger", "0200.\xC3\xA4rger"});
     Scan();

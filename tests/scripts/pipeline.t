@@ -38,7 +38,7 @@ $ENV{NOTES} = "$dir/notes";
 delete $ENV{MESA_SHADER_CACHE_DISABLE};
 my $said = `$^X $source/bench/pipeline.pl $dir/bin/tavrin-batch`;
 is($?, 0, 'the figures are taken');
-like($said, qr{^open     3 boxes .* floor \(bare pairs\) 2\.5 ms}m, 'of opening');
+like($said, qr{^open     3 boxes .* floor of that \(bare pairs\) 2\.5 ms}m, 'of opening');
 like($said, qr{^render   .* ms .*\(the driver's cache of compiled shaders is off\)$}m, 'and of a render, with what holds for it');
 open my $notes, '<', "$dir/notes" or die;
 my %seen = map { $_ => 1 } <$notes>;
