@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QTest>
 
+#include "base/Paths.h"
 #include "render/ShaderExport.h"
 #include "support/TestHost.h"
 #include "ui/Text.h"
@@ -235,13 +236,23 @@ TEST_F(ExportDlg, FileOfThePostSaveScriptIsQuotedWhereItsPathHasBlanks) {
     test::ChooseFileWhenDialogComes(script);
     Press("Post Save Script File");
     EXPECT_FALSE(document.IsModified());
-    test::ChooseFileWhenDialogComes(host.Directory() / "my \"tools\".sh");
+}
+
+TEST_F(ExportDlg, FileOfThePostSaveScriptIsRefusedWhereItsPathHasAQuote) {
+    const std::string script = host.Directory().Write("my \"tools\"/tell.sh", "");
+    test::ShowActive(dialog);
+    test::WhenDialogComes([&script](QDialog& shown) {
+        dynamic_cast<QFileDialog&>(shown).setDirectory(Shown(PathDir(script)));
+        auto* name = shown.findChild<QLineEdit*>("fileNameEdit");
+        name->setText("tell.sh");
+        QTest::keyClick(name, Qt::Key_Return);
+    });
     test::PressWhenBoxComes("OK");
     Press("Post Save Script File");
-    EXPECT_EQ(test::BoxesShown().last(),
-              "Alert: A post save command cannot name a file with a double quote in its path:\n" +
-                  Shown(host.Directory() / "my \"tools\".sh"));
-    EXPECT_EQ(document.exportOptions.postSaveScript, "\"" + script + "\"");
+    EXPECT_EQ(test::BoxesShown(),
+              QStringList{"Alert: A post save command cannot name a file with a double quote in its path:\n" +
+                          Shown(script)});
+    EXPECT_EQ(document.exportOptions.postSaveScript, "");
     EXPECT_FALSE(document.IsModified());
 }
 
