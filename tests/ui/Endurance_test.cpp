@@ -88,8 +88,9 @@ TEST_F(EnduranceTest, ManyDocumentsOneAfterAnotherLeaveNothingBehind) {
     for (int round = 0; round < kRounds; ++round) OpenChangeSaveClose(path);
     Do(CommandId::kClearLog);
     EXPECT_EQ(Widgets(), widgets);
-    EXPECT_EQ(Descriptors(), descriptors);
-    EXPECT_EQ(Threads(), threads);
+    // Idle threads of the tests before may end meanwhile.
+    EXPECT_LE(Descriptors(), descriptors);
+    EXPECT_LE(Threads(), threads);
     const long grown = ResidentMemory() - memory;
     if (kMemoryTells) {
         EXPECT_LE(grown, kMayGrow) << "kilobytes";
