@@ -146,6 +146,9 @@ constexpr Check kChecks[] = {
 
 class CommandRulesTest : public FrameTest {
   protected:
+    // So that a document that has not changed reads the same at any time.
+    CommandRulesTest() { environment.Set("SOURCE_DATE_EPOCH", "1000000000"); }
+
     QAction& ActionOf(int id) { return Action(static_cast<CommandId>(id)); }
     QToolBar& ToolBar() { return *Frame().findChild<QToolBar*>("MainToolBar"); }
 
