@@ -155,7 +155,7 @@ TEST_F(EditKeysTest, ArrowsReachTheCommandsFromTheListOfAWindowThatCameUp) {
     EXPECT_EQ(commands, QStringList{"Down"});
     other.hide();
     // The window manager's word on that is not to come when the other is up again.
-    ASSERT_TRUE(test::WaitUntil([&] { return window.isActiveWindow(); }));
+    test::ShowActive(window);
     test::ShowActive(other);
     inside->setFocus();
     ASSERT_TRUE(test::WaitUntil([&] { return inside->hasFocus(); }));

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <QRegularExpression>
+#include <QSet>
+#include <algorithm>
+
 #include "support/Patience.h"
 #include "support/TestSite.h"
 #include "ui/Text.h"
@@ -25,6 +29,8 @@ Said Ask(const QString& tool, const QStringList& words) {
 }
 
 RunningProgram::RunningProgram(const Environment& environment, const QStringList& words) {
+    m_lists.start("xprop", {"-root", "-spy", "_NET_CLIENT_LIST"});
+    EXPECT_TRUE(WaitUntil([this] { return m_lists.canReadLine(); }));
     QStringList variables;
     for (const std::string& variable : environment.ToList()) variables << Shown(variable);
     m_process.setEnvironment(variables);
@@ -37,9 +43,11 @@ RunningProgram::RunningProgram(const Environment& environment, const QStringList
 }
 
 RunningProgram::~RunningProgram() {
-    if (m_process.state() == QProcess::NotRunning) return;
-    m_process.kill();
-    m_process.waitForFinished();
+    for (QProcess* process : {&m_lists, &m_process}) {
+        if (process->state() == QProcess::NotRunning) continue;
+        process->kill();
+        process->waitForFinished(kPatienceInMs);
+    }
 }
 
 int RunningProgram::Status() {
@@ -82,14 +90,21 @@ void RunningProgram::Press(const QString& title, const QString& key) const {
     EXPECT_TRUE(Ask("xdotool", {"key", key}).ok);
 }
 
-void RunningProgram::WaitForSplashToGo() const {
-    bool came = false;
-    EXPECT_TRUE(WaitUntil(
-        [&] {
-            const auto count = Windows().size();
-            came = came || count > 1;
-            return came && count == 1;
-        }));
+bool RunningProgram::HasShownTwoWindows() {
+    while (m_lists.canReadLine()) m_told << QString::fromUtf8(m_lists.readLine());
+    static const QRegularExpression kId("0x[0-9a-f]+");
+    const auto idsOf = [](const QString& list) {
+        QSet<QString> ids;
+        for (auto match = kId.globalMatch(list); match.hasNext();) ids << match.next().captured();
+        return ids;
+    };
+    const QSet<QString> before = idsOf(m_told.value(0));
+    return std::any_of(m_told.begin(), m_told.end(),
+                       [&](const QString& list) { return (idsOf(list) - before).size() > 1; });
+}
+
+void RunningProgram::WaitForSplashToGo() {
+    EXPECT_TRUE(WaitUntil([this] { return HasShownTwoWindows() && Windows().size() == 1; }));
 }
 
 }  // namespace tavrin::test

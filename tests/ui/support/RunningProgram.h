@@ -42,9 +42,14 @@ class RunningProgram {
     // The main window stands with that title.
     void WaitForTitle(const QString& title) const { Window("^" + title + "$"); }
     // The first idle pass is over: the splash has come and gone.
-    void WaitForSplashToGo() const;
+    void WaitForSplashToGo();
 
   private:
+    bool HasShownTwoWindows();
+
+    // Tells each list of the display's windows, so that also what has come and gone meanwhile is known.
+    QProcess m_lists;
+    QStringList m_told;  // the lists so far, that from before the program first
     QProcess m_process;
 };
 
