@@ -247,7 +247,6 @@ TEST_F(DeskHandTest, WhatIsInHandIsToldBeforeTheHelp) {
     Click(InputOf(1));
     EXPECT_EQ(hint(), "");
     Desk().AddOperator("Constant");
-    EXPECT_EQ(hint(), "");  // nothing has happened to the windows yet
     SettleByKey();
     EXPECT_EQ(hint(), "Click to drop, Delete to throw away");
     Document().SetModified(false);
