@@ -157,8 +157,7 @@ TEST_F(EditKeysTest, ArrowsReachTheCommandsFromTheListOfAWindowThatCameUp) {
     // The window manager's word on that is not to come when the other is up again.
     test::ShowActive(window);
     test::ShowActive(other);
-    inside->setFocus();
-    ASSERT_TRUE(test::WaitUntil([&] { return inside->hasFocus(); }));
+    test::GiveFocus(*inside);
     Press(Qt::Key_Up);
     EXPECT_EQ(commands, (QStringList{"Down", "Up"}));
 }

@@ -116,6 +116,14 @@ void ShowActive(QWidget& window) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window, kPatienceInMs));
 }
 
+void GiveFocus(QWidget& widget) {
+    ASSERT_TRUE(WaitUntil([&] {
+        if (!widget.isActiveWindow()) widget.activateWindow();
+        widget.setFocus();
+        return widget.hasFocus();
+    }));
+}
+
 QImage SeenOnScreen(const QWidget& widget) {
     const QPoint at = widget.mapToGlobal(QPoint(0, 0));
     return widget.screen()->grabWindow(0, at.x(), at.y(), widget.width(), widget.height()).toImage();

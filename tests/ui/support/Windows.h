@@ -26,6 +26,9 @@ void HandleEvents();
 
 // Shows the window and waits until it is there, and is the active one.
 void ShowActive(QWidget& window);
+// Waits until the widget has the focus in its window, which is shown. A late word of the window manager about
+// another window may take that away again, so both are asked for until they stand.
+void GiveFocus(QWidget& widget);
 
 // What the screen shows where the widget is, with whatever lies above it; in device pixels.
 QImage SeenOnScreen(const QWidget& widget);
