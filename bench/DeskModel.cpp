@@ -45,6 +45,7 @@ class Window : public DeskView {
 struct Bench {
     explicit Bench(int width) {
         view.SetSize(1600, 1000);
+        desk.SetView(&window);
         Fill(document, host, kBoxes, width);
         int place = 0;
         for (const auto& box : document.m_boxes) {
@@ -96,7 +97,7 @@ struct Bench {
     CTvDoc document{host};
     DeskViewport view{document, {0.1F, 10}};
     Window window{view};
-    COpDesk desk{document, host, window};
+    COpDesk desk{document, host};
     PlainMeasure measure;
     DeskGestures gestures{
         {document, desk, view, window, host.GetSite().report, 3, [](const std::string&) {}}};

@@ -56,7 +56,7 @@ class Desk {
   public:
     explicit Desk(BenchHost& host)
         : document(host),
-          desk(document, host, m_view),
+          desk(document, host),
           m_style(DeskStyle::Read(host.GetSite().settings)),
           m_viewport(document, m_style.zoom),
           m_fonts("DejaVu Sans", [](const std::string&) { std::exit(EXIT_FAILURE); }),

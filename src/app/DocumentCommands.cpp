@@ -23,9 +23,9 @@ std::string TimeOfDay() {
 }  // namespace
 
 void DocumentCommands::Refresh() {
-    m_desk.OnInitialUpdate();
     m_app.ShaderTypeChanged();
     m_app.PushOptionsToForm();
+    m_desk.OnInitialUpdate();
 }
 
 void DocumentCommands::Log(const char* what, const std::string& path) {
@@ -61,11 +61,8 @@ bool DocumentCommands::OpenRecovered(const std::string& copyPath, const std::str
                                      bool wasCutShort, std::optional<ContentMark> held) {
     if (!m_document.Open(copyPath)) return false;
     const bool isWhole = !m_document.WasCutShort();
-    m_document.SetPath(documentPath);
-    if (wasCutShort) m_document.SetCutShort();
-    m_document.Origin().file->held = held;
+    m_document.BecomeRecovered(documentPath, wasCutShort, held);
     Refresh();
-    m_document.SetModified();
     if (m_announce == Announce::kYes)
         m_app.GetSite().report.LogLine("recovered %s", m_document.Title().c_str());
     return isWhole;
@@ -104,9 +101,10 @@ bool DocumentCommands::SaveAs(const std::string& path) {
     return true;
 }
 
-void DocumentCommands::Toggle(int& flag) {
+void DocumentCommands::Toggle(int& flag, const char* act) {
+    const EditScope edit(m_document, act);
+    m_document.edits.SettingsChanged();
     flag = flag == 0 ? 1 : 0;
-    m_document.SetModified();
 }
 
 }  // namespace tavrin

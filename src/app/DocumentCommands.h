@@ -44,16 +44,16 @@ class DocumentCommands {
     bool SaveAs(const std::string& path);
 
     // The flags that the user toggles.
-    void ToggleIcons() { Toggle(m_document.showiconimages); }
-    void ToggleLineType() { Toggle(m_document.linetype); }
-    void ToggleLinesOverBoxes() { Toggle(m_document.drawlinesoverboxes); }
-    void ToggleVarNames() { Toggle(m_document.showvarnames); }
-    void ToggleLock() { Toggle(m_document.lock); }
+    void ToggleIcons() { Toggle(m_document.showiconimages, "Display Icons"); }
+    void ToggleLineType() { Toggle(m_document.linetype, "Trace Lines"); }
+    void ToggleLinesOverBoxes() { Toggle(m_document.drawlinesoverboxes, "Lines Over Boxes"); }
+    void ToggleVarNames() { Toggle(m_document.showvarnames, "Show Varnames"); }
+    void ToggleLock() { Toggle(m_document.lock, "Lock Desk"); }
     // A locked desk's display options, all but the lock itself, are frozen with it.
     bool CanToggleDisplay() const { return m_document.lock == 0; }
 
   private:
-    void Toggle(int& flag);
+    void Toggle(int& flag, const char* act);
     void Log(const char* what, const std::string& path);
     void Refresh();
 

@@ -37,7 +37,7 @@ class DocumentCommandsTest : public testing::Test {
         app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin");
         app->LoadSiteDefaults();
         document = std::make_unique<CTvDoc>(*app);
-        desk = std::make_unique<COpDesk>(*document, *app, view);
+        desk = std::make_unique<COpDesk>(*document, *app);
         app->SetDocument(document.get());
         commands =
             std::make_unique<DocumentCommands>(*app, *document, *desk, DocumentCommands::Announce::kYes);
@@ -55,7 +55,6 @@ class DocumentCommandsTest : public testing::Test {
     test::CollectingSink sink;
     Report report;
     PlainQueue queue;
-    DeskView view;
     std::unique_ptr<CTvApp> app;
     std::unique_ptr<CTvDoc> document;
     std::unique_ptr<COpDesk> desk;

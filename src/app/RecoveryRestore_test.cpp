@@ -36,7 +36,7 @@ class RecoveryRestore : public testing::Test {
         environment.Set("TAVRN_TMPDIR", directory.Path());
         app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin");
         document = std::make_unique<CTvDoc>(*app);
-        desk = std::make_unique<COpDesk>(*document, *app, view);
+        desk = std::make_unique<COpDesk>(*document, *app);
         app->SetDocument(document.get());
         commands =
             std::make_unique<DocumentCommands>(*app, *document, *desk, DocumentCommands::Announce::kYes);
@@ -74,7 +74,6 @@ class RecoveryRestore : public testing::Test {
     test::CollectingSink sink;
     Report report;
     PlainQueue queue;
-    DeskView view;
     std::unique_ptr<CTvApp> app;
     std::unique_ptr<CTvDoc> document;
     std::unique_ptr<COpDesk> desk;

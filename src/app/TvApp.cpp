@@ -203,8 +203,9 @@ void CTvApp::SetVariable(const std::string& name, const std::string& value, bool
     auto& options = m_document->m_renderOptions;
     const auto option = options.find(name);
     if (option == options.end() || option->second != value) {
+        const EditScope edit(*m_document, "Render Option");
+        m_document->edits.OptionsChanged();
         options[name] = value;
-        m_document->SetModified();
     }
     if (updateForm) m_form->BroadcastOption(name, value);
     if (name == kShaderTypeOption) ShaderTypeChanged();

@@ -12,10 +12,10 @@ namespace tavrin {
 
 // Made when the application has read its site's defaults. The document is the application's while this lives.
 struct Workspace {
-    Workspace(CTvApp& application, DeskView& view, DocumentCommands::Announce announce)
+    Workspace(CTvApp& application, DocumentCommands::Announce announce)
         : app(application),
           document(app),
-          desk(document, app, view),
+          desk(document, app),
           commands(app, document, desk, announce),
           session(document, app.GetSite(), app.CodeGen()),
           views(document, app.GetSite(), session),

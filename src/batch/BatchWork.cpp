@@ -32,7 +32,7 @@ BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInt
     : m_app(app),
       m_queue(queue),
       m_isInterrupted(std::move(isInterrupted)),
-      m_work(app, m_view, DocumentCommands::Announce::kNo),
+      m_work(app, DocumentCommands::Announce::kNo),
       m_actions(*this, app.GetSite().commands, app.GetSite().report),
       m_force(force) {
     m_work.exporter.AskBeforeLoss([this](const std::string& path) {
@@ -126,7 +126,7 @@ bool BatchWork::DropBesideTheRest() {
         const auto& pending = m_work.desk.m_pendingBoxes;
         const float edge = (*std::max_element(rest.begin(), rest.end(), left))->xypos[0];
         const float start = (*std::min_element(pending.begin(), pending.end(), left))->xypos[0];
-        for (const auto& box : pending) box->xypos[0] += edge + kGapBesideTheRest - start;
+        m_work.desk.ShiftPending(edge + kGapBesideTheRest - start, 0);
     }
     m_work.desk.DropPending();
     return true;

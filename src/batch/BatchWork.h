@@ -66,7 +66,6 @@ class BatchWork : private ActionTarget {
     CTvApp& m_app;
     PlainQueue& m_queue;
     std::function<bool()> m_isInterrupted;
-    DeskView m_view;
     Workspace m_work;
     Actions m_actions;
     std::string m_openedPath;

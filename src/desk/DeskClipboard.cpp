@@ -13,11 +13,6 @@ constexpr float kDuplicateOffset[2] = {16, -16};
 
 }  // namespace
 
-void COpDesk::NetworkHasChanged() {
-    m_document.SetModified();
-    m_view.RefreshAllViews();
-}
-
 // Out of the network, in the order of the stack.
 COpDesk::BoxVector COpDesk::TakeSelectedBoxes() {
     BoxVector taken;
@@ -39,18 +34,19 @@ void COpDesk::CopySelection() {
 }
 
 void COpDesk::CutBoxes() {
+    const EditScope edit(m_document, "Cut");
     CopySelection();  // while the connections among the boxes still stand
     BoxVector cut = TakeSelectedBoxes();
     if (cut.empty()) return;
-    DeletePending(cut);
-    NetworkHasChanged();
-    m_view.UpdateScrollBars();
+    Discard(cut, Edits::Stood::kInNetwork);
+    m_view->UpdateScrollBars();
 }
 
 void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
     if (m_clipboardBoxes.empty()) return;
+    const EditScope edit(m_document, "Paste");
     ClearSelections();
-    DeletePending(m_pendingBoxes);
+    DeletePending();
     std::vector<COpBox*> source;
     for (const auto& box : m_clipboardBoxes) source.push_back(box.get());
     BoxVector clones;
@@ -70,32 +66,33 @@ void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
         if (AdmitBox(*clone, counts)) m_pendingBoxes.push_back(std::move(clone));
     }
     clones.clear();  // those that were refused, with their connections
-    NetworkHasChanged();
-    m_view.Repaint();
-    m_view.UpdateScrollBars();
+    m_document.edits.BroughtBoxes();
+    m_view->Repaint();
+    m_view->UpdateScrollBars();
 }
 
 void COpDesk::DeleteSelection() {
+    const EditScope edit(m_document, "Delete");
     BoxVector deleted = TakeSelectedBoxes();
-    if (!deleted.empty()) m_document.SetModified();
-    DeletePending(deleted);
-    DeletePending(m_pendingBoxes);
+    Discard(deleted, Edits::Stood::kInNetwork);
+    DeletePending();
     for (COpButton* input : m_selectedConnects) {
-        m_document.SetModified();
+        m_document.edits.WiresChanged();
         if (COpButton::IsLive(input)) input->Disconnect();
     }
     ClearSelectedConnects();
-    m_view.RefreshAllViews();
-    m_view.UpdateScrollBars();
+    m_view->Repaint();
+    m_view->UpdateScrollBars();
 }
 
 void COpDesk::DuplicateBox(const COpBox& box) {
+    const EditScope edit(m_document, "Copy Box");
     ClearBoxSelection();
     auto clone = std::make_unique<COpBox>(box);
     MoveBox(*clone, kDuplicateOffset[0], kDuplicateOffset[1]);
     if (!AdmitBox(*clone)) return;
+    m_document.edits.BoxDropped(*clone);
     m_document.m_boxes.push_front(std::move(clone));
-    NetworkHasChanged();
 }
 
 void COpDesk::DeleteBox(const COpBox& box) {
@@ -103,10 +100,10 @@ void COpDesk::DeleteBox(const COpBox& box) {
     const auto place =
         std::find_if(stack.begin(), stack.end(), [&](const auto& own) { return own.get() == &box; });
     if (place == stack.end()) return;
+    const EditScope edit(m_document, "Delete Box");
     auto owned = std::move(*place);
     stack.erase(place);
     RemoveBox(std::move(owned));
-    NetworkHasChanged();
 }
 
 // A menu may have been open for long: what it was opened on need not stand any more.
@@ -117,18 +114,22 @@ COpButton* COpDesk::LiveMouseButton() const {
 void COpDesk::DeleteButton() {
     COpButton* button = LiveMouseButton();
     if (button == nullptr || button->kind != ButtonKind::kVinput) return;
+    const EditScope edit(m_document, "Delete Input");
     COpBox& box = *button->owner;
+    if (!button->connections.Empty()) m_document.edits.WiresChanged();
+    m_document.edits.BoxTouched(box);
     std::erase(m_selectedConnects, button);
     box.DeleteButton(*button);
     m_mouseButton = nullptr;
     ClearSelectedButton();
-    m_view.LayoutBox(box);
-    NetworkHasChanged();
+    m_view->LayoutBox(box);
 }
 
 void COpDesk::DeleteConnections() {
     COpButton* button = LiveMouseButton();
     if (button == nullptr || button->connections.Empty()) return;
+    const EditScope edit(m_document, "Cut Wires");
+    m_document.edits.WiresChanged();
     if (button->IsOutput()) {
         const std::unordered_set<const COpButton*> inputs(button->connections.begin(),
                                                           button->connections.end());
@@ -137,22 +138,22 @@ void COpDesk::DeleteConnections() {
         std::erase(m_selectedConnects, button);
     }
     button->Disconnect();
-    NetworkHasChanged();
 }
 
 void COpDesk::ToggleArgument() {
     COpButton* button = LiveMouseButton();
     if (button == nullptr || button->IsOutput() || button->disableargflag != 0) return;
+    const EditScope edit(m_document, "Argument");
+    m_document.edits.ButtonTouched(*button);
     button->arg = button->arg == 0 ? 1 : 0;
-    m_view.ArgumentChanged(*button);
-    NetworkHasChanged();
 }
 
 void COpDesk::ChooseCast(size_t cast) {
     COpButton* button = LiveMouseButton();
     if (button == nullptr || cast >= button->values.size()) return;
+    const EditScope edit(m_document, "Cast");
+    m_document.edits.BoxTouched(*button->owner);  // other buttons may follow
     button->SetCast(cast);
-    NetworkHasChanged();
 }
 
 }  // namespace tavrin

@@ -32,7 +32,7 @@ bool IsVinput(const COpButton* button) { return button != nullptr && button->kin
 
 void DeskGestures::LeftDown(const PointerState& pointer) {
     m_around.windows.Repaint();
-    m_gesture = Kind::kIdle;
+    EndGesture();
     if (!m_around.desk.m_pendingBoxes.empty()) {
         m_around.desk.DropPending();
         return;
@@ -83,7 +83,7 @@ void DeskGestures::PressBox(COpBox& box, const PointerState& pointer) {
     if (!pointer.control && !pointer.shift) desk.ClearBoxSelection();
     box.selected = wasSelected ? 0 : 1;
     if (box.selected != 0) desk.RaiseBox(box);
-    m_around.windows.RefreshAllViews();
+    m_around.document.edits.SelectionChanged();
 }
 
 void DeskGestures::PressLine(COpButton& input, const PointerState& pointer) {
@@ -99,7 +99,7 @@ void DeskGestures::PressLine(COpButton& input, const PointerState& pointer) {
     } else if (pointer.control) {
         lines.erase(place);
     }
-    if (anyBox) m_around.windows.RefreshAllViews();
+    if (anyBox) m_around.document.edits.SelectionChanged();
 }
 
 void DeskGestures::PressEmptyDesk(DeskPoint at, const PointerState& pointer) {
@@ -110,7 +110,7 @@ void DeskGestures::PressEmptyDesk(DeskPoint at, const PointerState& pointer) {
     m_gesture = pointer.control ? Kind::kBandToggle : Kind::kBandAdd;
     if (pointer.control || pointer.shift || !desk.AnyBoxSelected()) return;
     desk.ClearBoxSelection();
-    m_around.windows.RefreshAllViews();
+    m_around.document.edits.SelectionChanged();
 }
 
 void DeskGestures::Move(const PointerState& event) {
@@ -139,7 +139,7 @@ void DeskGestures::Move(const PointerState& event) {
     COpBox* box = HitBox(m_around.document, at);
     FollowButton(box, box == nullptr ? nullptr : HitButton(*box, at), at);
     const DeskPoint delta{at.x - Mouse().x, at.y - Mouse().y};
-    if (pointer.left && m_gesture == Kind::kMoving) m_around.desk.MoveSelectedBoxes(delta.x, delta.y);
+    if (pointer.left && m_gesture == Kind::kMoving) MoveBoxes(delta);
     if (pointer.left && m_gesture != Kind::kIdle) m_around.windows.Repaint();
     DragPending(at, delta);
     if (m_gesture != Kind::kMoving) ShowHelp();
@@ -211,6 +211,7 @@ std::optional<std::string> DeskGestures::TakeStaleHelp() {
 void DeskGestures::LeftUp(const PointerState& pointer) {
     m_autoScroll = false;
     m_around.windows.Repaint();
+    const EditScope wire(m_around.document, {});  // growing an input and wiring it are one act
     const DeskPoint at = m_around.view.ToDesk(pointer.at);
     COpButton* grown = nullptr;
     if (m_growArrowsShown) {
@@ -220,12 +221,22 @@ void DeskGestures::LeftUp(const PointerState& pointer) {
     }
     if (m_gesture == Kind::kWiring) FinishWire(grown);
     if (m_gesture == Kind::kBandAdd || m_gesture == Kind::kBandToggle) FinishBand();
+    EndGesture();
+}
+
+void DeskGestures::EndGesture() {
     m_gesture = Kind::kIdle;
+    m_drag.reset();
+}
+
+void DeskGestures::MoveBoxes(DeskPoint delta) {
+    if (!m_drag) m_drag.emplace(m_around.document, "Move");
+    m_around.desk.MoveSelectedBoxes(delta.x, delta.y);
 }
 
 void DeskGestures::Cancel() {
     if (m_gesture == Kind::kIdle) return;
-    m_gesture = Kind::kIdle;
+    EndGesture();
     m_autoScroll = false;
     m_growArrowsShown = false;
     m_around.windows.Repaint();
@@ -247,10 +258,8 @@ void DeskGestures::FinishWire(COpButton* grown) {
 }
 
 void DeskGestures::Wire(COpButton& target) {
-    m_around.desk.m_selectedButton->Connect(target);
+    m_around.desk.Connect(*m_around.desk.m_selectedButton, target);
     m_around.desk.ClearSelectedButton();
-    m_around.document.SetModified();
-    m_around.windows.RefreshAllViews();
 }
 
 void DeskGestures::FinishBand() {
@@ -262,7 +271,7 @@ void DeskGestures::FinishBand() {
         changed = changed || box->selected != selected;
         box->selected = selected;
     }
-    if (changed) m_around.windows.RefreshAllViews();
+    if (changed) m_around.document.edits.SelectionChanged();
 }
 
 void DeskGestures::Tick() {
@@ -270,10 +279,8 @@ void DeskGestures::Tick() {
     const DeskPoint pixels = m_autoScrollDelta;
     const float zoom = m_around.view.Zoom();
     const DeskPoint delta{pixels.x / zoom, pixels.y / zoom};
-    if (m_gesture == Kind::kMoving) m_around.desk.MoveSelectedBoxes(delta.x, delta.y);
-    m_around.document.offset[0] -= pixels.x;
-    m_around.document.offset[1] -= pixels.y;
-    m_around.document.SetModified();
+    if (m_gesture == Kind::kMoving) MoveBoxes(delta);
+    m_around.view.ScrollBy(pixels);
     m_around.desk.m_mouseDesk[0] += delta.x;
     m_around.desk.m_mouseDesk[1] += delta.y;
     m_around.windows.Repaint();

@@ -31,7 +31,7 @@ class DeskGestures {
   public:
     enum class Kind { kIdle, kMoving, kWiring, kBandAdd, kBandToggle };
 
-    // All outlive it. `windows` is told what to repaint and refresh, `showStatus` what help to show.
+    // All outlive it. `windows` is told what to repaint, `showStatus` what help to show.
     struct Surroundings {
         CTvDoc& document;
         COpDesk& desk;
@@ -84,6 +84,8 @@ class DeskGestures {
     void FinishWire(COpButton* grown);
     void Wire(COpButton& target);
     void FinishBand();
+    void MoveBoxes(DeskPoint delta);
+    void EndGesture();
     bool IsInGrowArrow(DeskPoint at, bool above) const;
     void Remember(const PointerState& pointer, DeskPoint at);
 
@@ -98,6 +100,7 @@ class DeskGestures {
 
     Surroundings m_around;
     Kind m_gesture = Kind::kIdle;
+    std::optional<EditScope> m_drag;  // all that is moved until the release is one act
     WindowPoint m_mousePoint;  // last position in the window
     ShownHelp m_help;          // what was shown last
     DeskPoint m_bandAnchor;

@@ -64,8 +64,8 @@ class DeskGestures : public test::DocumentTest {
         document.SetModified(false);
     }
 
-    test::RecordingView windows;
-    COpDesk desk{document, host, windows};
+    test::RecordingView windows{document};
+    test::SeenDesk desk{document, host, windows};
     DeskViewport view{document, {0.1F, 10}};
     std::string status;
     tavrin::DeskGestures gestures{{document, desk, view, windows, host.GetSite().report, 3,
@@ -93,7 +93,7 @@ TEST_F(DeskGestures, PendingBoxesFollowThePointerAndDropAtThePress) {
     EXPECT_THAT(WidsOf(document), ElementsAre(1));
     EXPECT_EQ(gestures.Current(), Kind::kIdle);
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(windows.calls, Contains("refresh"));
+    EXPECT_THAT(windows.calls, Contains("Add: dropped b_1"));
     Drag(400, 300);
     EXPECT_EQ(BoxRect(test::BoxAt(document, 0)).left, 260);
 }
@@ -110,7 +110,7 @@ TEST_F(DeskGestures, APressOnABoxSelectsItAloneAndRaisesIt) {
     EXPECT_THAT(WidsOf(document), ElementsAre(2, 1));
     EXPECT_EQ(desk.m_selectedButton, nullptr);
     EXPECT_THAT(desk.m_selectedConnects, IsEmpty());
-    EXPECT_THAT(windows.calls, Contains("refresh"));
+    EXPECT_THAT(windows.calls, Contains("selection"));
     EXPECT_EQ(gestures.Current(), Kind::kMoving);
     Release(240, 10);
     EXPECT_EQ(gestures.Current(), Kind::kIdle);
@@ -124,7 +124,7 @@ TEST_F(DeskGestures, APressOnASelectedBoxKeepsTheSelection) {
     Click(240, 10);
     EXPECT_EQ(first.selected + second.selected, 2);
     EXPECT_THAT(WidsOf(document), ElementsAre(1, 2));
-    EXPECT_THAT(windows.calls, Not(Contains("refresh")));
+    EXPECT_THAT(windows.calls, Not(Contains("selection")));
 }
 
 TEST_F(DeskGestures, ShiftAddsABoxToTheSelection) {
@@ -147,7 +147,7 @@ TEST_F(DeskGestures, ControlTogglesABoxAndADragMovesWhatIsStillSelected) {
     Forget();
     Press(240, 10, kControl);
     EXPECT_EQ(second.selected, 0);
-    EXPECT_THAT(windows.calls, Contains("refresh"));
+    EXPECT_THAT(windows.calls, Contains("selection"));
     Drag(250, 15);
     EXPECT_EQ(BoxRect(first).left, 10);
     EXPECT_EQ(BoxRect(first).bottom, 5);
@@ -182,7 +182,7 @@ TEST_F(DeskGestures, TwoButtonsAreWiredByADragFromOneToTheOther) {
     EXPECT_TRUE(from.outputs.at(0)->connections.Contains(*to.inputs.at(0)));
     EXPECT_EQ(desk.m_selectedButton, nullptr);
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(windows.calls, Contains("refresh"));
+    EXPECT_THAT(windows.calls, Contains("Wire: wires"));
     EXPECT_EQ(gestures.Current(), Kind::kIdle);
 }
 
@@ -297,7 +297,7 @@ TEST_F(DeskGestures, LinesAreSelectedByModifier) {
     EXPECT_EQ(from.selected, 0);
     EXPECT_EQ(desk.m_selectedButton, nullptr);
     EXPECT_EQ(gestures.Current(), Kind::kIdle);
-    EXPECT_THAT(windows.calls, Contains("refresh"));
+    EXPECT_THAT(windows.calls, Contains("selection"));
     Forget();
     Click(200, 166, kShift);
     EXPECT_THAT(desk.m_selectedConnects, ElementsAre(level, steep));
@@ -309,7 +309,7 @@ TEST_F(DeskGestures, LinesAreSelectedByModifier) {
     EXPECT_THAT(desk.m_selectedConnects, ElementsAre(steep, level));
     Click(250, 16);
     EXPECT_THAT(desk.m_selectedConnects, ElementsAre(level));
-    EXPECT_THAT(windows.calls, Not(Contains("refresh")));
+    EXPECT_THAT(windows.calls, Not(Contains("selection")));
     ExpectUntouched();
 }
 
@@ -335,7 +335,7 @@ TEST_F(DeskGestures, ARubberBandTakesWhatLiesWhollyInsideFromEitherSide) {
     Release(340, 200);
     EXPECT_EQ(inside.selected, 1);
     EXPECT_EQ(partly.selected, 0);
-    EXPECT_THAT(windows.calls, Contains("refresh"));
+    EXPECT_THAT(windows.calls, Contains("selection"));
     Press(340, 200);
     EXPECT_EQ(inside.selected, 0);
     Drag(90, 90);
@@ -368,10 +368,10 @@ TEST_F(DeskGestures, APressOnTheEmptyDeskClearsTheSelection) {
     box.selected = 1;
     Click(400, 400);
     EXPECT_EQ(box.selected, 0);
-    EXPECT_THAT(windows.calls, Contains("refresh"));
+    EXPECT_THAT(windows.calls, Contains("selection"));
     Forget();
     Click(400, 400);
-    EXPECT_THAT(windows.calls, Not(Contains("refresh")));
+    EXPECT_THAT(windows.calls, Not(Contains("selection")));
 }
 
 TEST_F(DeskGestures, MiddleOrShiftAndRightPanUnlessTheDeskIsEmpty) {

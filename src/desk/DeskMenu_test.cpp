@@ -258,10 +258,9 @@ class DeskMenuTest : public test::DocumentTest {
     DeskMenuTest() { viewport.SetSize(800, 600); }
 
     COpBox& Put(std::unique_ptr<COpBox> box, float left, float bottom) {
-        EXPECT_TRUE(desk.AdmitBox(*box));
-        box->selected = 0;
-        box->layout = {left, bottom, 16, 100, 32, 30, 40};
-        COpBox& put = Add(std::move(box));
+        COpBox& put = Add(desk, std::move(box));
+        put.selected = 0;
+        put.layout = {left, bottom, 16, 100, 32, 30, 40};
         view.calls.clear();
         return put;
     }
@@ -284,8 +283,8 @@ class DeskMenuTest : public test::DocumentTest {
         return pointer;
     }
 
-    test::RecordingView view;
-    COpDesk desk{document, host, view};
+    test::RecordingView view{document};
+    test::SeenDesk desk{document, host, view};
     DeskViewport viewport{document, {}};
     DeskGestures gestures{
         {document, desk, viewport, view, host.GetSite().report, 3, [](const std::string&) {}}};
@@ -432,7 +431,7 @@ TEST_F(DeskMenuTest, AChosenCastIsSeenCheckedAlsoOnTheButtonsTiedToIt) {
     }
     EXPECT_TRUE(Find(ButtonMenu(*box.inputs.at(1), types), "xyz")->checked);  // it has no other
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("refresh", "repaint"));
+    EXPECT_THAT(view.calls, ElementsAre("Cast: touched m_1", "repaint"));
 }
 
 TEST_F(DeskMenuTest, TheFileIsThatOfTheBoxesOperator) {

@@ -28,7 +28,7 @@ void COpDesk::SetAllSelected(int selected) {
         changed = changed || box->selected != selected;
         box->selected = selected;
     }
-    if (changed) m_view.RefreshAllViews();
+    if (changed) m_document.edits.SelectionChanged();
 }
 
 void COpDesk::ValidateReferences() {
@@ -66,16 +66,16 @@ void COpDesk::ForgetReferences() {
 }
 
 void COpDesk::OnInitialUpdate() {
+    const EditScope edit(m_document, {});
     ForgetReferences();
-    DeletePending(m_pendingBoxes);
-    m_view.ClearBoxFinder();
+    DeletePending();
     m_usedWids.Clear();
     for (const auto& box : m_document.m_boxes) {
-        m_view.LayoutBox(*box);
-        m_view.AddToBoxFinder(box->BoxTitleWid());
+        m_view->LayoutBox(*box);
         m_usedWids.Add(box->wid);
     }
-    m_view.UpdateScrollBars();
+    m_view->UpdateScrollBars();
+    m_document.edits.Replaced();
 }
 
 }  // namespace tavrin

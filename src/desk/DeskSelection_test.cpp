@@ -19,8 +19,8 @@ using testing::IsEmpty;
 
 class DeskSelection : public test::DocumentTest {
   protected:
-    test::RecordingView view;
-    COpDesk desk{document, host, view};
+    test::RecordingView view{document};
+    test::SeenDesk desk{document, host, view};
 };
 
 TEST_F(DeskSelection, EveryBoxIsSelectedAtOnceAndTheViewsRefreshedIfOneChanged) {
@@ -31,15 +31,15 @@ TEST_F(DeskSelection, EveryBoxIsSelectedAtOnceAndTheViewsRefreshedIfOneChanged) 
     EXPECT_TRUE(desk.AnyBoxSelected());
     desk.SelectAllBoxes();
     EXPECT_EQ(first.selected + second.selected, 2);
-    EXPECT_THAT(view.calls, ElementsAre("refresh"));
+    EXPECT_THAT(view.calls, ElementsAre("selection"));
     desk.SelectAllBoxes();
-    EXPECT_THAT(view.calls, ElementsAre("refresh"));
+    EXPECT_THAT(view.calls, ElementsAre("selection"));
     second.selected = 0;
     desk.UnselectAllBoxes();
     EXPECT_EQ(first.selected + second.selected, 0);
-    EXPECT_THAT(view.calls, ElementsAre("refresh", "refresh"));
+    EXPECT_THAT(view.calls, ElementsAre("selection", "selection"));
     desk.UnselectAllBoxes();
-    EXPECT_THAT(view.calls, ElementsAre("refresh", "refresh"));
+    EXPECT_THAT(view.calls, ElementsAre("selection", "selection"));
     EXPECT_FALSE(document.IsModified());
 }
 
@@ -134,7 +134,7 @@ TEST_F(DeskSelection, ANetworkIsTakenUpInItsOrder) {
     EXPECT_THAT(desk.m_selectedConnects, IsEmpty());
     EXPECT_THAT(desk.m_pendingBoxes, IsEmpty());
     EXPECT_THAT(view.finder, ElementsAre("a_2", "b_4"));
-    EXPECT_THAT(view.calls, ElementsAre("layout a_2", "layout b_4", "scrollbars"));
+    EXPECT_THAT(view.calls, ElementsAre("layout a_2", "layout b_4", "scrollbars", "replaced"));
     for (const int wid : {1, 3, 5}) EXPECT_EQ(desk.NextWid(), wid);
     EXPECT_FALSE(document.IsModified());
 }

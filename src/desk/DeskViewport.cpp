@@ -76,7 +76,7 @@ DeskRect DeskViewport::Visible() const {
 void DeskViewport::CentreView(DeskPoint middle) {
     m_document.offset[0] = m_width * 0.5F - Zoom() * middle.x;
     m_document.offset[1] = m_height * 0.5F - Zoom() * middle.y;
-    m_document.SetModified();
+    m_document.ViewMoved();
 }
 
 bool DeskViewport::CentreOnBox(const std::string& boxTitleWid) {
@@ -134,8 +134,14 @@ bool DeskViewport::Pan(float dx, float dy) {
     if (m_document.m_boxes.empty()) return false;
     m_document.offset[0] += dx;
     m_document.offset[1] -= dy;
-    m_document.SetModified();
+    m_document.ViewMoved();
     return true;
+}
+
+void DeskViewport::ScrollBy(DeskPoint pixels) {
+    m_document.offset[0] -= pixels.x;
+    m_document.offset[1] -= pixels.y;
+    m_document.ViewMoved();
 }
 
 // The desk's y runs upward, a scroll bar's downward.
@@ -152,13 +158,13 @@ ScrollRanges DeskViewport::Ranges() const {
 
 void DeskViewport::ScrollHorizontally(ScrollAction action, int thumb) {
     m_document.offset[0] = -(Zoom() * static_cast<float>(Target(Ranges().across, action, thumb)));
-    m_document.SetModified();
+    m_document.ViewMoved();
 }
 
 void DeskViewport::ScrollVertically(ScrollAction action, int thumb) {
     const auto position = static_cast<float>(Target(Ranges().down, action, thumb));
     m_document.offset[1] = Zoom() * position + m_height;
-    m_document.SetModified();
+    m_document.ViewMoved();
 }
 
 }  // namespace tavrin

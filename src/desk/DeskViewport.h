@@ -65,6 +65,9 @@ class DeskViewport {
     // Moves what is seen by window pixels. An empty desk is not moved.
     bool Pan(float dx, float dy);
 
+    // Shows what lies further by pixels, to the right and upward; also on an empty desk.
+    void ScrollBy(DeskPoint pixels);
+
     // Both at once, since each costs a look at the whole network.
     ScrollRanges Ranges() const;
     // `thumb` is where the user put the bar's thumb.

@@ -17,12 +17,11 @@ constexpr size_t kVectorRoom = 100;
 
 }  // namespace
 
-COpDesk::COpDesk(CTvDoc& document, DocumentHost& host, DeskView& view)
-    : m_document(document), m_host(host), m_view(view) {
+COpDesk::COpDesk(CTvDoc& document, DocumentHost& host) : m_document(document), m_host(host) {
     m_clipboardBoxes.reserve(kVectorRoom);
     m_pendingBoxes.reserve(kVectorRoom);
     document.SetBeforeDelete([this] { ForgetReferences(); });
-    document.SetAfterReorder([this] { m_view.Repaint(); });
+    document.SetAfterReorder([this] { m_view->Repaint(); });
 }
 
 COpDesk::~COpDesk() {
@@ -30,14 +29,17 @@ COpDesk::~COpDesk() {
     m_document.SetAfterReorder({});
 }
 
+void COpDesk::SetView(DeskView* view) { m_view = view == nullptr ? &m_noView : view; }
+
 // Where nothing comes of it, what was selected and what waited are gone all the same.
 void COpDesk::AddOperator(const std::string& name) {
+    const EditScope edit(m_document, "Add Operator");
     const bool wasSelected = AnyBoxSelected();
     ClearSelections();
-    DeletePending(m_pendingBoxes);
+    DeletePending();
     BringOperator(name);
-    m_view.Repaint();
-    if (wasSelected) m_view.RefreshAllViews();
+    m_view->Repaint();
+    if (wasSelected) m_document.edits.SelectionChanged();
 }
 
 void COpDesk::BringOperator(const std::string& name) {
@@ -74,7 +76,7 @@ void COpDesk::AddMacro(CArchive& archive) {
 void COpDesk::AddBox(const std::string& name) {
     auto box = std::make_unique<COpBox>();
     if (!m_host.DefineBox(*box, name) || !AdmitBox(*box)) return;
-    m_view.LayoutBox(*box);
+    m_view->LayoutBox(*box);
     m_pendingBoxes.push_back(std::move(box));
     m_pendingPlaced = false;
 }
@@ -87,6 +89,7 @@ COpDesk::InstanceCounts COpDesk::CountInstances() const {
 }
 
 bool COpDesk::AdmitBox(COpBox& box) {
+    const EditScope edit(m_document, "Add Box");
     InstanceCounts counts;
     if (box.maxinstances != 0) counts = CountInstances();
     return AdmitBox(box, counts);
@@ -103,15 +106,16 @@ bool COpDesk::AdmitBox(COpBox& box, InstanceCounts& counts) {
     ++count;
     box.selected = 1;
     box.wid = NextWid();
-    m_view.LayoutBox(box);
-    m_view.AddToBoxFinder(box.BoxTitleWid());
+    m_view->LayoutBox(box);
+    m_document.edits.BoxCame(box);
     return true;
 }
 
 void COpDesk::MergeBoxes(CTvDoc::BoxList& boxes) {
     if (boxes.empty()) return;
+    const EditScope edit(m_document, "Merge");
     ClearSelections();
-    DeletePending(m_pendingBoxes);
+    DeletePending();
     const float origin[2] = {boxes.front()->xypos[0], boxes.front()->xypos[1]};
     InstanceCounts counts = CountInstances();
     for (auto& box : boxes) {
@@ -120,27 +124,29 @@ void COpDesk::MergeBoxes(CTvDoc::BoxList& boxes) {
     }
     boxes.clear();  // destroys those that were refused, with their connections
     m_pendingPlaced = false;
-    m_document.SetModified();
-    m_view.RefreshAllViews();
-    m_view.Repaint();
-    m_view.UpdateScrollBars();
+    m_document.edits.BroughtBoxes();
+    m_view->Repaint();
+    m_view->UpdateScrollBars();
 }
 
 void COpDesk::DropPending() {
     if (m_pendingBoxes.empty()) return;
-    for (auto& box : m_pendingBoxes) m_document.m_boxes.push_front(std::move(box));
+    const EditScope edit(m_document, "Add");
+    for (auto& box : m_pendingBoxes) {
+        m_document.edits.BoxDropped(*box);
+        m_document.m_boxes.push_front(std::move(box));
+    }
     m_pendingBoxes.clear();
-    m_document.SetModified();
-    m_view.RefreshAllViews();
 }
 
 void COpDesk::RemoveBox(std::unique_ptr<COpBox> box) {
     BoxVector boxes;
     boxes.push_back(std::move(box));
-    DeletePending(boxes);
+    Discard(boxes, Edits::Stood::kInNetwork);
 }
 
-void COpDesk::DeletePending(BoxVector& boxes) {
+void COpDesk::Discard(BoxVector& boxes, Edits::Stood stood) {
+    const EditScope edit(m_document, "Delete");
     if (!m_selectedConnects.empty()) {
         std::unordered_set<const COpButton*> inputs;
         for (const auto& box : boxes) {
@@ -149,15 +155,15 @@ void COpDesk::DeletePending(BoxVector& boxes) {
         std::erase_if(m_selectedConnects, [&](const COpButton* input) { return inputs.contains(input); });
     }
     for (auto& box : boxes) {
-        ForgetBox(*box);
+        ForgetBox(*box, stood);
         box.reset();
     }
     boxes.clear();
 }
 
-void COpDesk::ForgetBox(const COpBox& box) {
+void COpDesk::ForgetBox(const COpBox& box, Edits::Stood stood) {
     m_usedWids.Remove(box.wid);
-    m_view.RemoveFromBoxFinder(box.BoxTitleWid());
+    m_document.edits.BoxWent(box, stood);
     if (m_mouseBox == &box) m_mouseBox = nullptr;
     for (const auto* side : {&box.inputs, &box.outputs}) {
         for (const auto& button : *side) ForgetButton(*button);
@@ -187,12 +193,21 @@ void COpDesk::MoveBox(COpBox& box, float dx, float dy) {
 
 void COpDesk::MoveSelectedBoxes(float dx, float dy) {
     if (dx == 0.0F && dy == 0.0F) return;
+    const EditScope edit(m_document, "Move");
     for (const auto& box : m_document.m_boxes) {
-        if (box->selected != 0) MoveBox(*box, dx, dy);
+        if (box->selected == 0) continue;
+        m_document.edits.BoxTouched(*box);
+        MoveBox(*box, dx, dy);
     }
-    m_document.SetModified();
-    m_view.Repaint();
-    m_view.UpdateScrollBars();
+    m_view->Repaint();
+    m_view->UpdateScrollBars();
+}
+
+void COpDesk::ShiftPending(float dx, float dy) {
+    for (const auto& box : m_pendingBoxes) {
+        box->xypos[0] += dx;
+        box->xypos[1] += dy;
+    }
 }
 
 void COpDesk::CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination) {
@@ -214,12 +229,18 @@ void COpDesk::CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destinati
 COpButton* COpDesk::GrowVinput(bool above) {
     if (m_mouseBox == nullptr || m_mouseButton == nullptr || m_mouseButton->kind != ButtonKind::kVinput)
         return nullptr;
+    const EditScope edit(m_document, "Add Input");
+    m_document.edits.BoxTouched(*m_mouseBox);
     COpButton* copy = m_mouseBox->CopyButton(*m_mouseButton, above);
-    m_view.LayoutBox(*m_mouseBox);
-    m_document.SetModified();
-    m_view.RefreshAllViews();
-    m_view.Repaint();
+    m_view->LayoutBox(*m_mouseBox);
+    m_view->Repaint();
     return copy;
+}
+
+void COpDesk::Connect(COpButton& button, COpButton& other) {
+    const EditScope edit(m_document, "Wire");
+    m_document.edits.WiresChanged();
+    button.Connect(other);
 }
 
 }  // namespace tavrin

@@ -14,18 +14,13 @@
 
 namespace tavrin {
 
-// What the desk asks of the windows round it. The batch program has none and leaves these as they are.
+// What the desk asks of the window that shows it, while an act goes on; what has come of the act, the
+// document's listeners are told at its end. The batch program has no window, and this does nothing.
 class DeskView {
   public:
     virtual ~DeskView() = default;
     virtual void LayoutBox(COpBox&) {}
-    virtual void AddToBoxFinder(const std::string& /*boxTitleWid*/) {}
-    virtual void RemoveFromBoxFinder(const std::string& /*boxTitleWid*/) {}
-    virtual void ClearBoxFinder() {}
     virtual void Repaint() {}
-    virtual void RefreshAllViews() {}
-    // The button became an argument of the shader, or ceased to be one.
-    virtual void ArgumentChanged(COpButton&) {}
     virtual void UpdateScrollBars() {}
 };
 
@@ -35,7 +30,9 @@ class COpDesk {
   public:
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;
 
-    COpDesk(CTvDoc& document, DocumentHost& host, DeskView& view);
+    COpDesk(CTvDoc& document, DocumentHost& host);
+    // Without a window until this names one, which takes itself back with null before it goes.
+    void SetView(DeskView* view);
     ~COpDesk();
     COpDesk(const COpDesk&) = delete;
     COpDesk& operator=(const COpDesk&) = delete;
@@ -52,8 +49,8 @@ class COpDesk {
     void DropPending();
     // Forgets every reference to a box that is out of the network, and destroys it.
     void RemoveBox(std::unique_ptr<COpBox> box);
-    // The same for all of them, which costs no search for each.
-    void DeletePending(BoxVector& boxes);
+    // The same for all boxes that wait under the mouse.
+    void DeletePending() { Discard(m_pendingBoxes, Edits::Stood::kWaiting); }
     // Moves a box of the network to the top of the stack.
     void RaiseBox(const COpBox& box);
     // Takes the smallest free number.
@@ -64,8 +61,12 @@ class COpDesk {
 
     // Appends a clone of each box, connected among themselves as the originals are.
     static void CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination);
+    // Moves the anchors of what waits under the mouse, whatever the zoom is.
+    void ShiftPending(float dx, float dy);
     // Adds a copy of the vinput under the mouse next to it; nothing if there is none.
     COpButton* GrowVinput(bool above);
+    // Wires an input and an output, in either order, that may be wired: callers have tested.
+    void Connect(COpButton& button, COpButton& other);
 
     // The Edit commands. The clipboard holds what was copied or cut last, nothing if nothing was selected,
     // and outlives the document. Whether the desk is locked is for the caller to ask.
@@ -124,14 +125,16 @@ class COpDesk {
     void SetAllSelected(int selected);
     void ForgetReferences();
     void ForgetButton(const COpButton& button);
-    void ForgetBox(const COpBox& box);
+    // Costs no search for each.
+    void Discard(BoxVector& boxes, Edits::Stood stood);
+    void ForgetBox(const COpBox& box, Edits::Stood stood);
     BoxVector TakeSelectedBoxes();
     COpButton* LiveMouseButton() const;
-    void NetworkHasChanged();
 
     CTvDoc& m_document;
     DocumentHost& m_host;
-    DeskView& m_view;
+    DeskView m_noView;
+    DeskView* m_view = &m_noView;
     WidPool m_usedWids;
 };
 

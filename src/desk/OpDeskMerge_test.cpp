@@ -19,8 +19,7 @@ using testing::IsEmpty;
 class OpDeskMerge : public test::DocumentTest {
   protected:
     COpBox& Admit(std::unique_ptr<COpBox> box) {
-        EXPECT_TRUE(desk.AdmitBox(*box));
-        return Add(std::move(box));
+        return Add(desk, std::move(box));
     }
     COpBox& Bring(std::unique_ptr<COpBox> box, float x, float y) {
         box->xypos[0] = x;
@@ -38,8 +37,8 @@ class OpDeskMerge : public test::DocumentTest {
         return names;
     }
 
-    test::RecordingView view;
-    COpDesk desk{document, host, view};
+    test::RecordingView view{document};
+    test::SeenDesk desk{document, host, view};
     CTvDoc::BoxList boxes;  // to be merged
 };
 
@@ -58,7 +57,8 @@ TEST_F(OpDeskMerge, MergedBoxesWaitWithFreshNumbersAndTheirConnections) {
     EXPECT_EQ(from.selected + to.selected, 2);
     EXPECT_FALSE(desk.m_pendingPlaced);
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("layout a_2", "layout b_3", "refresh", "repaint", "scrollbars"));
+    EXPECT_THAT(view.calls, ElementsAre("layout a_2", "layout b_3", "repaint", "scrollbars",
+                                        "Merge: came a_2 b_3"));
     EXPECT_THAT(view.finder, ElementsAre("old_1", "a_2", "b_3"));
 }
 
@@ -214,7 +214,7 @@ TEST_F(OpDeskMerge, AVinputGrowsOnEitherSide) {
     COpButton* below = desk.GrowVinput(false);
     EXPECT_EQ(below, box.inputs.at(1).get());
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("layout m_2", "refresh", "repaint"));
+    EXPECT_THAT(view.calls, ElementsAre("layout m_2", "repaint", "Add Input: touched m_2"));
     const COpButton* above = desk.GrowVinput(true);
     EXPECT_EQ(above, box.inputs.at(0).get());
     EXPECT_EQ(desk.m_mouseButton, box.inputs.at(1).get());

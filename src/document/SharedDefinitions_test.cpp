@@ -125,16 +125,16 @@ TEST_F(SharedDefinitions, AMergeAndASavedNetworkRunItOnceToo) {
     EXPECT_THAT(Runs(), ElementsAre("One", "Two"));
     host.AddOperator("Network", "tavrn-version 1\n" + Boxes({"Two", "Two", "One", "Two"}));
     AddScript("mini");
-    test::RecordingView view;
-    COpDesk desk(document, host, view);
+    test::RecordingView view{document};
+    test::SeenDesk desk(document, host, view);
     desk.AddOperator("Network");
     EXPECT_EQ(desk.m_pendingBoxes.size(), 4U);
     EXPECT_THAT(Runs(), ElementsAre("One", "Two"));
 }
 
 TEST_F(SharedDefinitions, ALoneBoxHasItsRunEachTime) {
-    test::RecordingView view;
-    COpDesk desk(document, host, view);
+    test::RecordingView view{document};
+    test::SeenDesk desk(document, host, view);
     desk.AddOperator("One");
     desk.AddOperator("One");
     EXPECT_THAT(Runs(), ElementsAre("One", "One"));

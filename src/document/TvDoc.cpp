@@ -45,6 +45,7 @@ CTvDoc::CTvDoc(DocumentHost& host) : m_host(host) {
 void CTvDoc::DeleteContents() {
     const Site& site = m_host.GetSite();
     if (m_beforeDelete) m_beforeDelete();
+    edits.ForgetNotes();
     m_boxes.clear();
     toolbar = site.toolButtons;
     showiconimages = SwitchOf(site.settings, "desk.showiconimages");
@@ -106,6 +107,13 @@ void CTvDoc::SetPath(const std::string& path) {
 void CTvDoc::SetCutShort() {
     m_origin.file->cutShort = true;
     m_origin.cutFile = m_origin.file;
+}
+
+void CTvDoc::BecomeRecovered(const std::string& path, bool wasCutShort, std::optional<ContentMark> held) {
+    SetPath(path);
+    if (wasCutShort) SetCutShort();
+    m_origin.file->held = held;
+    SetModified();
 }
 
 bool CTvDoc::WouldLoseUnread(const std::string& path) const {

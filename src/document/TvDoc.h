@@ -5,10 +5,12 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "document/DocumentFile.h"
+#include "document/Edits.h"
 #include "document/ExportOptions.h"
 #include "library/OpBox.h"
 
@@ -89,6 +91,9 @@ class CTvDoc {
     bool WasCutShort() const { return m_origin.cutFile == m_origin.file && m_origin.file->cutShort; }
     // For a document that was read from a copy of its unsaved work.
     void SetCutShort();
+    // It was read from a copy of the unsaved work on the document that belongs to `path` (empty if it had no
+    // file), of which is known whether it was cut short and what it held.
+    void BecomeRecovered(const std::string& path, bool wasCutShort, std::optional<ContentMark> held);
     // The same for any path that leads to the file, also once the document has been saved elsewhere.
     bool WouldLoseUnread(const std::string& path) const;
 
@@ -106,7 +111,13 @@ class CTvDoc {
     bool DiffersFromFile() const { return m_differsFromFile; }
     void SetDiffersFromFile() { m_differsFromFile = true; }
     bool IsModified() const { return m_modified; }
+    // For what reads and writes documents, and for `edits`: an edit is noted there.
     void SetModified(bool modified = true) { m_modified = modified; }
+    // What is seen of the desk is saved with it: another view is no edit, but a document to be saved.
+    void ViewMoved() { SetModified(); }
+
+    // Where all who change the document say so, and all who show it listen.
+    Edits edits{*this};
 
     // All boxes in the order of generation: each stands after everything that feeds it. Boxes of a cycle
     // that feeds nothing else are left out.

@@ -63,8 +63,8 @@ class DeepNetworks : public test::DocumentTest {
     COpBox& Last() { return *document.m_boxes.back(); }
     std::vector<std::string> Code() { return RenderSession(document, host.GetSite(), site).Generate().code; }
 
-    test::RecordingView windows;
-    COpDesk desk{document, host, windows};
+    test::RecordingView windows{document};
+    test::SeenDesk desk{document, host, windows};
     DeskViewport view{document, {0.1F, 10}};
     DeskGestures gestures{{document, desk, view, windows, host.GetSite().report, 3,
                            [this](const std::string& text) { status = text; }}};

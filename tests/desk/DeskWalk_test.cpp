@@ -12,6 +12,7 @@
 #include "desk/HitTest.h"
 #include "render/RenderSession.h"
 #include "site/Site.h"
+#include "support/ChangeAuditor.h"
 #include "support/DeskInvariants.h"
 #include "support/TestHost.h"
 
@@ -34,11 +35,13 @@ class EvenText : public TextMeasure {
 class WalkView : public DeskView {
   public:
     void LayoutBox(COpBox& box) override { tavrin::LayoutBox(box, viewport->Zoom(), EvenText(), {}); }
-    void AddToBoxFinder(const std::string& name) override { finder.insert(name); }
-    void RemoveFromBoxFinder(const std::string& name) override {
-        if (const auto place = finder.find(name); place != finder.end()) finder.erase(place);
+    void OnChange(const Change& change) {
+        if (change.replaced) finder.clear();
+        for (const GoneBox& box : change.went) {
+            if (const auto place = finder.find(box.boxTitleWid); place != finder.end()) finder.erase(place);
+        }
+        for (const COpBox* box : change.came) finder.insert(box->BoxTitleWid());
     }
-    void ClearBoxFinder() override { finder.clear(); }
 
     const DeskViewport* viewport = nullptr;
     std::multiset<std::string> finder;
@@ -124,7 +127,8 @@ class DeskWalk : public test::DocumentTest,
     void CutOneSidedWires();
 
     WalkView view;
-    COpDesk desk{document, host, view};
+    Edits::Subscription changes = document.edits.Observe([this](const Change& change) { view.OnChange(change); });
+    test::SeenDesk desk{document, host, view};
     DeskViewport viewport{document, {0.1F, 10}};
     DeskGestures gestures{
         {document, desk, viewport, view, host.GetSite().report, 3, [](const std::string&) {}}};
@@ -132,6 +136,7 @@ class DeskWalk : public test::DocumentTest,
                            EXPECT_NE(host.Registry().FindByName(name), nullptr) << name;
                        }}};
     test::DeskInvariants invariants{document, desk};
+    test::ChangeAuditor auditor{document, desk};
     CCodeGen siteCodeGen;
     std::vector<std::string> operators;
     std::optional<test::DeskWalk> walk;
@@ -239,6 +244,7 @@ void DeskWalk::Lock(bool locked) {
         EXPECT_EQ(document.Snapshot(), m_whenLocked) << "a locked desk was changed";
     }
     document.lock = locked ? 1 : 0;
+    auditor.TakeAsItIs();
     m_whenLocked = document.Snapshot();
 }
 
@@ -276,6 +282,7 @@ void DeskWalk::CutOneSidedWires() {
             if (source != nullptr && !source->connections.Contains(*input)) input->Disconnect();
         }
     }
+    auditor.TakeAsItIs();
 }
 
 // A wire that only its input knows of is not saved, and a clone gets its templates when it is read again:
@@ -300,7 +307,11 @@ void DeskWalk::ExpectSavedWhole() {
     EXPECT_EQ(RenderSession(other, host.GetSite(), siteCodeGen).Generate().code, code);
 }
 
-void DeskWalk::Look() { EXPECT_EQ(invariants.Look(walk->Selected()), ""); }
+void DeskWalk::Look() {
+    EXPECT_EQ(invariants.Look(walk->Selected()), "");
+    EXPECT_EQ(auditor.Look(), "");
+    EXPECT_EQ(document.edits.StrayEdits(), 0);
+}
 
 void DeskWalk::LookCloser() {
     Paint();

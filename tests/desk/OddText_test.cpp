@@ -33,8 +33,8 @@ TEST_P(OddText, ComesBackFromTheFile) {
     host.AddOperator(name, "boxhelp {\n" + name + "\n}\nicontext \"" + name + "\"\ninput " + name +
                                " {\nfloat { 0 0 1 0 %g }\nhelp {\n" + name +
                                "\n}\n}\noutput out { float out }\n");
-    test::RecordingView view;
-    COpDesk desk(document, host, view);
+    test::RecordingView view{document};
+    test::SeenDesk desk(document, host, view);
     desk.AddOperator(name);
     desk.DropPending();
     EXPECT_THAT(Alerts(), IsEmpty());

@@ -68,9 +68,39 @@ std::string TestHost::AddOperator(const std::string& name, const std::string& te
     return path;
 }
 
-void RecordingView::RemoveFromBoxFinder(const std::string& name) {
-    const auto place = std::find(finder.begin(), finder.end(), name);
-    if (place != finder.end()) finder.erase(place);
+RecordingView::RecordingView(CTvDoc& document)
+    : m_changes(document.edits.Observe([this](const Change& change) { OnChange(change); })) {}
+
+void RecordingView::OnChange(const Change& change) {
+    calls.push_back(TextOf(change));
+    if (change.replaced) finder.clear();
+    for (const GoneBox& box : change.went) {
+        const auto place = std::find(finder.begin(), finder.end(), box.boxTitleWid);
+        if (place != finder.end()) finder.erase(place);
+    }
+    for (const COpBox* box : change.came) finder.push_back(box->BoxTitleWid());
+}
+
+std::string TextOf(const Change& change) {
+    std::string text = change.act.empty() ? "" : change.act + ":";
+    const auto add = [&text](const std::string& word) { text += (text.empty() ? "" : " ") + word; };
+    if (change.replaced) add("replaced");
+    const auto list = [&](const char* what, const auto& objects, const auto& nameOf) {
+        if (!objects.empty()) add(what);
+        for (const auto& object : objects) add(nameOf(object));
+    };
+    const auto title = [](const COpBox* box) { return box->BoxTitleWid(); };
+    if (!change.replaced) list("came", change.came, title);
+    list("dropped", change.dropped, title);
+    list("went", change.went, [](const GoneBox& box) { return box.boxTitleWid; });
+    list("touched", change.touched, title);
+    list("buttons", change.buttons,
+         [](const COpButton* button) { return button->owner->BoxTitleWid() + "." + button->DisplayName(); });
+    if (change.wires) add("wires");
+    if (change.options) add("options");
+    if (change.settings) add("settings");
+    if (change.selection) add("selection");
+    return text;
 }
 
 std::unique_ptr<COpBox> MakeBox(const std::string& filename, const std::string& definition, int wid) {
@@ -111,6 +141,14 @@ std::string CrLfText(std::string_view text) {
         result += c;
     }
     return result;
+}
+
+COpBox& DocumentTest::Add(COpDesk& desk, std::unique_ptr<COpBox> box) {
+    const EditScope edit(document, "Add");
+    EXPECT_TRUE(desk.AdmitBox(*box));
+    document.edits.BoxDropped(*box);
+    document.SetModified(false);
+    return Add(std::move(box));
 }
 
 bool DocumentTest::Load(std::string_view text) {

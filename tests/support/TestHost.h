@@ -58,19 +58,30 @@ class TestHost : public DocumentHost {
 
 inline const std::string kTestTime = "Sun Sep 09 01:46:40 2001";
 
-// A view that remembers each call as a line of text.
+// A view that remembers each call, and each change of the document that it is told of, as a line of text.
 class RecordingView : public DeskView {
   public:
+    explicit RecordingView(CTvDoc& document);
     void LayoutBox(COpBox& box) override { calls.push_back("layout " + box.BoxTitleWid()); }
-    void AddToBoxFinder(const std::string& name) override { finder.push_back(name); }
-    void RemoveFromBoxFinder(const std::string& name) override;
-    void ClearBoxFinder() override { finder.clear(); }
     void Repaint() override { calls.emplace_back("repaint"); }
-    void RefreshAllViews() override { calls.emplace_back("refresh"); }
     void UpdateScrollBars() override { calls.emplace_back("scrollbars"); }
 
-    std::vector<std::string> calls;   // but for those of the Box Finder
+    std::vector<std::string> calls;   // a change as TextOf says it
     std::vector<std::string> finder;  // what the Box Finder shows, in the order of coming
+
+  private:
+    void OnChange(const Change& change);
+
+    Edits::Subscription m_changes;
+};
+
+// "Wire: wires", "Paste: came a_2 b_3", "selection", "replaced": what was done, and all that it changed.
+std::string TextOf(const Change& change);
+
+// A desk with a view from the start.
+class SeenDesk : public COpDesk {
+  public:
+    SeenDesk(CTvDoc& document, DocumentHost& host, DeskView& view) : COpDesk(document, host) { SetView(&view); }
 };
 
 // A box that reads a definition from the text, without any process.
@@ -93,6 +104,8 @@ class DocumentTest : public ::testing::Test {
     bool LoadDeskOnly(std::string_view text);
     // Puts a box into the network, below the others.
     COpBox& Add(std::unique_ptr<COpBox> box) { return *document.m_boxes.emplace_back(std::move(box)); }
+    // Takes a box onto the desk and puts it there; the document counts as unmodified.
+    COpBox& Add(COpDesk& desk, std::unique_ptr<COpBox> box);
     const std::vector<std::string>& Alerts() { return host.Sink().alerts; }
 
     TestHost host;

@@ -181,7 +181,7 @@ TEST_F(DeskHand, APressOnAVinputRaisesItsArrowsAndAReleaseInOneGrowsIt) {
     ASSERT_EQ(box.inputs.size(), 2U);
     EXPECT_EQ(box.inputs.at(0).get(), button);
     EXPECT_EQ(box.inputs.at(1)->instance, 2);
-    EXPECT_EQ(view.refreshes, 1);
+    EXPECT_EQ(changes, 1);
     EXPECT_TRUE(document.IsModified());
     EXPECT_FALSE(pane->Gestures().GrowArrowsShown());
 }

@@ -75,8 +75,8 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
                   QTimer::singleShot(0, this, [this, message] { m_callbacks.fail(message, kNoFontStatus); });
               }),
       m_gestures(
-          {document, desk, m_view, m_windows, site.report, m_style.connectWidth, m_callbacks.showStatus}),
-      m_menu({document, desk, m_gestures, m_windows, site.types, m_callbacks.editFile}),
+          {document, desk, m_view, *this, site.report, m_style.connectWidth, m_callbacks.showStatus}),
+      m_menu({document, desk, m_gestures, *this, site.types, m_callbacks.editFile}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
       m_parts{document, desk, m_gestures, m_style, m_icons, site.report},
       m_widget(
@@ -96,10 +96,21 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
     grid->setRowStretch(0, 1);
     grid->setColumnStretch(0, 1);
     LoadWallpaper();
+    m_desk.SetView(this);
+    m_changes = m_document.edits.Observe([this](const Change& change) { OnChange(change); });
     m_fonts.MetricsOf(0);  // a platform without fonts is to fail at once, by the smallest size
 }
 
-DeskPane::~DeskPane() = default;
+DeskPane::~DeskPane() { m_desk.SetView(nullptr); }
+
+void DeskPane::OnChange(const Change& change) {
+    if (change.replaced) {
+        m_gestures.Cancel();
+        LayoutAll();
+    }
+    if (change.HasBoxes()) UpdateScrollBars();
+    Repaint();
+}
 
 QScrollBar* DeskPane::MakeScrollBar(Qt::Orientation orientation) {
     auto* bar = new DeskScrollBar(orientation, this);

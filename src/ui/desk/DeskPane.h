@@ -23,12 +23,11 @@ struct Site;
 
 // Lives as long as the frame, its parent; document, desk and site outlive it.
 // While the document is locked the frame disables it, so that no event reaches it; it is still painted.
-class DeskPane : public QWidget {
+class DeskPane : public QWidget, private DeskView {
   public:
     struct Callbacks {
         std::function<std::string()> highlightedBox;  // the Box Finder's current name; empty for none
         std::function<void(const std::string&)> showStatus;
-        std::function<void()> changed;  // the document or the selection; not by a call below
         // The program must end with this message and this exit status.
         std::function<void(const std::string&, int)> fail;
         // Opens the file of an operator for editing.
@@ -37,12 +36,11 @@ class DeskPane : public QWidget {
     DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Callbacks callbacks);
     ~DeskPane() override;
 
-    // What COpDesk asks of its windows. Layout needs no context: it can be asked for before the pane is
-    // shown.
+    // What COpDesk asks of its window. Layout needs no context: it can be asked for before the pane is shown.
+    void LayoutBox(COpBox& box) override;
+    void Repaint() override;
+    void UpdateScrollBars() override;
     void LayoutAll();
-    void LayoutBox(COpBox& box);
-    void Repaint();
-    void UpdateScrollBars();
     void SetScrollBarsShown(bool shown);
     bool ScrollBarsShown() const { return m_showScrollBars; }
 
@@ -73,19 +71,7 @@ class DeskPane : public QWidget {
     void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
-    // What gestures ask of the windows.
-    class Windows : public DeskView {
-      public:
-        explicit Windows(DeskPane& pane) : m_pane(pane) {}
-        void LayoutBox(COpBox& box) override { m_pane.LayoutBox(box); }
-        void Repaint() override { m_pane.Repaint(); }
-        void RefreshAllViews() override { m_pane.m_callbacks.changed(); }
-        void UpdateScrollBars() override { m_pane.UpdateScrollBars(); }
-
-      private:
-        DeskPane& m_pane;
-    };
-
+    void OnChange(const Change& change);
     QScrollBar* MakeScrollBar(Qt::Orientation orientation);
     void Scroll(Qt::Orientation orientation, int sliderAction);
     void ViewChanged(bool changed);
@@ -104,7 +90,6 @@ class DeskPane : public QWidget {
     DeskStyle m_style;
     DeskViewport m_view;
     DeskFonts m_fonts;
-    Windows m_windows{*this};
     DeskGestures m_gestures;
     DeskMenu m_menu;
     DeskIcons m_icons;
@@ -117,6 +102,7 @@ class DeskPane : public QWidget {
     DeskWidget* m_widget;
     QScrollBar* m_across;
     QScrollBar* m_down;
+    Edits::Subscription m_changes;
     bool m_showScrollBars = true;
     bool m_layoutDirty = true;  // every box is laid out on the next paint
     float m_lastZoom = 0;       // of the last paint

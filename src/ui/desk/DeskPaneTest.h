@@ -34,17 +34,6 @@ inline bool IsAlike(QRgb pixel, const Rgb& color) {
 }
 MATCHER_P(IsColor, color, "") { return IsAlike(arg, color); }
 
-// Forwards to the pane, as the frame does.
-class PaneView : public DeskView {
-  public:
-    void LayoutBox(COpBox& box) override { pane->LayoutBox(box); }
-    void Repaint() override { pane->Repaint(); }
-    void RefreshAllViews() override { ++refreshes; }
-    void UpdateScrollBars() override { pane->UpdateScrollBars(); }
-    DeskPane* pane = nullptr;
-    int refreshes = 0;
-};
-
 // The origin of the desk is in the lower left corner of its window, and a box's layout is what its texts make
 // of it.
 class DeskPaneTest : public DocumentTest {
@@ -63,9 +52,8 @@ class DeskPaneTest : public DocumentTest {
             nullptr, document, desk, host.GetSite(),
             tavrin::DeskPane::Callbacks{
                 [this] { return highlighted; }, [this](const std::string& text) { status = text; },
-                [this] { ++changes; }, [](const std::string& text, int) { ADD_FAILURE() << text; },
+                [](const std::string& text, int) { ADD_FAILURE() << text; },
                 [this](const std::string& name) { edited.push_back(name); }});
-        view.pane = pane.get();
     }
     void Show() {
         MakePane();
@@ -150,8 +138,8 @@ class DeskPaneTest : public DocumentTest {
         return count / (ratio * ratio);
     }
 
-    PaneView view;
-    COpDesk desk{document, host, view};
+    COpDesk desk{document, host};
+    Edits::Subscription listener = document.edits.Observe([this](const Change&) { ++changes; });
     std::unique_ptr<tavrin::DeskPane> pane;
     std::string highlighted;
     std::string status;

@@ -32,7 +32,6 @@ void DocumentWork::New() {
     if (!SettleChanges()) return;
     m_work.commands.New();
     m_callbacks.workIsSafe();
-    m_callbacks.documentReplaced();
 }
 
 void DocumentWork::Open() {
@@ -62,7 +61,6 @@ bool DocumentWork::OpenDocument(const std::string& path) {
     if (!m_work.commands.Open(fullPath)) return false;
     m_recentFiles.Add(fullPath);
     m_callbacks.workIsSafe();
-    m_callbacks.documentReplaced();
     return true;
 }
 
@@ -74,7 +72,6 @@ bool DocumentWork::OpenHistoryEntry(const std::string& name, int number) {
     const std::string& path = m_work.document.Path();
     m_work.commands.HasBeenOpened("history entry " + entry + (path.empty() ? "" : " of " + path));
     m_callbacks.workIsSafe();
-    m_callbacks.documentReplaced();
     return true;
 }
 

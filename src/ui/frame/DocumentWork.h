@@ -17,7 +17,6 @@ struct Workspace;
 class DocumentWork {
   public:
     struct Callbacks {
-        std::function<void()> documentReplaced;  // another document is shown now
         std::function<void()> workIsSafe;        // nothing unsaved is left of what was edited
         std::function<bool()> slidersFrozen;
         std::function<void()> freezeSliders;

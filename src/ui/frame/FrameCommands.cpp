@@ -84,11 +84,11 @@ void MainFrame::ConnectDeskCommands() {
     m_handlers[CommandId::kZoomOut] = [this] { m_desk->ZoomOut(); };
     m_handlers[CommandId::kShowWallpaper] = [this] {
         m_desk->m_showWallpaper = !m_desk->m_showWallpaper;
-        Repaint();
+        m_desk->Repaint();
     };
     m_handlers[CommandId::kTileWallpaper] = [this] {
         m_desk->m_tileWallpaper = !m_desk->m_tileWallpaper;
-        Repaint();
+        m_desk->Repaint();
     };
     m_handlers[CommandId::kSetWallpaper] = [this] { SetWallpaper(); };
 }
@@ -204,7 +204,6 @@ void MainFrame::LoadFormDefaults() {
 
 void MainFrame::ToggleDocumentFlag(void (DocumentCommands::*toggle)()) {
     (m_work->commands.*toggle)();
-    RefreshAllViews();
 }
 
 void MainFrame::ReloadOperators() {
@@ -236,8 +235,11 @@ void MainFrame::AddOperatorById(uint32_t id) {
 void MainFrame::CustomizeToolBar() {
     CustomizeDialog dialog(this, m_app.Registry(), m_work->document.toolbar);
     if (dialog.exec() != QDialog::Accepted) return;
-    m_work->document.toolbar = dialog.Result();
-    m_work->document.SetModified();
+    {
+        const EditScope edit(m_work->document, "Customize Toolbar");
+        m_work->document.edits.SettingsChanged();
+        m_work->document.toolbar = dialog.Result();
+    }
     m_operatorBar->RebuildButtons(m_work->document.toolbar);
 }
 

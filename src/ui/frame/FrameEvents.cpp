@@ -18,6 +18,8 @@
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/library/OperatorToolBar.h"
+#include "ui/render/ExportDlg.h"
+#include "ui/sliders/HelpEditor.h"
 #include "ui/sliders/SliderPane.h"
 
 namespace tavrin {
@@ -150,23 +152,13 @@ void MainFrame::dropEvent(QDropEvent* event) {
     });
 }
 
-void MainFrame::LayoutBox(COpBox& box) {
-    if (m_desk != nullptr) m_desk->LayoutBox(box);
-}
-void MainFrame::AddToBoxFinder(const std::string& boxTitleWid) { m_windows.boxFinder->AddName(boxTitleWid); }
-void MainFrame::RemoveFromBoxFinder(const std::string& boxTitleWid) {
-    m_windows.boxFinder->RemoveName(boxTitleWid);
-}
-void MainFrame::ClearBoxFinder() { m_windows.boxFinder->Clear(); }
-void MainFrame::Repaint() {
-    if (m_desk != nullptr) m_desk->Repaint();
-}
-void MainFrame::UpdateScrollBars() {
-    if (m_desk != nullptr) m_desk->UpdateScrollBars();
-}
-
-void MainFrame::RefreshAllViews() {
-    Repaint();
+void MainFrame::OnChange(const Change& change) {
+    if (change.replaced) DocumentReplaced();
+    m_windows.boxFinder->Follow(change);
+    if (change.settings) {
+        m_windows.exportDialog->Refresh();
+        m_windows.helpEditor->Refresh();
+    }
     SetLocked(m_work->document.lock != 0);
     m_windows.RefreshTables();
     m_idle.Request();

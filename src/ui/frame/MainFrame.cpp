@@ -74,8 +74,7 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
     m_windows.log = new LogWindow(this, m_profile);
     GetSite().report.SetSink(m_sink.get());
     m_app.LoadSiteDefaults();
-    DeskView& view = *this;
-    m_work = std::make_unique<Workspace>(m_app, view, DocumentCommands::Announce::kYes);
+    m_work = std::make_unique<Workspace>(m_app, DocumentCommands::Announce::kYes);
 
     CreateWindows();
     CreateBars();
@@ -96,10 +95,10 @@ MainFrame::MainFrame(const Ground& ground, bool showSplash)
                             .started =
                                 [this] {
                                     const auto settle = [this] { return m_documents->SettleChanges(); };
-                                    if (m_safetyCopies->OfferLeftovers(*this, settle)) DocumentReplaced();
+                                    m_safetyCopies->OfferLeftovers(*this, settle);
                                 }});
+    m_changes = m_work->document.edits.Observe([this](const Change& change) { OnChange(change); });
     m_work->commands.StartUntitled();
-    DocumentReplaced();
     setAcceptDrops(true);
     // The splash goes after its time even if nothing happens meanwhile; not a moment too early to count.
     QTimer::singleShot(Splash::kTime + 1, Qt::PreciseTimer, this, [this] { m_idle.Request(); });
@@ -132,15 +131,11 @@ void MainFrame::CreateWindows() {
             }
             return rows;
         });
-    const auto changed = [this] {
-        m_work->document.SetModified();
-        m_idle.Request();
-    };
     const auto document = [this] { return &m_work->document; };
-    m_windows.helpEditor = new CHelpEditor(this, document, changed);
+    m_windows.helpEditor = new CHelpEditor(this, document);
     m_windows.boxFinder =
         new BoxFinder(this, {.centreOnBox = [this](const std::string& name) { m_desk->CentreOnBox(name); },
-                             .repaintDesk = [this] { Repaint(); }});
+                             .repaintDesk = [this] { m_desk->Repaint(); }});
     m_windows.menuFinder =
         new MenuFinder(this, m_app.Registry(), [this](uint32_t id) { AddOperatorById(id); });
     m_windows.renderHistory = new CRenderHistoryDlg(
@@ -149,8 +144,7 @@ void MainFrame::CreateWindows() {
     m_windows.exportDialog = new CExportDlg(
         this, {.document = document,
                .defaults = [this]() -> const CExportOptions& { return m_app.ExportDefaults(); },
-               .updateExportPaths = [this] { UpdateExportPaths(m_work->document, GetSite()); },
-               .documentChanged = changed});
+               .updateExportPaths = [this] { UpdateExportPaths(m_work->document, GetSite()); }});
     for (ToolWindow* window : m_windows.All()) window->OnShownOrHidden([this] { m_idle.Request(); });
 }
 
@@ -197,8 +191,7 @@ void MainFrame::CreateBars() {
                                              [this] { m_windows.renderHistory->Refresh(); });
     m_documents = std::make_unique<DocumentWork>(
         *this, *m_work, *m_renders, m_recentFiles,
-        DocumentWork::Callbacks{.documentReplaced = [this] { DocumentReplaced(); },
-                                .workIsSafe = [this] { m_safetyCopies->Discard(); },
+        DocumentWork::Callbacks{.workIsSafe = [this] { m_safetyCopies->Discard(); },
                                 .slidersFrozen = [this] { return m_sliders->IsFrozen(); },
                                 .freezeSliders = [this] { m_sliders->SetFrozen(true); }});
 }
@@ -212,7 +205,6 @@ void MainFrame::CreateClientArea() {
     m_desk = new DeskPane(m_splitter, m_work->document, m_work->desk, GetSite(),
                           {.highlightedBox = [this] { return m_windows.boxFinder->CurrentName(); },
                            .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
-                           .changed = [this] { RefreshAllViews(); },
                            .fail =
                                [this](const std::string& text, int status) {
                                    if (HasFailed()) return;
@@ -264,13 +256,9 @@ void MainFrame::RetitleCommands() {
 }
 
 void MainFrame::DocumentReplaced() {
-    m_desk->Gestures().Cancel();
     RebuildOperatorMenus();
     m_operatorBar->RebuildButtons(m_work->document.toolbar);
     m_windows.helpEditor->DocumentReplaced();
-    m_desk->LayoutAll();
-    RefreshAllViews();
-    UpdateScrollBars();
 }
 
 void MainFrame::ShowShaderType(const std::string& type) { m_operatorBar->ShowShaderType(type); }

@@ -36,7 +36,7 @@ class SafetyCopies;
 class SliderPane;
 
 // Made once by the program, which shows it. Main thread only.
-class MainFrame : public QMainWindow, private ActionTarget, private DeskView, private TitleView {
+class MainFrame : public QMainWindow, private ActionTarget, private TitleView {
   public:
     // What the frame's windows and the document stand on. All of it outlives the frame.
     struct Ground {
@@ -87,14 +87,6 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView, pr
     void LoadFormDefaults() override;
     bool PumpMessages(std::chrono::milliseconds wait) override;
 
-    // What the desk asks.
-    void LayoutBox(COpBox& box) override;
-    void AddToBoxFinder(const std::string& boxTitleWid) override;
-    void RemoveFromBoxFinder(const std::string& boxTitleWid) override;
-    void ClearBoxFinder() override;
-    void Repaint() override;
-    void RefreshAllViews() override;
-    void UpdateScrollBars() override;
 
     // What the application tells of the document.
     void ShowShaderType(const std::string& type) override;
@@ -123,6 +115,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView, pr
     void ConnectWindowCommands();
     void ConnectOptions();
 
+    void OnChange(const Change& change);
     void DocumentReplaced();
     void SetLocked(bool locked);
     void OnIdle();
@@ -163,6 +156,7 @@ class MainFrame : public QMainWindow, private ActionTarget, private DeskView, pr
     QSplitter* m_splitter = nullptr;
     SliderPane* m_sliders = nullptr;
     DeskPane* m_desk = nullptr;
+    Edits::Subscription m_changes;
     CStatusBox* m_statusBox = nullptr;
     OperatorToolBar* m_operatorBar = nullptr;
     std::string m_imageBrowserDir;  // where Set Wallpaper starts

@@ -45,14 +45,14 @@ void SafetyCopies::Update() { m_recovery.Update(m_work.document); }
 
 void SafetyCopies::Discard() { m_recovery.Discard(); }
 
-bool SafetyCopies::OfferLeftovers(QWidget& frame, const std::function<bool()>& settleChanges) {
+void SafetyCopies::OfferLeftovers(QWidget& frame, const std::function<bool()>& settleChanges) {
     for (const Recovery::Found& found : m_recovery.FindLeftovers()) {
         switch (AskAbout(frame, found)) {
             case Answer::kRecover:
                 // One document holds one copy; the others are offered by the next start.
-                if (!settleChanges()) return false;
+                if (!settleChanges()) return;
                 m_recovery.Restore(found, m_work.commands, m_work.document);
-                return true;  // what was read of a copy that has an error counts as well
+                return;
             case Answer::kDiscard:
                 m_recovery.Remove(found);
                 break;
@@ -60,7 +60,6 @@ bool SafetyCopies::OfferLeftovers(QWidget& frame, const std::function<bool()>& s
                 break;
         }
     }
-    return false;
 }
 
 }  // namespace tavrin

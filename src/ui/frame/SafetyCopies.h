@@ -23,8 +23,8 @@ class SafetyCopies {
     // Nothing unsaved is left.
     void Discard();
     // Asks about what programs that did not end well have left. `settleChanges` is asked before a copy takes
-    // the document's place; true if one may have done so.
-    bool OfferLeftovers(QWidget& frame, const std::function<bool()>& settleChanges);
+    // the document's place.
+    void OfferLeftovers(QWidget& frame, const std::function<bool()>& settleChanges);
 
   private:
     Workspace& m_work;

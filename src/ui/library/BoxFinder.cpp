@@ -5,6 +5,8 @@
 #include <QVBoxLayout>
 #include <vector>
 
+#include "document/Change.h"
+#include "library/OpBox.h"
 #include "text/Tokens.h"
 #include "ui/FinderList.h"
 
@@ -32,6 +34,12 @@ BoxFinder::BoxFinder(QWidget* frame, Callbacks callbacks)
     resize(kColumnsShown * metrics.averageCharWidth() +
                style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this),
            kRowsShown * metrics.height());
+}
+
+void BoxFinder::Follow(const Change& change) {
+    if (change.replaced) Clear();
+    for (const GoneBox& box : change.went) RemoveName(box.boxTitleWid);
+    for (const COpBox* box : change.came) AddName(box->BoxTitleWid());
 }
 
 void BoxFinder::AddName(const std::string& name) {

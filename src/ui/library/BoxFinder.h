@@ -13,8 +13,9 @@ class QTimer;
 namespace tavrin {
 
 class FinderList;
+struct Change;
 
-// Lives as long as the frame. Names are those of BoxTitleWid; the desk keeps them up to date.
+// Lives as long as the frame. Names are those of BoxTitleWid, of boxes in the network and under the mouse.
 class BoxFinder : public ToolWindow {
   public:
     struct Callbacks {
@@ -24,6 +25,8 @@ class BoxFinder : public ToolWindow {
 
     BoxFinder(QWidget* frame, Callbacks callbacks);
 
+    // Lists what came and drops what went.
+    void Follow(const Change& change);
     // Each costs the logarithm of the count: the list itself follows when the window is shown, or at the
     // next turn of the event loop.
     void AddName(const std::string& name);

@@ -163,7 +163,7 @@ void CExportDlg::CommitAll() {
     for (int row = 0; row < kRowCount; ++row) {
         document->exportOptions.*kRows[row].flag = m_rows[static_cast<size_t>(row)].flag->isChecked() ? 1 : 0;
     }
-    MarkChanged(*document);
+    NoteEdit(*document);
 }
 
 void CExportDlg::CommitScript() {
@@ -178,7 +178,7 @@ void CExportDlg::CommitScript() {
     }
     document->exportOptions.postSaveScript = Bytes(field.text());
     field.setToolTip(ToolTipOf(field.text()));
-    MarkChanged(*document);
+    NoteEdit(*document);
 }
 
 void CExportDlg::AskForFile(int row) {
@@ -195,7 +195,7 @@ void CExportDlg::AskForFile(int row) {
     if (document == nullptr) return;
     document->exportOptions.*kRows[row].path = path;
     Refresh();
-    MarkChanged(*document);
+    NoteEdit(*document);
 }
 
 // The command is split into words by blanks and double quotes, so a file with blanks in its path is quoted.
@@ -219,12 +219,12 @@ void CExportDlg::ResetDefaults() {
     if (document == nullptr) return;
     document->exportOptions = m_callbacks.defaults();
     UpdateExportPaths();
-    MarkChanged(*document);
+    NoteEdit(*document);
 }
 
-void CExportDlg::MarkChanged(CTvDoc& document) {
-    document.SetModified();
-    m_callbacks.documentChanged();
+void CExportDlg::NoteEdit(CTvDoc& document) {
+    const EditScope edit(document, "Export Options");
+    document.edits.SettingsChanged();
 }
 
 }  // namespace tavrin

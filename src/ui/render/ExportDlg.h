@@ -27,7 +27,6 @@ class CExportDlg : public ToolWindow {
         std::function<const CExportOptions&()> defaults;  // the site's
         // Gives the document's five paths its present name and extensions.
         std::function<void()> updateExportPaths;
-        std::function<void()> documentChanged;  // after the document was marked modified
     };
 
     CExportDlg(QWidget* frame, Callbacks callbacks);
@@ -57,7 +56,7 @@ class CExportDlg : public ToolWindow {
     bool AskForScript(std::string& command);
     void ShowInfo(int row);
     void ResetDefaults();
-    void MarkChanged(CTvDoc& document);
+    static void NoteEdit(CTvDoc& document);
 
     Callbacks m_callbacks;
     std::array<Row, kRowCount> m_rows{};

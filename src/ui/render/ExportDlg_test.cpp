@@ -69,11 +69,11 @@ class ExportDlg : public test::DocumentTest {
 
     CTvDoc* shownDocument = &document;
     int changes = 0;
+    Edits::Subscription listener = document.edits.Observe([this](const Change&) { ++changes; });
     CExportDlg dialog{nullptr,
                       {.document = [this] { return shownDocument; },
                        .defaults = [this]() -> const CExportOptions& { return host.exportDefaults; },
-                       .updateExportPaths = [this] { UpdateExportPaths(document, host.GetSite()); },
-                       .documentChanged = [this] { ++changes; }}};
+                       .updateExportPaths = [this] { UpdateExportPaths(document, host.GetSite()); }}};
 };
 
 TEST_F(ExportDlg, ShowsTheDocumentsValuesAndChangesNothingByThat) {

@@ -72,11 +72,9 @@ QString TextOf(const QPlainTextEdit& edit) { return WithLinesJoined(edit.documen
 
 }  // namespace
 
-CHelpEditor::CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document,
-                         std::function<void()> documentChanged)
+CHelpEditor::CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document)
     : ToolWindow("Help Editor", frame),
-      m_document(std::move(document)),
-      m_documentChanged(std::move(documentChanged)) {
+      m_document(std::move(document)) {
     m_edit = new HelpEdit(this);
     m_edit->setAccessibleName("Shader Help");
     m_edit->setFrameShape(QFrame::NoFrame);
@@ -115,9 +113,9 @@ void CHelpEditor::Commit() {
     if (document == nullptr) return;
     const std::string text = Encoded(TextOf(*m_edit));
     if (text == document->customshaderhelp) return;
+    const EditScope edit(*document, "Help");
+    document->edits.SettingsChanged();
     document->customshaderhelp = text;
-    document->SetModified();
-    m_documentChanged();
 }
 
 // As UTF-8, unless the text came in single bytes and can go back so: what was not edited keeps its bytes.

@@ -16,8 +16,8 @@ class CTvDoc;
 // it is empty and disabled.
 class CHelpEditor : public ToolWindow {
   public:
-    // `document` gives null if there is none; `documentChanged` is called after it was marked modified.
-    CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document, std::function<void()> documentChanged);
+    // `document` gives null if there is none.
+    CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document);
 
     // Shows the document's text, which is no change of the document. A text that is shown already is left
     // alone, with its caret and its undo steps.
@@ -30,7 +30,6 @@ class CHelpEditor : public ToolWindow {
     std::string Encoded(const QString& text) const;
 
     std::function<CTvDoc*()> m_document;
-    std::function<void()> m_documentChanged;
     QPlainTextEdit* m_edit;
     bool m_isLatin1 = false;  // the document's text is no UTF-8
 };

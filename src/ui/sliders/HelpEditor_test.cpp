@@ -27,7 +27,8 @@ class HelpEditor : public test::DocumentTest {
 
     CTvDoc* shownDocument = &document;
     int changes = 0;
-    CHelpEditor editor{nullptr, [this] { return shownDocument; }, [this] { ++changes; }};
+    Edits::Subscription listener = document.edits.Observe([this](const Change&) { ++changes; });
+    CHelpEditor editor{nullptr, [this] { return shownDocument; }};
     QPlainTextEdit* edit;
 };
 

@@ -98,6 +98,7 @@ void FrameTest::Start() {
 void FrameTest::End() {
     if (m_frame == nullptr) return;
     ReleaseScripts();
+    EXPECT_EQ(Document().edits.StrayEdits(), 0) << "an edit outside a scope";
     m_frame.reset();
     m_app->CloseDown(std::chrono::milliseconds(500));
     m_app.reset();

@@ -1,0 +1,162 @@
+#include "document/Edits.h"
+
+#include <utility>
+
+#include "document/TvDoc.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* kUnnamedAct = "Edit";
+
+}  // namespace
+
+// One that has gone may have left its address to another that came later.
+template <typename Object>
+std::vector<Object*> Edits::Noted<Object>::Take() {
+    std::vector<Object*> taken;
+    taken.reserve(m_members.size());
+    for (Object* object : m_order) {
+        if (m_members.erase(object) != 0) taken.push_back(object);
+    }
+    m_order.clear();
+    m_members.clear();
+    return taken;
+}
+
+Edits::Subscription Edits::Observe(Listener listener) {
+    auto subscription = std::make_shared<const Listener>(std::move(listener));
+    std::erase_if(m_listeners, [](const auto& known) { return known.expired(); });
+    m_listeners.push_back(subscription);
+    return subscription;
+}
+
+template <typename Note>
+void Edits::NoteEdit(Note note) {
+    if (m_depth == 0) ++m_strayEdits;
+    ++m_depth;
+    note();
+    End();
+}
+
+void Edits::BoxCame(COpBox& box) {
+    NoteEdit([&] { m_came.Add(box); });
+}
+
+void Edits::BoxDropped(COpBox& box) {
+    NoteEdit([&] {
+        m_document.SetModified();
+        m_dropped.Add(box);
+    });
+}
+
+void Edits::BoxWent(const COpBox& box, Stood stood) {
+    NoteEdit([&] {
+        if (stood == Stood::kInNetwork) m_document.SetModified();
+        m_change.went.push_back({box.Serial(), box.BoxTitleWid()});
+        m_came.Forget(box);
+        m_dropped.Forget(box);
+        m_touched.Forget(box);
+        for (const auto* side : {&box.inputs, &box.outputs}) {
+            for (const auto& button : *side) {
+                m_buttons.Forget(*button);
+                m_change.wires = m_change.wires || !button->connections.Empty();
+            }
+        }
+    });
+}
+
+void Edits::BoxTouched(COpBox& box) {
+    NoteEdit([&] {
+        m_document.SetModified();
+        m_touched.Add(box);
+        // Those of its buttons that are destroyed now cannot be told apart later.
+        for (const auto* side : {&box.inputs, &box.outputs}) {
+            for (const auto& button : *side) m_buttons.Forget(*button);
+        }
+    });
+}
+
+void Edits::ButtonTouched(COpButton& button) {
+    NoteEdit([&] {
+        m_document.SetModified();
+        if (m_touched.Has(*button.owner)) return;
+        m_buttons.Add(button);
+    });
+}
+
+void Edits::WiresChanged() {
+    NoteEdit([&] {
+        m_document.SetModified();
+        m_change.wires = true;
+    });
+}
+
+void Edits::OptionsChanged() {
+    NoteEdit([&] {
+        m_document.SetModified();
+        m_change.options = true;
+    });
+}
+
+void Edits::SettingsChanged() {
+    NoteEdit([&] {
+        m_document.SetModified();
+        m_change.settings = true;
+    });
+}
+
+void Edits::BroughtBoxes() {
+    NoteEdit([&] { m_document.SetModified(); });
+}
+
+void Edits::SelectionChanged() {
+    Change change;
+    change.selection = true;
+    Tell(change);
+}
+
+void Edits::Replaced() {
+    ForgetNotes();
+    Change change;
+    change.replaced = true;
+    for (const auto& box : m_document.m_boxes) change.came.push_back(box.get());
+    Tell(change);
+}
+
+void Edits::ForgetNotes() {
+    m_change = {};
+    m_came.Take();
+    m_dropped.Take();
+    m_touched.Take();
+    m_buttons.Take();
+}
+
+void Edits::Begin(const std::string& act) {
+    ++m_depth;
+    if (m_change.act.empty()) m_change.act = act;
+}
+
+void Edits::End() {
+    if (--m_depth > 0) return;
+    Change change = std::exchange(m_change, {});
+    change.came = m_came.Take();
+    change.dropped = m_dropped.Take();
+    change.touched = m_touched.Take();
+    change.buttons = m_buttons.Take();
+    if (change.IsEmpty()) return;
+    if (change.act.empty()) change.act = kUnnamedAct;
+    Tell(change);
+}
+
+void Edits::Tell(const Change& change) {
+    const auto listeners = m_listeners;  // they may come and go meanwhile
+    for (const auto& listener : listeners) {
+        if (const auto known = listener.lock()) (*known)(change);
+    }
+}
+
+EditScope::EditScope(CTvDoc& document, const std::string& act) : m_edits(document.edits) { m_edits.Begin(act); }
+
+}  // namespace tavrin

@@ -1,0 +1,108 @@
+// Where every edit of a document ends: what changes a document says so here, what shows it is told from here.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "document/Change.h"
+
+namespace tavrin {
+
+class CTvDoc;
+
+// One for each document, which owns it. Whoever changes the document notes that while an EditScope is open; at
+// the end of the outermost one the listeners hear one Change. A note of an edit marks the document modified at
+// once. Main thread only; nothing here can fail.
+class Edits {
+  public:
+    using Listener = std::function<void(const Change&)>;
+    // Ends with the object; it may outlive the document.
+    using Subscription = std::shared_ptr<const Listener>;
+
+    explicit Edits(CTvDoc& document) : m_document(document) {}
+    Edits(const Edits&) = delete;
+    Edits& operator=(const Edits&) = delete;
+
+    // Listeners are told in the order in which they came. They change nothing of the document meanwhile.
+    [[nodiscard]] Subscription Observe(Listener listener);
+
+    // What an edit changes, said before it is done or after. Without an open scope the note is an edit by
+    // itself, told at once, so that nobody misses it; but it is a fault of the program, which StrayEdits counts.
+    void BoxCame(COpBox& box);     // it waits; by itself that does not modify the document
+    void BoxDropped(COpBox& box);  // it stands in the network
+    enum class Stood { kWaiting, kInNetwork };
+    // It is about to be destroyed; by itself that modifies the document only if it stood in the network.
+    void BoxWent(const COpBox& box, Stood stood);
+    void BoxTouched(COpBox& box);           // its place, its inputs, or anything of its buttons
+    void ButtonTouched(COpButton& button);  // nothing of its box but this button
+    void WiresChanged();
+    void OptionsChanged();
+    void SettingsChanged();
+    // Boxes that wait under the mouse were brought by an act that counts as a change of the document.
+    void BroughtBoxes();
+
+    // What is selected is no edit: it is told at once, whatever is open.
+    void SelectionChanged();
+    // The document has been read anew. What was noted of the former one is forgotten, and listeners are told at
+    // once, whatever is open.
+    void Replaced();
+
+    // The document's boxes are about to be destroyed all at once, to give place to others.
+    void ForgetNotes();
+
+    bool IsOpen() const { return m_depth > 0; }
+    int StrayEdits() const { return m_strayEdits; }
+
+  private:
+    friend class EditScope;
+    // Objects in the order in which they were noted, without those that have gone.
+    template <typename Object>
+    class Noted {
+      public:
+        void Add(Object& object) {
+            if (m_members.insert(&object).second) m_order.push_back(&object);
+        }
+        void Forget(const Object& object) { m_members.erase(const_cast<Object*>(&object)); }
+        bool Has(const Object& object) const { return m_members.contains(const_cast<Object*>(&object)); }
+        // Leaves nothing.
+        std::vector<Object*> Take();
+
+      private:
+        std::vector<Object*> m_order;
+        std::unordered_set<Object*> m_members;
+    };
+
+    void Begin(const std::string& act);
+    void End();
+    template <typename Note>
+    void NoteEdit(Note note);
+    void Tell(const Change& change);
+
+    CTvDoc& m_document;
+    std::vector<std::weak_ptr<const Listener>> m_listeners;
+    int m_depth = 0;
+    int m_strayEdits = 0;
+    Change m_change;  // but for the lists of what stands, which are these
+    Noted<COpBox> m_came;
+    Noted<COpBox> m_dropped;
+    Noted<COpBox> m_touched;
+    Noted<COpButton> m_buttons;
+};
+
+// Stands round one act of the user, on the stack or in whatever holds a gesture. They nest; the outermost counts,
+// with the name of the first one that has a name.
+class EditScope {
+  public:
+    EditScope(CTvDoc& document, const std::string& act);
+    ~EditScope() { m_edits.End(); }
+    EditScope(const EditScope&) = delete;
+    EditScope& operator=(const EditScope&) = delete;
+
+  private:
+    Edits& m_edits;
+};
+
+}  // namespace tavrin
