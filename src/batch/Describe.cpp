@@ -2,6 +2,7 @@
 
 #include "document/TvDoc.h"
 #include "library/OpRegistry.h"
+#include "library/ValueVisitor.h"
 #include "text/Numbers.h"
 #include "text/Tokens.h"
 
@@ -30,30 +31,21 @@ std::string Options(const std::vector<std::string>& options) {
     return text;
 }
 
-std::string DefaultText(const COpValue& value) {
-    if (value.type == type_words::kFloat) {
-        const auto& v = static_cast<const COpValueFloat&>(value);
+// The defaults of a value, as they are told to who writes networks.
+struct DefaultText {
+    std::string operator()(const COpValueFloat& v) const {
         return Number(v.value) + Range(v.min, v.max, v.integer);
     }
-    if (value.type == type_words::kXyz) {
-        const auto& v = static_cast<const COpValueXyz&>(value);
+    std::string operator()(const COpValueXyz& v) const {
         return Numbers({v.x, v.y, v.z}) + Range(v.min, v.max, v.integer);
     }
-    if (value.type == type_words::kRgb) {
-        const auto& v = static_cast<const COpValueRgb&>(value);
-        return Numbers({v.r, v.g, v.b});
+    std::string operator()(const COpValueRgb& v) const { return Numbers({v.r, v.g, v.b}); }
+    std::string operator()(const COpValueRgba& v) const { return Numbers({v.r, v.g, v.b, v.a}); }
+    std::string operator()(const COpValueString& v) const { return QuoteString(v.value) + Options(v.options); }
+    std::string operator()(const COpValueGeneric& v) const {
+        return QuoteString(v.defaultValue) + Options(v.options);
     }
-    if (value.type == type_words::kRgba) {
-        const auto& v = static_cast<const COpValueRgba&>(value);
-        return Numbers({v.r, v.g, v.b, v.a});
-    }
-    if (value.type == type_words::kString) {
-        const auto& v = static_cast<const COpValueString&>(value);
-        return QuoteString(v.value) + Options(v.options);
-    }
-    const auto& v = static_cast<const COpValueGeneric&>(value);
-    return QuoteString(v.defaultValue) + Options(v.options);
-}
+};
 
 // The help indented, its line ends made plain.
 void AppendHelp(std::string& text, const std::string& help, std::string_view indent) {
@@ -72,7 +64,7 @@ void AppendButton(std::string& text, const COpButton& button) {
     AppendHelp(text, button.help, "    ");
     for (const auto& value : button.values) {
         text.append("    ").append(value->type);
-        if (!button.IsOutput()) text.append(": ").append(DefaultText(*value));
+        if (!button.IsOutput()) text.append(": ").append(VisitValue(*value, DefaultText()));
         text += '\n';
     }
     if (!button.fixedvalue.empty()) text.append("    stands for: ").append(button.fixedvalue).append("\n");

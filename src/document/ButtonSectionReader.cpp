@@ -1,6 +1,7 @@
 // The `opbutton` blocks of a box.
 #include "document/DocumentReader.h"
 #include "document/TvDoc.h"
+#include "library/ValueVisitor.h"
 #include "site/TypeTables.h"
 
 namespace tavrin {
@@ -90,41 +91,43 @@ bool DocumentReader::ReadButtonClause(COpButton& button, const std::string& keyw
     if (keyword == "arg") return Operand(button.arg);
     if (keyword == "argname") return Operand(button.argname);
     if (keyword == "comments") return Operand(button.comments);
-    if (keyword == type_words::kString) {
-        std::string text;
-        if (!Operand(text)) return false;
-        if (auto* value = static_cast<COpValueString*>(button.FindValue(keyword))) value->value = text;
-        return true;
-    }
-    if (IsGenericType(keyword)) return ReadGeneric(button, keyword);
     if (keyword == "disableargflag" || keyword == "disableconnectflag") {
         std::string_view rest;  // these come from the definition
         return m_archive.ReadLine(rest) || Unexpected();
     }
-    if (MakeValue(keyword) != nullptr) return ReadNumbers(button, keyword);
-    return Stop("unexpected input \"" + keyword + "\"");
+    // Fields of a type that the button does not have are read all the same, and dropped.
+    std::unique_ptr<COpValue> dropped;
+    COpValue* value = button.FindValue(keyword);
+    if (value == nullptr) {
+        dropped = MakeValue(keyword);
+        value = dropped.get();
+    }
+    if (value == nullptr) return Stop("unexpected input \"" + keyword + "\"");
+    return ReadValue(button, *value);
 }
 
-// Numbers of a type that the button does not have are dropped.
-bool DocumentReader::ReadNumbers(COpButton& button, const std::string& type) {
-    const auto made = MakeValue(type);
-    COpValue* value = button.FindValue(type);
-    if (value == nullptr) value = made.get();
-    if (type == type_words::kFloat) {
-        auto& v = static_cast<COpValueFloat&>(*value);
-        return Operand(v.value) && Operand(v.min) && Operand(v.max) && Operand(v.integer);
-    }
-    if (type == type_words::kXyz) {
-        auto& v = static_cast<COpValueXyz&>(*value);
-        return Operand(v.x) && Operand(v.y) && Operand(v.z) && Operand(v.min) && Operand(v.max) &&
-               Operand(v.integer);
-    }
-    if (type == type_words::kRgb) {
-        auto& v = static_cast<COpValueRgb&>(*value);
-        return Operand(v.r) && Operand(v.g) && Operand(v.b);
-    }
-    auto& v = static_cast<COpValueRgba&>(*value);
-    return Operand(v.r) && Operand(v.g) && Operand(v.b) && Operand(v.a);
+bool DocumentReader::ReadValue(COpButton& button, COpValue& value) {
+    return VisitValue(
+        value, ValueCalls{
+                   [&](COpValueFloat& v) {
+                       return Operand(v.value) && Operand(v.min) && Operand(v.max) && Operand(v.integer);
+                   },
+                   [&](COpValueXyz& v) {
+                       return Operand(v.x) && Operand(v.y) && Operand(v.z) && Operand(v.min) &&
+                              Operand(v.max) && Operand(v.integer);
+                   },
+                   [&](COpValueRgb& v) { return Operand(v.r) && Operand(v.g) && Operand(v.b); },
+                   [&](COpValueRgba& v) {
+                       return Operand(v.r) && Operand(v.g) && Operand(v.b) && Operand(v.a);
+                   },
+                   [&](COpValueString& v) {
+                       std::string text;
+                       if (!Operand(text)) return false;
+                       v.value = std::move(text);
+                       return true;
+                   },
+                   [&](COpValueGeneric& v) { return ReadGeneric(button, v.type); },
+               });
 }
 
 // A generic value is a line and no tokens: backslashes in it are not undone. A type that is neither "generic"

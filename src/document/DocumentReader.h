@@ -13,6 +13,7 @@ namespace tavrin {
 
 class COpBox;
 class COpButton;
+class COpValue;
 class CTvDoc;
 class DocumentHost;
 
@@ -47,7 +48,7 @@ class DocumentReader : private TokenParser {
     COpButton* NextOutput(COpBox& box, const std::string& kind, const std::string& name);
     bool ReadButtonBlock(COpButton& button);
     bool ReadButtonClause(COpButton& button, const std::string& keyword);
-    bool ReadNumbers(COpButton& button, const std::string& type);
+    bool ReadValue(COpButton& button, COpValue& value);
     bool ReadGeneric(COpButton& button, const std::string& keyword);
     void ChooseCast(COpButton& button, const std::string& castName);
 

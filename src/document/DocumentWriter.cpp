@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "document/TvDoc.h"
+#include "library/ValueVisitor.h"
 #include "site/Site.h"
 #include "text/Numbers.h"
 #include "text/StoredText.h"
@@ -141,25 +142,20 @@ class Writer {
 
     void WriteValue(const COpValue& value) {
         Put("                    ");
-        if (value.type == type_words::kFloat) {
-            const auto& v = static_cast<const COpValueFloat&>(value);
-            Line("float ", v.value, " ", v.min, " ", v.max, " ", v.integer);
-        } else if (value.type == type_words::kXyz) {
-            const auto& v = static_cast<const COpValueXyz&>(value);
-            Line("xyz ", v.x, " ", v.y, " ", v.z, " ", v.min, " ", v.max, " ", v.integer);
-        } else if (value.type == type_words::kRgb) {
-            const auto& v = static_cast<const COpValueRgb&>(value);
-            Line("rgb ", v.r, " ", v.g, " ", v.b);
-        } else if (value.type == type_words::kRgba) {
-            const auto& v = static_cast<const COpValueRgba&>(value);
-            Line("rgba ", v.r, " ", v.g, " ", v.b, " ", v.a);
-        } else if (value.type == type_words::kString) {
-            Line("string ", QuoteString(static_cast<const COpValueString&>(value).value));
-        } else {
-            // Its reader takes the line as it stands, so the value has to keep to one.
-            const auto& v = static_cast<const COpValueGeneric&>(value);
-            Line(GenericWords(value.type), " ", QuoteString(OneLine(v.value)));
-        }
+        VisitValue(value, [this](const auto& own) { WriteFields(own); });
+    }
+    void WriteFields(const COpValueFloat& v) {
+        Line("float ", v.value, " ", v.min, " ", v.max, " ", v.integer);
+    }
+    void WriteFields(const COpValueXyz& v) {
+        Line("xyz ", v.x, " ", v.y, " ", v.z, " ", v.min, " ", v.max, " ", v.integer);
+    }
+    void WriteFields(const COpValueRgb& v) { Line("rgb ", v.r, " ", v.g, " ", v.b); }
+    void WriteFields(const COpValueRgba& v) { Line("rgba ", v.r, " ", v.g, " ", v.b, " ", v.a); }
+    void WriteFields(const COpValueString& v) { Line("string ", QuoteString(v.value)); }
+    // Its reader takes the line as it stands, so the value has to keep to one.
+    void WriteFields(const COpValueGeneric& v) {
+        Line(GenericWords(v.type), " ", QuoteString(OneLine(v.value)));
     }
 
     // An output's wires are written in the order of what they lead to, so that the file does not depend on

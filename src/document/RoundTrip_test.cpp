@@ -10,6 +10,7 @@
 #include <random>
 #include <sstream>
 
+#include "library/ValueVisitor.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -173,29 +174,22 @@ class RandomNetwork : public RoundTrip {
         for (size_t i = Below(8); i > 0; --i) word += letters[Below(letters.size())];
         return word;
     }
-    void Change(COpValue& value) {
-        if (value.type == "float") {
-            auto& v = static_cast<COpValueFloat&>(value);
-            v.value = Number();
-            v.min = Number();
-            v.max = Number();
-            v.integer = static_cast<int>(Below(2));
-        } else if (value.type == "xyz") {
-            auto& v = static_cast<COpValueXyz&>(value);
-            for (float* number : {&v.x, &v.y, &v.z, &v.min, &v.max}) *number = Number();
-            v.integer = static_cast<int>(Below(2));
-        } else if (value.type == "rgb") {
-            auto& v = static_cast<COpValueRgb&>(value);
-            for (float* number : {&v.r, &v.g, &v.b}) *number = Number();
-        } else if (value.type == "rgba") {
-            auto& v = static_cast<COpValueRgba&>(value);
-            for (float* number : {&v.r, &v.g, &v.b, &v.a}) *number = Number();
-        } else if (value.type == "string") {
-            static_cast<COpValueString&>(value).value = Word(true);
-        } else {
-            static_cast<COpValueGeneric&>(value).value = Word(false);
-        }
+    void Change(COpValueFloat& v) {
+        for (float* number : {&v.value, &v.min, &v.max}) *number = Number();
+        v.integer = static_cast<int>(Below(2));
     }
+    void Change(COpValueXyz& v) {
+        for (float* number : {&v.x, &v.y, &v.z, &v.min, &v.max}) *number = Number();
+        v.integer = static_cast<int>(Below(2));
+    }
+    void Change(COpValueRgb& v) {
+        for (float* number : {&v.r, &v.g, &v.b}) *number = Number();
+    }
+    void Change(COpValueRgba& v) {
+        for (float* number : {&v.r, &v.g, &v.b, &v.a}) *number = Number();
+    }
+    void Change(COpValueString& v) { v.value = Word(true); }
+    void Change(COpValueGeneric& v) { v.value = Word(false); }
     void Change(COpButton& button) {
         button.pin = static_cast<int>(Below(2));
         button.stow = static_cast<int>(Below(2));
@@ -205,7 +199,7 @@ class RandomNetwork : public RoundTrip {
         button.comments = Word(true);
         button.currentcast = Below(button.values.size());
         if (button.IsOutput()) return;
-        for (const auto& value : button.values) Change(*value);
+        for (const auto& value : button.values) VisitValue(*value, [this](auto& own) { Change(own); });
     }
     void MakeBox(int wid) {
         COpBox& box = AddDefined(Below(3) == 0 ? "sink" : "everything", wid);

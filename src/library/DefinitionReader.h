@@ -36,12 +36,13 @@ class DefinitionReader : private TokenParser {
 
     // One alternative of an input, from the keyword of its type on.
     bool ReadValue(COpButton& button, const std::string& keyword);
-    bool ReadGroup(COpValueFloat& value);
-    bool ReadGroup(COpValueXyz& value);
-    bool ReadGroup(COpValueRgb& value);
-    bool ReadGroup(COpValueRgba& value);
-    bool ReadBlock(COpValueString& value);
-    bool ReadBlock(COpValueGeneric& value);
+    // What stands behind the keyword: a brace group, or the loose block of a text.
+    bool ReadBody(COpValueFloat& value);
+    bool ReadBody(COpValueXyz& value);
+    bool ReadBody(COpValueRgb& value);
+    bool ReadBody(COpValueRgba& value);
+    bool ReadBody(COpValueString& value);
+    bool ReadBody(COpValueGeneric& value);
     template <typename Value>
     bool ReadOptions(Value& value);
 

@@ -2,6 +2,7 @@
 // and generic values pass over what they do not know.
 #include "library/DefinitionReader.h"
 #include "library/OpBox.h"
+#include "library/ValueVisitor.h"
 
 namespace tavrin {
 
@@ -10,35 +11,30 @@ bool DefinitionReader::ReadValue(COpButton& button, const std::string& keyword) 
     if (!made) return Unexpected();
     if (!CanBeStored("type", keyword)) return false;
     COpValue& value = *button.values.emplace_back(std::move(made));
-    if (keyword == type_words::kFloat) return ReadGroup(static_cast<COpValueFloat&>(value));
-    if (keyword == type_words::kXyz) return ReadGroup(static_cast<COpValueXyz&>(value));
-    if (keyword == type_words::kRgb) return ReadGroup(static_cast<COpValueRgb&>(value));
-    if (keyword == type_words::kRgba) return ReadGroup(static_cast<COpValueRgba&>(value));
-    if (keyword == type_words::kString) return ReadBlock(static_cast<COpValueString&>(value));
-    return ReadBlock(static_cast<COpValueGeneric&>(value));
+    return VisitValue(value, [this](auto& own) { return ReadBody(own); });
 }
 
-bool DefinitionReader::ReadGroup(COpValueFloat& value) {
+bool DefinitionReader::ReadBody(COpValueFloat& value) {
     return Expect("{") && Operand(value.value) && Operand(value.min) && Operand(value.max) &&
            Flag(value.integer) && Operand(value.format) && Expect("}");
 }
 
-bool DefinitionReader::ReadGroup(COpValueXyz& value) {
+bool DefinitionReader::ReadBody(COpValueXyz& value) {
     return Expect("{") && Operand(value.x) && Operand(value.y) && Operand(value.z) && Operand(value.min) &&
            Operand(value.max) && Flag(value.integer) && Operand(value.format) && Expect("}");
 }
 
-bool DefinitionReader::ReadGroup(COpValueRgb& value) {
+bool DefinitionReader::ReadBody(COpValueRgb& value) {
     return Expect("{") && Operand(value.r) && Operand(value.g) && Operand(value.b) && Operand(value.format) &&
            Expect("}");
 }
 
-bool DefinitionReader::ReadGroup(COpValueRgba& value) {
+bool DefinitionReader::ReadBody(COpValueRgba& value) {
     return Expect("{") && Operand(value.r) && Operand(value.g) && Operand(value.b) && Operand(value.a) &&
            Operand(value.format) && Expect("}");
 }
 
-bool DefinitionReader::ReadBlock(COpValueString& value) {
+bool DefinitionReader::ReadBody(COpValueString& value) {
     std::string token;
     while (ReadToken(m_archive, token) && token != "}") {
         bool read = true;
@@ -60,7 +56,7 @@ bool DefinitionReader::ReadBlock(COpValueString& value) {
     return true;
 }
 
-bool DefinitionReader::ReadBlock(COpValueGeneric& value) {
+bool DefinitionReader::ReadBody(COpValueGeneric& value) {
     std::string token;
     while (ReadToken(m_archive, token) && token != "}") {
         bool read = true;

@@ -1,21 +1,11 @@
 #include "library/Value.h"
 
+#include "library/ValueVisitor.h"
 #include "text/ValueFormat.h"
 
 namespace tavrin {
 
 namespace {
-
-// Calls `visit` with the value as its own class.
-template <typename Visitor>
-auto VisitValue(const COpValue& value, Visitor visit) {
-    if (value.type == type_words::kFloat) return visit(static_cast<const COpValueFloat&>(value));
-    if (value.type == type_words::kXyz) return visit(static_cast<const COpValueXyz&>(value));
-    if (value.type == type_words::kRgb) return visit(static_cast<const COpValueRgb&>(value));
-    if (value.type == type_words::kRgba) return visit(static_cast<const COpValueRgba&>(value));
-    if (value.type == type_words::kString) return visit(static_cast<const COpValueString&>(value));
-    return visit(static_cast<const COpValueGeneric&>(value));
-}
 
 struct LiteralOf {
     std::string operator()(const COpValueFloat& v) const { return FormatNumbers(v.format, {v.value}); }
@@ -30,19 +20,27 @@ struct LiteralOf {
     std::string operator()(const COpValueGeneric& v) const { return v.value; }
 };
 
+template <typename Class>
+std::unique_ptr<COpValue> Made(std::string_view type) {
+    if constexpr (std::is_default_constructible_v<Class>) {
+        return std::make_unique<Class>();
+    } else {
+        return std::make_unique<Class>(type);  // one that bears many types
+    }
+}
+
+template <typename... Classes>
+std::unique_ptr<COpValue> MakeOf(std::string_view type, ValueClassList<Classes...>) {
+    std::unique_ptr<COpValue> value;
+    static_cast<void>(((Classes::Bears(type) && (value = Made<Classes>(type))) || ...));
+    return value;
+}
+
 }  // namespace
 
 bool IsGenericType(std::string_view type) { return type.starts_with(type_words::kGeneric); }
 
-std::unique_ptr<COpValue> MakeValue(std::string_view type) {
-    if (type == type_words::kFloat) return std::make_unique<COpValueFloat>();
-    if (type == type_words::kXyz) return std::make_unique<COpValueXyz>();
-    if (type == type_words::kRgb) return std::make_unique<COpValueRgb>();
-    if (type == type_words::kRgba) return std::make_unique<COpValueRgba>();
-    if (type == type_words::kString) return std::make_unique<COpValueString>();
-    if (IsGenericType(type)) return std::make_unique<COpValueGeneric>(type);
-    return nullptr;
-}
+std::unique_ptr<COpValue> MakeValue(std::string_view type) { return MakeOf(type, ValueClasses()); }
 
 std::unique_ptr<COpValue> CloneValue(const COpValue& value) {
     return VisitValue(value, [](const auto& own) -> std::unique_ptr<COpValue> {

@@ -1,5 +1,5 @@
 // The alternatives that a button can be cast to. A value is told apart by the text of its type, never by
-// its class, and keeps its own data while another cast is current.
+// its class, and keeps its own data while another cast is current. ValueVisitor.h leads to its own class.
 #pragma once
 
 #include <memory>
@@ -26,6 +26,7 @@ class COpValue {
     std::string format;  // printf pattern with a conversion for each component; a generic value has none
 
   protected:
+    // Each class has a static `Bears`: whether a type text is one of its own.
     explicit COpValue(std::string_view typeText) : type(typeText) {}
     COpValue(const COpValue&) = default;
 };
@@ -33,6 +34,7 @@ class COpValue {
 class COpValueFloat : public COpValue {
   public:
     COpValueFloat() : COpValue(type_words::kFloat) {}
+    static bool Bears(std::string_view type) { return type == type_words::kFloat; }
 
     float value = 0;
     float min = 0;  // slider range
@@ -43,6 +45,7 @@ class COpValueFloat : public COpValue {
 class COpValueXyz : public COpValue {
   public:
     COpValueXyz() : COpValue(type_words::kXyz) {}
+    static bool Bears(std::string_view type) { return type == type_words::kXyz; }
 
     float x = 0;
     float y = 0;
@@ -55,6 +58,7 @@ class COpValueXyz : public COpValue {
 class COpValueRgb : public COpValue {
   public:
     COpValueRgb() : COpValue(type_words::kRgb) {}
+    static bool Bears(std::string_view type) { return type == type_words::kRgb; }
 
     float r = 0;
     float g = 0;
@@ -64,6 +68,7 @@ class COpValueRgb : public COpValue {
 class COpValueRgba : public COpValue {
   public:
     COpValueRgba() : COpValue(type_words::kRgba) {}
+    static bool Bears(std::string_view type) { return type == type_words::kRgba; }
 
     float r = 0;
     float g = 0;
@@ -74,6 +79,7 @@ class COpValueRgba : public COpValue {
 class COpValueString : public COpValue {
   public:
     COpValueString() : COpValue(type_words::kString) {}
+    static bool Bears(std::string_view type) { return type == type_words::kString; }
 
     std::string value;
     int quoteflag = 0;  // the literal is put in double quotes
@@ -82,18 +88,19 @@ class COpValueString : public COpValue {
     std::vector<std::string> options;
 };
 
+bool IsGenericType(std::string_view type);
+
 class COpValueGeneric : public COpValue {
   public:
     // The whole keyword of the definition: "generic", or "generic:" with a name behind it.
     explicit COpValueGeneric(std::string_view typeText) : COpValue(typeText) {}
+    static bool Bears(std::string_view type) { return IsGenericType(type); }
 
     std::string defaultValue;  // the definition's text; only `value` is edited, stored and used
     std::string value;
     int noedit = 0;
     std::vector<std::string> options;
 };
-
-bool IsGenericType(std::string_view type);
 
 // A value of the class that belongs to the type word, all defaults; nothing for a word that is no type.
 std::unique_ptr<COpValue> MakeValue(std::string_view type);

@@ -1,6 +1,7 @@
 #include "render/ArgInfo.h"
 
 #include "document/TvDoc.h"
+#include "library/ValueVisitor.h"
 #include "render/HelpLines.h"
 #include "text/Numbers.h"
 
@@ -16,11 +17,13 @@ void Field(std::string& text, std::string_view key, std::string_view value) {
     text.append(" ").append(value).append("\n");
 }
 
-template <typename Limits>
-void MinMax(std::string& text, const COpValue& value) {
-    const auto& limits = static_cast<const Limits&>(value);
-    Field(text, "MinMax",
-          FormatF(static_cast<double>(limits.min)) + " " + FormatF(static_cast<double>(limits.max)));
+// The range of the slider, for values that have one.
+template <typename Value>
+void MinMax(std::string& text, const Value& value) {
+    if constexpr (requires { value.min, value.max; }) {
+        Field(text, "MinMax",
+              FormatF(static_cast<double>(value.min)) + " " + FormatF(static_cast<double>(value.max)));
+    }
 }
 
 void WriteArgument(std::string& text, COpButton& button, Report& report) {
@@ -33,8 +36,7 @@ void WriteArgument(std::string& text, COpButton& button, Report& report) {
     Field(text, "ButtonTitle", button.DisplayName());
     Field(text, "Comments", button.comments);
     Field(text, IsGenericType(value.type) ? type_words::kGeneric : value.type, button.ValueText());
-    if (value.type == type_words::kFloat) MinMax<COpValueFloat>(text, value);
-    if (value.type == type_words::kXyz) MinMax<COpValueXyz>(text, value);
+    VisitValue(value, [&](const auto& own) { MinMax(text, own); });
     text += "}\n\n";
 }
 
