@@ -100,7 +100,7 @@ class DeskGestures {
 
     Surroundings m_around;
     Kind m_gesture = Kind::kIdle;
-    std::optional<EditScope> m_drag;  // all that is moved until the release is one act
+    std::optional<HeldEdit> m_drag;  // all that is moved until the release is one act
     WindowPoint m_mousePoint;  // last position in the window
     ShownHelp m_help;          // what was shown last
     DeskPoint m_bandAnchor;

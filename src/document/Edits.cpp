@@ -133,13 +133,24 @@ void Edits::ForgetNotes() {
     m_buttons.Take();
 }
 
+void Edits::Hold(const std::string& act) { m_held = act; }
+
+void Edits::Release() {
+    m_held.reset();
+    if (m_depth == 0) TellNoted();
+}
+
 void Edits::Begin(const std::string& act) {
+    if (m_depth == 0 && m_held && act != *m_held) TellNoted();
     ++m_depth;
     if (m_change.act.empty()) m_change.act = act;
 }
 
 void Edits::End() {
-    if (--m_depth > 0) return;
+    if (--m_depth == 0 && (!m_held || m_change.act != *m_held)) TellNoted();
+}
+
+void Edits::TellNoted() {
     Change change = std::exchange(m_change, {});
     change.came = m_came.Take();
     change.dropped = m_dropped.Take();
@@ -158,5 +169,7 @@ void Edits::Tell(const Change& change) {
 }
 
 EditScope::EditScope(CTvDoc& document, const std::string& act) : m_edits(document.edits) { m_edits.Begin(act); }
+
+HeldEdit::HeldEdit(CTvDoc& document, const std::string& act) : m_edits(document.edits) { m_edits.Hold(act); }
 
 }  // namespace tavrin

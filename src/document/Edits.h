@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -53,11 +54,13 @@ class Edits {
     // The document's boxes are about to be destroyed all at once, to give place to others.
     void ForgetNotes();
 
-    bool IsOpen() const { return m_depth > 0; }
+    // Something may have been noted that is still to be told.
+    bool IsOpen() const { return m_depth > 0 || m_held; }
     int StrayEdits() const { return m_strayEdits; }
 
   private:
     friend class EditScope;
+    friend class HeldEdit;
     // Objects in the order in which they were noted, without those that have gone.
     template <typename Object>
     class Noted {
@@ -77,6 +80,9 @@ class Edits {
 
     void Begin(const std::string& act);
     void End();
+    void Hold(const std::string& act);
+    void Release();
+    void TellNoted();
     template <typename Note>
     void NoteEdit(Note note);
     void Tell(const Change& change);
@@ -84,6 +90,7 @@ class Edits {
     CTvDoc& m_document;
     std::vector<std::weak_ptr<const Listener>> m_listeners;
     int m_depth = 0;
+    std::optional<std::string> m_held;  // the act that goes on
     int m_strayEdits = 0;
     Change m_change;  // but for the lists of what stands, which are these
     Noted<COpBox> m_came;
@@ -92,14 +99,28 @@ class Edits {
     Noted<COpButton> m_buttons;
 };
 
-// Stands round one act of the user, on the stack or in whatever holds a gesture. They nest; the outermost counts,
-// with the name of the first one that has a name.
+// Stands round one act of the user, on the stack. They nest; the outermost counts, with the name of the first one that
+// has a name.
 class EditScope {
   public:
     EditScope(CTvDoc& document, const std::string& act);
     ~EditScope() { m_edits.End(); }
     EditScope(const EditScope&) = delete;
     EditScope& operator=(const EditScope&) = delete;
+
+  private:
+    Edits& m_edits;
+};
+
+// Stands for an act that goes on over several events, such as a drag: all scopes of its name are one act, which is
+// told at its end. A scope of another name is an act by itself, before which what was done so far is told. One at a
+// time; the document outlives it.
+class HeldEdit {
+  public:
+    HeldEdit(CTvDoc& document, const std::string& act);
+    ~HeldEdit() { m_edits.Release(); }
+    HeldEdit(const HeldEdit&) = delete;
+    HeldEdit& operator=(const HeldEdit&) = delete;
 
   private:
     Edits& m_edits;

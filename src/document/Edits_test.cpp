@@ -55,6 +55,40 @@ TEST_F(EditsTest, TheOutermostScopeEndsTheActWhichTheFirstNameNames) {
     EXPECT_EQ(heard.back(), "Edit: options");
 }
 
+TEST_F(EditsTest, AnActThatGoesOnIsOneUntilItsEnd) {
+    std::optional<HeldEdit> drag;
+    drag.emplace(document, "Move");
+    COpBox& box = Add(MakeLink("a", 1));
+    for (int step = 0; step < 3; ++step) {
+        const EditScope edit(document, "Move");
+        edits.BoxTouched(box);
+    }
+    EXPECT_THAT(heard, IsEmpty());
+    EXPECT_TRUE(document.IsModified());
+    drag.reset();
+    EXPECT_THAT(heard, ElementsAre("Move: touched a_1"));
+}
+
+TEST_F(EditsTest, AnotherActWhileOneGoesOnIsToldByItself) {
+    std::optional<HeldEdit> drag;
+    drag.emplace(document, "Move");
+    COpBox& box = Add(MakeLink("a", 1));
+    const auto move = [&] {
+        const EditScope edit(document, "Move");
+        edits.BoxTouched(box);
+    };
+    move();
+    {
+        const EditScope edit(document, "Lock Desk");
+        edits.SettingsChanged();
+    }
+    EXPECT_THAT(heard, ElementsAre("Move: touched a_1", "Lock Desk: settings"));
+    move();
+    drag.reset();
+    EXPECT_THAT(heard, ElementsAre("Move: touched a_1", "Lock Desk: settings", "Move: touched a_1"));
+    EXPECT_EQ(edits.StrayEdits(), 0);
+}
+
 TEST_F(EditsTest, AnActThatChangesNothingIsNotTold) {
     { const EditScope edit(document, "Nothing"); }
     EXPECT_THAT(heard, IsEmpty());

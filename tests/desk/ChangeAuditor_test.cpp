@@ -47,7 +47,8 @@ INSTANTIATE_TEST_SUITE_P(
                     SilentEdit{"comment", [](CTvDoc&, COpBox& box) { box.inputs[0]->comments += "x"; }},
                     SilentEdit{"value",
                                [](CTvDoc&, COpBox& box) {
-                                   box.inputs[0]->values[0]->type += "x";
+                                   auto& value = dynamic_cast<COpValueFloat&>(*box.inputs[0]->values[0]);
+                                   value.value += 1e-6F;
                                }},
                     SilentEdit{"wire",
                                [](CTvDoc& document, COpBox& box) {

@@ -4,12 +4,29 @@
 #include <set>
 #include <sstream>
 
+#include "library/ValueVisitor.h"
+
 namespace tavrin::test {
 
 namespace {
 
 // To the bit: a number that prints alike may be another one.
 void Put(std::ostream& text, float number) { text << std::hex << std::bit_cast<uint32_t>(number) << std::dec << ' '; }
+
+void Put(std::ostream& text, std::initializer_list<float> numbers) {
+    for (const float number : numbers) Put(text, number);
+}
+
+void Put(std::ostream& text, const COpValue& value) {
+    VisitValue(value, ValueCalls{
+                          [&](const COpValueFloat& own) { Put(text, {own.value, own.min, own.max}); },
+                          [&](const COpValueXyz& own) { Put(text, {own.x, own.y, own.z, own.min, own.max}); },
+                          [&](const COpValueRgb& own) { Put(text, {own.r, own.g, own.b}); },
+                          [&](const COpValueRgba& own) { Put(text, {own.r, own.g, own.b, own.a}); },
+                          [&](const COpValueString& own) { text << own.value; },
+                          [&](const COpValueGeneric& own) { text << own.value; },
+                      });
+}
 
 std::string TextOf(const COpBox& box) {
     std::ostringstream text;
@@ -27,7 +44,10 @@ std::string TextOf(const COpButton& button) {
     std::ostringstream text;
     text << button.arg << ' ' << button.currentcast << ' ' << button.pin << button.lock << button.stow << " \""
          << button.argname << "\" \"" << button.comments << '"';
-    for (const auto& value : button.values) text << ' ' << value->type << ' ' << ValueText(*value);
+    for (const auto& value : button.values) {
+        text << ' ' << value->type << ' ';
+        Put(text, *value);
+    }
     return text.str();
 }
 

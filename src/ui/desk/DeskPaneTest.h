@@ -62,6 +62,7 @@ class DeskPaneTest : public DocumentTest {
         desk.OnInitialUpdate();
         ShowActive(*pane);
         document.SetModified(false);
+        changes = 0;
     }
 
     // A green box with its middle at a point of the desk.
