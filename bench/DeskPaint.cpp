@@ -63,7 +63,7 @@ class Desk {
           m_gestures(
               {document, desk, m_viewport, m_view, host.GetSite().report, 3, [](const std::string&) {}}),
           m_icons(m_directory, m_style, host.GetSite().report),
-          m_parts{document, desk, m_gestures, m_style, m_icons, host.GetSite().report},
+          m_parts{document, desk, m_gestures, m_style, m_icons},
           m_plainPen(m_viewport, m_fonts),
           m_batchedPen(m_viewport, m_fonts),
           m_widget(nullptr, m_gestures,

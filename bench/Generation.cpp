@@ -5,6 +5,7 @@
 
 #include "bench/BareExpander.h"
 #include "bench/BenchNetwork.h"
+#include "codegen/BoxMerge.h"
 #include "render/RenderSession.h"
 
 namespace {
@@ -54,8 +55,10 @@ void MeasureRelays(BenchHost& host, int count) {
         if (remembers) return MedianMilliseconds([&] { session.Generate(); });
         return MedianMilliseconds([&] {
             CCodeGen shader = host.CodeGen();
-            for (COpBox* box : document.OrderBoxes())
-                box->GenerateCode(shader, host.GetSite().types, host.GetSite().report);
+            BoxMerge merge(shader);
+            const NameSource names{document.preparedVariables, &host.GetSite().report};
+            for (const COpBox* box : document.OrderBoxes())
+                box->GenerateCode(merge, host.GetSite().types, names);
         });
     };
     std::printf("generate relay %6d boxes  %8.3f ms  floor %7.3f ms", count, generate(kRelay, true),

@@ -1,6 +1,7 @@
 // Operator definitions: a box that was read is prepared and generated.
-#include "codegen/CodeGen.h"
+#include "codegen/BoxMerge.h"
 #include "fuzz/FuzzHost.h"
+#include "library/CodeNames.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace tavrin;
@@ -10,8 +11,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     box.ReadDefinition(archive, "/nonexistent", host.site.report);
     box.RenumberInputs();
     CCodeGen shader;
-    box.PrepareVariables(host.site.types);
-    box.GenerateCode(shader, host.site.types, host.site.report);
+    PreparedVariables prepared;
+    prepared.Prepare(box, host.site.types);
+    BoxMerge merge(shader);
+    box.GenerateCode(merge, host.site.types, {prepared, &host.site.report});
     std::vector<std::string> lines;
     shader.WriteCode(lines);
     shader.WriteHints(lines);

@@ -1,5 +1,7 @@
 #include "codegen/CodeGen.h"
 
+#include <algorithm>
+
 #include "text/Archive.h"
 #include "text/Report.h"
 #include "text/Tokens.h"
@@ -16,13 +18,6 @@ constexpr std::array<std::string_view, CCodeGen::kBlockCount> kBlockNames = {
 constexpr std::array kBoxBlocks = {CCodeGen::kGlobalOpen, CCodeGen::kMainHeader, CCodeGen::kMainBody,
                                    CCodeGen::kGlobalClose, CCodeGen::kHintText};
 
-bool TakesBoxVariables(CCodeGen::BlockId block) {
-    for (const CCodeGen::BlockId candidate : kBoxBlocks) {
-        if (candidate == block) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 std::string_view CCodeGen::BlockName(BlockId block) { return kBlockNames[AsIndex(block)]; }
@@ -32,6 +27,10 @@ CCodeGen::BlockId CCodeGen::FindBlock(std::string_view name) {
         if (kBlockNames[i] == name) return static_cast<BlockId>(i);
     }
     return kNoBlock;
+}
+
+bool CCodeGen::TakesBoxVariables(BlockId block) {
+    return std::find(kBoxBlocks.begin(), kBoxBlocks.end(), block) != kBoxBlocks.end();
 }
 
 void CCodeGen::AddLine(std::string_view block, std::string_view modeText, std::string text) {
@@ -67,39 +66,6 @@ void CCodeGen::Merge(const CCodeGen& other) {
     for (size_t block = 0; block < kBlockCount; ++block) {
         const CodeBlock& lines = other.m_blocks[block];
         for (size_t i = 0; i < lines.Size(); ++i) m_blocks[block].Add(lines.Line(i).kind, lines.Line(i).text);
-    }
-}
-
-CMex& CCodeGen::BoxExpander(CCodeGen& box) {
-    if (!m_boxMex.mex) m_boxMex.mex = std::make_unique<CMex>();
-    CMex& mex = *m_boxMex.mex;
-    mex.ClearVariables();
-    mex.Tokens() = box.m_mex.Tokens();
-    return mex;
-}
-
-void CCodeGen::MergeExpanded(const CCodeGen& box, const std::vector<std::string>& declarations) {
-    if (!m_boxMex.mex) m_boxMex.mex = std::make_unique<CMex>();
-    CMex& mex = *m_boxMex.mex;
-    mex.m_state = CMex::kPlain;
-    const auto expand = [&mex](std::string_view text) {
-        constexpr size_t kGrowth = 32;  // names of variables are longer than those of buttons
-        std::string expanded;
-        expanded.reserve(text.size() + kGrowth);
-        mex.Expand(text, expanded);
-        return expanded;
-    };
-    for (size_t index = 0; index < kBlockCount; ++index) {
-        const auto block = static_cast<BlockId>(index);
-        const CodeBlock& lines = box.m_blocks[index];
-        const bool expands = TakesBoxVariables(block);
-        for (size_t i = 0; i < lines.Size(); ++i) {
-            const CodeLine& line = lines.Line(i);
-            AddLine(block, line.kind, expands ? expand(line.text) : line.text);
-        }
-        if (block != kMainHeader) continue;
-        for (const std::string& declaration : declarations)
-            AddLine(block, LineKind::kAppend, expand(declaration));
     }
 }
 

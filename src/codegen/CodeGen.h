@@ -6,7 +6,6 @@
 #pragma once
 
 #include <array>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +37,8 @@ class CCodeGen {
     };
     static std::string_view BlockName(BlockId block);
     static BlockId FindBlock(std::string_view name);  // kNoBlock if the name is none of the ten
+    // Its lines are expanded with the variables of the box that they come from.
+    static bool TakesBoxVariables(BlockId block);
 
     // Reads one template clause; `keyword` is what followed "codegen.". A relative file of the "@" modes
     // is looked for in `libraryDir`. On failure false, with the message for the user in `errorText`, and
@@ -65,15 +66,9 @@ class CCodeGen {
     // for "all". Any other name is alerted.
     void ExpandAll(std::string_view blockName, Report& report);
 
-    // Adds every line of `other` by the way it came in there. Variables and marks are not merged.
+    // Adds every line of `other` by the way it came in there. Variables and marks are not merged. BoxMerge
+    // merges boxes.
     void Merge(const CCodeGen& other);
-
-    // Merging a box without a copy of its CCodeGen. BoxExpander is an expander without variables, for those
-    // of one box; it is good until the next call. MergeExpanded then does what ExpandAll("all") with those
-    // variables on a copy of `box`, that also has the lines `declarations` at the end of "main-header", and
-    // Merge of the copy would do.
-    CMex& BoxExpander(CCodeGen& box);
-    void MergeExpanded(const CCodeGen& box, const std::vector<std::string>& declarations);
 
     // The text as a comment in the target language; false if it has no comment marks.
     bool MakeComment(std::string_view text, std::string& result) const;
@@ -88,6 +83,7 @@ class CCodeGen {
 
     const CodeBlock& Block(BlockId block) const { return m_blocks[AsIndex(block)]; }
     CMex& Mex() { return m_mex; }
+    const CMex& Mex() const { return m_mex; }
 
     std::string m_varargSep = ", ";  // set by "vararg.sep"; the separator that counts is each vinput's own
     std::string m_lineComment;
@@ -103,14 +99,6 @@ class CCodeGen {
 
     std::array<CodeBlock, kBlockCount> m_blocks;
     CMex m_mex;
-    // Kept from box to box for its memory; no part of what is copied.
-    struct Scratch {
-        Scratch() = default;
-        Scratch(const Scratch&) {}
-        Scratch& operator=(const Scratch&) { return *this; }
-        std::unique_ptr<CMex> mex;
-    };
-    Scratch m_boxMex;
 };
 
 }  // namespace tavrin

@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "codegen/CodeGen.h"
 #include "support/TestSite.h"
 
@@ -188,126 +186,6 @@ TEST(Merge, VariablesAndMarksStayBehind) {
     EXPECT_EQ(shader.m_lineComment, "");
     EXPECT_EQ(shader.m_indent, "    ");
 }
-
-// Expanding and merging at once
-
-// What the steps one by one give: a copy with the declarations is expanded and then merged.
-void MergeStepByStep(CCodeGen& shader, const CCodeGen& box, const CMex& expander,
-                     const std::vector<std::string>& declarations) {
-    TestSite site;
-    CCodeGen copy = box;
-    copy.Mex() = expander;
-    for (const std::string& line : declarations) copy.AddLine("main-header", "append", line);
-    copy.ExpandAll("all", site.report);
-    shader.Merge(copy);
-}
-
-TEST(MergeExpanded, DeclarationsFollowTheBoxsHeader) {
-    CCodeGen box;
-    box.AddLine("main-header", "append", "in header");
-    box.AddLine("main-header", "insert", "in first");
-    box.AddLine("main-body", "append", "in body");
-    box.AddLine("main-close", "append", "in close");
-    CCodeGen shader;
-    shader.AddLine("main-header", "append", "in shader");
-    shader.BoxExpander(box).SetVariable("in", "v");
-    shader.MergeExpanded(box, {"float in;", "color out;"});
-    EXPECT_THAT(Everything(shader),
-                ElementsAre("5/1/v first", "5/0/in shader", "5/0/v header", "5/0/float v;", "5/0/color out;",
-                            "6/0/v body", "7/0/in close"));
-}
-
-TEST(MergeExpanded, OnlyTheVariablesOfTheExpanderCount) {
-    CCodeGen box;
-    box.SetVariable("a", "the definition's");
-    box.AddLine("main-body", "append", "a b");
-    CCodeGen shader;
-    shader.SetVariable("a", "the shader's");
-    shader.BoxExpander(box).SetVariable("b", "added");
-    shader.MergeExpanded(box, {});
-    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("a added"));
-}
-
-TEST(MergeExpanded, NoVariableOfABoxReachesTheNextBoxOrTheShader) {
-    CCodeGen box;
-    box.AddLine("main-body", "append", "x");
-    CCodeGen shader;
-    shader.BoxExpander(box).SetVariable("x", "first");
-    shader.MergeExpanded(box, {});
-    shader.BoxExpander(box);
-    shader.MergeExpanded(box, {});
-    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("first", "x"));
-    for (CCodeGen* codegen : {&shader, &box}) {
-        std::string result;
-        codegen->ExpandString("x", result);
-        EXPECT_EQ(result, "x");
-    }
-}
-
-TEST(MergeExpanded, ACopyOfTheShaderMergesBoxesOfItsOwn) {
-    CCodeGen box;
-    box.AddLine("main-body", "append", "x");
-    CCodeGen shader;
-    shader.BoxExpander(box).SetVariable("x", "first");
-    shader.MergeExpanded(box, {});
-    CCodeGen copy = shader;
-    copy.BoxExpander(box).SetVariable("x", "second");
-    copy.MergeExpanded(box, {});
-    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("first"));
-    EXPECT_THAT(TextsOf(copy, kBody), ElementsAre("first", "second"));
-}
-
-TEST(MergeExpanded, LeavesTheBoxAsItWas) {
-    CCodeGen box;
-    box.AddLine("main-body", "append", "x");
-    CCodeGen shader;
-    CMex& expander = shader.BoxExpander(box);
-    expander.SetVariable("x", "v");
-    expander.m_state = CMex::kAfterStrayClose;
-    shader.MergeExpanded(box, {});
-    EXPECT_THAT(TextsOf(box, kBody), ElementsAre("x"));
-    EXPECT_THAT(TextsOf(shader, kBody), ElementsAre("v"));
-}
-
-class MergeExpandedEquals : public testing::TestWithParam<bool> {};
-
-TEST_P(MergeExpandedEquals, ExpandingACopyAndMergingIt) {
-    std::mt19937 random(5);
-    const std::vector<std::string> texts = {
-        "x",       "${y} = x;", "/* x", "x */ y", "",   "\"x", "y\" x", "x \\", "xy",       "${xy}", "// x y",
-        "#incl x", "${none}",   "{",    "  x  ",  "*/", "u",   "u",     "v",    "${x}${y}", "y x"};
-    const auto text = [&] { return texts[random() % texts.size()]; };
-    const auto fill = [&](CCodeGen& codegen, size_t lines) {
-        for (size_t i = 0; i < lines; ++i) {
-            const auto block = static_cast<CCodeGen::BlockId>(random() % CCodeGen::kBlockCount);
-            codegen.AddLine(block, static_cast<LineKind>(random() % 3), text());
-        }
-    };
-    for (int round = 0; round < 300; ++round) {
-        CCodeGen first;
-        fill(first, random() % 20);
-        CCodeGen second = first;
-        for (size_t box = random() % 4 + 1; box > 0; --box) {
-            CCodeGen codegen;
-            fill(codegen, random() % 60);
-            if (GetParam()) {
-                codegen.Mex().Tokens() = {{"/*"}, {"*/"}, {"//"}, {'\\'}, {'"'}, random() % 2 == 0};
-            }
-            CMex& expander = first.BoxExpander(codegen);
-            expander.SetVariable("x", std::to_string(box));
-            expander.SetVariable("x", "later");
-            expander.SetVariable("y", text());
-            std::vector<std::string> declarations;
-            for (size_t i = random() % 4; i > 0; --i) declarations.push_back(text());
-            MergeStepByStep(second, codegen, expander, declarations);
-            first.MergeExpanded(codegen, declarations);
-        }
-        ASSERT_EQ(Everything(first), Everything(second)) << "round " << round;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(WithTheScanner, MergeExpandedEquals, testing::Values(false, true),
-                         [](const auto& parameter) { return parameter.param ? "Armed" : "Bare"; });
 
 }  // namespace
 }  // namespace tavrin

@@ -54,6 +54,16 @@ void CMex::Expand(std::string_view text, std::string& result) {
     Append(text, result);
 }
 
+std::string CMex::Expanded(std::string_view text) const {
+    std::string result;
+    if (IsPlain()) {
+        ExpandBare(text, result);
+    } else {
+        CMex(*this).Append(text, result);
+    }
+    return result;
+}
+
 void CMex::ExpandLines(std::vector<std::string>& lines) {
     BeginLines();
     for (const std::string& line : m_lines) ExpandLine(line, lines);
@@ -73,7 +83,7 @@ void CMex::ExpandLine(std::string_view line, std::vector<std::string>& lines) {
 
 void CMex::Append(std::string_view text, std::string& result) {
     if (text.empty()) return;
-    if (m_state == kPlain && m_syntax.IsBare()) return ExpandBare(text, result);
+    if (IsPlain()) return ExpandBare(text, result);
     for (size_t i = 0; i < text.size(); ++i) Step(text, i, result);
     EndText();
 }

@@ -47,6 +47,8 @@ class CMex {
 
     // `result` receives the expansion of `text`.
     void Expand(std::string_view text, std::string& result);
+    // The same expansion, after which the scanner is where it was.
+    std::string Expanded(std::string_view text) const;
 
     // Sets the state and the line counter to 0, then appends the expansion of each line of the line
     // buffer to `lines` as an element of its own.
@@ -71,12 +73,15 @@ class CMex {
     void ClearLines() { m_lines.clear(); }
 
     Syntax& Tokens() { return m_syntax; }
+    const Syntax& Tokens() const { return m_syntax; }
     int m_state = kPlain;
     // The line in which the present state was entered, by the counter of ExpandLines.
     int StateStart() const { return m_stateStart; }
 
   private:
     void Append(std::string_view text, std::string& result);
+    // Nothing but variables is looked for.
+    bool IsPlain() const { return m_state == kPlain && m_syntax.IsBare(); }
     void ExpandBare(std::string_view text, std::string& result) const;
     void Step(std::string_view text, size_t& i, std::string& result);
     void StepPlain(std::string_view text, size_t& i, std::string& result);

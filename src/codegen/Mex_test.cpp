@@ -223,5 +223,26 @@ TEST(Mex, TheFasterWayGivesWhatTheStepsGive) {
     }
 }
 
+// Aside
+
+TEST(Mex, AnExpansionAsideIsTheSameAndMovesNoState) {
+    CMex mex;
+    mex.SetVariable("x", "v");
+    EXPECT_EQ(mex.Expanded("x ${x}1 xy"), "v v1 xy");
+    mex.Tokens().openComments = {"/*"};
+    mex.Tokens().closeComments = {"*/"};
+    mex.Tokens().keepComments = true;
+    for (const CMex::State state : {CMex::kPlain, CMex::kInComment}) {
+        for (const char* text : {"x /* x", "x */ x", ""}) {
+            mex.m_state = state;
+            const std::string aside = mex.Expanded(text);
+            EXPECT_EQ(mex.m_state, state);
+            std::string expanded;
+            mex.Expand(text, expanded);
+            EXPECT_EQ(aside, expanded) << text;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace tavrin

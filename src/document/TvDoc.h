@@ -12,6 +12,7 @@
 #include "document/DocumentFile.h"
 #include "document/Edits.h"
 #include "document/ExportOptions.h"
+#include "library/CodeNames.h"
 #include "library/OpBox.h"
 
 namespace tavrin {
@@ -141,6 +142,8 @@ class CTvDoc {
     std::map<std::string, std::string> m_renderOptions;
     CExportOptions exportOptions;
     std::string customshaderhelp;  // lines joined by CR LF
+    // Left by the last generation, for who shows names; no part of what is stored.
+    PreparedVariables preparedVariables;
 
   private:
     std::vector<COpBox*> BoxesByTitle() const;

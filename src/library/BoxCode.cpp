@@ -1,6 +1,8 @@
 // What boxes and buttons are called in generated code, and how a box turns its templates into lines.
 #include <algorithm>
 
+#include "codegen/BoxMerge.h"
+#include "library/CodeNames.h"
 #include "library/OpBox.h"
 #include "library/OpButton.h"
 #include "library/TiebackEnds.h"
@@ -48,35 +50,33 @@ std::string_view StateText(const COpButton& button) {
 }
 
 // What an output that is tied back stands for; nothing, alerted, if its way ends nowhere.
-std::string TiedName(COpButton& output, Report& report, TiebackEnds& ends) {
+std::string TiedName(const COpButton& output, const NameSource& names, TiebackEnds& ends) {
     using Kind = TiebackEnds::Kind;
     const TiebackEnds::End end = ends.Of(output);
-    if (end.kind == Kind::kInput) return end.button->MacroValue(report);
-    if (end.kind == Kind::kOutput) return end.button->VariableName(report);
+    if (end.kind == Kind::kInput) return end.button->MacroValue(names);
+    if (end.kind == Kind::kOutput) return end.button->VariableName(names);
+    if (names.report == nullptr) return {};
     if (end.kind == Kind::kMissing) {
-        report.Alert("%s %s: can't find tieback button %s (did you delete it?)",
-                     end.button->owner->BoxTitleWid().c_str(), end.button->DisplayName().c_str(),
-                     end.button->tieback.c_str());
+        names.report->Alert("%s %s: can't find tieback button %s (did you delete it?)",
+                            end.button->owner->BoxTitleWid().c_str(), end.button->DisplayName().c_str(),
+                            end.button->tieback.c_str());
     } else {
-        report.Alert("%s %s: the tieback to %s leads back to itself; cut one of the connections between",
-                     output.owner->BoxTitleWid().c_str(), output.DisplayName().c_str(),
-                     output.tieback.c_str());
+        names.report->Alert(
+            "%s %s: the tieback to %s leads back to itself; cut one of the connections between",
+            output.owner->BoxTitleWid().c_str(), output.DisplayName().c_str(), output.tieback.c_str());
     }
     return {};
 }
 
 }  // namespace
 
-std::string COpButton::VariableName(Report& report, TiebackEnds* ends) {
+std::string COpButton::VariableName(const NameSource& names) const {
     if (!tieback.empty()) {
         TiebackEnds own;
-        return TiedName(*this, report, ends == nullptr ? own : *ends);
+        return TiedName(*this, names, names.ends == nullptr ? own : *names.ends);
     }
+    if (!fixedvalue.empty()) return names.variables.Of(*owner).Expanded(fixedvalue);
     std::string text;
-    if (!fixedvalue.empty()) {
-        owner->codegen.ExpandString(fixedvalue, text);
-        return text;
-    }
     return text.append(owner->filename)
         .append("_")
         .append(std::to_string(owner->wid))
@@ -84,25 +84,20 @@ std::string COpButton::VariableName(Report& report, TiebackEnds* ends) {
         .append(DisplayName());
 }
 
-std::string COpButton::ArgumentName(Report& report) {
+std::string COpButton::ArgumentName(const NameSource& names) const {
     if (arg == 0) return {};
-    return argname.empty() ? VariableName(report) : argname;
+    return argname.empty() ? VariableName(names) : argname;
 }
 
-std::string COpButton::MacroValue(Report& report, TiebackEnds* ends) {
-    if (!connections.Empty()) return connections.First()->VariableName(report, ends);
+std::string COpButton::MacroValue(const NameSource& names) const {
+    if (!connections.Empty()) return connections.First()->VariableName(names);
     if (!fixedtext.empty()) return fixedtext;
-    return arg != 0 ? ArgumentName(report) : ValueText();
+    return arg != 0 ? ArgumentName(names) : ValueText();
 }
 
-std::string COpButton::Declaration(const TypeTables& types, Report& report) {
+std::string COpButton::Declaration(const TypeTables& types, const NameSource& names) const {
     const TypeTables::Declaration& declaration = types.GetDeclaration(CurrentType());
-    return declaration.head + VariableName(report) + declaration.tail;
-}
-
-void COpBox::PrepareVariables(const TypeTables& types) {
-    codegen.ClearVariables();
-    SetVariables(codegen.Mex(), types);
+    return declaration.head + VariableName(names) + declaration.tail;
 }
 
 bool COpBox::HasFixedValue() const {
@@ -110,8 +105,8 @@ bool COpBox::HasFixedValue() const {
                        [](const auto& output) { return !output->fixedvalue.empty(); });
 }
 
-void COpBox::SetVariables(CMex& mex, const TypeTables& types) const {
-    VariableWriter writer(mex, types);
+void COpBox::PrepareVariables(CMex& expander, const TypeTables& types) const {
+    VariableWriter writer(expander, types);
     std::string_view last;
     for (const auto& button : inputs) {
         const bool isVinput = button->kind == ButtonKind::kVinput;
@@ -126,20 +121,20 @@ void COpBox::SetVariables(CMex& mex, const TypeTables& types) const {
         writer.Set(kIsConnect, *button, StateText(*button));
         writer.SetCast(*button);
     }
-    mex.SetVariable("TAVRN_BoxWid", std::to_string(wid));
-    mex.SetVariable("TAVRN_BoxTitle", filename);
-    mex.SetVariable("TAVRN_BoxTitleWid", BoxTitleWid());
+    expander.SetVariable("TAVRN_BoxWid", std::to_string(wid));
+    expander.SetVariable("TAVRN_BoxTitle", filename);
+    expander.SetVariable("TAVRN_BoxTitleWid", BoxTitleWid());
     for (const auto& button : outputs) {
         writer.SetDeclaration(*button);
         writer.SetCast(*button);
     }
 }
 
-void COpBox::GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report, TiebackEnds* ends) {
-    CMex& local = shader.BoxExpander(codegen);
-    SetVariables(local, types);
+void COpBox::GenerateCode(BoxMerge& merge, const TypeTables& types, const NameSource& names) const {
+    CMex& local = merge.Start(codegen);
+    PrepareVariables(local, types);
     for (const auto& button : inputs) {
-        local.AppendVariable(button->name, button->MacroValue(report, ends), button->vargseparator);
+        local.AppendVariable(button->name, button->MacroValue(names), button->vargseparator);
     }
     std::vector<std::string> declarations;
     std::string expanded;
@@ -148,17 +143,18 @@ void COpBox::GenerateCode(CCodeGen& shader, const TypeTables& types, Report& rep
             local.Expand(button->fixedvalue, expanded);
             local.SetVariable(button->name, expanded);
         } else if (button->tieback.empty()) {
-            declarations.push_back(button->Declaration(types, report));
-            local.SetVariable(button->name, button->VariableName(report));
+            declarations.push_back(button->Declaration(types, names));
+            local.SetVariable(button->name, button->VariableName(names));
         }
     }
     // A labelled gap before each box's statements.
+    CCodeGen& shader = merge.Shader();
     shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, {});
     std::string comment;
     if (shader.MakeComment(BoxTitleWid(), comment)) {
         shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, std::move(comment));
     }
-    shader.MergeExpanded(codegen, declarations);
+    merge.Merge(declarations);
 }
 
 }  // namespace tavrin

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "codegen/BoxMerge.h"
+#include "library/CodeNames.h"
 #include "library/OpBox.h"
 #include "site/TypeTables.h"
 #include "support/TestSite.h"
@@ -36,9 +38,13 @@ class BoxCode : public testing::Test {
     BoxCode() { report.SetSink(&sink); }
 
     // Both passes over the boxes, in their order.
-    void Generate(std::initializer_list<COpBox*> boxes) {
-        for (COpBox* box : boxes) box->PrepareVariables(types);
-        for (COpBox* box : boxes) box->GenerateCode(shader, types, report);
+    void Generate(std::initializer_list<const COpBox*> boxes) {
+        for (const COpBox* box : boxes) prepared.Prepare(*box, types);
+        Merge(boxes);
+    }
+    void Merge(std::initializer_list<const COpBox*> boxes) {
+        BoxMerge merge(shader);
+        for (const COpBox* box : boxes) box->GenerateCode(merge, types, {prepared, &report});
     }
     std::vector<std::string> Lines(CCodeGen::BlockId block) const {
         std::vector<std::string> lines;
@@ -51,6 +57,7 @@ class BoxCode : public testing::Test {
     CollectingSink sink;
     Report report;
     TypeTables types;
+    PreparedVariables prepared;
     CCodeGen shader;
 };
 
@@ -253,7 +260,7 @@ TEST_F(BoxCode, GeneratingTwiceGivesTheSameText) {
     Generate({&box});
     const auto once = BodyLines();
     shader.Reset();
-    box.GenerateCode(shader, types, report);
+    Merge({&box});
     EXPECT_EQ(BodyLines(), once) << "without preparing again";
     shader.Reset();
     Generate({&box});

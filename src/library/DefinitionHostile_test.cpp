@@ -5,6 +5,8 @@
 
 #include <random>
 
+#include "codegen/BoxMerge.h"
+#include "library/CodeNames.h"
 #include "library/OpBox.h"
 #include "site/TypeTables.h"
 #include "support/TestSite.h"
@@ -97,8 +99,10 @@ std::vector<std::string> CodeOf(COpBox& box, Report& report) {
     box.wid = 1;
     TypeTables types;
     CCodeGen shader;
-    box.PrepareVariables(types);
-    box.GenerateCode(shader, types, report);
+    PreparedVariables prepared;
+    prepared.Prepare(box, types);
+    BoxMerge merge(shader);
+    box.GenerateCode(merge, types, {prepared, &report});
     std::vector<std::string> lines;
     shader.WriteCode(lines);
     shader.WriteHints(lines);

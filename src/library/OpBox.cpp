@@ -1,6 +1,7 @@
 #include "library/OpBox.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrin {
 
@@ -41,13 +42,17 @@ std::string COpBox::BoxTitleWid() const {
     return text.append(filename).append("_").append(number);
 }
 
-COpButton* COpBox::FindButton(std::string_view displayName) {
+const COpButton* COpBox::FindButton(std::string_view displayName) const {
     for (const auto* side : {&inputs, &outputs}) {
         for (const auto& button : *side) {
             if (button->DisplayName() == displayName) return button.get();
         }
     }
     return nullptr;
+}
+
+COpButton* COpBox::FindButton(std::string_view displayName) {
+    return const_cast<COpButton*>(std::as_const(*this).FindButton(displayName));
 }
 
 COpButton* COpBox::CopyButton(COpButton& button, bool above) {

@@ -14,12 +14,13 @@
 
 namespace tavrin {
 
+class BoxMerge;
 class COpRegistry;
 class CArchive;
 class DefinitionTexts;
 class Report;
-class TiebackEnds;
 class TypeTables;
+struct NameSource;
 struct Site;
 
 // Where the desk has laid a box out, in desk units: x to the right, y upward. Made anew from the box's
@@ -74,6 +75,7 @@ class COpBox : public LiveObject<COpBox> {
 
     // By display name, inputs first; nothing if there is none.
     COpButton* FindButton(std::string_view displayName);
+    const COpButton* FindButton(std::string_view displayName) const;
     // Clones an input right before or right after itself and renumbers; the clone.
     COpButton* CopyButton(COpButton& button, bool above);
     // Destroys an input and renumbers.
@@ -85,17 +87,15 @@ class COpBox : public LiveObject<COpBox> {
     int CountInputsNamed(std::string_view name) const;
     void ClearButtons();
 
-    // First pass of generation, to be finished on all boxes before the second: rebuilds the macro variables
-    // in `codegen`. They are what a fixed value is expanded with for the boxes downstream, until the next
-    // generation; nothing else reads them, so boxes without a fixed value can be left out.
-    void PrepareVariables(const TypeTables& types);
-    bool HasFixedValue() const;
-    // Second pass: expands the box's templates and merges them into the working copy. `ends` are those of
-    // this generation.
-    void GenerateCode(CCodeGen& shader, const TypeTables& types, Report& report, TiebackEnds* ends = nullptr);
+    // Code generation, by which nothing of the box changes.
 
-  private:
-    void SetVariables(CMex& mex, const TypeTables& types) const;
+    // Sets the macro variables that every template can use on an expander, in their order.
+    void PrepareVariables(CMex& expander, const TypeTables& types) const;
+    // Has an output whose name the box's variables are needed for.
+    bool HasFixedValue() const;
+    // Expands the box's templates and merges them into the working copy. The variables of all boxes with a
+    // fixed value have been prepared in `names`.
+    void GenerateCode(BoxMerge& merge, const TypeTables& types, const NameSource& names) const;
 };
 
 }  // namespace tavrin

@@ -14,8 +14,8 @@ namespace tavrin {
 
 class COpBox;
 class Report;
-class TiebackEnds;
 class TypeTables;
+struct NameSource;
 
 enum class ButtonKind : int {
     kInput = 1,
@@ -76,19 +76,18 @@ class COpButton : public LiveObject<COpButton> {
     // The type as the target language words it.
     std::string DisplayCastName(size_t index, const TypeTables& types) const;
 
-    // What the button is called in generated code. Who asks for many, while nothing of the network changes,
-    // has the ends of tiebacks remembered in `ends`.
+    // What the button is called in generated code.
 
     // The name of the button's variable; for an output with a fixed value that value, expanded with the
     // variables of its box; for one tied back to an input whatever feeds that input.
-    std::string VariableName(Report& report, TiebackEnds* ends = nullptr);
+    std::string VariableName(const NameSource& names) const;
     // Empty unless the button is an argument.
-    std::string ArgumentName(Report& report);
+    std::string ArgumentName(const NameSource& names) const;
     // What the templates of an input's box get for its name: the variable of what is connected, else the
     // fixed text, else the argument's name, else the literal.
-    std::string MacroValue(Report& report, TiebackEnds* ends = nullptr);
+    std::string MacroValue(const NameSource& names) const;
     // The declaration of the button's variable.
-    std::string Declaration(const TypeTables& types, Report& report);
+    std::string Declaration(const TypeTables& types, const NameSource& names) const;
 
     // Connections. There is no record for one: each end holds the other.
 

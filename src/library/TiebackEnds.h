@@ -19,11 +19,11 @@ class TiebackEnds {
     };
     struct End {
         Kind kind = Kind::kCircle;
-        COpButton* button = nullptr;
+        const COpButton* button = nullptr;
     };
 
     // An output that is not tied back is its own end.
-    End Of(COpButton& output);
+    End Of(const COpButton& output);
 
   private:
     std::unordered_map<const COpButton*, End> m_ends;

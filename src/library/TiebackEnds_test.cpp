@@ -6,6 +6,8 @@
 
 #include <random>
 
+#include "codegen/BoxMerge.h"
+#include "library/CodeNames.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -44,11 +46,12 @@ class TiebackEndsTest : public testing::Test {
     // What every output and input says, and what is alerted; asked in the order of the boxes or against it.
     std::vector<std::string> Asked(TiebackEnds* ends, bool backwards) {
         sink.alerts.clear();
+        const NameSource names{prepared, &report, ends};
         std::vector<std::string> texts;
         for (size_t i = 0; i < boxes.size(); ++i) {
             COpBox& box = *boxes[backwards ? boxes.size() - 1 - i : i];
-            for (const auto& output : box.outputs) texts.push_back(output->VariableName(report, ends));
-            for (const auto& input : box.inputs) texts.push_back(input->MacroValue(report, ends));
+            for (const auto& output : box.outputs) texts.push_back(output->VariableName(names));
+            for (const auto& input : box.inputs) texts.push_back(input->MacroValue(names));
         }
         texts.insert(texts.end(), sink.alerts.begin(), sink.alerts.end());
         return texts;
@@ -57,6 +60,7 @@ class TiebackEndsTest : public testing::Test {
     test::CollectingSink sink;
     Report report;
     TypeTables types;
+    PreparedVariables prepared;
     std::vector<std::unique_ptr<COpBox>> boxes;
 };
 
@@ -84,7 +88,8 @@ TEST_F(TiebackEndsTest, ACodeOfAnyNetworkIsTheSameWithAndWithoutMemory) {
         Scatter(seed);
         const auto generate = [&](TiebackEnds* ends) {
             CCodeGen shader;
-            for (const auto& box : boxes) box->GenerateCode(shader, types, report, ends);
+            BoxMerge merge(shader);
+            for (const auto& box : boxes) box->GenerateCode(merge, types, {prepared, &report, ends});
             std::vector<std::string> lines;
             shader.WriteCode(lines);
             return lines;
@@ -100,7 +105,7 @@ TEST_F(TiebackEndsTest, EachOutputOnTheWayToACircleIsNamedInAnAlertOfItsOwn) {
     Wire(*boxes[1], 0, *boxes[0], 0);
     Wire(*boxes[1], 0, *boxes[2], 0);
     TiebackEnds ends;
-    for (const auto& box : boxes) EXPECT_EQ(box->outputs[0]->VariableName(report, &ends), "");
+    for (const auto& box : boxes) EXPECT_EQ(box->outputs[0]->VariableName({prepared, &report, &ends}), "");
     EXPECT_THAT(sink.alerts,
                 ElementsAre(HasSubstr("R_1 first: the tieback to a leads back"),
                             HasSubstr("R_2 first: the tieback"), HasSubstr("R_3 first: the tieback")));

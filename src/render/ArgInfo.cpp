@@ -26,9 +26,9 @@ void MinMax(std::string& text, const Value& value) {
     }
 }
 
-void WriteArgument(std::string& text, COpButton& button, Report& report) {
+void WriteArgument(std::string& text, const COpButton& button, const NameSource& names) {
     const COpValue& value = *button.values[button.currentcast];
-    text.append("ArgName ").append(button.ArgumentName(report)).append("\n{\n");
+    text.append("ArgName ").append(button.ArgumentName(names)).append("\n{\n");
     Field(text, "Stow", std::to_string(button.stow));
     Field(text, "Lock", std::to_string(button.lock));
     Field(text, "Pin", std::to_string(button.pin));
@@ -47,8 +47,9 @@ std::string WriteArgInfo(const CTvDoc& document, Report& report) {
     for (const std::string& line : HelpLines(document.customshaderhelp))
         text.append(">").append(line).append("\n");
     text += "}\n\n";
-    for (COpButton* button : document.CollectUnconnectedInputs()) {
-        if (button->arg != 0 && !button->values.empty()) WriteArgument(text, *button, report);
+    const NameSource names{document.preparedVariables, &report};
+    for (const COpButton* button : document.CollectUnconnectedInputs()) {
+        if (button->arg != 0 && !button->values.empty()) WriteArgument(text, *button, names);
     }
     text += "EndArginfo\n";
     return text;

@@ -129,6 +129,39 @@ TEST_F(GeneratedCodeTest, TheVariableOfAFixedValueIsReadFromABoxThatComesLater) 
     EXPECT_THAT(Code(), testing::Contains("    Ci = color(box 5);"));
 }
 
+TEST_F(GeneratedCodeTest, GenerationChangesNothingOfTheDocument) {
+    AddExample();
+    COpBox& fixed = Add(test::MakeBox(
+        "Fixed", "output \"fixedvalue=f(TAVRN_BoxWid)\" out { float out }\ncodegen.setvariable own 1\n", 3));
+    COpBox& user = Add(test::MakeBox("Aim", kPaint, 4));
+    test::Wire(fixed, 0, user, 0);
+    const std::string before = document.Snapshot();
+    const CTvDoc& constant = document;
+    const ShaderText text = GenerateShader(constant, "demo", host.GetSite(), siteCodeGen);
+    EXPECT_THAT(text.code, testing::Contains("    Ci = color(f(3));"));
+    EXPECT_EQ(document.Snapshot(), before);
+    EXPECT_FALSE(document.IsModified());
+    for (const auto& box : document.m_boxes) {
+        const size_t own = box.get() == &fixed ? 1 : 0;
+        EXPECT_EQ(box->codegen.Mex().Variables().Size(), own) << box->BoxTitleWid() << " has its definition's";
+    }
+    EXPECT_EQ(fixed.outputs[0]->VariableName({document.preparedVariables}), "f(TAVRN_BoxWid)")
+        << "nor does the document keep what was prepared";
+    EXPECT_EQ(session.Generate().code, text.code);
+}
+
+TEST_F(GeneratedCodeTest, NamesAreShownAsTheLastGenerationLeftThem) {
+    COpBox& fixed = Add(test::MakeBox("Fixed", "output \"fixedvalue=f(TAVRN_BoxWid)\" out { float out }", 3));
+    const auto shown = [&] { return fixed.outputs[0]->VariableName({document.preparedVariables}); };
+    EXPECT_EQ(shown(), "f(TAVRN_BoxWid)") << "nothing has been generated";
+    Code();
+    EXPECT_EQ(shown(), "f(3)");
+    fixed.wid = 8;
+    EXPECT_EQ(shown(), "f(3)");
+    Code();
+    EXPECT_EQ(shown(), "f(8)");
+}
+
 TEST_F(GeneratedCodeTest, TheHelpStandsAtTheHeadBetweenStars) {
     siteCodeGen.m_openComment = "/*";
     siteCodeGen.m_closeComment = "*/";
@@ -158,7 +191,7 @@ TEST_F(GeneratedCodeTest, AnEmptyHelpAddsNoComment) {
 TEST_F(GeneratedCodeTest, HintsAreATextOfTheirOwn) {
     siteCodeGen.AddLine("hinttext", "append", "shader _SHADERNAME_");
     Add(test::MakeBox("Box", "codegen.hinttext append\nuses TAVRN_BoxTitleWid\n<<EOT>>\n", 4));
-    const RenderSession::Generated generated = session.Generate();
+    const ShaderText generated = session.Generate();
     EXPECT_THAT(generated.hints, ElementsAre("shader demo", "uses Box_4"));
     EXPECT_THAT(generated.code, testing::Not(testing::Contains(testing::HasSubstr("uses"))));
 }

@@ -25,7 +25,7 @@ std::string NameOf(const COpButton& button) {
 // Collects the findings of one network.
 class NetworkCheck {
   public:
-    NetworkCheck(const CTvDoc& document, Report& report) : m_document(document), m_report(report) {
+    NetworkCheck(const CTvDoc& document, Report& report) : m_document(document), m_names{document.preparedVariables, &report} {
         for (const auto& box : document.m_boxes) m_boxes.push_back(box.get());
         std::stable_sort(m_boxes.begin(), m_boxes.end(),
                          [](const COpBox* left, const COpBox* right) { return left->wid < right->wid; });
@@ -81,12 +81,12 @@ class NetworkCheck {
             return;
         }
         if (input.arg != 0 && input.fixedtext.empty()) return CheckArgument(input);
-        if (input.MacroValue(m_report).empty())
+        if (input.MacroValue(m_names).empty())
             Add(Severity::kError, input, "nothing is wired to it, and it has no value");
     }
 
     void CheckArgument(COpButton& input) {
-        const std::string name = input.ArgumentName(m_report);
+        const std::string name = input.ArgumentName(m_names);
         const auto [first, isNew] = m_arguments.emplace(name, &input);
         if (isNew) return;
         const bool sameType = first->second->CurrentType() == input.CurrentType();
@@ -111,7 +111,7 @@ class NetworkCheck {
     }
 
     const CTvDoc& m_document;
-    Report& m_report;
+    NameSource m_names;
     std::vector<COpBox*> m_boxes;
     std::unordered_set<const COpBox*> m_generated;
     std::map<std::string, const COpButton*> m_arguments;

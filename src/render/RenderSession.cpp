@@ -2,23 +2,18 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_set>
 
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "codegen/CodeGen.h"
-#include "library/TiebackEnds.h"
 #include "render/ArgInfo.h"
 #include "render/FilterScript.h"
-#include "render/HelpLines.h"
 #include "site/Site.h"
 #include "text/Tokens.h"
 
 namespace tavrin {
 
 namespace {
-
-constexpr const char* kStars = "************************************************************************";
 
 std::string JoinLines(const std::vector<std::string>& lines) {
     size_t size = 0;
@@ -37,36 +32,6 @@ bool IsWorkFile(const std::string& name) {
            name.starts_with("boxdef.") || name.find_first_not_of("0123456789") == std::string::npos;
 }
 
-// The document's help as a comment at the head of the shader, in a language that has comments of more
-// than a line.
-void AddHelpBanner(CCodeGen& shader, const std::string& help) {
-    const std::vector<std::string> lines = HelpLines(help);
-    if (shader.m_openComment.empty() || shader.m_closeComment.empty() || lines.empty()) return;
-    const auto add = [&shader](std::string line) {
-        shader.AddLine(CCodeGen::kGlobalOpen, LineKind::kAppend, std::move(line));
-    };
-    add(shader.m_openComment);
-    add(kStars);
-    for (const std::string& line : lines) add(line);
-    add(kStars);
-    add(shader.m_closeComment);
-}
-
-// A file can bring a circle of wires, whose boxes never come into the order.
-void WarnOfCircles(const CTvDoc& document, const std::vector<COpBox*>& ordered, Report& report) {
-    if (ordered.size() == document.m_boxes.size()) return;
-    const std::unordered_set<const COpBox*> generated(ordered.begin(), ordered.end());
-    const COpBox* first = nullptr;
-    for (const auto& box : document.m_boxes) {
-        if (!generated.contains(box.get()) && (first == nullptr || box->wid < first->wid)) first = box.get();
-    }
-    const size_t others = document.m_boxes.size() - ordered.size() - 1;
-    const std::string more = others == 0 ? "" : " and " + std::to_string(others) + " more";
-    report.LogLine("WARNING: %s%s %s part of a circle of wires, so no code is generated for %s",
-                   first->BoxTitleWid().c_str(), more.c_str(), others == 0 ? "is" : "are",
-                   others == 0 ? "it" : "them");
-}
-
 }  // namespace
 
 bool HasWhitespace(std::string_view text) { return text.find_first_of(" \t\n") != std::string_view::npos; }
@@ -82,22 +47,10 @@ std::string RenderSession::ShaderName() const {
     return m_document.Path().empty() ? "Untitled" : PathBase(m_document.Path());
 }
 
-RenderSession::Generated RenderSession::Generate() {
-    CCodeGen shader = m_siteCodeGen;
-    shader.SetVariable("_SHADERNAME_", ShaderName());
-    AddHelpBanner(shader, m_document.customshaderhelp);
-    const std::vector<COpBox*> boxes = m_document.OrderBoxes();
-    WarnOfCircles(m_document, boxes, m_site.report);
-    // Two passes: the name of a fixed value reads another box's variables.
-    for (COpBox* box : boxes) {
-        if (box->HasFixedValue()) box->PrepareVariables(m_site.types);
-    }
-    TiebackEnds ends;
-    for (COpBox* box : boxes) box->GenerateCode(shader, m_site.types, m_site.report, &ends);
-    Generated generated;
-    shader.WriteCode(generated.code);
-    shader.WriteHints(generated.hints);
-    return generated;
+ShaderText RenderSession::Generate() {
+    ShaderText text = GenerateShader(m_document, ShaderName(), m_site, m_siteCodeGen);
+    m_document.preparedVariables.Update(std::move(text.variables));
+    return text;
 }
 
 // Alerts a name that cannot be used for a file of the work directory.
@@ -121,18 +74,18 @@ bool RenderSession::SaveShader() {
     return WriteCodeFiles(Generate()) && RunFilter();
 }
 
-bool RenderSession::WriteCodeFiles(const Generated& generated) {
-    const auto write = [this](const char* name, const std::string& text) {
+bool RenderSession::WriteCodeFiles(const ShaderText& text) {
+    const auto write = [this](const char* name, const std::string& content) {
         const std::string path = m_site.WorkPath(name);
         std::string error;
-        if (WriteWholeFile(path, text, error)) return true;
+        if (WriteWholeFile(path, content, error)) return true;
         m_site.report.Alert("%s: %s", path.c_str(), error.c_str());
         return false;
     };
-    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(generated.code)))
+    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(text.code)))
         return false;
     WriteRenderOptions();
-    return write("hintfile", JoinLines(generated.hints));
+    return write("hintfile", JoinLines(text.hints));
 }
 
 // A failure is alerted and does not stop the run.

@@ -7,6 +7,7 @@
 
 #include "document/TvDoc.h"
 #include "render/RenderHistory.h"
+#include "render/ShaderText.h"
 
 namespace tavrin {
 
@@ -27,12 +28,8 @@ class RenderSession {
     // its end. What a later step finds in the work directory is what this left there.
     bool SaveShader();
 
-    // The text of the shader, before the filter script, and of its hint file.
-    struct Generated {
-        std::vector<std::string> code;
-        std::vector<std::string> hints;
-    };
-    Generated Generate();
+    // The text of the shader. What names were made from stays with the document.
+    ShaderText Generate();
 
     // Saves the shader, keeps a copy of the document as a history entry and starts the library's render
     // script, whose output flows into the log. False if no render was started.
@@ -56,7 +53,7 @@ class RenderSession {
     bool ShaderNameOk();
     std::string HistoryDir(int number) const;
     std::string HistoryPath(const std::string& name, int number) const;
-    bool WriteCodeFiles(const Generated& generated);
+    bool WriteCodeFiles(const ShaderText& text);
     void WriteRenderOptions();
     bool RunFilter();
     bool KeepHistory(const std::string& name);

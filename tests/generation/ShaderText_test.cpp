@@ -4,7 +4,8 @@
 
 #include <algorithm>
 
-#include "codegen/CodeGen.h"
+#include "codegen/BoxMerge.h"
+#include "library/CodeNames.h"
 #include "library/OpBox.h"
 #include "site/TypeTables.h"
 #include "support/TestSite.h"
@@ -87,8 +88,10 @@ class ShaderText : public testing::Test {
     std::vector<std::string> Generate() {
         CCodeGen shader = site;
         shader.SetVariable("_SHADERNAME_", "demo");
-        for (const auto& box : boxes) box->PrepareVariables(types);
-        for (const auto& box : boxes) box->GenerateCode(shader, types, report);
+        PreparedVariables prepared;
+        for (const auto& box : boxes) prepared.Prepare(*box, types);
+        BoxMerge merge(shader);
+        for (const auto& box : boxes) box->GenerateCode(merge, types, {prepared, &report});
         std::vector<std::string> lines;
         shader.WriteCode(lines);
         hints.clear();

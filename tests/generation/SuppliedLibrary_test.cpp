@@ -5,6 +5,8 @@
 
 #include <set>
 
+#include "codegen/BoxMerge.h"
+#include "library/CodeNames.h"
 #include "library/OpBox.h"
 #include "library/OpRegistry.h"
 #include "support/TestSite.h"
@@ -34,10 +36,12 @@ class SuppliedLibrary : public testing::Test {
         return names;
     }
 
-    std::vector<std::string> Generate(COpBox& box) {
+    std::vector<std::string> Generate(const COpBox& box) {
         CCodeGen shader;
-        box.PrepareVariables(own.site.types);
-        box.GenerateCode(shader, own.site.types, own.report);
+        PreparedVariables prepared;
+        prepared.Prepare(box, own.site.types);
+        BoxMerge merge(shader);
+        box.GenerateCode(merge, own.site.types, {prepared, &own.report});
         std::vector<std::string> lines;
         shader.WriteCode(lines);
         shader.WriteHints(lines);

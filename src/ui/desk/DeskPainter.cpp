@@ -94,12 +94,14 @@ void DeskPainter::PaintLine(const ButtonPlace& from, const ButtonPlace& to, cons
     }
 }
 
-void DeskPainter::PaintVariableName(COpButton& output, DeskPoint start, const Rgb& color) {
+void DeskPainter::PaintVariableName(const COpButton& output, DeskPoint start, const Rgb& color) {
     const DeskPoint at{start.x + kVarNameOffset.x, start.y + kVarNameOffset.y};
     const DeskRect& visible = m_pen.Visible();
     const float height = m_pen.LabelHeight();
     if (at.x >= visible.Right() || at.y - height >= visible.Top() || at.y + height < visible.bottom) return;
-    const std::string name = output.VariableName(m_parts.report, &m_tiebackEnds);
+    // Nobody is told of an output without a name: a repaint may come at any time, and as often as it likes.
+    const std::string name =
+        output.VariableName({m_parts.document.preparedVariables, nullptr, &m_tiebackEnds});
     if (at.x + m_pen.LabelWidth(name) + height >= visible.left) m_pen.LabelAt(name, color, at);
 }
 

@@ -22,7 +22,6 @@ class DeskPainter {
         const DeskGestures& gestures;
         const DeskStyle& style;
         DeskIcons& icons;
-        Report& report;
     };
     DeskPainter(const Parts& parts, DeskPen& pen) : m_parts(parts), m_pen(pen) {}
 
@@ -43,7 +42,7 @@ class DeskPainter {
     template <typename Boxes>
     void PaintLines(const Boxes& boxes);
     void PaintLine(const ButtonPlace& from, const ButtonPlace& to, const LineLook& look);
-    void PaintVariableName(COpButton& output, DeskPoint start, const Rgb& color);
+    void PaintVariableName(const COpButton& output, DeskPoint start, const Rgb& color);
 
     void PaintBox(const COpBox& box, bool isHighlighted);
     void PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted);

@@ -78,7 +78,7 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
           {document, desk, m_view, *this, site.report, m_style.connectWidth, m_callbacks.showStatus}),
       m_menu({document, desk, m_gestures, *this, site.types, m_callbacks.editFile}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
-      m_parts{document, desk, m_gestures, m_style, m_icons, site.report},
+      m_parts{document, desk, m_gestures, m_style, m_icons},
       m_widget(
           new DeskWidget(this, m_gestures,
                          {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },

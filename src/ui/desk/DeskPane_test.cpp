@@ -401,6 +401,28 @@ TEST_F(DeskPane, AVariablesNameStandsAtItsLine) {
     EXPECT_GT(Count(place, kLine), 20);
 }
 
+TEST_F(DeskPane, AnOutputWhoseNameCannotBeFormedHasNoneAndNobodyIsTold) {
+    constexpr const char* kRelay = "input in { float { 0 0 1 0 %g } } output tieback=in out { float out }";
+    COpBox& cut = Put(test::MakeBox("cut", kRelay, 0), 100, 400);
+    COpBox& first = Put(test::MakeBox("first", kRelay, 0), 100, 200);
+    COpBox& second = Put(test::MakeBox("second", kRelay, 0), 400, 200);
+    COpBox& to = PutLink(400, 400);
+    test::Wire(cut, 0, to, 0);
+    cut.inputs.clear();
+    test::Wire(first, 0, second, 0);
+    test::Wire(second, 0, first, 0);
+    document.showvarnames = 1;
+    Show();
+    Look();
+    const DeskPoint start = ButtonAnchor({&cut, true, 0});
+    EXPECT_EQ(Count({start.x + 4, start.y + 5, 60, 8}, kLine), 0);
+    EXPECT_THAT(Alerts(), testing::IsEmpty());
+    EXPECT_FALSE(host.GetSite().report.HasPending());
+    EXPECT_EQ(cut.outputs[0]->VariableName({document.preparedVariables, &host.GetSite().report}), "");
+    EXPECT_EQ(Alerts().size(), 1U) << "who asks for the name aloud is told";
+    host.GetSite().report.TakePending();
+}
+
 TEST_F(DeskPane, ASmallZoomShowsBoxesWithoutText) {
     COpBox& box = PutLink(300, 200);
     box.icontext = "label";

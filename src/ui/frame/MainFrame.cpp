@@ -38,8 +38,8 @@ constexpr QSize kFirstSize(1280, 860);  // of a frame that was never placed
 constexpr QSize kWindowBorder(16, 48);  // room for what the window manager draws round it
 constexpr int kToolIcon = 20;           // pixels a side
 
-QStringList ArgumentRow(COpButton& button, Report& report) {
-    return {Shown(button.VariableName(report)), button.arg != 0 ? "yes" : "no", Shown(button.argname),
+QStringList ArgumentRow(const COpButton& button, const NameSource& names) {
+    return {Shown(button.VariableName(names)), button.arg != 0 ? "yes" : "no", Shown(button.argname),
             Shown(button.comments)};
 }
 
@@ -116,7 +116,6 @@ MainFrame::~MainFrame() {
 }
 
 void MainFrame::CreateWindows() {
-    Report& report = GetSite().report;
     m_windows.renderOptions = new TableWindow("Render Options [F2]", this, {"Option", "Value"}, [this] {
         TableWindow::Rows rows;
         for (const auto& [name, value] : m_work->document.m_renderOptions)
@@ -124,10 +123,10 @@ void MainFrame::CreateWindows() {
         return rows;
     });
     m_windows.argumentEditor = new TableWindow(
-        "Argument Editor [F5]", this, {"Input", "Argument", "Name", "Comment"}, [this, &report] {
+        "Argument Editor [F5]", this, {"Input", "Argument", "Name", "Comment"}, [this] {
             TableWindow::Rows rows;
-            for (COpButton* button : m_work->document.CollectUnconnectedInputs()) {
-                rows.push_back(ArgumentRow(*button, report));
+            for (const COpButton* button : m_work->document.CollectUnconnectedInputs()) {
+                rows.push_back(ArgumentRow(*button, {m_work->document.preparedVariables}));
             }
             return rows;
         });

@@ -1,0 +1,26 @@
+// The text of a whole shader, made from a network.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "library/CodeNames.h"
+
+namespace tavrin {
+
+class CCodeGen;
+class CTvDoc;
+struct Site;
+
+struct ShaderText {
+    std::vector<std::string> code;  // before the site's filter script
+    std::vector<std::string> hints;
+    PreparedVariables variables;  // what fixed values were expanded with
+};
+
+// Generates the code of all boxes of the document, in their order, into a copy of the site's templates. Names
+// that cannot be formed, and boxes that are left out, are reported; the rest is generated all the same.
+ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName, const Site& site,
+                          const CCodeGen& siteCodeGen);
+
+}  // namespace tavrin
