@@ -145,6 +145,12 @@ pid_t Spawn(const SpawnRequest& request, std::string& error) {
     return -1;
 }
 
+void AwaitExit(pid_t child) {
+    siginfo_t information{};
+    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+    }
+}
+
 int WaitForEnd(pid_t child) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0) {

@@ -40,6 +40,9 @@ struct SpawnRequest {
 // and `error` says why. The cost does not depend on our own size.
 pid_t Spawn(const SpawnRequest& request, std::string& error);
 
+// Returns when a child has ended, which leaves it to be reaped: its number stays its own until then.
+void AwaitExit(pid_t child);
+
 // Waits for the end of a child. Its exit code, or 128 plus the number of the signal that ended it; 127 if
 // it cannot be waited for.
 int WaitForEnd(pid_t child);

@@ -32,6 +32,8 @@ class Commands {
   public:
     // Output of a child is posted to the main thread in pieces of at most this many bytes.
     static constexpr size_t kPieceSize = 31;
+    // What a child that is asked to end by a signal has for it.
+    static constexpr std::chrono::milliseconds kTimeToHeed{500};
 
     Commands(Report& report, const Environment& environment, MainThreadQueue& queue);
     ~Commands();
@@ -94,8 +96,9 @@ class Commands {
     bool AnyProcessLeft() const;
 
     // For the end of the program: kill files, then up to `grace` for the children to go by themselves, then
-    // the end of their process groups. No child and no thread is left afterwards.
-    void EndChildren(std::chrono::milliseconds grace);
+    // a signal that asks them, then, after `timeToHeed`, the end of their process groups. No child and no
+    // thread is left afterwards.
+    void EndChildren(std::chrono::milliseconds grace, std::chrono::milliseconds timeToHeed = kTimeToHeed);
 
   private:
     struct Child;
@@ -105,12 +108,17 @@ class Commands {
     bool Run(const std::vector<std::string>& words, const std::string& shownAs, bool wait,
              ProcessInfo* processInfo);
     void StartChild(std::vector<std::string> words, std::string commandLine, const std::string& label);
+    void Post(std::function<void()> work);
     void Work(Child& child, const Start& start);
+    void RunUntilOutputCloses(Child& child, const Start& start);
     void ReadOutput(Child& child, int pipe);
+    void ForgetRunning(const Child& child);
+    int Reap(Child& child);
     void ReapUnwatched();
     void JoinFinished();
     bool WaitForWorkers(std::chrono::milliseconds time);
     void SignalChildren(int signal);
+    void StopReading();
     std::string KillFile(int id) const;
 
     Report& m_report;

@@ -1,0 +1,17 @@
+// One asynchronous child of Commands; for the files of that class alone.
+#pragma once
+
+#include "site/Commands.h"
+
+namespace tavrin {
+
+// Owned by Commands. Its thread owns the pipes and ends when the process has been reaped.
+struct Commands::Child {
+    int id = 0;
+    int pid = -1;                        // guarded by m_childMutex; -1 where there is no process to signal
+    std::atomic<bool> finished = false;  // the process has been reaped and the thread is about to end
+    FileDescriptor wake;                 // readable: stop reading
+    std::thread thread;
+};
+
+}  // namespace tavrin
