@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <thread>
 
 #include "site/Commands.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -64,6 +67,15 @@ class ActionsTest : public testing::Test {
         const std::string path = test.directory.Write("child.sh", text);
         target.onCommand = [this, path](CommandId command) {
             if (command != CommandId::kStopRender) Runner().RunScriptCommand(path);
+        };
+    }
+    // Lets them start a child that ends, and says so, once somebody waits for it.
+    void CommandsEndOnceWaitedFor() {
+        CommandsStart(kUntilLetGo + std::string("echo > \"$TAVRN_WORKDIR/ended\"\n"));
+        target.onPump = [this] {
+            EXPECT_FALSE(InWork("ended"));
+            LetGo();
+            target.onPump = nullptr;
         };
     }
     bool Run(const std::string& text) {
@@ -157,9 +169,18 @@ TEST_F(ActionsTest, WordsAreComparedExactly) {
 }
 
 TEST_F(ActionsTest, ASystemCommandIsWaitedForWithoutPumping) {
-    const std::string script =
-        test.directory.Write("slow script", "sleep 0.05; echo \"$1\" > \"$TAVRN_WORKDIR/done\"\n");
+    const std::string script = test.directory.Write(
+        "slow script", "echo > \"$TAVRN_WORKDIR/begun\"\n" + std::string(kUntilLetGo) +
+                           "echo \"$1\" > \"$TAVRN_WORKDIR/done\"\n");
+    std::thread watcher([this] {
+        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
+        while (!InWork("begun") && std::chrono::steady_clock::now() < limit)
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        LetGo();
+    });
     EXPECT_TRUE(IsKnown("form", "system", "sh \"" + script + "\" \"a b\""));
+    EXPECT_TRUE(InWork("done")) << "nobody waited for the command";
+    watcher.join();
     EXPECT_EQ(test::ReadFile(test.site.WorkPath("done")), "a b\n");
     EXPECT_EQ(target.pumps, 0);
 }
@@ -172,12 +193,7 @@ TEST_F(ActionsTest, ASystemCommandThatCannotStartIsAKnownActionAllTheSame) {
 }
 
 TEST_F(ActionsTest, ARenderIsWaitedForWhileTheInterfaceStaysAlive) {
-    CommandsStart(kUntilLetGo + std::string("echo > \"$TAVRN_WORKDIR/ended\"\n"));
-    target.onPump = [this] {
-        EXPECT_FALSE(InWork("ended"));
-        LetGo();
-        target.onPump = nullptr;
-    };
+    CommandsEndOnceWaitedFor();
     EXPECT_TRUE(IsKnown("form", "render", "render"));
     EXPECT_TRUE(InWork("ended"));
     EXPECT_FALSE(Runner().AnyChildRunning());
@@ -239,7 +255,7 @@ TEST_F(ActionsTest, AScriptRunsWhileItsStatementsAreDone) {
 }
 
 TEST_F(ActionsTest, WhatFollowsARenderIsDoneAfterItsEnd) {
-    CommandsStart("sleep 0.05; echo > \"$TAVRN_WORKDIR/ended\"\n");
+    CommandsEndOnceWaitedFor();
     const auto start = target.onCommand;
     std::vector<bool> ended;
     target.onCommand = [&](CommandId command) {
@@ -252,7 +268,7 @@ TEST_F(ActionsTest, WhatFollowsARenderIsDoneAfterItsEnd) {
 }
 
 TEST_F(ActionsTest, WhatFollowsAnyStatementIsDoneAfterTheEndOfItsChildren) {
-    CommandsStart("sleep 0.05; echo > \"$TAVRN_WORKDIR/ended\"\n");
+    CommandsEndOnceWaitedFor();
     // A word of a script ends at a blank, so the command stands in a file.
     const std::string script = test.directory.Write(
         "move", "#!/bin/sh\nmv " + test.site.WorkPath("ended") + " " + test.site.WorkPath("moved") + "\n");
@@ -262,7 +278,7 @@ TEST_F(ActionsTest, WhatFollowsAnyStatementIsDoneAfterTheEndOfItsChildren) {
 }
 
 TEST_F(ActionsTest, AScriptReturnsAfterTheEndOfItsLastChild) {
-    CommandsStart("sleep 0.05; echo > \"$TAVRN_WORKDIR/ended\"\n");
+    CommandsEndOnceWaitedFor();
     EXPECT_TRUE(Run("form export all"));
     EXPECT_TRUE(InWork("ended"));
     EXPECT_FALSE(Runner().AnyChildRunning());

@@ -27,6 +27,10 @@ using testing::IsEmpty;
 constexpr const char* kUntilKillFile = "while [ ! -e \"$TAVRN_KILLFILE\" ]; do sleep 0.01; done\n";
 constexpr const char* kForEver = "while :; do sleep 0.01; done\n";
 
+// A machine may be as slow as it likes; who is to be waited for in vain is given nothing.
+constexpr minutes kAllTime{1};
+constexpr milliseconds kNoTime{0};
+
 // A process that has ended counts as gone, buried or not.
 bool IsGone(pid_t pid) {
     const std::string stat = ReadFile("/proc/" + std::to_string(pid) + "/stat");
@@ -78,7 +82,7 @@ class CommandsEnd : public testing::Test {
 };
 
 TEST_F(CommandsEnd, WithoutAChildNothingHappens) {
-    commands->EndChildren(minutes(1));
+    commands->EndChildren(kAllTime);
     std::vector<DirEntry> entries;
     ASSERT_TRUE(ListDirectory(work, entries));
     EXPECT_TRUE(entries.empty());
@@ -87,7 +91,7 @@ TEST_F(CommandsEnd, WithoutAChildNothingHappens) {
 TEST_F(CommandsEnd, AChildThatHeedsItsKillFileEndsByItself) {
     Start("trap 'echo signalled' TERM\necho begun\n" + std::string(kUntilKillFile) + "echo own end",
           "begun\n");
-    commands->EndChildren(minutes(1));
+    commands->EndChildren(kAllTime);
     EXPECT_FALSE(commands->AnyChildRunning());
     EXPECT_FALSE(commands->AnyProcessLeft());
     while (queue.RunPending()) {
@@ -98,7 +102,7 @@ TEST_F(CommandsEnd, AChildThatHeedsItsKillFileEndsByItself) {
 
 TEST_F(CommandsEnd, AChildThatDoesNotHeedItIsAskedBySignal) {
     Start("trap 'echo signalled; exit 0' TERM\necho \"child $$.\"\n" + std::string(kForEver), ".\n");
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kAllTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
     EXPECT_TRUE(IsGone(LoggedPid("child ")));
     while (queue.RunPending()) {
@@ -108,7 +112,7 @@ TEST_F(CommandsEnd, AChildThatDoesNotHeedItIsAskedBySignal) {
 
 TEST_F(CommandsEnd, AStubbornChildIsEnded) {
     Start("trap '' TERM INT HUP\necho \"child $$.\"\n" + std::string(kForEver), ".\n");
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kNoTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
     EXPECT_TRUE(IsGone(LoggedPid("child ")));
 }
@@ -116,21 +120,21 @@ TEST_F(CommandsEnd, AStubbornChildIsEnded) {
 TEST_F(CommandsEnd, AStubbornChildsOwnChildrenAreEnded) {
     Start("trap '' TERM\n(" + std::string(kForEver) + ") &\necho \"child $$ grandchild $!.\"\n" + kForEver,
           ".\n");
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kNoTime);
     EXPECT_TRUE(IsGone(LoggedPid("child ")));
     EXPECT_TRUE(Ends(LoggedPid("grandchild ")));
 }
 
 TEST_F(CommandsEnd, AGrandchildThatHoldsTheOutputIsEnded) {
     Start("trap '' TERM\n(" + std::string(kForEver) + ") &\necho \"grandchild $!.\"\n", ".\n");
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kNoTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
     EXPECT_TRUE(Ends(LoggedPid("grandchild ")));
 }
 
 TEST_F(CommandsEnd, AGrandchildThatHoldsTheOutputIsAskedBySignalFirst) {
     Start("(trap 'echo signalled; exit' TERM; echo trapped\n" + std::string(kForEver) + ") &\n", "trapped\n");
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kAllTime);
     while (queue.RunPending()) {
     }
     EXPECT_THAT(sink.log, HasSubstr("signalled\n"));
@@ -141,7 +145,7 @@ TEST_F(CommandsEnd, AStubbornGrandchildIsEndedAlsoIfTheChildGoesAtTheSignal) {
               ") &\necho \"grandchild $!.\"\n" + kForEver,
           "trapped\n");
     ASSERT_TRUE(PumpUntil([this] { return sink.log.find(".\n") != std::string::npos; }));
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kAllTime);
     EXPECT_TRUE(Ends(LoggedPid("grandchild ")));
 }
 
@@ -149,14 +153,14 @@ TEST_F(CommandsEnd, AGrandchildIsEndedAlsoIfTheChildGoesAtTheKillFile) {
     Start("(exec > /dev/null 2>&1\n" + std::string(kForEver) + ") &\necho \"grandchild $!.\"\n" +
               kUntilKillFile,
           ".\n");
-    commands->EndChildren(minutes(1));
+    commands->EndChildren(kAllTime);
     EXPECT_TRUE(Ends(LoggedPid("grandchild ")));
 }
 
 TEST_F(CommandsEnd, AChildThatClosedItsOutputIsEnded) {
     Start("echo \"child $$.\"\nexec > /dev/null 2>&1\n" + std::string(kForEver), ".\n");
     ASSERT_TRUE(PumpUntil([this] { return !commands->AnyChildRunning(); }));
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kAllTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
     EXPECT_TRUE(IsGone(LoggedPid("child ")));
 }
@@ -165,21 +169,21 @@ TEST_F(CommandsEnd, AChildThatWasStoppedBeforeIsStillEnded) {
     Start("echo \"child $$.\"\n" + std::string(kForEver), ".\n");
     commands->KillChildren();
     EXPECT_FALSE(commands->AnyChildRunning());
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kAllTime);
     EXPECT_TRUE(IsGone(LoggedPid("child ")));
 }
 
 TEST_F(CommandsEnd, AStrayOutsideTheGroupThatHoldsTheOutputIsNotWaitedFor) {
     Start("setsid sh -c 'echo \"stray $$.\"; while :; do sleep 0.01; done' &\nwait\n", ".\n");
     const pid_t stray = LoggedPid("stray ");
-    commands->EndChildren(milliseconds(0));
+    commands->EndChildren(kNoTime, kNoTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
     ::kill(stray, SIGKILL);
 }
 
 TEST_F(CommandsEnd, ChildrenCanBeStartedAgain) {
     Start("echo begun\n" + std::string(kUntilKillFile), "begun\n");
-    commands->EndChildren(minutes(1));
+    commands->EndChildren(kAllTime);
     Start("echo anew", "anew\n");
     EXPECT_THAT(sink.alerts, IsEmpty());
 }
