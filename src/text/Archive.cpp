@@ -35,14 +35,14 @@ void CArchive::SkipToLineEnd() {
     m_position = end == std::string::npos ? m_text.size() : end;
 }
 
-int CArchive::LineNumber() const {
-    if (m_position < m_countedTo) {
+int CArchive::LineAt(size_t position) const {
+    if (position < m_countedTo) {
         m_countedTo = 0;
         m_lineFeeds = 0;
     }
-    const std::string_view passed = std::string_view(m_text).substr(m_countedTo, m_position - m_countedTo);
+    const std::string_view passed = Text().substr(m_countedTo, position - m_countedTo);
     m_lineFeeds += static_cast<int>(std::count(passed.begin(), passed.end(), '\n'));
-    m_countedTo = m_position;
+    m_countedTo = position;
     return 1 + m_lineFeeds;
 }
 

@@ -38,7 +38,12 @@ class CArchive {
     const std::string& Path() const { return m_path; }
 
     // The number of the line that the position is in, counted from 1.
-    int LineNumber() const;
+    int LineNumber() const { return LineAt(m_position); }
+    // The same for any place of the text.
+    int LineAt(size_t position) const;
+
+    std::string_view Text() const { return m_text; }
+    size_t Position() const { return m_position; }
 
     // What is left to read, and passing over part of it: for scanners that work on whole runs of bytes.
     std::string_view Rest() const { return std::string_view(m_text).substr(m_position); }
@@ -48,8 +53,8 @@ class CArchive {
     std::string m_path;
     std::string m_text;
     size_t m_position = 0;
-    // How far LineNumber has counted: a text with an error in each line is gone through once, not once for
-    // each.
+    // How far lines have been counted: a text in which many places are asked for, each behind the one before, is
+    // gone through once, not once for each.
     mutable size_t m_countedTo = 0;
     mutable int m_lineFeeds = 0;
 };

@@ -145,5 +145,14 @@ TEST(Archive, ADirectoryIsNoFile) {
     EXPECT_EQ(error, "Is a directory");
 }
 
+TEST(Archive, TheLineOfAnyPlaceIsKnownInAnyOrder) {
+    const CArchive archive = ArchiveOf("a\nb\n\nc");
+    EXPECT_EQ(archive.LineAt(2), 2);
+    EXPECT_EQ(archive.LineAt(5), 4);
+    EXPECT_EQ(archive.LineAt(archive.Text().size()), 4);
+    EXPECT_EQ(archive.LineAt(0), 1);
+    EXPECT_EQ(archive.LineAt(1), 1) << "a line feed belongs to the line that it ends";
+}
+
 }  // namespace
 }  // namespace tavrin

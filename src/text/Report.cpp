@@ -42,8 +42,11 @@ void Report::AlertAt(const CArchive& archive, const char* format, ...) {
     va_start(arguments, format);
     const std::string message = FormatList(format, arguments);
     va_end(arguments);
-    Raise(FormatText("%s near line %d: %s", archive.Path().c_str(), archive.LineNumber(), message.c_str()),
-          archive.Path());
+    AlertAt(archive.Path(), archive.LineNumber(), message);
+}
+
+void Report::AlertAt(const std::string& path, int line, const std::string& message) {
+    Raise(FormatText("%s near line %d: %s", path.c_str(), line, message.c_str()), path);
 }
 
 void Report::LogLine(const char* format, ...) {

@@ -32,6 +32,9 @@ class Report {
     // The parse error of all formats: "FILE near line N: MESSAGE", with the file to be opened beside it.
     void AlertAt(const CArchive& archive, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
+    // The same about a place that was read earlier, with the message as it stands.
+    void AlertAt(const std::string& path, int line, const std::string& message);
+
     // A line for the log; notes that signal trouble begin "WARNING: ".
     void LogLine(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void LogRaw(std::string_view text);

@@ -64,6 +64,12 @@ TEST_F(ReportTest, AnErrorBeforeAnythingIsReadSaysLineOne) {
     EXPECT_EQ(sink.LastAlert(), "test.txt near line 1: unexpected input");
 }
 
+TEST_F(ReportTest, AnErrorThatWasMetEarlierSaysItsPlace) {
+    report.AlertAt("/dir/100%s.tvn", 7, "undefined input %n specified");
+    EXPECT_EQ(sink.LastAlert(), "/dir/100%s.tvn near line 7: undefined input %n specified");
+    EXPECT_EQ(report.TakePending()->file, "/dir/100%s.tvn");
+}
+
 TEST_F(ReportTest, AnErrorFurtherDownSaysItsLine) {
     CArchive archive = ArchiveOf("one\n# two\n\"three\nfour\" five six\n");
     std::string token;

@@ -11,20 +11,6 @@ namespace tavrin {
 
 namespace {
 
-// Passes over white space and comments, up to the first byte of a token. A backslash before one of
-// them protects nothing. False at the end of the file.
-bool SkipToToken(CArchive& archive) {
-    for (;;) {
-        const std::string_view rest = archive.Rest();
-        size_t blanks = 0;
-        while (blanks < rest.size() && EndsToken(rest[blanks])) ++blanks;
-        archive.Skip(blanks);
-        if (blanks == rest.size()) return false;
-        if (rest[blanks] != '#') return true;
-        archive.SkipToLineEnd();
-    }
-}
-
 // What stands for nothing but itself in a token outside quotes.
 constexpr std::array<bool, 256> kPlainTable = [] {
     std::array<bool, 256> table{};
@@ -44,6 +30,42 @@ size_t PlainRun(std::string_view text) {
 
 bool EndsToken(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+bool SkipToToken(CArchive& archive) {
+    for (;;) {
+        const std::string_view rest = archive.Rest();
+        size_t blanks = 0;
+        while (blanks < rest.size() && EndsToken(rest[blanks])) ++blanks;
+        archive.Skip(blanks);
+        if (blanks == rest.size()) return false;
+        if (rest[blanks] != '#') return true;
+        archive.SkipToLineEnd();
+    }
+}
+
+// Most tokens are one run of plain bytes, or one between double quotes.
+bool ReadToken(CArchive& archive, std::string_view& token, std::string& store) {
+    if (!SkipToToken(archive)) return false;
+    const std::string_view rest = archive.Rest();
+    if (const size_t length = PlainRun(rest); length > 0) {
+        const bool atEnd = length == rest.size();
+        if (atEnd || EndsToken(rest[length])) {
+            token = rest.substr(0, length);
+            archive.Skip(atEnd || rest[length] == '\n' ? length : length + 1);
+            return true;
+        }
+    } else if (rest.front() == '"') {
+        const size_t end = rest.find_first_of("\"\\", 1);
+        if (end != std::string_view::npos && rest[end] == '"') {
+            token = rest.substr(1, end - 1);
+            archive.Skip(end + 1);
+            return true;
+        }
+    }
+    const bool isRead = ReadToken(archive, store);
+    token = store;
+    return isRead;
+}
 
 bool ReadToken(CArchive& archive, std::string& token) {
     token.clear();

@@ -15,11 +15,21 @@ using test::ArchiveOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+// Both ways of reading give the same tokens and end at the same places.
 std::vector<std::string> TokensOf(std::string_view text) {
     CArchive archive = ArchiveOf(text);
+    CArchive other = ArchiveOf(text);
     std::vector<std::string> tokens;
     std::string token;
-    while (ReadToken(archive, token)) tokens.push_back(token);
+    std::string store;
+    std::string_view view;
+    while (ReadToken(archive, token)) {
+        tokens.push_back(token);
+        EXPECT_TRUE(ReadToken(other, view, store));
+        EXPECT_EQ(view, token);
+        EXPECT_EQ(other.Position(), archive.Position()) << "behind " << token;
+    }
+    EXPECT_FALSE(ReadToken(other, view, store));
     return tokens;
 }
 
@@ -41,6 +51,34 @@ TokenAndRest ReadTokenAndRest(std::string_view text) {
 TEST(ReadToken, BlanksTabsAndLineEndsSeparateTokens) {
     EXPECT_THAT(TokensOf("  one two\tthree\r\nfour\nfive  \n"),
                 ElementsAre("one", "two", "three", "four", "five"));
+}
+
+TEST(ReadToken, AViewIsOfTheTextUnlessTheTokenStandsThereOtherwise) {
+    CArchive archive = ArchiveOf("plain \"in quotes\" back\\slash \"a \\\"b\\\"\" half\"way\"");
+    const auto isOfTheText = [&](std::string_view view) {
+        return view.data() >= archive.Text().data() &&
+               view.data() + view.size() <= archive.Text().data() + archive.Text().size();
+    };
+    std::string store;
+    std::string_view view;
+    for (const char* token : {"plain", "in quotes"}) {
+        ASSERT_TRUE(ReadToken(archive, view, store));
+        EXPECT_EQ(view, token);
+        EXPECT_TRUE(isOfTheText(view)) << token;
+    }
+    for (const char* token : {"backslash", "a \"b\"", "halfway"}) {
+        ASSERT_TRUE(ReadToken(archive, view, store));
+        EXPECT_EQ(view, token);
+        EXPECT_EQ(view.data(), store.data()) << token;
+    }
+}
+
+TEST(SkipToToken, EndsAtTheFirstByteOfTheNextToken) {
+    CArchive archive = ArchiveOf(" \t# a comment\r\n  \"x\" # more");
+    ASSERT_TRUE(SkipToToken(archive));
+    EXPECT_EQ(archive.PeekByte(), '"');
+    archive.Skip(3);
+    EXPECT_FALSE(SkipToToken(archive));
 }
 
 TEST(ReadToken, VerticalTabAndFormFeedBelongToTheToken) {
