@@ -1,6 +1,7 @@
 // Reading and writing documents in memory, definitions' preprocessing apart. The floors: reading the
 // tokens of the text, and copying it.
 #include "bench/BenchNetwork.h"
+#include "document/DocumentReader.h"
 
 namespace {
 
@@ -32,8 +33,7 @@ void Measure(BenchHost& host, int count) {
     const double read = MedianMilliseconds(
         [&] {
             loaded = std::make_unique<CTvDoc>(host);
-            CArchive archive = CArchive::FromText("document", text);
-            if (!loaded->Load(archive)) std::exit(1);
+            if (!loaded->Load(ReadDocument(CArchive::FromText("document", text)))) std::exit(1);
         },
         [&] { loaded.reset(); });
     std::printf(

@@ -6,6 +6,7 @@
 
 #include "base/Process.h"
 #include "bench/BenchNetwork.h"
+#include "document/DocumentReader.h"
 #include "library/DefinitionTexts.h"
 #include "library/SavedNetwork.h"
 #include "site/CommandQueue.h"
@@ -87,8 +88,7 @@ double Open(LibraryHost& host, const std::string& text, bool isPure, CpuTime& cp
         [&] {
             begin = CpuTime::Now();
             document = std::make_unique<CTvDoc>(host);
-            CArchive archive = CArchive::FromText("document", text);
-            if (!document->Load(archive)) std::exit(1);
+            if (!document->Load(ReadDocument(CArchive::FromText("document", text)))) std::exit(1);
             const CpuTime end = CpuTime::Now();
             cpu = {end.own - begin.own, end.children - begin.children};
         },

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "codegen/CodeGen.h"
+#include "document/DocumentReader.h"
 #include "fuzz/FuzzHost.h"
 #include "render/ArgInfo.h"
 #include "render/NetworkCheck.h"
@@ -12,8 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace tavrin;
     fuzz::FuzzHost host;
     CTvDoc document(host);
-    CArchive archive = fuzz::ArchiveOf(data, size);
-    document.Load(archive);
+    document.Load(ReadDocument(fuzz::ArchiveOf(data, size)));
     CCodeGen codeGen;
     codeGen.m_lineComment = "//";
     RenderSession(document, host.site, codeGen).Generate();
@@ -22,11 +22,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     const std::string stored = document.Store();
     CTvDoc again(host);
-    CArchive copy = CArchive::FromText("copy", stored);
-    if (!again.Load(copy)) std::abort();
+    if (!again.Load(ReadDocument(CArchive::FromText("copy", stored)))) std::abort();
     const std::string second = again.Store();
     CTvDoc third(host);
-    CArchive secondCopy = CArchive::FromText("copy", second);
-    if (!third.Load(secondCopy)) std::abort();
+    if (!third.Load(ReadDocument(CArchive::FromText("copy", second)))) std::abort();
     return 0;
 }

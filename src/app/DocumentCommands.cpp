@@ -3,7 +3,7 @@
 #include <ctime>
 
 #include "base/Paths.h"
-#include "text/Archive.h"
+#include "document/DocumentReader.h"
 
 namespace tavrin {
 
@@ -79,7 +79,7 @@ bool DocumentCommands::Merge(const std::string& path, const std::function<void()
     }
     if (opened) opened();
     CTvDoc scratch(m_app);
-    if (!scratch.ReadDeskOnly(*archive)) return false;
+    if (!scratch.LoadDesk(ReadDesk(std::move(*archive)))) return false;
     m_desk.MergeBoxes(scratch.m_boxes);
     return true;
 }

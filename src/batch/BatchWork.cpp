@@ -5,6 +5,7 @@
 #include "base/Files.h"
 #include "batch/CommandLine.h"
 #include "batch/Describe.h"
+#include "document/DocumentReader.h"
 #include "forms/FormFrame.h"
 #include "library/OpRegistry.h"
 #include "library/SavedNetwork.h"
@@ -166,7 +167,7 @@ std::string BatchWork::Check(bool& anyError) {
     std::vector<Finding> findings;
     std::string error;
     if (auto archive = CArchive::Open(m_openedPath, error)) {
-        findings = CheckDocumentFile(*archive, m_work.document, m_app.Registry());
+        findings = CheckDocumentForm(ReadDocument(std::move(*archive)), m_work.document, m_app.Registry());
     }
     const std::vector<Finding> network = CheckNetwork(m_work.document, GetSite().report);
     findings.insert(findings.end(), network.begin(), network.end());

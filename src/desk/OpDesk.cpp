@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "document/DocumentReader.h"
 #include "library/OpRegistry.h"
 #include "library/SavedNetwork.h"
 #include "site/Site.h"
-#include "text/Archive.h"
-#include "text/Tokens.h"
 
 namespace tavrin {
 
@@ -55,22 +54,22 @@ void COpDesk::BringOperator(const std::string& name) {
         report.Alert("unable to open %s for reading", entry->path.c_str());
         return;
     }
-    std::string token;
-    if (!ReadToken(*archive, token)) {
-        report.AlertAt(*archive, "unexpected input");
-        return;
-    }
-    if (token == kDocumentKeyword) {
-        archive->Rewind();
-        AddMacro(*archive);
-    } else {
-        AddBox(name);
+    switch (KindOf(*archive)) {
+        case OperatorText::kEmpty:
+            report.AlertAt(*archive, "unexpected input");
+            break;
+        case OperatorText::kNetwork:
+            AddMacro(ReadDesk(std::move(*archive)));
+            break;
+        case OperatorText::kDefinition:
+            AddBox(name);
+            break;
     }
 }
 
-void COpDesk::AddMacro(CArchive& archive) {
+void COpDesk::AddMacro(const DocumentForm& network) {
     CTvDoc scratch(m_host);
-    if (scratch.ReadDeskOnly(archive)) MergeBoxes(scratch.m_boxes);
+    if (scratch.LoadDesk(network)) MergeBoxes(scratch.m_boxes);
 }
 
 void COpDesk::AddBox(const std::string& name) {

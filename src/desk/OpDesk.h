@@ -119,7 +119,7 @@ class COpDesk {
     InstanceCounts CountInstances() const;
     bool AdmitBox(COpBox& box, InstanceCounts& counts);
     void BringOperator(const std::string& name);
-    void AddMacro(CArchive& archive);
+    void AddMacro(const DocumentForm& network);
     void AddBox(const std::string& name);
     void ClearSelections();
     void SetAllSelected(int selected);

@@ -1,157 +1,133 @@
 // The `opdesk` section: boxes, connections and the state of the desk.
-#include <algorithm>
-#include <functional>
-#include <unordered_set>
-#include <utility>
-
 #include "document/DocumentReader.h"
-#include "document/TvDoc.h"
-#include "site/Site.h"
+#include "text/Numbers.h"
+#include "text/Tokens.h"
 
 namespace tavrin {
 
 namespace {
 
 constexpr std::string_view kButtonPrefix = "opbutton.";
-constexpr std::string_view kNameKeyword = "filename";
-constexpr size_t kLongestName = 300;  // no file's name is as long
 
-// The words behind "{ filename", each once, in their order: the names of the operators, as far as that can be
-// told without reading the text. A word too many or too few is no harm.
-std::vector<std::string_view> OperatorNamesIn(std::string_view text) {
-    std::vector<std::string_view> names;
-    std::unordered_set<std::string_view> seen;
-    const std::boyer_moore_horspool_searcher keyword(kNameKeyword.begin(), kNameKeyword.end());
-    for (auto place = text.begin();;) {
-        const auto [found, end] = keyword(place, text.end());
-        if (found == end) return names;
-        const std::string_view before = TrimRight(text.substr(0, static_cast<size_t>(found - text.begin())));
-        if (before.ends_with('{')) {
-            FieldScanner scanner(text.substr(static_cast<size_t>(end - text.begin()), kLongestName));
-            const auto word = scanner.Word();
-            if (word && seen.insert(*word).second) names.push_back(*word);
-        }
-        place = end;
-    }
+bool IsSwitch(std::string_view keyword) {
+    return keyword == "drawlinesoverboxes" || keyword == "showvarnames" || keyword == "lock" ||
+           keyword == "showiconimages";
 }
 
 }  // namespace
 
-// Lets the preprocessor begin with all operators of the file while the first boxes are read. Once for a file:
-// what this misses, in one that changes the library between its boxes, is run when its box comes.
-void DocumentReader::ExpectOperators() {
-    if (std::exchange(m_hasLookedAhead, true) || !m_definitions.AreShared()) return;
-    m_definitions.Expect(OperatorNamesIn(m_archive.Rest()));
-}
-
 bool DocumentReader::ReadOpDesk() {
+    const DocumentRecord begun = Begun();
     if (!Expect("{")) return false;
-    ExpectOperators();
-    std::string keyword;
-    while (ReadToken(m_archive, keyword) && keyword != "}") {
-        if (!ReadDeskClause(keyword)) return false;
+    auto& desk = AddSection<DeskRecord>(begun);
+    std::string_view keyword;
+    while (Next(keyword) && keyword != "}") {
+        if (!ReadDeskItem(desk, keyword)) return false;
     }
+    End(desk);
     return true;
 }
 
-bool DocumentReader::ReadDeskClause(const std::string& keyword) {
-    CTvDoc& document = m_document;
-    if (keyword == "opbox") return ReadOpBox();
-    if (keyword == "opconnects") return ReadConnects();
-    if (keyword == "drawlinesoverboxes") return Flag(document.drawlinesoverboxes);
-    if (keyword == "showvarnames") return Flag(document.showvarnames);
-    if (keyword == "lock") return Flag(document.lock);
-    if (keyword == "showiconimages") return Flag(document.showiconimages);
-    if (keyword == "linetype") return Choice(document.linetype, "trace", "direct");
-    if (keyword == "offsetxy") return Operand(document.offset[0]) && Operand(document.offset[1]);
-    if (keyword == "zoomxyf") {
-        return Operand(document.zoom[0]) && Operand(document.zoom[1]) && Operand(document.zoomFactor);
-    }
-    return Unexpected();
+bool DocumentReader::ReadDeskItem(DeskRecord& desk, std::string_view keyword) {
+    if (keyword == "opbox") return ReadOpBox(desk);
+    if (keyword == "opconnects") return ReadConnects(desk);
+    return ReadDeskSetting(desk, keyword);
 }
 
-bool DocumentReader::ReadOpBox() {
-    std::string filename;
-    if (!Expect("{") || !Expect("filename") || !Operand(filename)) return false;
-    auto made = std::make_unique<COpBox>();
-    if (!m_host.DefineBox(*made, filename, &m_definitions)) return false;
-    COpBox& box = *m_document.m_boxes.emplace_back(std::move(made));
-    // A definition may come with copies of a vinput; the file decides how many there are.
-    std::erase_if(box.inputs, [](const auto& input) { return input->instance != 1; });
-    m_inputCursor = 0;
-    m_outputCursor = 0;
-    m_inputRead = nullptr;
-    m_namesSeen.clear();
-
-    std::string keyword;
-    while (ReadToken(m_archive, keyword) && keyword != "}") {
-        if (!ReadBoxClause(box, keyword)) return false;
+bool DocumentReader::ReadDeskSetting(DeskRecord& desk, std::string_view keyword) {
+    DeskSettingRecord setting{Begun(), keyword, 0, {}, 0};
+    const auto choice = [&](std::string_view on, std::string_view off) {
+        std::string_view word;
+        if (!Operand(word)) return false;
+        if (word != on && word != off) return Unexpected();
+        setting.flag = word == on ? 1 : 0;
+        return true;
+    };
+    bool isWhole = true;
+    if (IsSwitch(keyword)) {
+        if (!choice("1", "0")) return false;
+    } else if (keyword == "linetype") {
+        if (!choice("trace", "direct")) return false;
+    } else if (keyword == "offsetxy") {
+        isWhole = Operands(std::span(setting.numbers).first(2), setting.numberCount);
+    } else if (keyword == "zoomxyf") {
+        isWhole = Operands(setting.numbers, setting.numberCount);
+    } else {
+        return Unexpected();
     }
-    std::erase_if(box.inputs, [this](const auto& input) {
-        return input->kind == ButtonKind::kVinput && !m_namesSeen.contains(input->name);
-    });
-    box.RenumberInputs();
-    m_byWid[box.wid] = &box;
+    if (isWhole) End(setting);
+    desk.items.emplace_back(setting);
+    return isWhole;
+}
+
+bool DocumentReader::ReadOpBox(DeskRecord& desk) {
+    const DocumentRecord begun = Begun();
+    std::string_view name;
+    if (!Expect("{") || !Expect("filename") || !Operand(name)) return false;
+    auto& box = std::get<BoxRecord>(desk.items.emplace_back(std::in_place_type<BoxRecord>));
+    static_cast<DocumentRecord&>(box) = begun;
+    box.operatorName = name;
+    std::string_view keyword;
+    while (Next(keyword) && keyword != "}") {
+        if (!ReadBoxItem(box, keyword)) return false;
+    }
+    End(box);
     return true;
 }
 
-bool DocumentReader::ReadBoxClause(COpBox& box, const std::string& keyword) {
-    if (keyword == "wid") return Operand(box.wid);
-    if (keyword == "xypos") return Operand(box.xypos[0]) && Operand(box.xypos[1]);
-    if (keyword == "opboxdefs") {
-        return Expect("{") && Expect("maxinstances") && Operand(box.maxinstances) && Expect("}");
-    }
+bool DocumentReader::ReadBoxItem(BoxRecord& box, std::string_view keyword) {
     if (keyword.starts_with(kButtonPrefix)) return ReadOpBoxButton(box, keyword.substr(kButtonPrefix.size()));
-    return Unexpected();
+    BoxSettingRecord setting{Begun(), keyword, 0, {}, 0};
+    bool isWhole = true;
+    if (keyword == "wid") {
+        if (!Operand(setting.integer)) return false;
+    } else if (keyword == "xypos") {
+        isWhole = Operands(setting.numbers, setting.numberCount);
+    } else if (keyword == "opboxdefs") {
+        if (!Expect("{") || !Expect("maxinstances") || !Operand(setting.integer)) return false;
+        isWhole = Expect("}");
+    } else {
+        return Unexpected();
+    }
+    if (isWhole) End(setting);
+    box.settings.push_back(setting);
+    return isWhole;
 }
 
-bool DocumentReader::ReadConnects() {
+bool DocumentReader::ReadConnects(DeskRecord& desk) {
     if (!Expect("{")) return false;
-    std::string token;
-    while (ReadToken(m_archive, token) && token != "}") {
-        if (!ReadConnection(token)) return false;
+    std::string_view token;
+    while (Next(token) && token != "}") {
+        ConnectionRecord connection{Begun(), {}, {}};
+        if (!ReadConnection(token, connection)) return false;
+        End(connection);
+        desk.items.emplace_back(connection);
     }
     return true;
 }
 
-// One end of a connection, "opbox:TITLE,NUMBER,BUTTON,POSITION"; title and button are not checked.
-bool DocumentReader::ScanEnd(const std::string& text, int& wid, int& position) {
+bool DocumentReader::ReadConnection(std::string_view source, ConnectionRecord& connection) {
+    std::string_view target;
+    return ScanEnd(source, connection.source) && Expect("->") && Operand(target) &&
+           ScanEnd(target, connection.target);
+}
+
+// "opbox:OPERATOR,NUMBER,BUTTON,POSITION".
+bool DocumentReader::ScanEnd(std::string_view text, ConnectionRecord::End& end) {
     FieldScanner scanner(text);
-    if (!scanner.Literal("opbox:") || !scanner.Until(',') || !scanner.Literal(",")) return Unexpected();
-    const auto number = scanner.Int();
-    if (!number || !scanner.Literal(",") || !scanner.Until(',') || !scanner.Literal(",")) return Unexpected();
-    const auto place = scanner.Int();
-    if (!place) return Unexpected();
-    wid = *number;
-    position = *place;
-    return true;
-}
-
-bool DocumentReader::ReadConnection(const std::string& source) {
-    int sourceWid = 0;
-    int outputPosition = 0;
-    int targetWid = 0;
-    int inputPosition = 0;
-    std::string target;
-    if (!ScanEnd(source, sourceWid, outputPosition) || !Expect("->") || !Operand(target) ||
-        !ScanEnd(target, targetWid, inputPosition)) {
-        return false;
-    }
-    for (const int wid : {sourceWid, targetWid}) {
-        if (!m_byWid.contains(wid)) return Stop(FormatText("box %d not found", wid));
-    }
-    COpBox& from = *m_byWid[sourceWid];
-    COpBox& to = *m_byWid[targetWid];
-    if (outputPosition < 0 || static_cast<size_t>(outputPosition) >= from.outputs.size()) {
-        return Stop(FormatText("box %d has no output %d", sourceWid, outputPosition));
-    }
-    if (inputPosition < 0 || static_cast<size_t>(inputPosition) >= to.inputs.size()) {
-        return Stop(FormatText("box %s_%d has no input %d", to.filename.c_str(), targetWid, inputPosition));
-    }
-    // From the input's side, so that a pair that the file names twice stays whole.
-    to.inputs[static_cast<size_t>(inputPosition)]->Connect(
-        *from.outputs[static_cast<size_t>(outputPosition)]);
-    return true;
+    const auto field = [&](std::string_view& name) {
+        const auto found = scanner.Until(',');
+        if (found) name = *found;
+        return found && scanner.Literal(",");
+    };
+    const auto number = [&](int& place) {
+        const auto found = scanner.Int();
+        if (found) place = *found;
+        return found.has_value();
+    };
+    const bool isEnd = scanner.Literal("opbox:") && field(end.operatorName) && number(end.wid) &&
+                       scanner.Literal(",") && field(end.button) && number(end.position);
+    return isEnd || Unexpected();
 }
 
 }  // namespace tavrin

@@ -1,108 +1,177 @@
 // The top level of a document and its smaller sections.
 #include "document/DocumentReader.h"
 
-#include "document/TvDoc.h"
-#include "site/Site.h"
+#include <utility>
+
+#include "document/ExportOptions.h"
+#include "library/SavedNetwork.h"
+#include "text/Numbers.h"
+#include "text/Tokens.h"
 
 namespace tavrin {
 
-DocumentReader::DocumentReader(CTvDoc& document, CArchive& archive, DocumentHost& host)
-    : TokenParser(archive, host.GetSite().report),
-      m_document(document),
-      m_host(host),
-      m_definitions(host.Registry(), host.GetSite()) {
-    for (const auto& box : document.m_boxes) m_byWid[box->wid] = box.get();
-}
+DocumentForm ReadDocument(CArchive archive) { return DocumentReader(std::move(archive)).Read(); }
 
-bool DocumentReader::Stop(const std::string& message) {
-    m_report.AlertAt(m_archive, "%s", message.c_str());
-    return false;
-}
+DocumentForm ReadDesk(CArchive archive) { return DocumentReader(std::move(archive)).ReadDeskAlone(); }
 
-bool DocumentReader::Read() {
-    std::string keyword;
-    while (ReadToken(m_archive, keyword)) {
-        if (!ReadSection(keyword)) return false;
+DocumentReader::DocumentReader(CArchive archive) : m_form(std::move(archive)), m_archive(*m_form.m_source) {}
+
+DocumentForm DocumentReader::Read() {
+    std::string_view keyword;
+    while (Next(keyword) && ReadSection(keyword)) {
     }
-    m_document.SortBoxesByWid();
-    m_document.SetModified(false);
-    return true;
+    return std::move(m_form);
 }
 
-bool DocumentReader::ReadDeskOnly() {
-    std::string token;
-    while (ReadToken(m_archive, token)) {
-        if (token == "opdesk") return ReadOpDesk();
+DocumentForm DocumentReader::ReadDeskAlone() {
+    std::string_view token;
+    while (Next(token)) {
+        if (token != "opdesk") continue;
+        ReadOpDesk();
+        break;
     }
-    return false;
+    return std::move(m_form);
 }
 
-bool DocumentReader::ReadSection(const std::string& keyword) {
-    std::string word;
-    if (keyword == "tavrn-version") return Operand(word);
-    if (keyword == "tavrn-renderer") {
-        // While reading, so that the boxes that follow are looked up in that library.
-        if (!Operand(word)) return false;
-        m_definitions.Clear();
-        if (!m_host.UseLibrary(word)) {
-            m_report.AlertAt(m_archive,
-                             "the library name \"%s\" leads out of the installation; reading on with %s",
-                             word.c_str(), m_host.GetSite().directories.libName.c_str());
-        }
-        return true;
-    }
+bool DocumentReader::ReadSection(std::string_view keyword) {
+    if (keyword == kDocumentKeyword) return ReadWord(&VersionRecord::version);
+    if (keyword == "tavrn-renderer") return ReadWord(&LibraryRecord::name);
     if (keyword == "toolbar") return ReadToolbar();
     if (keyword == "opdesk") return ReadOpDesk();
     if (keyword == "renderoptions") return ReadRenderOptions();
     if (keyword == "exportoptions") {
-        // Reading goes on behind an unknown option, but what the section held after it is lost.
-        m_lostText = !ReadExportOptions(m_archive, m_document.exportOptions, m_report) || m_lostText;
+        ReadExportOptions();
         return true;
     }
     if (keyword == "customshaderhelp") return ReadHelp();
     return true;  // an unknown word, and the words of its block after it
 }
 
+template <typename Record>
+bool DocumentReader::ReadWord(std::string_view Record::*word) {
+    Record section{Begun(), {}};
+    if (!Operand(section.*word)) return false;
+    End(section);
+    m_form.sections.emplace_back(section);
+    return true;
+}
+
 bool DocumentReader::ReadToolbar() {
+    const DocumentRecord begun = Begun();
     if (!Expect("{")) return false;
-    m_document.toolbar.clear();
-    std::string token;
+    auto& toolbar = AddSection<ToolbarRecord>(begun);
+    std::string_view token;
     while (Operand(token)) {
-        if (token == "}") return true;
+        if (token == "}") {
+            End(toolbar);
+            return true;
+        }
         if (token != "button") return Unexpected();
         if (!Operand(token)) return false;
         FieldScanner scanner(token);
         if (!scanner.Int() || !scanner.Literal("=")) continue;
-        if (const auto name = scanner.Word()) m_document.toolbar.emplace_back(*name);
+        if (const auto name = scanner.Word()) toolbar.operators.push_back(*name);
     }
     return false;
 }
 
 bool DocumentReader::ReadRenderOptions() {
+    const DocumentRecord begun = Begun();
     if (!Expect("{")) return false;
-    std::string token;
+    auto& section = AddSection<RenderOptionsRecord>(begun);
+    std::string_view token;
     while (Operand(token)) {
-        if (token == "}") return true;
-        if (token != "setenv") return Unexpected();
-        std::string key;
-        std::string value;
-        if (!Operand(key) || !Operand(value)) return false;
-        const auto option = m_document.m_renderOptions.find(key);
-        if (option == m_document.m_renderOptions.end()) {
-            m_report.LogLine("discarding unknown render option %s", key.c_str());
-        } else {
-            option->second = value;
+        if (token == "}") {
+            End(section);
+            return true;
         }
+        if (token != "setenv") return Unexpected();
+        RenderOptionRecord option{Begun(), {}, {}};
+        if (!Operand(option.name) || !Operand(option.value)) return false;
+        End(option);
+        section.options.push_back(option);
     }
     return false;
 }
 
-// The markers that protect the text's own indentation and braces come off in the reading.
+// Reading goes on behind an unknown option, with what follows it as words between sections.
+void DocumentReader::ReadExportOptions() {
+    const DocumentRecord begun = Begun();
+    auto& section = AddSection<ExportOptionsRecord>(begun);
+    std::string_view key;
+    bool isKnown = Next(key);  // the brace, whatever it is
+    while (isKnown && Next(key) && key != "}") {
+        ExportOptionRecord option{Begun(), key, {}};
+        m_archive.ReadLine(option.line);
+        End(option);
+        isKnown = IsExportOption(key);
+        if (isKnown) section.options.push_back(option);
+        else AddError(ReadingError::Kind::kPassedOver, "unknown export option: " + std::string(key));
+    }
+    End(section);
+}
+
+// The markers that protect the text's own indentation and braces come off in the reading. Where the text ends
+// first, nothing is told.
 bool DocumentReader::ReadHelp() {
+    const DocumentRecord begun = Begun();
     if (!Expect("{")) return false;
     std::string_view restOfLine;
     m_archive.ReadLine(restOfLine);
-    return ReadTextBlock(m_archive, m_document.customshaderhelp);
+    auto& help = AddSection<HelpRecord>(begun);
+    if (!ReadTextBlock(m_archive, help.text)) return Stop({});
+    End(help);
+    return true;
+}
+
+bool DocumentReader::Next(std::string_view& token) {
+    if (!SkipToToken(m_archive)) return false;
+    m_tokenBegin = m_archive.Position();
+    if (!ReadToken(m_archive, token, m_token)) return false;
+    if (token.data() == m_token.data()) token = m_form.m_decoded.emplace_back(m_token);
+    return true;
+}
+
+bool DocumentReader::Operand(int& number) {
+    std::string_view token;
+    if (!Operand(token)) return false;
+    number = ParseInt(token);
+    return true;
+}
+
+bool DocumentReader::Operands(std::span<float> numbers, size_t& read) {
+    for (float& number : numbers) {
+        std::string_view token;
+        if (!Operand(token)) return false;
+        number = ParseFloat(token);
+        ++read;
+    }
+    return true;
+}
+
+bool DocumentReader::Expect(std::string_view text) {
+    std::string_view token;
+    if (!Operand(token)) return false;
+    return token == text || Unexpected();
+}
+
+bool DocumentReader::Stop(std::string message) {
+    AddError(ReadingError::Kind::kStop, std::move(message));
+    return false;
+}
+
+void DocumentReader::AddError(ReadingError::Kind kind, std::string message) {
+    m_form.errors.push_back({kind, m_tokenBegin, m_archive.LineNumber(), std::move(message)});
+}
+
+DocumentRecord DocumentReader::Begun() const { return {m_tokenBegin, m_tokenBegin}; }
+
+// What ended the token has been passed as well, and is none of it.
+size_t DocumentReader::TokenEnd() const {
+    const std::string_view text = m_archive.Text();
+    size_t end = m_archive.Position();
+    while (end > m_tokenBegin && EndsToken(text[end - 1])) --end;
+    return end;
 }
 
 }  // namespace tavrin

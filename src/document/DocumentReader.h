@@ -1,74 +1,92 @@
-// The reader of document files. It is deliberately no mirror of the writer: sections may come in any
-// order, indentation and blank lines mean nothing, and unknown words between sections are passed over.
+// The one reader of the format of documents. It is deliberately no mirror of the writer: sections may come in
+// any order, indentation and blank lines mean nothing, and unknown words between sections are passed over.
 #pragma once
 
-#include <set>
+#include <span>
 #include <string>
-#include <unordered_map>
+#include <string_view>
 
-#include "library/DefinitionTexts.h"
-#include "text/TokenParser.h"
+#include "document/DocumentForm.h"
 
 namespace tavrin {
 
-class COpBox;
-class COpButton;
-class COpValue;
-class CTvDoc;
-class DocumentHost;
+// Reads a text from its beginning to its end, or to the first error that the format calls an end. Nothing is
+// reported: the form holds the errors.
+DocumentForm ReadDocument(CArchive archive);
 
-// Reads one file into one document. It stops at the first error that its format calls an end, alerts it
-// with its place, and leaves in the document what was read. Used once.
-class DocumentReader : private TokenParser {
+// Reads only the first desk section, wherever in the text its keyword stands; a form without a section if it
+// stands nowhere.
+DocumentForm ReadDesk(CArchive archive);
+
+// At work behind these. The desk's section is in DeskSectionReader.cpp, a box's buttons are in
+// ButtonSectionReader.cpp. Operations that return false have put the error that stops the reading into the
+// form.
+class DocumentReader {
   public:
-    DocumentReader(CTvDoc& document, CArchive& archive, DocumentHost& host);
+    explicit DocumentReader(CArchive archive);
 
-    // All sections. On success the boxes are in the order of their numbers and the document is unmodified.
-    bool Read();
-    // Something of the file was passed over after an error, though reading went on.
-    bool HasLostText() const { return m_lostText; }
-    // The boxes and connections alone; false also if the file has none.
-    bool ReadDeskOnly();
+    // One of the two, once.
+    DocumentForm Read();
+    DocumentForm ReadDeskAlone();
 
   private:
-    bool ReadSection(const std::string& keyword);
+    bool ReadSection(std::string_view keyword);
+    template <typename Record>
+    bool ReadWord(std::string_view Record::*word);
     bool ReadToolbar();
     bool ReadRenderOptions();
+    void ReadExportOptions();
     bool ReadHelp();
 
-    void ExpectOperators();
     bool ReadOpDesk();
-    bool ReadDeskClause(const std::string& keyword);
-    bool ReadOpBox();
-    bool ReadBoxClause(COpBox& box, const std::string& keyword);
-    bool ReadOpBoxButton(COpBox& box, const std::string& kind);
-    COpButton* FindInput(COpBox& box, const std::string& kind, const std::string& name,
-                         const std::string& fullName);
-    void PassToTwin(const COpBox& box);
-    COpButton* NextOutput(COpBox& box, const std::string& kind, const std::string& name);
-    bool ReadButtonBlock(COpButton& button);
-    bool ReadButtonClause(COpButton& button, const std::string& keyword);
-    bool ReadValue(COpButton& button, COpValue& value);
-    bool ReadGeneric(COpButton& button, const std::string& keyword);
-    void ChooseCast(COpButton& button, const std::string& castName);
+    bool ReadDeskItem(DeskRecord& desk, std::string_view keyword);
+    bool ReadDeskSetting(DeskRecord& desk, std::string_view keyword);
+    bool ReadOpBox(DeskRecord& desk);
+    bool ReadBoxItem(BoxRecord& box, std::string_view keyword);
+    bool ReadConnects(DeskRecord& desk);
+    bool ReadConnection(std::string_view source, ConnectionRecord& connection);
+    bool ScanEnd(std::string_view text, ConnectionRecord::End& end);
 
-    bool ReadConnects();
-    bool ReadConnection(const std::string& source);
-    bool ScanEnd(const std::string& text, int& wid, int& position);
-    bool Stop(const std::string& message);
+    bool ReadOpBoxButton(BoxRecord& box, std::string_view kind);
+    bool ReadButtonBlock(ButtonRecord& button);
+    bool ReadButtonItem(ButtonRecord& button, std::string_view keyword);
+    bool ReadText(ButtonRecord& button, std::string_view keyword);
+    bool ReadNumbers(ButtonRecord& button, const NumberType& type);
+    bool ReadGeneric(ButtonRecord& button, std::string_view keyword);
 
-    CTvDoc& m_document;
-    DocumentHost& m_host;
-    bool m_lostText = false;
-    DefinitionTexts m_definitions;
-    bool m_hasLookedAhead = false;  // for the operators to come
-    // State of the box block at work.
-    size_t m_inputCursor = 0;
-    size_t m_outputCursor = 0;
-    const COpButton* m_inputRead = nullptr;  // the input whose block was read last
-    std::set<std::string> m_namesSeen;
-    // Boxes by number, for the connections; of a number that the file has twice, the last counts.
-    std::unordered_map<int, COpBox*> m_byWid;
+    // The next token, as a view that lives as long as the form; false at the end of the text.
+    bool Next(std::string_view& token);
+    bool Operand(std::string_view& token) { return Next(token) || Unexpected(); }
+    bool Operand(int& number);
+    // Left empty where there is none.
+    template <typename Value>
+    bool Operand(std::optional<Value>& value) {
+        Value read{};
+        if (!Operand(read)) return false;
+        value = read;
+        return true;
+    }
+    // `read` counts those that there are.
+    bool Operands(std::span<float> numbers, size_t& read);
+    bool Expect(std::string_view text);
+    bool Stop(std::string message);
+    bool Unexpected() { return Stop("unexpected input"); }
+    void AddError(ReadingError::Kind kind, std::string message);
+
+    // A record that begins with the token read last.
+    DocumentRecord Begun() const;
+    // What was read last is the record's end.
+    void End(DocumentRecord& record) const { record.end = TokenEnd(); }
+    size_t TokenEnd() const;
+    template <typename Record>
+    Record& AddSection(const DocumentRecord& begun) {
+        return std::get<Record>(m_form.sections.emplace_back(Record{begun, {}}));
+    }
+
+    DocumentForm m_form;
+    CArchive& m_archive;
+    std::string m_token;      // of a token that has to be put together
+    size_t m_tokenBegin = 0;  // of the token read last
 };
 
 }  // namespace tavrin

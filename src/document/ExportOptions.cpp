@@ -40,17 +40,21 @@ bool EndsInSeparator(const std::string& path) {
     return !path.empty() && (path.back() == '/' || path.back() == '\\');
 }
 
-void ReadLine(std::string_view line, const ExportKey& key, CExportOptions& options) {
+}  // namespace
+
+bool IsExportOption(std::string_view key) { return FindKey(key) != nullptr; }
+
+void SetExportOption(CExportOptions& options, std::string_view key, std::string_view line) {
+    const ExportKey* known = FindKey(key);
+    if (known == nullptr) return;
     FieldScanner scanner(line);
     const auto flag = scanner.Int();
-    if (flag) options.*key.flag = *flag;
-    std::string& path = options.*key.path;
+    if (flag) options.*known->flag = *flag;
+    std::string& path = options.*known->path;
     if (const std::string_view text = Trim(scanner.Rest()); flag && !text.empty()) path = text;
     path = Trim(path);
-    if (key.isDirectory && !EndsInSeparator(path)) path += Separator(kNativeStyle);
+    if (known->isDirectory && !EndsInSeparator(path)) path += Separator(kNativeStyle);
 }
-
-}  // namespace
 
 bool ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report) {
     std::string token;
@@ -58,12 +62,11 @@ bool ReadExportOptions(CArchive& archive, CExportOptions& options, Report& repor
     while (ReadToken(archive, token) && token != "}") {
         std::string_view rest;
         archive.ReadLine(rest);  // of an unknown option too: its flag and path are no words of the caller's
-        const ExportKey* key = FindKey(token);
-        if (key == nullptr) {
+        if (!IsExportOption(token)) {
             report.AlertAt(archive, "unknown export option: %s", token.c_str());
             return false;
         }
-        ReadLine(rest, *key, options);
+        SetExportOption(options, token, rest);
     }
     return true;
 }

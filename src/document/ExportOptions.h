@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tavrin {
 
@@ -25,10 +26,13 @@ struct CExportOptions {
     std::string postSaveScript;  // a command, split into words by blanks and double quotes
 };
 
-// Reads an `exportoptions` clause of a site file or a document from behind its keyword. A line sets its
-// flag, and its path unless that is empty; the directories get a closing separator. The line of an unknown
-// key is passed over; then the key is alerted as "unknown export option: KEY" and ends the reading; false
-// then.
+bool IsExportOption(std::string_view key);
+// Takes the line of a known key: it sets the flag, and the path unless that is empty; a directory gets a closing
+// separator.
+void SetExportOption(CExportOptions& options, std::string_view key, std::string_view line);
+
+// Reads an `exportoptions` clause of a site file from behind its keyword. The line of an unknown key is passed
+// over; then the key is alerted as "unknown export option: KEY" and ends the reading; false then.
 bool ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report);
 
 // The lines of the clause in a document, between its braces. They end in LF alone; a line break in a path or

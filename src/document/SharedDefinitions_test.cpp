@@ -21,8 +21,8 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 // Writes the operator to "runs", then its file to the output and its warnings to the errors. A definition
-// that begins with "refused" fails, one that begins with "silent" has no output, one that begins with "stuck"
-// never ends, and "icontext breaks" takes part.txt away from the library.
+// that begins with "refused" fails, one that begins with "silent" has no output, and one that begins with "stuck"
+// never ends.
 constexpr const char* kRedirect = R"(my ($in, $out, $err, $spp, $def) = @ARGV;
 (my $name = $def) =~ s/.*\d\.//;
 open my $runs, '>>', "$ENV{TAVRN_WORKDIR}/runs"; syswrite $runs, "$name\n";
@@ -31,7 +31,6 @@ open my $d, '<', $def; local $/; my $text = <$d>;
 print STDERR "$name is refused\n" and exit 3 if $text =~ /^refused/;
 print STDERR "$name is old" if $text =~ /^icontext old/;
 exit 0 if $text =~ /^silent/;
-$def =~ s{/menu/.*}{/part.txt} and unlink $def if $text =~ /^icontext breaks/;
 sleep 1 while $text =~ /^stuck/;
 open my $o, '>', $out; print $o $text;
 )";
@@ -189,15 +188,19 @@ TEST_F(SharedDefinitions, AParseErrorNamesAFileThatHoldsTheText) {
 
 TEST_F(SharedDefinitions, SoDoesTheErrorOfALaterBoxOfItsOperator) {
     AddOperator("Odd", "icontext odd\ncodegen.main-body append@part.txt\n");
-    AddOperator("Breaks", "icontext breaks\n");
-    host.Directory().Write("installation/mini/part.txt", "a part\n");
-    // The one between is not seen beforehand, so that it runs when its box comes, and takes the part away.
-    EXPECT_FALSE(
-        Load("opdesk { opbox { filename Odd wid 1 } opbox { # \n filename Breaks wid 2 }\n"
-             "opbox { filename Odd wid 3 } }"));
+    AddOperator("Old", "icontext old\n");
+    // At the warning of the box between, the template's file goes.
+    struct Removing : test::CollectingSink {
+        void OnLog(std::string_view) override { std::remove(part.c_str()); }
+        std::string part;
+    } sink;
+    sink.part = host.Directory().Write("installation/mini/part.txt", "a part\n");
+    Site().report.SetSink(&sink);
+    EXPECT_FALSE(Load(Boxes({"Odd", "Old", "Odd"})));
+    Site().report.SetSink(&host.Sink());
     const std::string file = Site().WorkPath("boxdef.tmp");
-    EXPECT_THAT(Alerts(), ElementsAre(StartsWith(file + " near line 3: codegen.main-body")));
-    EXPECT_THAT(Texts(), ElementsAre("odd", "breaks"));
+    EXPECT_THAT(sink.alerts, ElementsAre(StartsWith(file + " near line 3: codegen.main-body")));
+    EXPECT_THAT(Texts(), ElementsAre("odd", "old"));
     EXPECT_EQ(ReadFile(file), "icontext odd\ncodegen.main-body append@part.txt\n");
 }
 
@@ -212,10 +215,16 @@ TEST_F(SharedDefinitions, NoWorkFileStaysButThoseOfTheLastDefinition) {
 
 TEST_F(SharedDefinitions, WhatAReadingThatStopsHasNotWaitedForIsEnded) {
     AddOperator("Endless", "stuck");
-    EXPECT_FALSE(Load("opdesk { opbox { filename One wid 1 } bogus opbox { filename Endless } }"));
-    EXPECT_THAT(Alerts(), ElementsAre(HasSubstr("unexpected input")));
+    EXPECT_FALSE(Load(Boxes({"One", "Missing", "Endless"})));
+    EXPECT_THAT(Alerts(), ElementsAre("Missing: unknown operator name"));
     Runs();
     EXPECT_THAT(WorkFiles(), Each(testing::AnyOf("boxdef.tmp", "errors.txt")));
+}
+
+TEST_F(SharedDefinitions, NothingIsStartedForBoxesBehindAnErrorOfTheText) {
+    EXPECT_FALSE(Load("opdesk { opbox { filename One wid 1 } bogus opbox { filename Two } }"));
+    EXPECT_THAT(Alerts(), ElementsAre(HasSubstr("unexpected input")));
+    EXPECT_THAT(Runs(), ElementsAre("One"));
 }
 
 TEST_F(SharedDefinitions, AnInterruptEndsTheReadingWithoutAWord) {

@@ -2,6 +2,7 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "document/DocumentBuilder.h"
 #include "document/DocumentReader.h"
 #include "document/DocumentWriter.h"
 #include "site/Site.h"
@@ -72,10 +73,10 @@ bool CTvDoc::Open(const std::string& path) {
         m_host.GetSite().report.Alert("unable to open %s for reading: %s", path.c_str(), error.c_str());
         return false;
     }
+    const DocumentForm form = ReadDocument(std::move(*archive));
     DeleteContents();
-    m_origin.file = FileReadFrom(path, MarkOf(archive->Rest()));
-    DocumentReader reader(*this, *archive, m_host);
-    if (!reader.Read() || reader.HasLostText()) SetCutShort();
+    m_origin.file = FileReadFrom(path, MarkOf(form.Text()));
+    if (!Load(form) || !form.errors.empty()) SetCutShort();
     return true;
 }
 
@@ -121,9 +122,9 @@ bool CTvDoc::WouldLoseUnread(const std::string& path) const {
     return cut != nullptr && cut->cutShort && IsSameFile(path, cut->path);
 }
 
-bool CTvDoc::Load(CArchive& archive) { return DocumentReader(*this, archive, m_host).Read(); }
+bool CTvDoc::Load(const DocumentForm& form) { return DocumentBuilder(*this, form, m_host).Build(); }
 
-bool CTvDoc::ReadDeskOnly(CArchive& archive) { return DocumentReader(*this, archive, m_host).ReadDeskOnly(); }
+bool CTvDoc::LoadDesk(const DocumentForm& form) { return DocumentBuilder(*this, form, m_host).BuildDesk(); }
 
 std::string CTvDoc::Store() {
     SortBoxesByWid();

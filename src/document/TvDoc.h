@@ -17,9 +17,9 @@
 
 namespace tavrin {
 
-class CArchive;
 class COpRegistry;
 class DefinitionTexts;
+class DocumentForm;
 struct Site;
 
 // What a document asks of the application that it belongs to.
@@ -71,11 +71,11 @@ class CTvDoc {
     // the document then stays as it was. Errors in the file are alerted and leave what was read;
     // WasCutShort tells.
     bool Open(const std::string& path);
-    // Reads the file's sections into the document as it stands; false if reading stopped at an error.
-    bool Load(CArchive& archive);
-    // Reads only the boxes and connections of a file. False, with an alert unless the file has no such
-    // section, if that fails.
-    bool ReadDeskOnly(CArchive& archive);
+    // Takes what a file says into the document as it stands; false if that stopped at an error.
+    bool Load(const DocumentForm& form);
+    // Takes only the boxes, the connections and the state of the desk, of what ReadDesk gave. False, with an alert
+    // unless the file has no desk, if that fails.
+    bool LoadDesk(const DocumentForm& form);
 
     // The document as its file holds it; boxes are brought into the order of their numbers.
     std::string Store();

@@ -5,11 +5,17 @@
 
 namespace tavrin {
 
+OperatorText KindOf(CArchive& operatorFile) {
+    std::string token;
+    if (!ReadToken(operatorFile, token)) return OperatorText::kEmpty;
+    operatorFile.Rewind();
+    return token == kDocumentKeyword ? OperatorText::kNetwork : OperatorText::kDefinition;
+}
+
 bool IsSavedNetwork(const std::string& path) {
     std::string reason;
-    std::string token;
     auto archive = CArchive::Open(path, reason);
-    return archive && ReadToken(*archive, token) && token == kDocumentKeyword;
+    return archive && KindOf(*archive) == OperatorText::kNetwork;
 }
 
 }  // namespace tavrin

@@ -16,5 +16,17 @@ TEST(SavedNetwork, IsKnownByItsFirstWord) {
     EXPECT_FALSE(IsSavedNetwork(directory / "missing"));
 }
 
+TEST(SavedNetwork, AnOperatorsTextIsLeftForItsReader) {
+    for (const char* text : {"# saved\ntavrn-version 1", "\nsize 1 2"}) {
+        CArchive archive = test::ArchiveOf(text);
+        EXPECT_EQ(KindOf(archive),
+                  archive.Text().starts_with('#') ? OperatorText::kNetwork : OperatorText::kDefinition);
+        EXPECT_EQ(archive.Position(), 0U) << text;
+    }
+    CArchive archive = test::ArchiveOf("# nothing\n# more\n");
+    EXPECT_EQ(KindOf(archive), OperatorText::kEmpty);
+    EXPECT_EQ(archive.LineNumber(), 3) << "where the message about it says that something is missing";
+}
+
 }  // namespace
 }  // namespace tavrin

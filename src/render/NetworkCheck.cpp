@@ -6,11 +6,10 @@
 #include <unordered_set>
 #include <utility>
 
+#include "document/DocumentForm.h"
 #include "document/TvDoc.h"
 #include "library/OpRegistry.h"
-#include "text/Archive.h"
 #include "text/Report.h"
-#include "text/Tokens.h"
 
 namespace tavrin {
 
@@ -130,32 +129,32 @@ std::vector<Finding> CheckNetwork(const CTvDoc& document, Report& report) {
     return NetworkCheck(document, report).Run();
 }
 
-std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document,
+std::vector<Finding> CheckDocumentForm(const DocumentForm& form, const CTvDoc& document,
                                        const COpRegistry& registry) {
     std::vector<Finding> findings;
     std::set<std::string> seen;
-    std::string token;
-    std::string name;
     const auto add = [&](Severity severity, const std::string& message) {
         if (seen.insert(message).second) findings.push_back({severity, {}, {}, message});
     };
-    // A box begins "opbox { filename NAME"; the words of texts and values mean nothing here.
-    std::string before;
-    std::string beforeThat;
-    while (ReadToken(archive, token)) {
-        if (token == "customshaderhelp") {
-            ReadTextBlock(archive, name);
-        } else if (token == "filename" && before == "{" && beforeThat == "opbox" &&
-                   ReadToken(archive, name)) {
+    const auto checkDesk = [&](const DeskRecord& desk) {
+        for (const auto& item : desk.items) {
+            const auto* box = std::get_if<BoxRecord>(&item);
+            if (box == nullptr) continue;
+            const std::string name(box->operatorName);
             if (registry.FindByName(name) == nullptr)
                 add(Severity::kError, "the library has no operator " + name);
-        } else if (token == "setenv" && ReadToken(archive, name)) {
-            if (!document.m_renderOptions.contains(name)) {
-                add(Severity::kWarning, "the form has no render option " + name);
-            }
-            ReadToken(archive, name);  // its value
         }
-        beforeThat = std::exchange(before, token);
+    };
+    const auto checkOptions = [&](const RenderOptionsRecord& section) {
+        for (const RenderOptionRecord& option : section.options) {
+            const std::string name(option.name);
+            if (!document.m_renderOptions.contains(name))
+                add(Severity::kWarning, "the form has no render option " + name);
+        }
+    };
+    for (const SectionRecord& section : form.sections) {
+        if (const auto* desk = std::get_if<DeskRecord>(&section)) checkDesk(*desk);
+        if (const auto* options = std::get_if<RenderOptionsRecord>(&section)) checkOptions(*options);
     }
     return findings;
 }

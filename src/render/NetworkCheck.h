@@ -6,9 +6,9 @@
 
 namespace tavrin {
 
-class CArchive;
 class COpRegistry;
 class CTvDoc;
+class DocumentForm;
 class Report;
 
 struct Finding {
@@ -30,9 +30,9 @@ struct Finding {
 // more boxes of an operator than it allows.
 std::vector<Finding> CheckNetwork(const CTvDoc& document, Report& report);
 
-// Looks at a document's file for what its reading passes over or stops at: operators that the library
-// lacks, and render options that are none of `document`'s.
-std::vector<Finding> CheckDocumentFile(CArchive& archive, const CTvDoc& document,
+// Looks at what a document's file says for what its opening passes over or stops at: operators that the library
+// lacks, and render options that are none of `document`'s. As far as the file can be read; no definition is.
+std::vector<Finding> CheckDocumentForm(const DocumentForm& form, const CTvDoc& document,
                                        const COpRegistry& registry);
 
 }  // namespace tavrin

@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "document/DocumentReader.h"
 #include "site/Site.h"
 #include "support/TestHost.h"
 
@@ -187,55 +190,68 @@ TEST(Finding, ATextNamesWhatItIsAbout) {
     EXPECT_EQ((Finding{Severity::kWarning, {}, {}, "all is odd"}).Text(), "warning: all is odd");
 }
 
-class DocumentFileCheckTest : public test::DocumentTest {
+class DocumentFormCheckTest : public test::DocumentTest {
   protected:
-    DocumentFileCheckTest() {
+    DocumentFormCheckTest() {
         host.AddOperator("Link", "input in { float { 0 0 1 0 %g } } output out { float out }");
         document.m_renderOptions["DEPTH"] = "2";
     }
     std::vector<std::string> Findings(const std::string& text) {
-        CArchive archive = test::ArchiveOf(text, "doc.tvn");
-        return TextsOf(CheckDocumentFile(archive, document, host.Registry()));
+        const DocumentForm form = ReadDocument(test::ArchiveOf(text, "doc.tvn"));
+        return TextsOf(CheckDocumentForm(form, document, host.Registry()));
     }
 };
 
-TEST_F(DocumentFileCheckTest, AFileWithKnownNamesHasNothingToTell) {
+TEST_F(DocumentFormCheckTest, AFileWithKnownNamesHasNothingToTell) {
     EXPECT_THAT(Findings(""), IsEmpty());
     EXPECT_THAT(Findings("opdesk { opbox { filename Link wid 1 } }\nrenderoptions { setenv DEPTH 3 }"),
                 IsEmpty());
 }
 
-TEST_F(DocumentFileCheckTest, WhatADocumentStoresOfItselfIsClean) {
+TEST_F(DocumentFormCheckTest, WhatADocumentStoresOfItselfIsClean) {
     Add(test::MakeLink("Link", 1)).inputs[0]->comments = "opbox { filename Gone";
     document.m_renderOptions["DEPTH"] = "filename";
     document.customshaderhelp = "The filename is in opbox { filename Gone }\r\nsetenv X 1\r\n}\r\nsetenv Y 2";
     EXPECT_THAT(Findings(document.Store()), IsEmpty());
 }
 
-TEST_F(DocumentFileCheckTest, EachOperatorThatTheLibraryLacksIsOneError) {
+TEST_F(DocumentFormCheckTest, EachOperatorThatTheLibraryLacksIsOneError) {
     EXPECT_THAT(
         Findings("opdesk { opbox { filename Gone wid 1 } opbox { filename Link wid 2 }\n"
                  "opbox { filename \"My Box\" wid 3 } opbox { filename Gone wid 4 } }"),
         ElementsAre("error: the library has no operator Gone", "error: the library has no operator My Box"));
 }
 
-TEST_F(DocumentFileCheckTest, EachRenderOptionThatTheFormLacksIsOneWarning) {
+TEST_F(DocumentFormCheckTest, EachRenderOptionThatTheFormLacksIsOneWarning) {
     EXPECT_THAT(Findings("renderoptions { setenv GONE 1 setenv DEPTH 2 setenv LOST \"a b\" setenv GONE 2 }"),
                 ElementsAre("warning: the form has no render option GONE",
                             "warning: the form has no render option LOST"));
 }
 
-TEST_F(DocumentFileCheckTest, TheValueOfAnOptionIsNoKeyword) {
+TEST_F(DocumentFormCheckTest, TheValueOfAnOptionIsNoKeyword) {
     EXPECT_THAT(Findings("renderoptions { setenv DEPTH setenv setenv DEPTH filename setenv LOST 1 }"),
                 ElementsAre("warning: the form has no render option LOST"));
 }
 
-TEST_F(DocumentFileCheckTest, AFileThatIsCutShortIsLookedAtAsFarAsItGoes) {
+TEST_F(DocumentFormCheckTest, AFileThatIsCutShortIsLookedAtAsFarAsItGoes) {
     EXPECT_THAT(Findings("opdesk { opbox { filename Gone wid 1 } opbox { filename"),
                 ElementsAre("error: the library has no operator Gone"));
     EXPECT_THAT(Findings("renderoptions { setenv LOST 1 setenv"),
                 ElementsAre("warning: the form has no render option LOST"));
     EXPECT_THAT(Findings("customshaderhelp\n{\nfilename"), IsEmpty());
+}
+
+TEST_F(DocumentFormCheckTest, ALookIntoAFileLeavesEverythingAsItIs) {
+    const std::string before = document.Store();
+    EXPECT_THAT(Findings("tavrn-renderer other\nopdesk { opbox { filename Link wid 1 } opbox { filename Gone } }\n"
+                         "renderoptions { setenv DEPTH 3 setenv LOST 1 }\ntoolbar { an error"),
+                ElementsAre("error: the library has no operator Gone",
+                            "warning: the form has no render option LOST"));
+    EXPECT_TRUE(std::filesystem::is_empty(host.GetSite().directories.workDir)) << "no definition was read";
+    EXPECT_THAT(host.usedLibraries, IsEmpty());
+    EXPECT_THAT(Alerts(), IsEmpty());
+    EXPECT_EQ(host.Sink().log, "");
+    EXPECT_EQ(document.Store(), before);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "desk/HitTest.h"
+#include "document/DocumentReader.h"
 #include "render/RenderSession.h"
 #include "site/Site.h"
 #include "support/ChangeAuditor.h"
@@ -300,8 +301,7 @@ void DeskWalk::ExpectSavedWhole() {
     const std::string text = document.Store();
     EXPECT_EQ(document.Store(), text);
     CTvDoc other(host);
-    CArchive archive = test::ArchiveOf(text, "walk.tvn");
-    ASSERT_TRUE(other.Load(archive)) << host.Sink().LastAlert();
+    ASSERT_TRUE(other.Load(ReadDocument(test::ArchiveOf(text, "walk.tvn")))) << host.Sink().LastAlert();
     other.SetPath(document.Path());
     EXPECT_EQ(other.Store(), text);
     EXPECT_EQ(RenderSession(other, host.GetSite(), siteCodeGen).Generate().code, code);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "document/DocumentReader.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -48,7 +49,8 @@ std::string Opened(const std::string& text, bool isPure, bool deskOnly) {
     LibraryHost host(isPure);
     CTvDoc document(host);
     CArchive archive = test::ArchiveOf(text, "doc.tvn");
-    const bool isRead = deskOnly ? document.ReadDeskOnly(archive) : document.Load(archive);
+    const bool isRead = deskOnly ? document.LoadDesk(ReadDesk(std::move(archive)))
+                                 : document.Load(ReadDocument(std::move(archive)));
     const test::CollectingSink& sink = host.Sink();
     std::string result = isRead ? "read\n" : "stopped\n";
     for (const std::string& alert : sink.alerts) result += "ALERT " + alert + "\n";

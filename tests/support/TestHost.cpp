@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "base/Paths.h"
+#include "document/DocumentReader.h"
 
 namespace tavrin::test {
 
@@ -152,13 +153,11 @@ COpBox& DocumentTest::Add(COpDesk& desk, std::unique_ptr<COpBox> box) {
 }
 
 bool DocumentTest::Load(std::string_view text) {
-    CArchive archive = ArchiveOf(text, "doc.tvn");
-    return document.Load(archive);
+    return document.Load(ReadDocument(ArchiveOf(text, "doc.tvn")));
 }
 
 bool DocumentTest::LoadDeskOnly(std::string_view text) {
-    CArchive archive = ArchiveOf(text, "doc.tvn");
-    return document.ReadDeskOnly(archive);
+    return document.LoadDesk(ReadDesk(ArchiveOf(text, "doc.tvn")));
 }
 
 }  // namespace tavrin::test

@@ -20,6 +20,7 @@
 #include <filesystem>
 
 #include "base/Paths.h"
+#include "document/DocumentReader.h"
 #include "ui/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/OperatorToolBar.h"
@@ -110,7 +111,7 @@ class DocumentsTest : public FrameTest {
         std::string error;
         auto archive = CArchive::Open(path, error);
         CTvDoc scratch(App());
-        return archive && scratch.ReadDeskOnly(*archive) ? scratch.m_boxes.size() : 0;
+        return archive && scratch.LoadDesk(ReadDesk(std::move(*archive))) ? scratch.m_boxes.size() : 0;
     }
     // A document with an error behind its first two boxes; one more follows.
     std::string WriteBrokenDocument(const std::string& name) {
