@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Fuzzes a reader with libFuzzer: scripts/fuzz.sh TARGET [SECONDS]. Targets: Document, Definition, Template,
-# SiteFile, Form, Script, SgiImage. What it finds lies in build/fuzz/; put what is worth keeping into
+# Fuzzes a reader with libFuzzer: scripts/fuzz.sh TARGET [SECONDS]. Targets: Document, DocumentForm,
+# Definition, Template, SiteFile, Form, Script, SgiImage. What it finds lies in build/fuzz/; put what is worth keeping into
 # fuzz/corpus/, from where every build replays it. Needs the packages clang and libclang-rt-14-dev.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-declare -A corpora=([Document]=document [Definition]=definition [Template]=template [SiteFile]=site [Form]=form [Script]=script
-  [SgiImage]=image)
+declare -A corpora=([Document]=document [DocumentForm]=document [Definition]=definition [Template]=template [SiteFile]=site
+  [Form]=form [Script]=script [SgiImage]=image)
 target=${1:-}
 seconds=${2:-600}
 if [ -z "${corpora[$target]:-}" ]; then
