@@ -114,10 +114,7 @@ TEST_F(RenderHistoryPruningTest, GoingBackLeavesTheEntryAndTheNumbersAsTheyAre) 
     document.SetPath("/elsewhere/glass.tvn");
     EXPECT_TRUE(session.RenderIt());
     const std::string kept = test::ReadFile(InWork("1/plastic.tvn"));
-    int number = 0;
-    std::string name;
-    ASSERT_TRUE(RenderHistory::ParseEntry(session.History().Entries().back(), number, name));
-    EXPECT_TRUE(session.LoadHistoryEntry(name, number));
+    EXPECT_TRUE(session.LoadHistoryEntry(session.History().Entries().back()));
     EXPECT_EQ(document.Path(), "/elsewhere/plastic.tvn");
     EXPECT_EQ(document.Title(), "plastic.tvn");
     EXPECT_EQ(session.ShaderName(), "plastic");

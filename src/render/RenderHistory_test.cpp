@@ -136,7 +136,7 @@ TEST_F(RenderHistoryTest, GoingBackOpensTheEntryUnderTheDocumentsOwnPlace) {
     host.Directory().Write("work/3/plastic.tvn", document.Store());
     document.m_renderOptions["DEPTH"] = "4";
     host.appVariables["DEPTH"] = "1";
-    EXPECT_TRUE(Session().LoadHistoryEntry("plastic", 3));
+    EXPECT_TRUE(Session().LoadHistoryEntry("03 plastic"));
     EXPECT_EQ(document.m_renderOptions["DEPTH"], "2");
     EXPECT_EQ(document.Path(), "/documents/plastic.tvn");
     EXPECT_EQ(document.m_boxes.size(), 1U);
@@ -150,7 +150,7 @@ TEST_F(RenderHistoryTest, AnEntryGoesBackToTheFileOfTheDocumentThatWasRendered) 
     ASSERT_TRUE(document.Open(path));
     ASSERT_TRUE(Session().RenderIt());
     ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "")));
-    ASSERT_TRUE(session->LoadHistoryEntry("one", 1));
+    ASSERT_TRUE(session->LoadHistoryEntry("01 one"));
     EXPECT_EQ(document.Path(), path);
     EXPECT_FALSE(document.Origin().file->HoldsOther());
     EXPECT_FALSE(document.IsModified());
@@ -158,7 +158,7 @@ TEST_F(RenderHistoryTest, AnEntryGoesBackToTheFileOfTheDocumentThatWasRendered) 
     // An entry of the entry.
     ASSERT_TRUE(session->RenderIt());
     ASSERT_TRUE(document.Open(sameName));
-    ASSERT_TRUE(session->LoadHistoryEntry("one", 2));
+    ASSERT_TRUE(session->LoadHistoryEntry("02 one"));
     EXPECT_EQ(document.Path(), path);
     host.Directory().Write("a/one.tvn", "somebody else's");
     EXPECT_TRUE(document.Origin().file->HoldsOther());
@@ -169,7 +169,7 @@ TEST_F(RenderHistoryTest, AnEntryOfADocumentWithoutAFileHasNone) {
     document.SetPath("");
     ASSERT_TRUE(Session().RenderIt());
     document.SetPath("/documents/glass.tvn");
-    ASSERT_TRUE(session->LoadHistoryEntry("Untitled", 1));
+    ASSERT_TRUE(session->LoadHistoryEntry("01 Untitled"));
     EXPECT_EQ(document.Path(), "");
 }
 
@@ -181,7 +181,7 @@ TEST_F(RenderHistoryTest, AnEntryOfACutDocumentIsCutShortAsWell) {
     ASSERT_TRUE(Session().RenderIt());
     ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "")));
     ASSERT_FALSE(document.WasCutShort());
-    ASSERT_TRUE(session->LoadHistoryEntry("cut", 1));
+    ASSERT_TRUE(session->LoadHistoryEntry("01 cut"));
     EXPECT_TRUE(document.WasCutShort());
     EXPECT_TRUE(document.WouldLoseUnread(path));
 }
@@ -191,7 +191,7 @@ TEST_F(RenderHistoryTest, AnEntryThatIsCutItselfIsNoVersionToReplaceTheFileUnask
     document.SetPath(path);
     ASSERT_TRUE(Session().RenderIt());
     host.Directory().Write("work/1/one.tvn", "toolbar");
-    ASSERT_TRUE(session->LoadHistoryEntry("one", 1));
+    ASSERT_TRUE(session->LoadHistoryEntry("01 one"));
     EXPECT_EQ(document.Path(), path);
     EXPECT_TRUE(document.WouldLoseUnread(path));
 }
@@ -205,9 +205,17 @@ TEST_F(RenderHistoryTest, AnEntryIsFoundByItsPath) {
     EXPECT_EQ(session->EntryAt("/documents/plastic.tvn"), nullptr);
 }
 
+TEST_F(RenderHistoryTest, ALineThatIsNoEntryOpensNothing) {
+    document.SetModified();
+    EXPECT_FALSE(Session().LoadHistoryEntry("no number"));
+    EXPECT_THAT(Alerts(), ElementsAre("no number is no entry of the render history"));
+    EXPECT_EQ(document.Path(), "/documents/plastic.tvn");
+    EXPECT_TRUE(document.IsModified());
+}
+
 TEST_F(RenderHistoryTest, AnEntryThatIsGoneLeavesTheDocumentAsItWas) {
     document.SetModified();
-    EXPECT_FALSE(Session().LoadHistoryEntry("plastic", 9));
+    EXPECT_FALSE(Session().LoadHistoryEntry("09 plastic"));
     EXPECT_THAT(Alerts(), ElementsAre("unable to open " + site.WorkPath("9/plastic.tvn") +
                                       " for reading: No such file or directory"));
     EXPECT_EQ(document.Path(), "/documents/plastic.tvn");

@@ -150,8 +150,14 @@ bool RenderSession::KeepHistory(const std::string& name) {
     return false;
 }
 
-bool RenderSession::LoadHistoryEntry(const std::string& name, int number) {
-    const DocumentOrigin origin = m_history.OriginOf(RenderHistory::EntryText(number, name));
+bool RenderSession::LoadHistoryEntry(const std::string& entry) {
+    int number = 0;
+    std::string name;
+    if (!RenderHistory::ParseEntry(entry, number, name)) {
+        m_site.report.Alert("%s is no entry of the render history", entry.c_str());
+        return false;
+    }
+    const DocumentOrigin origin = m_history.OriginOf(entry);
     if (!m_document.Open(HistoryPath(name, number))) return false;
     // So that a save goes to the document's own place and never into the history.
     if (origin.file == nullptr) {

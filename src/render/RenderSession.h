@@ -38,10 +38,10 @@ class RenderSession {
     void StopRender();
 
     const RenderHistory& History() const { return m_history; }
-    // Opens the document of a history entry. It goes back to the file that it had when it was rendered; where
+    // Opens the document of an entry, a line of the history. It goes back to the file that it had when it was rendered; where
     // that is not known, its path becomes the place of a document of that name where document dialogs open.
-    // False, reported, if it cannot be opened; the document then stays as it was.
-    bool LoadHistoryEntry(const std::string& name, int number);
+    // False, reported, if the line is no entry or the document cannot be opened; it then stays as it was.
+    bool LoadHistoryEntry(const std::string& entry);
     // The entry whose document the path leads to; null if it leads to none.
     const std::string* EntryAt(const std::string& path) const;
 

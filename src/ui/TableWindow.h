@@ -20,6 +20,9 @@ class TableWindow : public ToolWindow {
     // Costs nothing while the window is hidden.
     void Refresh();
 
+    void Follow(const Change&) override { Refresh(); }
+    void TitleChanged() override { Refresh(); }
+
   protected:
     void showEvent(QShowEvent* event) override;
 

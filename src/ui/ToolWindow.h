@@ -9,6 +9,8 @@ class QCloseEvent;
 
 namespace tavrin {
 
+struct Change;
+
 // Lives as long as the frame, its parent, which it is never below once the frame is on the screen. Its close
 // button hides it.
 class ToolWindow : public QWidget {
@@ -29,6 +31,13 @@ class ToolWindow : public QWidget {
     void PlaceWhenFirstShown(std::function<QPoint()> place) { m_firstPlace = std::move(place); }
     // It has a place to be kept.
     bool IsPlaced() const { return !m_firstPlace; }
+
+    // What the frame tells all its windows; each heeds what changes what it shows.
+    virtual void Follow(const Change&) {}  // of the document, of whatever kind
+    virtual void TitleChanged() {}         // the document's name, its shader's type
+    virtual void LibraryChanged() {}       // the operators were looked for anew
+    virtual void HistoryChanged() {}       // a render was started
+    virtual void SetLocked(bool) {}        // whether the desk is locked
 
     // Called when the window was shown or hidden by whatever way.
     void OnShownOrHidden(std::function<void()> observer) { m_observer = std::move(observer); }

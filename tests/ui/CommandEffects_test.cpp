@@ -77,7 +77,7 @@ const std::vector<Effect>& Effects() {
              EXPECT_EQ(t.Desk().m_pendingBoxes.size(), 2U);
              EXPECT_EQ(BoxesShown().join('|'),
                        "Warning: Freezing slider desk to prevent mass slider creation");
-             EXPECT_TRUE(t.Frame().State().frozen);
+             EXPECT_TRUE(t.IsChecked(Id::kFreezeSliders));
          }},
         {"Save", Id::kSave, "File", "Ctrl+S", true, OpensSaved,
          [](Bench& t) {
@@ -200,7 +200,7 @@ const std::vector<Effect>& Effects() {
 
         // Options
         {"FreezeSliders", Id::kFreezeSliders, "Options", "F3", true, Nothing,
-         [](Bench& t) { EXPECT_TRUE(t.Frame().State().frozen); }},
+         [](Bench& t) { EXPECT_TRUE(t.IsChecked(Id::kFreezeSliders)); }},
         {"DisplayIcons", Id::kDisplayIcons, "Options", "", true,
          [](Bench& t) { t.Document().showiconimages = 0; },
          [](Bench& t) {
@@ -308,7 +308,7 @@ const std::vector<Effect>& Effects() {
              EXPECT_EQ(t.BoxCount(), 1) << "a box on the desk goes with its operator";
              EXPECT_EQ(t.App().Registry().FindByName("Disc"), nullptr);
              EXPECT_NE(t.App().Registry().FindByName("Extra"), nullptr);
-             const QStringList operators = test::RowsOf(*t.Frame().Windows().menuFinder);
+             const QStringList operators = test::RowsOf(t.Frame().Windows().Get<MenuFinder>());
              EXPECT_TRUE(operators.contains("Extra"));
              EXPECT_FALSE(operators.contains("Disc"));
              EXPECT_EQ(t.Frame().menuBar()->actions().last()->text(), "More");

@@ -90,7 +90,7 @@ class DeskHandTest : public test::FrameTest {
     std::string Status() { return Bytes(Frame().StatusBox().Status()); }
     std::string Boxes() { return Bytes(BoxesShown().join('|')); }
     int ArgumentRows() {
-        return Frame().Windows().argumentEditor->findChild<QTreeWidget*>()->topLevelItemCount();
+        return Frame().Windows().Of(CommandId::kArgumentEditor).findChild<QTreeWidget*>()->topLevelItemCount();
     }
 };
 

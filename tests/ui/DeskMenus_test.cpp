@@ -91,9 +91,9 @@ TEST_F(DeskMenusTest, AnArgumentShowsInItsEditorAtOnce) {
     StartWithBox();
     Do(CommandId::kArgumentEditor);
     Settle();
-    EXPECT_EQ(Column(*Frame().Windows().argumentEditor, 1), QStringList{"no"});
+    EXPECT_EQ(Column(Frame().Windows().Of(CommandId::kArgumentEditor), 1), QStringList{"no"});
     Choose(OpenOn(*Box().inputs.at(0)), {"Argument"});
-    EXPECT_EQ(Column(*Frame().Windows().argumentEditor, 1), QStringList{"yes"});
+    EXPECT_EQ(Column(Frame().Windows().Of(CommandId::kArgumentEditor), 1), QStringList{"yes"});
     EXPECT_TRUE(Frame().isWindowModified());
 }
 

@@ -62,7 +62,7 @@ class QuestionTest : public DocumentsTest, public testing::WithParamInterface<co
     void DoubleClickOldestEntry() {
         Do(CommandId::kRenderHistory);
         Settle();
-        auto* list = Frame().Windows().renderHistory->findChild<QListView*>();
+        auto* list = Frame().Windows().Of(CommandId::kRenderHistory).findChild<QListView*>();
         const int last = list->model()->rowCount() - 1;
         const QPoint at = list->visualRect(list->model()->index(last, 0)).center();
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);

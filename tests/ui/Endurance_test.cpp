@@ -135,7 +135,7 @@ TEST_F(EnduranceTest, AFloodOfOutputLeavesTheFrameResponsiveAndTheLogEndsRight) 
     Start();
     AddBoxes(1);
     const auto lastLine = [this] {
-        return Bytes(Frame().Windows().log->Edit().document()->lastBlock().previous().text());
+        return Bytes(Frame().Windows().Get<LogWindow>().Edit().document()->lastBlock().previous().text());
     };
     int ticks = 0;
     QTimer timer;

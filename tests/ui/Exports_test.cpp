@@ -69,7 +69,7 @@ class ExportsTest : public test::FrameTest {
                                   &options.shaderIfacePath, &options.renderIfacePath}) {
             *path = directory / "out/";
         }
-        Frame().Windows().exportDialog->UpdateExportPaths();
+        Frame().Windows().Get<CExportDlg>().UpdateExportPaths();
         Settle();
     }
     CExportOptions& Options() { return Document().exportOptions; }
@@ -87,7 +87,7 @@ class ExportsTest : public test::FrameTest {
     std::string Activity() { return Bytes(Frame().StatusBox().Activity()); }
 
     std::string PathShown(const char* row) {
-        for (const auto* field : Frame().Windows().exportDialog->findChildren<QLineEdit*>()) {
+        for (const auto* field : Frame().Windows().Get<CExportDlg>().findChildren<QLineEdit*>()) {
             if (field->accessibleName() == QString(row) + " Path") return Bytes(field->text());
         }
         return "no such row";
@@ -287,7 +287,7 @@ TEST_F(ExportsTest, TheOptionsFollowTheDocumentsNameAndItsShadersType) {
 TEST_F(ExportsTest, AFlagThatIsClickedIsExportedAndSaved) {
     StartWithMarble();
     Do(CommandId::kExportOptions);
-    for (auto* flag : Frame().Windows().exportDialog->findChildren<QCheckBox*>()) {
+    for (auto* flag : Frame().Windows().Get<CExportDlg>().findChildren<QCheckBox*>()) {
         if (flag->accessibleName() == "Shader Source") QTest::keyClick(flag, Qt::Key_Space);
     }
     Settle();

@@ -40,9 +40,9 @@ class HistoryDocumentTest : public DocumentsTest {
     }
     // The entries are told by their rows, the newest has 0.
     void OpenEntry(int row = 0) {
-        if (!Frame().Windows().renderHistory->isVisible()) Do(CommandId::kRenderHistory);
+        if (!Frame().Windows().Of(CommandId::kRenderHistory).isVisible()) Do(CommandId::kRenderHistory);
         Settle();
-        auto* list = Frame().Windows().renderHistory->findChild<QListView*>();
+        auto* list = Frame().Windows().Of(CommandId::kRenderHistory).findChild<QListView*>();
         const QPoint at = list->visualRect(list->model()->index(row, 0)).center();
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);

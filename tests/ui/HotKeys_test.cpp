@@ -100,7 +100,7 @@ TEST_P(HotKeys, ReachTheFrame) {
     Start();
     AddBoxes(1);
     Press("F3");
-    EXPECT_TRUE(Frame().State().frozen);
+    EXPECT_TRUE(IsChecked(Id::kFreezeSliders));
     ExpectToggles("F2", "Render Options");
     ExpectToggles("F5", "Argument Editor");
     ExpectToggles("F6", "Render History");
@@ -156,7 +156,7 @@ TEST_F(HotKeysOfTheFrame, DoNothingBehindAModalDialog) {
         dialog.reject();
     });
     Do(Id::kOpen);
-    EXPECT_FALSE(Frame().State().frozen);
+    EXPECT_FALSE(IsChecked(Id::kFreezeSliders));
     EXPECT_FALSE(IsUp("Log"));
 }
 
@@ -166,7 +166,7 @@ TEST_F(HotKeysOfTheFrame, WorkWhileTheDeskIsLocked) {
     Do(Id::kLockDesk);
     Settle();
     PressKeys("F3");
-    EXPECT_TRUE(Frame().State().frozen);
+    EXPECT_TRUE(IsChecked(Id::kFreezeSliders));
     PressKeys("F1");
     EXPECT_TRUE(LogComesTo("renderit done"));
 }

@@ -80,8 +80,8 @@ class OperatorWays : public FrameTest {
         return WaitUntil(
             [&] { return int(Document().m_boxes.size() + Desk().m_pendingBoxes.size()) == count; });
     }
-    BoxFinder& Boxes() { return *Frame().Windows().boxFinder; }
-    MenuFinder& Operators() { return *Frame().Windows().menuFinder; }
+    BoxFinder& Boxes() { return Frame().Windows().Get<BoxFinder>(); }
+    MenuFinder& Operators() { return Frame().Windows().Get<MenuFinder>(); }
     QStringList FinderRows(const QWidget& finder) {
         Settle();
         return RowsOf(finder);

@@ -29,17 +29,12 @@ std::string Text(const QRect& rect) {
 
 class PlacesTest : public FrameTest {
   protected:
-    // The tool windows, in the frame's order, with the names under which their places are stored.
+    // The tool windows with the names under which their places are stored.
     std::vector<Place> Tools() {
-        const std::vector<ToolWindow*> windows = Frame().Windows().All();
-        std::vector<Place> tools = {
-            {"RenderHistory", nullptr, true},        {"BoxFinder", nullptr, true},
-            {"MenuFinder", nullptr, true},           {"ArgumentEditor", nullptr, true},
-            {"RenderOptionsEditor", nullptr, false}, {"ExportOptionsEditor", nullptr, false},
-            {"HelpEditor", nullptr, true},           {"Log", nullptr, true},
-        };
-        EXPECT_EQ(windows.size(), tools.size());
-        for (size_t n = 0; n < tools.size(); ++n) tools[n].window = windows.at(n);
+        std::vector<Place> tools;
+        for (const WindowRow& row : WindowTable()) {
+            tools.push_back({row.place, &Frame().Windows().Of(row.command), row.keepsSize});
+        }
         return tools;
     }
     void Store(const std::string& name, const QRect& place, bool visible) {
@@ -124,8 +119,8 @@ TEST_F(PlacesTest, WindowsThatWereHiddenStayHiddenAndKeepTheirPlace) {
     Store("BoxFinder", NthPlace(1), false);
     for (int restart = 0; restart < 2; ++restart) {
         Start();
-        EXPECT_FALSE(Frame().Windows().log->isVisible());
-        EXPECT_FALSE(Frame().Windows().boxFinder->isVisible());
+        EXPECT_FALSE(Frame().Windows().Get<LogWindow>().isVisible());
+        EXPECT_FALSE(Frame().Windows().Get<BoxFinder>().isVisible());
         CloseFrame();
     }
     EXPECT_EQ(Text(Stored("Log")), Text(NthPlace(0)));
@@ -133,14 +128,14 @@ TEST_F(PlacesTest, WindowsThatWereHiddenStayHiddenAndKeepTheirPlace) {
     Start();
     Do(CommandId::kDisplayLog);
     Do(CommandId::kBoxFinder);
-    ExpectPlace(*Frame().Windows().log, NthPlace(0), "Log");
-    ExpectPlace(*Frame().Windows().boxFinder, NthPlace(1), "BoxFinder");
+    ExpectPlace(Frame().Windows().Get<LogWindow>(), NthPlace(0), "Log");
+    ExpectPlace(Frame().Windows().Get<BoxFinder>(), NthPlace(1), "BoxFinder");
 }
 
 TEST_F(PlacesTest, AWindowThatWasMovedAndThenHiddenComesBackToThatPlace) {
     Start();
     Do(CommandId::kMenuFinder);
-    QWidget& finder = *Frame().Windows().menuFinder;
+    QWidget& finder = Frame().Windows().Get<MenuFinder>();
     ASSERT_TRUE(WaitUntil([&] { return finder.isVisible() && finder.windowHandle()->isExposed(); }));
     finder.resize(500, 480);
     finder.move(333, 222);
@@ -151,14 +146,14 @@ TEST_F(PlacesTest, AWindowThatWasMovedAndThenHiddenComesBackToThatPlace) {
     EXPECT_EQ(profile.GetInt("MenuFinder.visible", -1), 0);
     Start();
     Do(CommandId::kMenuFinder);
-    ExpectPlace(*Frame().Windows().menuFinder, {333, 222, 500, 480}, "after");
+    ExpectPlace(Frame().Windows().Get<MenuFinder>(), {333, 222, 500, 480}, "after");
 }
 
 TEST_F(PlacesTest, WindowsBeyondTheRightAndBottomEdgesComeBackAHundredPixelsFromThem) {
     Store("Log", {5000, 4000, 600, 300}, true);
     Store("MainWindow", {5000, 90, 900, 700}, true);
     Start();
-    ExpectPlace(*Frame().Windows().log, {screen.width() - 100, screen.height() - 100, 600, 300}, "Log");
+    ExpectPlace(Frame().Windows().Get<LogWindow>(), {screen.width() - 100, screen.height() - 100, 600, 300}, "Log");
     ExpectPlace(Frame(), {screen.width() - 100, 90, 900, 700}, "MainWindow");
 }
 
@@ -166,7 +161,7 @@ TEST_F(PlacesTest, WindowsAtNegativePositionsStayThere) {
     Store("BoxFinder", {-60, -7, 500, 400}, true);
     Store("MainWindow", {-200, 40, 1000, 700}, true);
     Start();
-    ExpectPlace(*Frame().Windows().boxFinder, {-60, -7, 500, 400}, "BoxFinder");
+    ExpectPlace(Frame().Windows().Get<BoxFinder>(), {-60, -7, 500, 400}, "BoxFinder");
     ExpectPlace(Frame(), {-200, 40, 1000, 700}, "MainWindow");
 }
 
@@ -220,7 +215,7 @@ TEST_F(PlacesTest, WindowsThatWereNeverPlacedComeUpOnTheFrameEachOnASpotOfItsOwn
 TEST_F(PlacesTest, AWindowThatWasHiddenAndComesUpAgainHasNotMoved) {
     Start();
     Do(CommandId::kBoxFinder);
-    QWidget& finder = *Frame().Windows().boxFinder;
+    QWidget& finder = Frame().Windows().Get<BoxFinder>();
     ASSERT_TRUE(WaitUntil([&] { return finder.isVisible() && finder.windowHandle()->isExposed(); }));
     finder.move(444, 333);
     ExpectPlace(finder, {QPoint(444, 333), finder.size()}, "before");
@@ -269,7 +264,7 @@ TEST_F(PlacesTest, AMaximizedFrameComesBackMaximizedAndGoesBackToItsNormalPlace)
 TEST_F(PlacesTest, AMinimizedToolWindowKeepsItsStoredPlace) {
     Store("Log", {120, 130, 600, 300}, true);
     Start();
-    LogWindow& log = *Frame().Windows().log;
+    LogWindow& log = Frame().Windows().Get<LogWindow>();
     ExpectPlace(log, {120, 130, 600, 300}, "Log");
     log.move(400, 410);
     log.showMinimized();

@@ -159,7 +159,7 @@ class QuitTest : public FrameTest {
                 Frame().windowHandle()->close();
                 break;
             case Way::kExitCommand:
-                Frame().Commands().Update(Frame().State());
+                Frame().Commands().Update();
                 Action(CommandId::kExit).trigger();
                 break;
             case Way::kKey:

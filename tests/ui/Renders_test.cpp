@@ -80,7 +80,7 @@ class RendersTest : public test::FrameTest {
     std::string Activity() { return Bytes(Frame().StatusBox().Activity()); }
     bool ActivityIs(const std::string& pattern) { return testing::Value(Activity(), MatchesRegex(pattern)); }
 
-    QListView& HistoryList() { return *Frame().Windows().renderHistory->findChild<QListView*>(); }
+    QListView& HistoryList() { return *Frame().Windows().Of(CommandId::kRenderHistory).findChild<QListView*>(); }
     QModelIndex HistoryRow(int row) { return HistoryList().model()->index(row, 0); }
     std::vector<std::string> History() {
         std::vector<std::string> lines;
@@ -89,7 +89,7 @@ class RendersTest : public test::FrameTest {
         return lines;
     }
     void DoubleClickEntry(int row) {
-        if (!Frame().Windows().renderHistory->isVisible()) QTest::keyClick(&Frame(), Qt::Key_F6);
+        if (!Frame().Windows().Of(CommandId::kRenderHistory).isVisible()) QTest::keyClick(&Frame(), Qt::Key_F6);
         Settle();
         const QPoint at = HistoryList().visualRect(HistoryRow(row)).center();
         QTest::mouseClick(HistoryList().viewport(), Qt::LeftButton, {}, at);
@@ -193,7 +193,7 @@ TEST_F(RendersTest, ARenderThatEndsAtOnceIsToldOfAllTheSame) {
     const auto waitWithoutEvents = [this] {
         while (ChildRuns()) std::this_thread::yield();
     };
-    RenderWork renders(Frame(), Frame().Work(), Frame().StatusBox(), waitWithoutEvents);
+    RenderWork renders({Frame(), Frame().Work(), Frame().StatusBox(), waitWithoutEvents});
     renders.RenderIt();
     EXPECT_TRUE(ActivityIs(std::string("Rendered marble in ") + kSeconds)) << Activity();
     Settle();

@@ -65,7 +65,7 @@ class ScriptsTest : public FrameTest {
     }
     std::string Title() { return Bytes(Frame().windowTitle()); }
     std::string Boxes() { return Bytes(BoxesShown().join('|')); }
-    QWidget& RenderOptions() { return *Frame().Windows().All().at(4); }
+    QWidget& RenderOptions() { return Frame().Windows().Of(CommandId::kRenderOptions); }
 };
 
 // What the dialog of Run Script shows when it comes; it is then left by the file, or cancelled.
@@ -138,7 +138,7 @@ TEST_F(ScriptsTest, HaltScriptStopsTheRenderAndNoStatementFollows) {
     Start();
     bool halted = false;
     RunHeld("form render render\nform nonsense\n", [&] {
-        Frame().Commands().Update(Frame().State());
+        Frame().Commands().Update();
         Action(CommandId::kHaltScript).trigger();
         EXPECT_FALSE(Dispatch().ScriptRunning());
         EXPECT_FALSE(ChildRuns());
@@ -248,7 +248,7 @@ TEST_F(ScriptsTest, TheInterfaceLivesWhileAScriptWaits) {
         timer.start(1);
         EXPECT_TRUE(WaitUntil([&] { return ticks >= 5; }));
         QTest::keyClick(&Frame(), Qt::Key_B, Qt::ControlModifier);
-        EXPECT_TRUE(Frame().Windows().boxFinder->isVisible());
+        EXPECT_TRUE(Frame().Windows().Get<BoxFinder>().isVisible());
         EXPECT_TRUE(WaitUntil([&] { return Action(CommandId::kBoxFinder).isChecked(); }));
         // What a child says is read as it comes, and alerts come up.
         PressWhenBoxComes("OK");
@@ -334,7 +334,7 @@ TEST_F(ScriptsTest, HidingTheRenderOptionsHidesTheirWindowAlone) {
     ASSERT_TRUE(RenderOptions().isVisible());
     EXPECT_TRUE(Run("form roe hide"));
     EXPECT_FALSE(RenderOptions().isVisible());
-    EXPECT_TRUE(Frame().Windows().boxFinder->isVisible());
+    EXPECT_TRUE(Frame().Windows().Get<BoxFinder>().isVisible());
     EXPECT_TRUE(WaitUntil([&] { return !Action(CommandId::kRenderOptions).isChecked(); }));
     EXPECT_TRUE(Act("form", "roe", "hide"));
     EXPECT_FALSE(RenderOptions().isVisible());

@@ -20,8 +20,8 @@ QString PlainText(QString text) { return text.remove('&').remove("..."); }
 
 }  // namespace
 
-CommandActions::CommandActions(QMainWindow& frame, std::function<void(CommandId)> run)
-    : m_run(std::move(run)) {
+CommandActions::CommandActions(QMainWindow& frame, std::function<void()> hasRun)
+    : m_hasRun(std::move(hasRun)) {
     for (const CommandSpec& spec : CommandTable()) Add(frame, spec);
     AddHotKeys(frame);
 }
@@ -33,9 +33,7 @@ void CommandActions::Add(QMainWindow& frame, const CommandSpec& spec) {
     if (*spec.icon != '\0') action->setIcon(Icon(spec.icon));
     action->setMenuRole(QAction::NoRole);
     action->setStatusTip(spec.tip);
-    action->setCheckable(spec.checked != nullptr);
-    // In a menu the icon would stand where the check mark belongs.
-    action->setIconVisibleInMenu(spec.checked == nullptr);
+    action->setEnabled(false);
     // Hot keys are looked up by shortcuts of their own: a key that is bound twice fires neither.
     if (!IsHotKey(spec.id)) {
         QList<QKeySequence> keys;
@@ -44,7 +42,7 @@ void CommandActions::Add(QMainWindow& frame, const CommandSpec& spec) {
         action->setShortcuts(keys);
     }
     SetText(spec.id, spec.text);
-    QObject::connect(action, &QAction::triggered, &frame, [this, id = spec.id] { m_run(id); });
+    QObject::connect(action, &QAction::triggered, &frame, [this, id = spec.id] { Run(id); });
     frame.addAction(action);
 }
 
@@ -54,8 +52,24 @@ void CommandActions::AddHotKeys(QMainWindow& frame) {
         auto* hotKey = new QShortcut(QKeySequence(key++), &frame);
         hotKey->setContext(Qt::ApplicationShortcut);
         hotKey->setAutoRepeat(false);
-        QObject::connect(hotKey, &QShortcut::activated, &frame, [this, id] { m_run(id); });
+        QObject::connect(hotKey, &QShortcut::activated, &frame, [this, id] { Run(id); });
     }
+}
+
+void CommandActions::On(CommandId id, CommandHandler handler) {
+    const bool hasMark = handler.checked != nullptr;
+    const auto [place, isFirst] = m_handlers.emplace(id, std::move(handler));
+    if (!isFirst) qWarning("command %d is handled already", static_cast<int>(id));
+    QAction& action = Get(id);
+    action.setEnabled(true);
+    action.setCheckable(hasMark);
+    // In a menu the icon would stand where the check mark belongs.
+    action.setIconVisibleInMenu(!hasMark);
+}
+
+void CommandActions::Run(CommandId id) {
+    if (const auto handler = m_handlers.find(id); handler != m_handlers.end()) handler->second.run();
+    m_hasRun();
 }
 
 void CommandActions::SetText(CommandId id, const QString& text) {
@@ -66,11 +80,11 @@ void CommandActions::SetText(CommandId id, const QString& text) {
     action.setToolTip(key.isEmpty() ? PlainText(text) : PlainText(text) + " (" + key + ")");
 }
 
-void CommandActions::Update(const FrameState& state) {
-    for (const CommandSpec& spec : CommandTable()) {
-        QAction& action = Get(spec.id);
-        action.setEnabled(spec.enabled == nullptr || spec.enabled(state));
-        if (spec.checked != nullptr) action.setChecked(spec.checked(state));
+void CommandActions::Update() {
+    for (const auto& [id, handler] : m_handlers) {
+        QAction& action = Get(id);
+        action.setEnabled(!handler.enabled || handler.enabled());
+        if (handler.checked) action.setChecked(handler.checked());
     }
 }
 

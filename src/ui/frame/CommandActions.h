@@ -14,17 +14,31 @@ class QToolBar;
 
 namespace tavrin {
 
-// Belongs to the frame, which owns the actions.
+// What a command does, and its rules as they are at the moment of asking.
+struct CommandHandler {
+    std::function<void()> run;
+    std::function<bool()> enabled = {};  // nothing: always
+    std::function<bool()> checked = {};  // nothing: no check mark
+};
+
+// Belongs to the frame, which owns the actions. Each command is handled by whoever has its subject; one that
+// nobody handles is disabled and does nothing.
 class CommandActions {
   public:
-    // `run` does a command when its action is chosen and enabled. The hot keys reach it from every window of
-    // the program, and whether the command is enabled or not: it tells by itself why it cannot be done.
-    CommandActions(QMainWindow& frame, std::function<void(CommandId)> run);
+    // `hasRun` is called after each command.
+    CommandActions(QMainWindow& frame, std::function<void()> hasRun);
+
+    // To be called once for a command.
+    void On(CommandId id, CommandHandler handler);
+    // Does a command, whether it is enabled or not: it tells by itself why it cannot be done. The hot keys
+    // reach this from every window of the program.
+    void Run(CommandId id);
 
     QAction& Get(CommandId id) const { return *m_actions.at(id); }
     // The menu's text, the key left out; '&' and all.
     void SetText(CommandId id, const QString& text);
-    void Update(const FrameState& state);
+    // Brings the actions in line with the rules.
+    void Update();
 
     // Fills a menu, a toolbar. Submenus of recent files are handed to `addRecentFiles`.
     void Fill(QMenu& menu, const std::vector<Slot>& slots,
@@ -35,8 +49,9 @@ class CommandActions {
     void Add(QMainWindow& frame, const CommandSpec& spec);
     void AddHotKeys(QMainWindow& frame);
 
-    std::function<void(CommandId)> m_run;
+    std::function<void()> m_hasRun;
     std::map<CommandId, QAction*> m_actions;
+    std::map<CommandId, CommandHandler> m_handlers;
 };
 
 }  // namespace tavrin

@@ -1,23 +1,19 @@
-// The commands of the main window as data: texts, keys, icons, and when each is enabled and checked.
+// The commands of the main window as data: texts, keys, icons, and where they stand in menus and toolbar.
 #pragma once
 
 #include <vector>
 
 #include "app/CommandId.h"
-#include "ui/frame/FrameState.h"
 
 namespace tavrin {
 
-using StateRule = bool (*)(const FrameState&);
-
+// A row of app/CommandList.def, which tells its columns.
 struct CommandSpec {
     CommandId id;
-    const char* text;             // of the menu item; '&' before the letter that chooses it
-    const char* keys;             // accelerators, joined by ";"; empty for none
-    const char* icon;             // name of the drawing; empty for none
-    const char* tip;              // status tip, and tool tip together with the keys
-    StateRule enabled = nullptr;  // nothing: always
-    StateRule checked = nullptr;  // nothing: no check mark
+    const char* text;
+    const char* keys;
+    const char* icon;
+    const char* tip;
 };
 
 // In the order of the menus.
@@ -43,8 +39,5 @@ const std::vector<Slot>& ToolBarLayout();
 
 // The keys that work in every tool window as well, F1 first.
 const std::vector<CommandId>& HotKeys();
-
-// While the desk is locked, the menu bar's items from this place up to the last but one are grey.
-inline constexpr int kFirstLockedMenu = 5;
 
 }  // namespace tavrin

@@ -1,12 +1,17 @@
 #include "ui/frame/DocumentWork.h"
 
+#include <utility>
+
 #include "app/RecentFiles.h"
 #include "app/Workspace.h"
 #include "base/Paths.h"
 #include "ui/FileDialogs.h"
 #include "ui/Messages.h"
 #include "ui/Text.h"
+#include "ui/frame/CommandActions.h"
 #include "ui/frame/RenderWork.h"
+#include "ui/frame/SafetyCopies.h"
+#include "ui/sliders/SliderPane.h"
 
 namespace tavrin {
 
@@ -18,20 +23,25 @@ constexpr const char* kExtension = "tvn";
 
 }  // namespace
 
-DocumentWork::DocumentWork(QWidget& frame, Workspace& work, RenderWork& renders, RecentFiles& recentFiles,
-                           Callbacks callbacks)
-    : m_frame(frame),
-      m_work(work),
-      m_renders(renders),
-      m_recentFiles(recentFiles),
-      m_callbacks(std::move(callbacks)) {
+DocumentWork::DocumentWork(Needs needs) : m_needs(std::move(needs)), m_work(m_needs.work) {
     m_work.exporter.AskBeforeLoss([this](const std::string& path) { return MayLoseUnread(path); });
+}
+
+void DocumentWork::AddTo(CommandActions& commands) {
+    const CTvDoc& document = m_work.document;
+    // One that came from the history of renders differs from its file and has not been modified.
+    const auto canSave = [&document] { return document.IsModified() || document.DiffersFromFile(); };
+    commands.On(CommandId::kNew, {[this] { New(); }});
+    commands.On(CommandId::kOpen, {[this] { Open(); }});
+    commands.On(CommandId::kMerge, {[this] { Merge(); }});
+    commands.On(CommandId::kSave, {[this] { Save(); }, canSave});
+    commands.On(CommandId::kSaveAs, {[this] { SaveAs(); }});
 }
 
 void DocumentWork::New() {
     if (!SettleChanges()) return;
     m_work.commands.New();
-    m_callbacks.workIsSafe();
+    m_needs.copies.Discard();
 }
 
 void DocumentWork::Open() {
@@ -41,7 +51,7 @@ void DocumentWork::Open() {
     request.directory = m_work.app.GetSite().directories.docBrowserDir;
     request.extension = kExtension;
     request.filterIndex = m_lastFilterIndex;
-    const auto chosen = AskFileToOpen(&m_frame, request);
+    const auto chosen = AskFileToOpen(&m_needs.frame, request);
     if (!chosen) return;
     m_work.app.GetSite().directories.docBrowserDir = PathDir(chosen->path);
     m_lastFilterIndex = chosen->filterIndex;
@@ -50,28 +60,23 @@ void DocumentWork::Open() {
 
 bool DocumentWork::OpenDocument(const std::string& path) {
     const std::string fullPath = FullPath(path);
-    int number = 0;
-    std::string name;
-    const std::string* entry = m_work.session.EntryAt(fullPath);
-    if (entry != nullptr && RenderHistory::ParseEntry(*entry, number, name))
-        return OpenHistoryEntry(name, number);
+    if (const std::string* entry = m_work.session.EntryAt(fullPath)) return OpenHistoryEntry(*entry);
     if (!SettleChanges()) return false;
     m_work.app.RestoreWorkDirectory();
-    const RenderWork::Step step(m_renders, "Opening " + Shown(PathFile(path)));
+    const RenderWork::Step step(m_needs.renders, "Opening " + Shown(PathFile(path)));
     if (!m_work.commands.Open(fullPath)) return false;
-    m_recentFiles.Add(fullPath);
-    m_callbacks.workIsSafe();
+    m_needs.recentFiles.Add(fullPath);
+    m_needs.copies.Discard();
     return true;
 }
 
-bool DocumentWork::OpenHistoryEntry(const std::string& name, int number) {
+bool DocumentWork::OpenHistoryEntry(std::string entry) {
     if (!SettleChanges()) return false;
-    const std::string entry = RenderHistory::EntryText(number, name);
-    const RenderWork::Step step(m_renders, "Opening " + Shown(entry));
-    if (!m_work.session.LoadHistoryEntry(name, number)) return false;
+    const RenderWork::Step step(m_needs.renders, "Opening " + Shown(entry));
+    if (!m_work.session.LoadHistoryEntry(entry)) return false;
     const std::string& path = m_work.document.Path();
     m_work.commands.HasBeenOpened("history entry " + entry + (path.empty() ? "" : " of " + path));
-    m_callbacks.workIsSafe();
+    m_needs.copies.Discard();
     return true;
 }
 
@@ -81,14 +86,14 @@ void DocumentWork::Merge() {
     request.filters = {kDocumentFilter};
     request.directory = m_work.app.GetSite().directories.docBrowserDir;
     request.extension = kExtension;
-    const auto chosen = AskFileToOpen(&m_frame, request);
+    const auto chosen = AskFileToOpen(&m_needs.frame, request);
     if (!chosen) return;
     m_work.app.RestoreWorkDirectory();
-    const RenderWork::Step step(m_renders, "Merging " + Shown(PathFile(chosen->path)));
+    const RenderWork::Step step(m_needs.renders, "Merging " + Shown(PathFile(chosen->path)));
     m_work.commands.Merge(chosen->path, [this] {
-        if (m_callbacks.slidersFrozen()) return;
-        ShowWarning(&m_frame, "Warning", "Freezing slider desk to prevent mass slider creation");
-        m_callbacks.freezeSliders();
+        if (m_needs.sliders.IsFrozen()) return;
+        ShowWarning(&m_needs.frame, "Warning", "Freezing slider desk to prevent mass slider creation");
+        m_needs.sliders.SetFrozen(true);
     });
 }
 
@@ -105,33 +110,33 @@ bool DocumentWork::SaveAs() {
     request.directory = path.empty() ? m_work.app.GetSite().directories.docBrowserDir : PathDir(path);
     request.file = m_work.document.Title();
     request.extension = kExtension;
-    const auto chosen = AskFileToSave(&m_frame, request);
+    const auto chosen = AskFileToSave(&m_needs.frame, request);
     return chosen && SaveTo(chosen->path, true);
 }
 
 bool DocumentWork::SaveTo(const std::string& path, bool asNew) {
     if (!MayReplace(path, asNew)) return false;
     if (!(asNew ? m_work.commands.SaveAs(path) : m_work.commands.Save(path))) return false;
-    m_recentFiles.Add(FullPath(path));
-    m_callbacks.workIsSafe();
+    m_needs.recentFiles.Add(FullPath(path));
+    m_needs.copies.Discard();
     return true;
 }
 
 bool DocumentWork::MayReplace(const std::string& path, bool wasChosen) {
     if (m_work.document.WouldLoseUnread(path)) return MayLoseUnread(path);
     if (wasChosen || !m_work.document.Origin().file->HoldsOther()) return true;
-    return AskWarning(&m_frame, Shown(path + " is there already.  Replace it?"));
+    return AskWarning(&m_needs.frame, Shown(path + " is there already.  Replace it?"));
 }
 
 bool DocumentWork::MayLoseUnread(const std::string& path) {
-    return AskWarning(&m_frame, Shown(path + " was not read to its end because of an error in it."
+    return AskWarning(&m_needs.frame, Shown(path + " was not read to its end because of an error in it."
                                              "  Saving replaces the file and loses what was not"
                                              " read.  Save anyway?"));
 }
 
 bool DocumentWork::SettleChanges() {
     if (!m_work.document.IsModified()) return true;
-    switch (AskSaveChanges(&m_frame, Shown(m_work.document.Title()))) {
+    switch (AskSaveChanges(&m_needs.frame, Shown(m_work.document.Title()))) {
         case SaveAnswer::kSave:
             return Save();
         case SaveAnswer::kDiscard:

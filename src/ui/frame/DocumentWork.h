@@ -1,29 +1,34 @@
 // The document's commands with the dialogs and questions that belong to them.
 #pragma once
 
-#include <functional>
 #include <string>
 
 class QWidget;
 
 namespace tavrin {
 
-class Profile;
+class CommandActions;
 class RecentFiles;
 class RenderWork;
+class SafetyCopies;
+class SliderPane;
 struct Workspace;
 
 // Belongs to the frame.
 class DocumentWork {
   public:
-    struct Callbacks {
-        std::function<void()> workIsSafe;        // nothing unsaved is left of what was edited
-        std::function<bool()> slidersFrozen;
-        std::function<void()> freezeSliders;
+    // All of it outlives this.
+    struct Needs {
+        QWidget& frame;
+        Workspace& work;
+        RenderWork& renders;   // tells how long the reading takes
+        SafetyCopies& copies;  // go when nothing unsaved is left of what was edited
+        SliderPane& sliders;
+        RecentFiles& recentFiles;
     };
+    explicit DocumentWork(Needs needs);
 
-    DocumentWork(QWidget& frame, Workspace& work, RenderWork& renders, RecentFiles& recentFiles,
-                 Callbacks callbacks);
+    void AddTo(CommandActions& commands);
 
     void New();
     void Open();
@@ -32,7 +37,8 @@ class DocumentWork {
     bool OpenDocument(const std::string& path);
     // Opens the copy that a render has kept, as an earlier version of the document that was rendered: nothing
     // is modified, and it can be saved where that document belongs. It is not remembered as a recent file.
-    bool OpenHistoryEntry(const std::string& name, int number);
+    // `entry` is a line of the history, which may drop it meanwhile. False as above.
+    bool OpenHistoryEntry(std::string entry);
     void Merge();
     // False if the document was not saved.
     bool Save();
@@ -48,11 +54,8 @@ class DocumentWork {
     bool MayReplace(const std::string& path, bool wasChosen);
     bool MayLoseUnread(const std::string& path);
 
-    QWidget& m_frame;
+    Needs m_needs;
     Workspace& m_work;
-    RenderWork& m_renders;  // tells how long the reading takes
-    RecentFiles& m_recentFiles;
-    Callbacks m_callbacks;
     int m_lastFilterIndex = 0;  // chosen last in the Open dialog
 };
 

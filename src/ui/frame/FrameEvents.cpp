@@ -5,21 +5,20 @@
 #include <QMimeData>
 #include <QSplitter>
 #include <QTimer>
+#include <cstdio>
 #include <utility>
 
-#include "base/Profile.h"
 #include "ui/Messages.h"
 #include "ui/Text.h"
 #include "ui/desk/DeskPane.h"
-#include "ui/frame/EventPump.h"
+#include "ui/frame/DeskWork.h"
+#include "ui/frame/DocumentWork.h"
 #include "ui/frame/MainFrame.h"
+#include "ui/frame/OperatorWork.h"
+#include "ui/frame/OptionWork.h"
 #include "ui/frame/SafetyCopies.h"
-#include "ui/frame/StatusBox.h"
-#include "ui/library/BoxFinder.h"
-#include "ui/library/MenuFinder.h"
+#include "ui/frame/ScriptWork.h"
 #include "ui/library/OperatorToolBar.h"
-#include "ui/render/ExportDlg.h"
-#include "ui/sliders/HelpEditor.h"
 #include "ui/sliders/SliderPane.h"
 
 namespace tavrin {
@@ -27,6 +26,7 @@ namespace tavrin {
 namespace {
 
 constexpr std::chrono::milliseconds kGrace{2000};  // for children to heed their kill file at the end
+constexpr qsizetype kFirstLockedMenu = 5;          // on the menu bar, from there up to the last but one
 
 // The document among what is being dropped; empty if there is none.
 std::string DroppedDocument(const QMimeData& data, const std::string& extension) {
@@ -39,6 +39,25 @@ std::string DroppedDocument(const QMimeData& data, const std::string& extension)
 
 }  // namespace
 
+OperatorToolBar& MainFrame::OperatorBar() { return m_operators->Bar(); }
+
+Actions& MainFrame::ActionDispatch() { return m_scripts->Dispatch(); }
+
+bool MainFrame::OpenDocumentFile(const std::string& path) { return m_documents->OpenDocument(path); }
+
+void MainFrame::OnChange(const Change& change) {
+    if (change.replaced) m_operators->Refresh();
+    m_windows->Tell(&ToolWindow::Follow, change);
+    SetLocked(m_work->document.lock != 0);
+    m_idle.Request();
+}
+
+void MainFrame::LibraryChanged() {
+    m_windows->Tell(&ToolWindow::LibraryChanged);
+    // The new menus are as grey as the old.
+    if (std::exchange(m_locked, false)) SetLocked(true);
+}
+
 void MainFrame::SetLocked(bool locked) {
     if (locked == m_locked) return;
     m_locked = locked;
@@ -47,40 +66,26 @@ void MainFrame::SetLocked(bool locked) {
     const QList<QAction*> menus = menuBar()->actions();
     for (qsizetype place = kFirstLockedMenu; place < menus.size() - 1; ++place)
         menus[place]->setEnabled(!locked);
-    m_operatorBar->SetLocked(locked);
-    m_windows.boxFinder->SetLocked(locked);
-    m_windows.menuFinder->SetLocked(locked);
-}
-
-// What waits for the user on the desk.
-QString MainFrame::DeskHint() const {
-    const COpDesk& desk = m_work->desk;
-    if (!desk.m_pendingBoxes.empty()) return "Click to drop, Delete to throw away";
-    if (desk.m_selectedButton == nullptr) return {};
-    const bool isDrawn = m_desk->Gestures().Current() == DeskGestures::Kind::kWiring;
-    return isDrawn ? "Release on a button to wire it" : "Click a button to wire it, the desk to let go";
-}
-
-// Unless something else is shown by now.
-void MainFrame::DropStaleHelp() {
-    const auto help = m_desk->Gestures().TakeStaleHelp();
-    if (help && m_statusBox->Shows(*help)) m_statusBox->SetStatus(kDeskHint);
+    m_operators->Bar().SetLocked(locked);
+    m_windows->Tell(&ToolWindow::SetLocked, locked);
 }
 
 void MainFrame::OnIdle() {
     if (m_isClosed) return;
-    const FrameState state = State();
-    m_actions->Update(state);
-    m_operatorBar->SetRenderEnabled(SpecOf(CommandId::kRenderIt).enabled(state));
+    m_commands.Update();
+    m_operators->Bar().SetRenderEnabled(m_commands.Get(CommandId::kRenderIt).isEnabled());
     setWindowModified(m_work->document.IsModified());
-    m_statusBox->SetHint(DeskHint());
-    DropStaleHelp();
+    m_deskWork->UpdateHints();
     m_idleWork->Step();
 }
 
-bool MainFrame::PumpMessages(std::chrono::milliseconds wait) {
-    PumpEvents(wait);
-    return !m_isClosed;
+void MainFrame::Fail(const std::string& text, int status) {
+    if (HasFailed()) return;
+    m_failure = status;
+    std::fprintf(stderr, "tavrin: %s\n", text.c_str());
+    ShowStop(this, "Fatal Error", Shown(text));
+    m_isClosed = true;
+    QCoreApplication::quit();
 }
 
 void MainFrame::SaveAside() { m_safetyCopies->Update(); }
@@ -88,9 +93,9 @@ void MainFrame::SaveAside() { m_safetyCopies->Update(); }
 // The questions before the end, in their order. Until the last is answered the program may go on, so nothing
 // of the session is ended or removed before, but for a script.
 bool MainFrame::MayClose() {
-    if (m_dispatch.ScriptRunning()) {
+    if (ActionDispatch().ScriptRunning()) {
         if (!AskWarning(this, "Running script.  Quit anyway?")) return false;
-        m_dispatch.HaltScript();
+        ActionDispatch().HaltScript();
     }
     const std::string& workDir = GetSite().directories.workDir;
     // A child at work would fill the directory again, or lose the ground under its feet.
@@ -102,8 +107,8 @@ bool MainFrame::MayClose() {
     }
     WindowPlaces places(m_profile);
     places.SaveWindow(*this, kPlaceName, m_normalPlace);
-    if (m_hasBeenShown) m_windows.SavePlaces(places);
-    m_profile.SetInt(kScrollBarsKey, m_desk->ScrollBarsShown() ? 1 : 0);
+    if (m_hasBeenShown) m_windows->SavePlaces(places);
+    m_options->Save();
     return m_documents->SettleChanges();
 }
 
@@ -116,7 +121,7 @@ void MainFrame::setVisible(bool visible) {
     if (!isFirst) return;
     // Not before the frame is on its way to the screen: a window manager that does not know the frame yet
     // cannot keep them over it.
-    m_windows.RestorePlaces(places, [this] { return ViewsOnScreen(); });
+    m_windows->RestorePlaces(places, [this] { return ViewsOnScreen(); });
     m_idleWork->ShowSplash();
     m_idle.Request();
 }
@@ -135,7 +140,7 @@ void MainFrame::closeEvent(QCloseEvent* event) {
         m_app.CloseDown(kGrace);
     }
     m_safetyCopies->Discard();
-    for (ToolWindow* window : m_windows.All()) window->hide();
+    m_windows->HideAll();
     event->accept();
     QCoreApplication::quit();
 }
@@ -152,16 +157,13 @@ void MainFrame::dropEvent(QDropEvent* event) {
     });
 }
 
-void MainFrame::OnChange(const Change& change) {
-    if (change.replaced) DocumentReplaced();
-    m_windows.boxFinder->Follow(change);
-    if (change.settings) {
-        m_windows.exportDialog->Refresh();
-        m_windows.helpEditor->Refresh();
-    }
-    SetLocked(m_work->document.lock != 0);
-    m_windows.RefreshTables();
-    m_idle.Request();
+void MainFrame::ShowShaderType(const std::string& type) { m_operators->Bar().ShowShaderType(type); }
+
+void MainFrame::ShowTitle(const std::string& title) {
+    // "[*]" is where the toolkit puts the mark of a modified document.
+    setWindowTitle(Shown(title).replace("[*]", "[*][*]") + "[*]");
+    setWindowModified(m_work->document.IsModified());
+    m_windows->Tell(&ToolWindow::TitleChanged);
 }
 
 }  // namespace tavrin

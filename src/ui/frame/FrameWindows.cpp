@@ -1,39 +1,12 @@
 #include "ui/frame/FrameWindows.h"
 
 #include <QScreen>
-#include <array>
 
-#include "ui/TableWindow.h"
-#include "ui/library/BoxFinder.h"
-#include "ui/library/MenuFinder.h"
-#include "ui/log/LogWindow.h"
-#include "ui/render/ExportDlg.h"
-#include "ui/render/RenderHistoryDlg.h"
-#include "ui/sliders/HelpEditor.h"
+#include "ui/frame/CommandActions.h"
 
 namespace tavrin {
 
 namespace {
-
-struct Place {
-    ToolWindow* window;
-    const char* name;
-    bool restoresSize;
-    QPointF share;  // of the ground's free room that is left of it and above it at first
-};
-
-std::array<Place, 8> PlacesOf(const FrameWindows& windows) {
-    return {{
-        {windows.renderHistory, "RenderHistory", true, {1, 1}},
-        {windows.boxFinder, "BoxFinder", true, {1, 0}},
-        {windows.menuFinder, "MenuFinder", true, {0, 0}},
-        {windows.argumentEditor, "ArgumentEditor", true, {0.5, 0.9}},
-        {windows.renderOptions, "RenderOptionsEditor", false, {0.2, 0.2}},
-        {windows.exportDialog, "ExportOptionsEditor", false, {0.5, 0.3}},
-        {windows.helpEditor, "HelpEditor", true, {0.7, 0.5}},
-        {windows.log, "Log", true, {0.1, 1}},
-    }};
-}
 
 // The window manager will draw round it what it draws round the frame.
 QSize WithBorder(const QWidget& window) {
@@ -41,46 +14,55 @@ QSize WithBorder(const QWidget& window) {
     return window.size() + frame.frameGeometry().size() - frame.size();
 }
 
-}  // namespace
-
-std::vector<ToolWindow*> FrameWindows::All() const {
-    std::vector<ToolWindow*> windows;
-    for (const Place& place : PlacesOf(*this)) windows.push_back(place.window);
-    return windows;
+CommandHandler HandlerOf(const WindowRow& row, ToolWindow& window) {
+    if (row.way == WindowRow::Way::kComesUp) return {[&window] { window.ComeUp(); }};
+    return {.run = [&window] { window.Toggle(); }, .checked = [&window] { return window.IsUp(); }};
 }
 
-void FrameWindows::RefreshTables() const {
-    renderOptions->Refresh();
-    argumentEditor->Refresh();
+}  // namespace
+
+FrameWindows::FrameWindows(const WindowNeeds& needs, CommandActions& commands) {
+    for (const WindowRow& row : WindowTable()) {
+        ToolWindow* window = row.make(needs);
+        m_all.push_back(window);
+        commands.On(row.command, HandlerOf(row, *window));
+        if (row.addCommands != nullptr) row.addCommands(*window, commands);
+    }
+}
+
+ToolWindow& FrameWindows::Of(CommandId command) const {
+    size_t at = 0;
+    while (WindowTable().at(at).command != command) ++at;
+    return *m_all[at];
+}
+
+void FrameWindows::OnShownOrHidden(const std::function<void()>& observer) const {
+    for (ToolWindow* window : m_all) window->OnShownOrHidden(observer);
 }
 
 void FrameWindows::RestorePlaces(WindowPlaces& places, const std::function<QRect()>& ground) const {
-    for (const Place& place : PlacesOf(*this)) {
-        if (places.RestoreWindow(*place.window, place.name, {place.restoresSize, true})) continue;
-        place.window->PlaceWhenFirstShown([windows = All(), place, ground] {
-            FirstPlaceRoom room{ground(), place.window->parentWidget()->screen()->availableGeometry(), {}};
+    for (size_t at = 0; at < m_all.size(); ++at) {
+        const WindowRow& row = WindowTable()[at];
+        ToolWindow* window = m_all[at];
+        if (places.RestoreWindow(*window, row.place, {row.keepsSize, true})) continue;
+        window->PlaceWhenFirstShown([windows = m_all, window, share = row.share, ground] {
+            FirstPlaceRoom room{ground(), window->parentWidget()->screen()->availableGeometry(), {}};
             for (const ToolWindow* other : windows) {
                 if (other->isVisible()) room.taken.push_back(other->pos());
             }
-            return FirstPlace(room, WithBorder(*place.window), place.share);
+            return FirstPlace(room, WithBorder(*window), share);
         });
     }
 }
 
 void FrameWindows::SavePlaces(WindowPlaces& places) const {
-    for (const Place& place : PlacesOf(*this)) {
-        if (place.window->IsPlaced()) places.SaveWindow(*place.window, place.name);
+    for (size_t at = 0; at < m_all.size(); ++at) {
+        if (m_all[at]->IsPlaced()) places.SaveWindow(*m_all[at], WindowTable()[at].place);
     }
 }
 
-void FrameWindows::TellState(FrameState& state) const {
-    state.exportOptionsUp = exportDialog->IsUp();
-    state.historyUp = renderHistory->IsUp();
-    state.boxFinderUp = boxFinder->IsUp();
-    state.menuFinderUp = menuFinder->IsUp();
-    state.renderOptionsUp = renderOptions->IsUp();
-    state.argumentEditorUp = argumentEditor->IsUp();
-    state.helpUp = helpEditor->IsUp();
+void FrameWindows::HideAll() const {
+    for (ToolWindow* window : m_all) window->hide();
 }
 
 }  // namespace tavrin

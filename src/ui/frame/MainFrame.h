@@ -1,45 +1,46 @@
-// The one top-level window: it holds the views and bars, and does the commands.
+// The one top-level window: it owns the parts of the desktop program, puts them together, and hands on what
+// the window system, the document and the application tell it.
 #pragma once
 
 #include <QMainWindow>
-#include <functional>
-#include <map>
 #include <memory>
 #include <string>
 
-#include "app/Actions.h"
 #include "app/RecentFiles.h"
 #include "app/TvApp.h"
 #include "app/Workspace.h"
 #include "ui/NormalPlace.h"
 #include "ui/frame/CommandActions.h"
-#include "ui/frame/DocumentWork.h"
 #include "ui/frame/EditKeys.h"
 #include "ui/frame/FrameWindows.h"
 #include "ui/frame/IdleDriver.h"
 #include "ui/frame/IdleWork.h"
 #include "ui/frame/RecentFilesMenu.h"
-#include "ui/frame/RenderWork.h"
-#include "ui/library/OperatorMenuBar.h"
 
 class QSplitter;
 
 namespace tavrin {
 
+class Actions;
 class CStatusBox;
 class DeskPane;
+class DeskWork;
+class DocumentWork;
 class OperatorToolBar;
+class OperatorWork;
+class OptionWork;
 class Profile;
 class QtQueue;
-class Recovery;
+class RenderWork;
 class SafetyCopies;
+class ScriptWork;
 class SliderPane;
 
 // Made once by the program, which shows it. Main thread only.
-class MainFrame : public QMainWindow, private ActionTarget, private TitleView {
+class MainFrame : public QMainWindow, private TitleView {
   public:
-    // What the frame's windows and the document stand on. All of it outlives the frame.
-    struct Ground {
+    // All of it outlives the frame.
+    struct Needs {
         CTvApp& app;
         QtQueue& queue;
         Profile& profile;
@@ -47,11 +48,11 @@ class MainFrame : public QMainWindow, private ActionTarget, private TitleView {
 
     // Reads the site's defaults; the log window stands before that. The splash is left out for a frame
     // that nobody sees start, as in tests.
-    MainFrame(const Ground& ground, bool showSplash);
+    MainFrame(const Needs& needs, bool showSplash);
     ~MainFrame() override;
 
     // Does a command, as its menu item would. One that is disabled is done as well, and tells why it cannot.
-    void Command(CommandId id) override;
+    void Command(CommandId id) { m_commands.Run(id); }
     // Opens a document through the normal open operation. False, reported, if that fails.
     bool OpenDocumentFile(const std::string& path);
 
@@ -63,13 +64,12 @@ class MainFrame : public QMainWindow, private ActionTarget, private TitleView {
     int ExitStatusOfFailure() const { return m_failure; }
 
     Workspace& Work() { return *m_work; }
-    const FrameWindows& Windows() const { return m_windows; }
-    CommandActions& Commands() { return *m_actions; }
+    const FrameWindows& Windows() const { return *m_windows; }
+    CommandActions& Commands() { return m_commands; }
     CStatusBox& StatusBox() { return *m_statusBox; }
-    OperatorToolBar& OperatorBar() { return *m_operatorBar; }
+    OperatorToolBar& OperatorBar();
     DeskPane& Desk() { return *m_desk; }
-    Actions& ActionDispatch() { return m_dispatch; }
-    FrameState State() const;
+    Actions& ActionDispatch();
 
     // What floats over the frame comes up with it.
     void setVisible(bool visible) override;
@@ -80,89 +80,62 @@ class MainFrame : public QMainWindow, private ActionTarget, private TitleView {
     void dropEvent(QDropEvent* event) override;
 
   private:
-    // What actions ask.
-    void Close() override { close(); }
-    void HideRenderOptions() override;
-    void OpenDocument(const std::string& path) override { OpenDocumentFile(path); }
-    void LoadFormDefaults() override;
-    bool PumpMessages(std::chrono::milliseconds wait) override;
-
-
     // What the application tells of the document.
     void ShowShaderType(const std::string& type) override;
     void ShowTitle(const std::string& title) override;
 
     // Making the frame, in this order.
-    void CreateWindows();
-    void CreateBars();
+    void TakePlace();
     void CreateClientArea();
-    void CreateMenus();
-    void RetitleCommands();
-
-    void ReloadOperators();
-    void RebuildOperatorMenus();
-    void AddOperatorById(uint32_t id);
-    void CustomizeToolBar();
-    void SetWallpaper();
-    void OpenDocumentation();
-    void RunScript();
-    void ToggleDocumentFlag(void (DocumentCommands::*toggle)());
-
-    // Say what the commands do.
-    void ConnectDocumentCommands();
-    void ConnectDeskCommands();
-    void ConnectRenderCommands();
-    void ConnectWindowCommands();
-    void ConnectOptions();
+    void CreateBars();
+    void CreateWork();
+    void CreateWindows();
+    void AddCommands();
+    void StartIdleWork(std::unique_ptr<Splash> splash);
 
     void OnChange(const Change& change);
-    void DocumentReplaced();
+    void LibraryChanged();
     void SetLocked(bool locked);
     void OnIdle();
-    QString DeskHint() const;
-    void DropStaleHelp();
+    void Fail(const std::string& text, int status);
     bool MayClose();
     QRect ViewsOnScreen() const;
 
     Site& GetSite() { return m_app.GetSite(); }
 
-    // In the profile.
-    static constexpr const char* kPlaceName = "MainWindow";
-    static constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";
+    static constexpr const char* kPlaceName = "MainWindow";  // in the profile
 
     // Routes the core's reports: the log to its window, alerts to the next idle pass.
     class Sink;
 
+    // What is below goes before what it stands on. The toolkit destroys what are plain pointers here, after
+    // all the rest.
     CTvApp& m_app;
     QtQueue& m_queue;
     Profile& m_profile;
     IdleDriver m_idle;
     EditKeys m_editKeys;
     NormalPlace m_normalPlace{*this};
-    FrameWindows m_windows;
-    std::unique_ptr<Sink> m_sink;
-    std::unique_ptr<Splash> m_splash;
-    std::unique_ptr<Workspace> m_work;
-    Actions m_dispatch;
+    CommandActions m_commands;
     RecentFiles m_recentFiles;
     RecentFilesMenu m_recentFilesMenu;
-    std::map<CommandId, std::function<void()>> m_handlers;
-    std::unique_ptr<CommandActions> m_actions;
-    std::unique_ptr<OperatorMenuBar> m_operatorMenus;
-    std::unique_ptr<DocumentWork> m_documents;
-    std::unique_ptr<RenderWork> m_renders;
-    std::unique_ptr<IdleWork> m_idleWork;
-    std::unique_ptr<SafetyCopies> m_safetyCopies;
-    QSplitter* m_splitter = nullptr;
+    LogWindow* m_log;
+    std::unique_ptr<Sink> m_sink;
+    std::unique_ptr<Workspace> m_work;
+    CStatusBox* m_statusBox = nullptr;
+    std::unique_ptr<QSplitter> m_splitter;  // what is in it works on the document
     SliderPane* m_sliders = nullptr;
     DeskPane* m_desk = nullptr;
+    std::unique_ptr<SafetyCopies> m_safetyCopies;
+    std::unique_ptr<RenderWork> m_renders;
+    std::unique_ptr<DocumentWork> m_documents;
+    std::unique_ptr<OperatorWork> m_operators;
+    std::unique_ptr<OptionWork> m_options;
+    std::unique_ptr<DeskWork> m_deskWork;
+    std::unique_ptr<FrameWindows> m_windows;
+    std::unique_ptr<ScriptWork> m_scripts;
+    std::unique_ptr<IdleWork> m_idleWork;
     Edits::Subscription m_changes;
-    CStatusBox* m_statusBox = nullptr;
-    OperatorToolBar* m_operatorBar = nullptr;
-    std::string m_imageBrowserDir;  // where Set Wallpaper starts
-    int m_sliderColumnWidth = 0;    // pixels
-    bool m_showStatus = true;
-    bool m_showSliderDesk = true;
     bool m_locked = false;
     bool m_hasBeenShown = false;
     bool m_isClosed = false;

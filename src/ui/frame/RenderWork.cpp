@@ -2,10 +2,12 @@
 
 #include <QGuiApplication>
 #include <QWidget>
+#include <utility>
 
 #include "app/Workspace.h"
 #include "base/Paths.h"
 #include "ui/Text.h"
+#include "ui/frame/CommandActions.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/render/SelectLocation.h"
 
@@ -25,16 +27,20 @@ QString Seconds(qint64 milliseconds) {
     return QString("%1:%2 min").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0'));
 }
 
+// The extension is that of the library at hand, and of this moment.
+void ShowExtension(CommandActions& commands, CommandId id, const std::string& extension) {
+    QString text = SpecOf(id).text;
+    commands.SetText(id, text.replace("()", "(" + Shown(extension) + ")"));
+}
+
 }  // namespace
 
-RenderWork::RenderWork(QWidget& frame, Workspace& work, CStatusBox& statusBox,
-                       std::function<void()> historyChanged)
-    : m_frame(frame), m_work(work), m_statusBox(statusBox), m_historyChanged(std::move(historyChanged)) {
+RenderWork::RenderWork(Needs needs) : m_needs(std::move(needs)), m_work(m_needs.work) {
     m_watch.setInterval(kTick);
     m_watch.callOnTimeout([this] { Watch(); });
     m_forget.setSingleShot(true);
     m_forget.setInterval(kForget);
-    m_forget.callOnTimeout([this] { m_statusBox.SetActivity({}); });
+    m_forget.callOnTimeout([this] { m_needs.statusBox.SetActivity({}); });
     Commands& commands = m_work.app.GetSite().commands;
     commands.OnWait([this](auto elapsed) { OnWait(elapsed); });
     commands.OnChildEnd([this](int exitCode) { OnChildEnd(exitCode); });
@@ -46,18 +52,62 @@ RenderWork::~RenderWork() {
     commands.OnChildEnd({});
 }
 
+void RenderWork::AddTo(CommandActions& commands) {
+    RenderSession& session = m_work.session;
+    const auto canRender = [this, &session] {
+        return (session.m_multipleRenders || !ChildRuns()) && !m_work.document.m_boxes.empty();
+    };
+    commands.On(CommandId::kRenderIt, {[this] { RenderIt(); }, canRender});
+    commands.On(CommandId::kStopRender, {[this] { StopRender(); }, [this] { return ChildRuns(); }});
+    AddExports(commands);
+    AddViews(commands);
+    const auto add = [&](CommandId id, bool& flag) {
+        commands.On(id, {.run = [&flag] { flag = !flag; }, .checked = [&flag] { return flag; }});
+    };
+    add(CommandId::kKeepHistory, session.m_keepHistory);
+    add(CommandId::kMultipleRenders, session.m_multipleRenders);
+}
+
+void RenderWork::AddExports(CommandActions& commands) {
+    const Site& site = m_work.app.GetSite();
+    const auto noChild = [this] { return !ChildRuns(); };
+    const auto add = [&](CommandId id, ExportKind kind, const std::string& extension) {
+        commands.On(id, {[this, kind] { ExportOne(kind); }, noChild});
+        ShowExtension(commands, id, extension);
+    };
+    add(CommandId::kExportShaderSource, ExportKind::kShaderSource, site.extShaderSource);
+    add(CommandId::kExportCompiledShader, ExportKind::kCompiledShader, site.extCompiledShader);
+    add(CommandId::kExportRenderInterface, ExportKind::kRenderIface, site.extRenderIface);
+    add(CommandId::kExportShaderInterface, ExportKind::kShaderIface, site.extShaderIface);
+    commands.On(CommandId::kExportAll, {[this] { ExportAll(); }, noChild});
+}
+
+void RenderWork::AddViews(CommandActions& commands) {
+    const Site& site = m_work.app.GetSite();
+    const auto canView = [this] { return !ChildRuns() && !m_work.document.m_boxes.empty(); };
+    const auto add = [&](CommandId id, void (RenderWork::*view)(), const std::string& extension) {
+        commands.On(id, {[this, view] { (this->*view)(); }, canView});
+        ShowExtension(commands, id, extension);
+    };
+    add(CommandId::kViewShaderSource, &RenderWork::ViewShaderSource, site.extShaderSource);
+    add(CommandId::kViewRenderInterface, &RenderWork::ViewRenderInterface, site.extRenderIface);
+    add(CommandId::kViewShaderInterface, &RenderWork::ViewShaderInterface, site.extShaderIface);
+}
+
+bool RenderWork::ChildRuns() const { return m_work.app.GetSite().commands.AnyChildRunning(); }
+
 void RenderWork::RenderIt() {
     m_work.app.RestoreWorkDirectory();
     const QString name = Shown(m_work.session.ShaderName());
     const QString number = QString::number(m_work.session.m_nextRender);
     const Step step(*this, "Saving shader " + name);
     const bool started = m_work.session.RenderIt();
-    m_historyChanged();
+    m_needs.historyChanged();
     if (started) StartWatching("Rendering " + name + " (" + number + ")", "Rendered " + name);
 }
 
 void RenderWork::StopRender() {
-    if (!m_work.app.GetSite().commands.AnyChildRunning()) return;
+    if (!ChildRuns()) return;
     m_work.session.StopRender();
     ChildrenAreStopped();
 }
@@ -78,7 +128,7 @@ void RenderWork::ExportAll() {
 
 void RenderWork::ExportOne(ExportKind kind) {
     std::string path = m_work.exporter.DocumentPath(kind);
-    if (!SelectFile(path, &m_frame, FilePurpose::kWrite)) return;
+    if (!SelectFile(path, &m_needs.frame, FilePurpose::kWrite)) return;
     m_work.app.RestoreWorkDirectory();
     const QString file = Shown(PathFile(path));
     const Step step(*this, "Saving shader " + Shown(m_work.session.ShaderName()));
@@ -117,20 +167,21 @@ void RenderWork::StartWatching(const QString& doing, const QString& done) {
 }
 
 void RenderWork::Watch() {
-    if (m_work.app.GetSite().commands.AnyChildRunning()) {
-        m_statusBox.SetActivity(m_doing + ": " + Seconds(m_since.elapsed()));
+    if (ChildRuns()) {
+        m_needs.statusBox.SetActivity(m_doing + ": " + Seconds(m_since.elapsed()));
         return;
     }
     if (!m_watch.isActive()) return;
     m_watch.stop();
-    m_statusBox.SetActivity((m_stopped ? "Stopped after " : m_done + " in ") + Seconds(m_since.elapsed()));
+    m_needs.statusBox.SetActivity((m_stopped ? "Stopped after " : m_done + " in ") +
+                                  Seconds(m_since.elapsed()));
     m_forget.start();
 }
 
 void RenderWork::OnChildEnd(int exitCode) {
     Watch();
     if (exitCode == 0 || m_stopped) return;
-    m_statusBox.SetActivity(m_doing + QString(" failed (status %1); see the log [F8]").arg(exitCode));
+    m_needs.statusBox.SetActivity(m_doing + QString(" failed (status %1); see the log [F8]").arg(exitCode));
     m_forget.start();
 }
 
@@ -153,13 +204,13 @@ void RenderWork::OnWait(std::optional<std::chrono::milliseconds> elapsed) {
 void RenderWork::TellStep(const QString& step, qint64 time) {
     if (m_stepTold >= 0 && time - m_stepTold < kTick / 2) return;
     m_stepTold = time;
-    m_statusBox.SetActivity(step + ": " + Seconds(time), true);
+    m_needs.statusBox.SetActivity(step + ": " + Seconds(time), true);
 }
 
 void RenderWork::EndTelling() {
     if (std::exchange(m_stepTold, -1) < 0 || m_watch.isActive()) return;
     m_forget.stop();
-    m_statusBox.SetActivity({});
+    m_needs.statusBox.SetActivity({});
 }
 
 RenderWork::Step::Step(RenderWork& work, const QString& name) : m_work(work) {

@@ -13,6 +13,7 @@ class QWidget;
 
 namespace tavrin {
 
+class CommandActions;
 class CStatusBox;
 struct Workspace;
 
@@ -20,8 +21,17 @@ struct Workspace;
 // step and the time; so it does while a child runs.
 class RenderWork {
   public:
-    RenderWork(QWidget& frame, Workspace& work, CStatusBox& statusBox, std::function<void()> historyChanged);
+    // All of it outlives this.
+    struct Needs {
+        QWidget& frame;
+        Workspace& work;
+        CStatusBox& statusBox;
+        std::function<void()> historyChanged;
+    };
+    explicit RenderWork(Needs needs);
     ~RenderWork();
+
+    void AddTo(CommandActions& commands);
 
     void RenderIt();
     void StopRender();
@@ -33,6 +43,8 @@ class RenderWork {
     void ViewShaderSource();
     void ViewRenderInterface();
     void ViewShaderInterface();
+
+    bool ChildRuns() const;
 
     // Commands that are waited for while it lives are told under its name, with the time since it began.
     class Step {
@@ -47,6 +59,8 @@ class RenderWork {
     };
 
   private:
+    void AddExports(CommandActions& commands);
+    void AddViews(CommandActions& commands);
     void OpenView(const QString& step, const std::function<std::optional<std::string>()>& view);
     void StartWatching(const QString& doing, const QString& done);
     void Watch();
@@ -55,10 +69,8 @@ class RenderWork {
     void TellStep(const QString& step, qint64 time);
     void EndTelling();
 
-    QWidget& m_frame;
+    Needs m_needs;
     Workspace& m_work;
-    CStatusBox& m_statusBox;
-    std::function<void()> m_historyChanged;
     QString m_step;             // what commands that are waited for are part of
     QElapsedTimer m_stepSince;  // its beginning
     qint64 m_stepTold = -1;     // its time when it was told last; -1 if it was not yet

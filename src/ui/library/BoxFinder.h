@@ -26,7 +26,7 @@ class BoxFinder : public ToolWindow {
     BoxFinder(QWidget* frame, Callbacks callbacks);
 
     // Lists what came and drops what went.
-    void Follow(const Change& change);
+    void Follow(const Change& change) override;
     // Each costs the logarithm of the count: the list itself follows when the window is shown, or at the
     // next turn of the event loop.
     void AddName(const std::string& name);
@@ -38,7 +38,7 @@ class BoxFinder : public ToolWindow {
     // The name chosen last, whose box paints highlighted; empty if none was since the window was closed.
     const std::string& CurrentName() const { return m_currentName; }
 
-    void SetLocked(bool locked) { setEnabled(!locked); }
+    void SetLocked(bool locked) override { setEnabled(!locked); }
 
   protected:
     void Closing() override;

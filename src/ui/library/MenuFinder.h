@@ -18,8 +18,9 @@ class MenuFinder : public ToolWindow {
 
     // Lists the registry's operators as they are now, each first character under a heading of its own.
     void Refresh();
+    void LibraryChanged() override { Refresh(); }
     // A locked desk takes no operators.
-    void SetLocked(bool locked) { setEnabled(!locked); }
+    void SetLocked(bool locked) override { setEnabled(!locked); }
 
   private:
     void Choose(const std::string& name);

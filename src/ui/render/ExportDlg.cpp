@@ -140,6 +140,10 @@ void CExportDlg::UpdateExportPaths() {
     Refresh();
 }
 
+void CExportDlg::Follow(const Change& change) {
+    if (change.settings) Refresh();
+}
+
 void CExportDlg::Refresh() {
     const CTvDoc* document = m_callbacks.document();
     setEnabled(document != nullptr);

@@ -36,6 +36,8 @@ class CExportDlg : public ToolWindow {
     void UpdateExportPaths();
     // Shows the document's values; commits nothing.
     void Refresh();
+    void Follow(const Change& change) override;
+    void TitleChanged() override { Refresh(); }
 
   protected:
     void changeEvent(QEvent* event) override;

@@ -4,7 +4,6 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-#include "render/RenderHistory.h"
 #include "ui/FinderList.h"
 
 namespace tavrin {
@@ -43,9 +42,9 @@ class HistoryList : public FinderList {
 }  // namespace
 
 CRenderHistoryDlg::CRenderHistoryDlg(QWidget* frame, Entries entries, Open open)
-    : ToolWindow("Render History [F6]", frame), m_entries(std::move(entries)), m_open(std::move(open)) {
+    : ToolWindow("Render History [F6]", frame), m_entries(std::move(entries)) {
     m_list = new HistoryList(this, FinderList::Colours{QColor(kBackground), QColor(kText)},
-                             [this](const std::string& entry) { OpenEntry(entry); });
+                             std::move(open));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_list);
@@ -59,12 +58,6 @@ void CRenderHistoryDlg::Refresh() {
     std::vector<FinderRow> rows;
     for (const std::string& entry : m_entries()) rows.push_back({entry});
     m_list->SetRows(std::move(rows));
-}
-
-void CRenderHistoryDlg::OpenEntry(const std::string& entry) {
-    int number = 0;
-    std::string name;
-    if (RenderHistory::ParseEntry(entry, number, name)) m_open(name, number);
 }
 
 }  // namespace tavrin

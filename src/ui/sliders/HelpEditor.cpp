@@ -108,6 +108,11 @@ void CHelpEditor::DocumentReplaced() {
     m_edit->document()->clearUndoRedoStacks();
 }
 
+void CHelpEditor::Follow(const Change& change) {
+    if (change.replaced) DocumentReplaced();
+    if (change.settings) Refresh();
+}
+
 void CHelpEditor::Commit() {
     CTvDoc* document = m_document();
     if (document == nullptr) return;

@@ -22,8 +22,9 @@ class CHelpEditor : public ToolWindow {
     // Shows the document's text, which is no change of the document. A text that is shown already is left
     // alone, with its caret and its undo steps.
     void Refresh();
-    // The same when another document came, if only by name: nothing of the one before can be undone into it.
+    // The same, and nothing of the document before can be undone into this one.
     void DocumentReplaced();
+    void Follow(const Change& change) override;
 
   private:
     void Commit();

@@ -37,6 +37,7 @@ class Bench : public FrameTest {
     using FrameTest::environment;
     using FrameTest::Frame;
     using FrameTest::HoldScripts;
+    using FrameTest::IsChecked;
     using FrameTest::Log;
     using FrameTest::Settle;
     using FrameTest::Start;

@@ -86,7 +86,7 @@ void FrameTest::Make(bool withSplash) {
     End();
     m_queue = std::make_unique<QtQueue>();
     m_app = std::make_unique<CTvApp>(m_report, *m_queue, environment, BuildPath("bin/tavrin"));
-    m_frame = std::make_unique<MainFrame>(MainFrame::Ground{*m_app, *m_queue, profile}, withSplash);
+    m_frame = std::make_unique<MainFrame>(MainFrame::Needs{*m_app, *m_queue, profile}, withSplash);
 }
 
 void FrameTest::Start() {
@@ -106,7 +106,7 @@ void FrameTest::End() {
     HandleEvents();
 }
 
-std::string FrameTest::Log() { return Bytes(m_frame->Windows().log->Text()); }
+std::string FrameTest::Log() { return Bytes(m_frame->Windows().Get<LogWindow>().Text()); }
 
 void FrameTest::AddBoxes(int count, const std::string& operatorName) {
     for (int box = 0; box < count; ++box) {
@@ -132,12 +132,12 @@ void FrameTest::Settle() {
 }
 
 bool FrameTest::IsEnabled(CommandId id) {
-    m_frame->Commands().Update(m_frame->State());
+    m_frame->Commands().Update();
     return Action(id).isEnabled();
 }
 
 bool FrameTest::IsChecked(CommandId id) {
-    m_frame->Commands().Update(m_frame->State());
+    m_frame->Commands().Update();
     return Action(id).isCheckable() && Action(id).isChecked();
 }
 

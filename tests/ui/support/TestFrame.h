@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/Actions.h"
 #include "app/TvApp.h"
 #include "base/Profile.h"
 #include "support/TestSite.h"

@@ -1,0 +1,103 @@
+#include "ui/frame/WindowTable.h"
+
+#include "app/Workspace.h"
+#include "ui/TableWindow.h"
+#include "ui/Text.h"
+#include "ui/desk/DeskPane.h"
+#include "ui/frame/CommandActions.h"
+#include "ui/frame/DocumentWork.h"
+#include "ui/frame/OperatorWork.h"
+#include "ui/library/BoxFinder.h"
+#include "ui/library/MenuFinder.h"
+#include "ui/log/LogWindow.h"
+#include "ui/render/ExportDlg.h"
+#include "ui/render/RenderHistoryDlg.h"
+#include "ui/sliders/HelpEditor.h"
+
+namespace tavrin {
+
+namespace {
+
+ToolWindow* MakeRenderHistory(const WindowNeeds& needs) {
+    return new CRenderHistoryDlg(
+        &needs.frame,
+        [&session = needs.work.session]() -> const std::deque<std::string>& {
+            return session.History().Entries();
+        },
+        [&documents = needs.documents](const std::string& entry) { documents.OpenHistoryEntry(entry); });
+}
+
+ToolWindow* MakeBoxFinder(const WindowNeeds& needs) {
+    DeskPane& desk = needs.desk;
+    return new BoxFinder(&needs.frame,
+                         {.centreOnBox = [&desk](const std::string& name) { desk.CentreOnBox(name); },
+                          .repaintDesk = [&desk] { desk.Repaint(); }});
+}
+
+ToolWindow* MakeMenuFinder(const WindowNeeds& needs) {
+    return new MenuFinder(&needs.frame, needs.work.app.Registry(),
+                          [&operators = needs.operators](uint32_t id) { operators.AddOperator(id); });
+}
+
+ToolWindow* MakeArgumentEditor(const WindowNeeds& needs) {
+    const auto inputs = [&work = needs.work] {
+        TableWindow::Rows rows;
+        const NameSource names{work.document.preparedVariables};
+        for (const COpButton* button : work.document.CollectUnconnectedInputs()) {
+            rows.push_back({Shown(button->VariableName(names)), button->arg != 0 ? "yes" : "no",
+                            Shown(button->argname), Shown(button->comments)});
+        }
+        return rows;
+    };
+    return new TableWindow("Argument Editor [F5]", &needs.frame, {"Input", "Argument", "Name", "Comment"},
+                           inputs);
+}
+
+ToolWindow* MakeRenderOptions(const WindowNeeds& needs) {
+    const auto options = [&document = needs.work.document] {
+        TableWindow::Rows rows;
+        for (const auto& [name, value] : document.m_renderOptions)
+            rows.push_back({Shown(name), Shown(value)});
+        return rows;
+    };
+    return new TableWindow("Render Options [F2]", &needs.frame, {"Option", "Value"}, options);
+}
+
+ToolWindow* MakeExportOptions(const WindowNeeds& needs) {
+    Workspace& work = needs.work;
+    return new CExportDlg(
+        &needs.frame, {.document = [&work] { return &work.document; },
+                       .defaults = [&work]() -> const CExportOptions& { return work.app.ExportDefaults(); },
+                       .updateExportPaths = [&work] { UpdateExportPaths(work.document, work.app.GetSite()); }});
+}
+
+ToolWindow* MakeHelpEditor(const WindowNeeds& needs) {
+    return new CHelpEditor(&needs.frame, [&document = needs.work.document] { return &document; });
+}
+
+ToolWindow* TheLog(const WindowNeeds& needs) { return &needs.log; }
+
+void AddLogCommands(ToolWindow& window, CommandActions& commands) {
+    auto& log = static_cast<LogWindow&>(window);
+    commands.On(CommandId::kClearLog, {[&log] { log.Clear(); }});
+}
+
+}  // namespace
+
+const std::vector<WindowRow>& WindowTable() {
+    using Id = CommandId;
+    using Way = WindowRow::Way;
+    static const std::vector<WindowRow> table = {
+        {Id::kRenderHistory, Way::kToggles, "RenderHistory", true, {1, 1}, MakeRenderHistory},
+        {Id::kBoxFinder, Way::kToggles, "BoxFinder", true, {1, 0}, MakeBoxFinder},
+        {Id::kMenuFinder, Way::kToggles, "MenuFinder", true, {0, 0}, MakeMenuFinder},
+        {Id::kArgumentEditor, Way::kToggles, "ArgumentEditor", true, {0.5, 0.9}, MakeArgumentEditor},
+        {Id::kRenderOptions, Way::kToggles, "RenderOptionsEditor", false, {0.2, 0.2}, MakeRenderOptions},
+        {Id::kExportOptions, Way::kToggles, "ExportOptionsEditor", false, {0.5, 0.3}, MakeExportOptions},
+        {Id::kShaderHelp, Way::kToggles, "HelpEditor", true, {0.7, 0.5}, MakeHelpEditor},
+        {Id::kDisplayLog, Way::kComesUp, "Log", true, {0.1, 1}, TheLog, AddLogCommands},
+    };
+    return table;
+}
+
+}  // namespace tavrin
