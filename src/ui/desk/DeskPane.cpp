@@ -62,27 +62,27 @@ void Show(QScrollBar& bar, const ScrollRange& range) {
 
 }  // namespace
 
-DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Callbacks callbacks)
+DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Needs needs)
     : QWidget(parent),
       m_document(document),
       m_desk(desk),
       m_site(site),
-      m_callbacks(std::move(callbacks)),
+      m_needs(std::move(needs)),
       m_style(DeskStyle::Read(site.settings)),
       m_view(document, m_style.zoom),
       m_fonts(m_style.font,
               [this](const std::string& message) {
-                  QTimer::singleShot(0, this, [this, message] { m_callbacks.fail(message, kNoFontStatus); });
+                  QTimer::singleShot(0, this, [this, message] { m_needs.fail(message, kNoFontStatus); });
               }),
       m_gestures(
-          {document, desk, m_view, *this, site.report, m_style.connectWidth, m_callbacks.showStatus}),
-      m_menu({document, desk, m_gestures, *this, site.types, m_callbacks.editFile}),
+          {document, desk, m_view, *this, site.report, m_style.connectWidth, m_needs.showStatus}),
+      m_menu({document, desk, m_gestures, *this, site.types, m_needs.editFile}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
       m_parts{document, desk, m_gestures, m_style, m_icons},
       m_widget(
           new DeskWidget(this, m_gestures,
                          {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
-                          [this](const std::string& message) { m_callbacks.fail(message, EXIT_FAILURE); },
+                          [this](const std::string& message) { m_needs.fail(message, EXIT_FAILURE); },
                           [this](QPoint at) { OpenMenu(at); }})),
       m_across(MakeScrollBar(Qt::Horizontal)),
       m_down(MakeScrollBar(Qt::Vertical)) {
@@ -238,7 +238,7 @@ void DeskPane::Paint() {
     DeskPen& pen = m_plain || !m_canBatch ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
     DeskPainter(m_parts, pen)
         .Paint(
-            {m_callbacks.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
+            {m_needs.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
     m_layoutDirty = false;
     m_lastZoom = m_view.Zoom();
 }

@@ -25,7 +25,7 @@ struct Site;
 // While the document is locked the frame disables it, so that no event reaches it; it is still painted.
 class DeskPane : public QWidget, private DeskView {
   public:
-    struct Callbacks {
+    struct Needs {
         std::function<std::string()> highlightedBox;  // the Box Finder's current name; empty for none
         std::function<void(const std::string&)> showStatus;
         // The program must end with this message and this exit status.
@@ -33,7 +33,7 @@ class DeskPane : public QWidget, private DeskView {
         // Opens the file of an operator for editing.
         std::function<void(const std::string&)> editFile = {};
     };
-    DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Callbacks callbacks);
+    DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Needs needs);
     ~DeskPane() override;
 
     // What COpDesk asks of its window. Layout needs no context: it can be asked for before the pane is shown.
@@ -86,7 +86,7 @@ class DeskPane : public QWidget, private DeskView {
     CTvDoc& m_document;
     COpDesk& m_desk;
     Site& m_site;
-    Callbacks m_callbacks;
+    Needs m_needs;
     DeskStyle m_style;
     DeskViewport m_view;
     DeskFonts m_fonts;

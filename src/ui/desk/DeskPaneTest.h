@@ -50,7 +50,7 @@ class DeskPaneTest : public DocumentTest {
     void MakePane() {
         pane = std::make_unique<tavrin::DeskPane>(
             nullptr, document, desk, host.GetSite(),
-            tavrin::DeskPane::Callbacks{
+            tavrin::DeskPane::Needs{
                 [this] { return highlighted; }, [this](const std::string& text) { status = text; },
                 [](const std::string& text, int) { ADD_FAILURE() << text; },
                 [this](const std::string& name) { edited.push_back(name); }});

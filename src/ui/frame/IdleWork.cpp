@@ -9,8 +9,8 @@
 
 namespace tavrin {
 
-IdleWork::IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, Callbacks callbacks)
-    : m_app(app), m_frame(frame), m_splash(std::move(splash)), m_callbacks(std::move(callbacks)) {}
+IdleWork::IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, Needs needs)
+    : m_app(app), m_frame(frame), m_splash(std::move(splash)), m_needs(std::move(needs)) {}
 
 IdleWork::~IdleWork() = default;
 
@@ -27,7 +27,7 @@ void IdleWork::Step() {
     if (m_isShowing) return;
     const bool mayGoOn = m_startupChecked || CheckStart();
     ShowPendingAlerts();
-    if (!mayGoOn) m_callbacks.quit();
+    if (!mayGoOn) m_needs.quit();
 }
 
 bool IdleWork::CheckStart() {
@@ -37,7 +37,7 @@ bool IdleWork::CheckStart() {
     m_startupChecked = true;
     const auto problem = m_app.StartUpProblem();
     if (!problem) {
-        m_callbacks.started();
+        m_needs.started();
         return true;
     }
     if (problem->isFatalError) {

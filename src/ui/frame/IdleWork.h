@@ -15,13 +15,13 @@ class Splash;
 // Belongs to the frame.
 class IdleWork {
   public:
-    struct Callbacks {
+    struct Needs {
         std::function<void()> quit;     // the program cannot go on
         std::function<void()> started;  // the checks after the start have passed
     };
 
     // Takes the splash over.
-    IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, Callbacks callbacks);
+    IdleWork(CTvApp& app, QWidget& frame, std::unique_ptr<Splash> splash, Needs needs);
     ~IdleWork();
 
     // Once the frame has been shown; nothing if the splash is gone.
@@ -37,7 +37,7 @@ class IdleWork {
     CTvApp& m_app;
     QWidget& m_frame;
     std::unique_ptr<Splash> m_splash;
-    Callbacks m_callbacks;
+    Needs m_needs;
     bool m_startupChecked = false;
     bool m_isShowing = false;  // a box is open
 };

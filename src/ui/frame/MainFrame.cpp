@@ -177,7 +177,7 @@ void MainFrame::StartIdleWork(std::unique_ptr<Splash> splash) {
         m_safetyCopies->OfferLeftovers(*this, settle);
     };
     m_idleWork =
-        std::make_unique<IdleWork>(m_app, *this, std::move(splash), IdleWork::Callbacks{quit, started});
+        std::make_unique<IdleWork>(m_app, *this, std::move(splash), IdleWork::Needs{quit, started});
     // The splash goes after its time even if nothing happens meanwhile; not a moment too early to count.
     QTimer::singleShot(Splash::kTime + 1, Qt::PreciseTimer, this, [this] { m_idle.Request(); });
 }

@@ -58,12 +58,7 @@ void ScriptWork::HideRenderOptions() { m_needs.windows.Of(CommandId::kRenderOpti
 
 void ScriptWork::OpenDocument(const std::string& path) { m_needs.documents.OpenDocument(path); }
 
-void ScriptWork::LoadFormDefaults() {
-    m_needs.app.LoadFormDefaults();
-    Change change;
-    change.options = true;
-    m_needs.windows.Tell(&ToolWindow::Follow, change);
-}
+void ScriptWork::LoadFormDefaults() { m_needs.app.LoadFormDefaults(); }
 
 bool ScriptWork::PumpMessages(std::chrono::milliseconds wait) {
     PumpEvents(wait);

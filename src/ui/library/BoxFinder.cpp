@@ -21,8 +21,8 @@ constexpr int kRowsShown = 16;
 
 }  // namespace
 
-BoxFinder::BoxFinder(QWidget* frame, Callbacks callbacks)
-    : ToolWindow("Box Finder", frame), m_callbacks(std::move(callbacks)), m_update(new QTimer(this)) {
+BoxFinder::BoxFinder(QWidget* frame, Needs needs)
+    : ToolWindow("Box Finder", frame), m_needs(std::move(needs)), m_update(new QTimer(this)) {
     m_list = new FinderList(this, {QColor(kBackground), QColor(kText)},
                             [this](const std::string& name) { Choose(name); });
     auto* layout = new QVBoxLayout(this);
@@ -62,7 +62,7 @@ void BoxFinder::Clear() {
 
 void BoxFinder::Closing() {
     m_currentName.clear();
-    m_callbacks.repaintDesk();
+    m_needs.repaintDesk();
 }
 
 void BoxFinder::showEvent(QShowEvent* event) {
@@ -84,7 +84,7 @@ void BoxFinder::UpdateList() {
 
 void BoxFinder::Choose(const std::string& name) {
     m_currentName = name;
-    m_callbacks.centreOnBox(name);
+    m_needs.centreOnBox(name);
 }
 
 }  // namespace tavrin

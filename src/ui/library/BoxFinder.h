@@ -18,12 +18,12 @@ struct Change;
 // Lives as long as the frame. Names are those of BoxTitleWid, of boxes in the network and under the mouse.
 class BoxFinder : public ToolWindow {
   public:
-    struct Callbacks {
+    struct Needs {
         std::function<void(const std::string& name)> centreOnBox;
         std::function<void()> repaintDesk;
     };
 
-    BoxFinder(QWidget* frame, Callbacks callbacks);
+    BoxFinder(QWidget* frame, Needs needs);
 
     // Lists what came and drops what went.
     void Follow(const Change& change) override;
@@ -49,7 +49,7 @@ class BoxFinder : public ToolWindow {
     void UpdateList();
     void Choose(const std::string& name);
 
-    Callbacks m_callbacks;
+    Needs m_needs;
     std::multiset<std::pair<std::string, std::string>> m_names;  // in lower case, and as it is
     std::string m_currentName;
     FinderList* m_list;  // a child

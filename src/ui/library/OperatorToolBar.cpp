@@ -86,10 +86,10 @@ QFont OperatorToolBarFont(const QLocale& system) {
     return font;
 }
 
-OperatorToolBar::OperatorToolBar(QWidget* frame, const COpRegistry& registry, Callbacks callbacks)
+OperatorToolBar::OperatorToolBar(QWidget* frame, const COpRegistry& registry, Needs needs)
     : QToolBar("Operators", frame),
       m_registry(registry),
-      m_callbacks(std::move(callbacks)),
+      m_needs(std::move(needs)),
       m_shaderType(new ShaderTypeBox(this)),
       m_font(OperatorToolBarFont(QLocale::system())) {
     setObjectName("operatorToolBar");
@@ -103,15 +103,15 @@ OperatorToolBar::OperatorToolBar(QWidget* frame, const COpRegistry& registry, Ca
     KeepWhole(*m_shaderType, kShaderTypeWidth);
     addWidget(m_shaderType);
     connect(m_shaderType, &QComboBox::activated, this, [this](int row) {
-        m_callbacks.shaderTypeChosen(m_shaderType->itemData(row).toByteArray().toStdString());
-        if (m_shaderType->ChosenByMouse()) m_callbacks.focusDesk();
+        m_needs.shaderTypeChosen(m_shaderType->itemData(row).toByteArray().toStdString());
+        if (m_shaderType->ChosenByMouse()) m_needs.focusDesk();
     });
     AddGap();
     m_render = AddButton("render", "RENDER", "Render the shader (F1)");
-    connect(m_render, &QPushButton::clicked, this, [this] { m_callbacks.render(); });
+    connect(m_render, &QPushButton::clicked, this, [this] { m_needs.render(); });
     AddGap();
     m_customize = AddButton("customize", "Customize...", "Choose the operators of this toolbar");
-    connect(m_customize, &QPushButton::clicked, this, [this] { m_callbacks.customize(); });
+    connect(m_customize, &QPushButton::clicked, this, [this] { m_needs.customize(); });
     AddGap();
 }
 
@@ -160,7 +160,7 @@ void OperatorToolBar::RebuildButtons(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const COpEntry* entry = m_registry.FindByName(name);
         if (entry == nullptr) {
-            m_callbacks.logLine("WARNING: operator " + name + " undefined");
+            m_needs.logLine("WARNING: operator " + name + " undefined");
             continue;
         }
         AddOperatorButton(*entry);
@@ -183,14 +183,14 @@ void OperatorToolBar::AddOperatorButton(const COpEntry& entry) {
         AddButton("operator", LiteralLabel(entry.name), ToolTip("Add " + Shown(entry.name) + " to the desk"));
     button->setEnabled(!m_locked);
     connect(button, &QPushButton::clicked, this,
-            [this, id = entry.id] { SendOperatorCommand(id, m_callbacks.addOperator); });
+            [this, id = entry.id] { SendOperatorCommand(id, m_needs.addOperator); });
     m_operatorButtons.push_back(button);
     m_operatorSlots.push_back(actions().back());
 }
 
 void OperatorToolBar::SetLocked(bool locked) {
     if (locked == m_locked) return;
-    m_callbacks.showStatus(locked ? kLockedText : "");
+    m_needs.showStatus(locked ? kLockedText : "");
     m_locked = locked;
     m_shaderType->setEnabled(!locked);
     m_customize->setEnabled(!locked);

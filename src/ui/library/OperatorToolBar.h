@@ -24,7 +24,7 @@ QFont OperatorToolBarFont(const QLocale& system);
 // One for the frame, which owns it. A bar too narrow for its buttons shows the rest in its extension.
 class OperatorToolBar : public QToolBar {
   public:
-    struct Callbacks {
+    struct Needs {
         std::function<void(const std::string& type)> shaderTypeChosen;  // by the user
         std::function<void()> focusDesk;                                // after a choice with the mouse
         std::function<void()> render;
@@ -34,7 +34,7 @@ class OperatorToolBar : public QToolBar {
         std::function<void(const std::string& text)> showStatus;  // an empty text clears
     };
 
-    OperatorToolBar(QWidget* frame, const COpRegistry& registry, Callbacks callbacks);
+    OperatorToolBar(QWidget* frame, const COpRegistry& registry, Needs needs);
 
     // Fills the shader type box, once: later calls do nothing. Its first row, in sorted order, is selected.
     void SetShaderTypes(const std::vector<std::string>& types);
@@ -58,7 +58,7 @@ class OperatorToolBar : public QToolBar {
     void DestroyOperatorButtons();
 
     const COpRegistry& m_registry;
-    Callbacks m_callbacks;
+    Needs m_needs;
     // Children, as are all controls of the bar.
     ShaderTypeBox* m_shaderType;
     QPushButton* m_customize;

@@ -74,8 +74,8 @@ void ShowText(QLineEdit& field, const std::string& text) {
 
 }  // namespace
 
-CExportDlg::CExportDlg(QWidget* frame, Callbacks callbacks)
-    : ToolWindow("Export Options", frame), m_callbacks(std::move(callbacks)) {
+CExportDlg::CExportDlg(QWidget* frame, Needs needs)
+    : ToolWindow("Export Options", frame), m_needs(std::move(needs)) {
     auto* grid = new QGridLayout(this);
     grid->setColumnStretch(kPathColumn, 1);
     for (int row = 0; row < kRowCount; ++row) AddRow(*grid, row);
@@ -136,7 +136,7 @@ void CExportDlg::changeEvent(QEvent* event) {
 }
 
 void CExportDlg::UpdateExportPaths() {
-    if (m_callbacks.document() != nullptr) m_callbacks.updateExportPaths();
+    if (m_needs.document() != nullptr) m_needs.updateExportPaths();
     Refresh();
 }
 
@@ -145,7 +145,7 @@ void CExportDlg::Follow(const Change& change) {
 }
 
 void CExportDlg::Refresh() {
-    const CTvDoc* document = m_callbacks.document();
+    const CTvDoc* document = m_needs.document();
     setEnabled(document != nullptr);
     const CExportOptions none{.tavrnPath = "",
                               .compiledPath = "",
@@ -162,7 +162,7 @@ void CExportDlg::Refresh() {
 }
 
 void CExportDlg::CommitAll() {
-    CTvDoc* document = m_callbacks.document();
+    CTvDoc* document = m_needs.document();
     if (document == nullptr) return;
     for (int row = 0; row < kRowCount; ++row) {
         document->exportOptions.*kRows[row].flag = m_rows[static_cast<size_t>(row)].flag->isChecked() ? 1 : 0;
@@ -171,7 +171,7 @@ void CExportDlg::CommitAll() {
 }
 
 void CExportDlg::CommitScript() {
-    CTvDoc* document = m_callbacks.document();
+    CTvDoc* document = m_needs.document();
     QLineEdit& field = *m_rows[kScriptRow].path;
     if (document == nullptr) return;
     // A pasted line feed would end the option's line in the document's file.
@@ -186,7 +186,7 @@ void CExportDlg::CommitScript() {
 }
 
 void CExportDlg::AskForFile(int row) {
-    CTvDoc* document = m_callbacks.document();
+    CTvDoc* document = m_needs.document();
     if (document == nullptr) return;
     const std::string before = document->exportOptions.*kRows[row].path;
     std::string path = before;
@@ -195,7 +195,7 @@ void CExportDlg::AskForFile(int row) {
     } else if (!SelectLocation(path, this)) {
         return;
     }
-    document = m_callbacks.document();  // scripts go on while a dialog is open
+    document = m_needs.document();  // scripts go on while a dialog is open
     if (document == nullptr) return;
     document->exportOptions.*kRows[row].path = path;
     Refresh();
@@ -219,9 +219,9 @@ bool CExportDlg::AskForScript(std::string& command) {
 void CExportDlg::ShowInfo(int row) { ShowInformation(this, LabelOf(row) + " Field", InfoOf(row)); }
 
 void CExportDlg::ResetDefaults() {
-    CTvDoc* document = m_callbacks.document();
+    CTvDoc* document = m_needs.document();
     if (document == nullptr) return;
-    document->exportOptions = m_callbacks.defaults();
+    document->exportOptions = m_needs.defaults();
     UpdateExportPaths();
     NoteEdit(*document);
 }

@@ -22,14 +22,14 @@ struct CExportOptions;
 // and disabled.
 class CExportDlg : public ToolWindow {
   public:
-    struct Callbacks {
+    struct Needs {
         std::function<CTvDoc*()> document;                // null if there is none
         std::function<const CExportOptions&()> defaults;  // the site's
         // Gives the document's five paths its present name and extensions.
         std::function<void()> updateExportPaths;
     };
 
-    CExportDlg(QWidget* frame, Callbacks callbacks);
+    CExportDlg(QWidget* frame, Needs needs);
 
     // To be called on any change of the document's name, an extension or the shader type: rebuilds the
     // document's paths, and shows them.
@@ -60,7 +60,7 @@ class CExportDlg : public ToolWindow {
     void ResetDefaults();
     static void NoteEdit(CTvDoc& document);
 
-    Callbacks m_callbacks;
+    Needs m_needs;
     std::array<Row, kRowCount> m_rows{};
 };
 
