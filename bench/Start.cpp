@@ -12,7 +12,7 @@
 
 #include "app/TvApp.h"
 #include "base/Profile.h"
-#include "ui/QtQueue.h"
+#include "ui/base/QtQueue.h"
 #include "ui/desk/DeskContext.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/MainFrame.h"

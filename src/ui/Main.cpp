@@ -1,4 +1,4 @@
 // tavrin: the desktop program.
-#include "ui/Program.h"
+#include "ui/program/Program.h"
 
 int main(int argc, char** argv) { return tavrin::RunProgram(argc, argv); }

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/frame/Splash.h"
 #include "ui/support/TestFrame.h"
 

@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <set>
 
-#include "ui/Text.h"
-#include "ui/ToolWindow.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/ToolWindow.h"
 
 namespace tavrin {
 namespace {

@@ -6,7 +6,7 @@
 #include <map>
 #include <set>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {

@@ -5,7 +5,7 @@
 #include <QMenu>
 #include <optional>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/support/DeskPointer.h"
 #include "ui/support/Hands.h"

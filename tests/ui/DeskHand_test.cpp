@@ -7,12 +7,12 @@
 #include <QTest>
 #include <QTreeWidget>
 
-#include "ui/TableWindow.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/TableWindow.h"
 
 namespace tavrin {
 namespace {

@@ -6,11 +6,11 @@
 #include <QTreeWidget>
 #include <QWindow>
 
-#include "ui/TableWindow.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/TableWindow.h"
 
 namespace tavrin {
 namespace {

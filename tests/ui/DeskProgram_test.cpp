@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/support/RunningProgram.h"
 #include "ui/support/TestFrame.h"

@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "support/TestHost.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/OperatorToolBar.h"
 #include "ui/support/DeskPointer.h"

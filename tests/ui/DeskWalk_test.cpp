@@ -11,7 +11,7 @@
 
 #include "render/RenderSession.h"
 #include "support/DeskInvariants.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/log/LogWindow.h"
 #include "ui/support/TestFrame.h"

@@ -11,7 +11,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/log/LogEdit.h"
 #include "ui/log/LogWindow.h"
 #include "ui/support/TestFrame.h"

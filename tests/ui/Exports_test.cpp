@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "images/SgiTestFile.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/render/ExportDlg.h"

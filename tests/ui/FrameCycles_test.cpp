@@ -4,7 +4,7 @@
 #include <QWindow>
 #include <optional>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/support/DeskPointer.h"
 #include "ui/support/Hands.h"

@@ -15,13 +15,13 @@
 #include <QTest>
 #include <QToolBar>
 
-#include "ui/Text.h"
-#include "ui/ToolWindow.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/library/OperatorToolBar.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/ToolWindow.h"
 
 namespace tavrin {
 namespace {

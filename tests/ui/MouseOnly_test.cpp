@@ -7,7 +7,7 @@
 #include <set>
 #include <stdexcept>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/OperatorToolBar.h"
 #include "ui/support/DeskPointer.h"

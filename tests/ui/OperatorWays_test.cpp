@@ -12,7 +12,7 @@
 #include <QTest>
 #include <filesystem>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/library/CustomizeDialog.h"

@@ -9,7 +9,7 @@
 #include <set>
 
 #include "support/TestSite.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 namespace {

@@ -3,12 +3,12 @@
 #include <QScreen>
 #include <QWindow>
 
-#include "ui/ToolWindow.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/log/LogWindow.h"
 #include "ui/support/Stacking.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/ToolWindow.h"
 
 namespace tavrin {
 namespace {

@@ -1,5 +1,5 @@
 // The program on displays that lack what the desk is drawn with.
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/RunningProgram.h"
 #include "ui/support/TestFrame.h"
 

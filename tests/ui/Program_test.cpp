@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/RunningProgram.h"
 #include "ui/support/TestFrame.h"
 

@@ -10,7 +10,7 @@
 #include <QWindow>
 #include <filesystem>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/support/TestFrame.h"
 

@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "base/Paths.h"
-#include "ui/Text.h"
-#include "ui/frame/RenderWork.h"
+#include "ui/base/Text.h"
+#include "ui/commands/RenderWork.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/log/LogWindow.h"
 #include "ui/render/RenderHistoryDlg.h"

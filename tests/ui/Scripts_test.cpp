@@ -7,7 +7,7 @@
 #include <QTimer>
 #include <filesystem>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/library/BoxFinder.h"

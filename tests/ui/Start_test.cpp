@@ -1,6 +1,6 @@
 #include <QMenuBar>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {

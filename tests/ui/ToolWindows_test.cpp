@@ -3,10 +3,10 @@
 #include <map>
 #include <set>
 
-#include "ui/Text.h"
-#include "ui/ToolWindow.h"
+#include "ui/base/Text.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/ToolWindow.h"
 
 namespace tavrin {
 

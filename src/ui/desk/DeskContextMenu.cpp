@@ -6,7 +6,7 @@
 #include <QScreen>
 #include <QWidgetAction>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskHelpText.h"
 
 namespace tavrin {

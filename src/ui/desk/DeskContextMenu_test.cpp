@@ -10,7 +10,7 @@
 #include <QWindow>
 
 #include "desk/HitTest.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskHelpText.h"
 #include "ui/desk/DeskPaneTest.h"
 

@@ -9,7 +9,7 @@
 #include <optional>
 #include <unordered_map>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

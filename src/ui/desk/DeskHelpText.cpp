@@ -13,7 +13,7 @@
 #include <optional>
 
 #include "desk/DeskMenu.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

@@ -8,16 +8,16 @@
 #include <cstdio>
 #include <utility>
 
-#include "ui/Messages.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
+#include "ui/commands/DeskWork.h"
+#include "ui/commands/DocumentWork.h"
+#include "ui/commands/OperatorWork.h"
+#include "ui/commands/OptionWork.h"
+#include "ui/commands/ScriptWork.h"
 #include "ui/desk/DeskPane.h"
-#include "ui/frame/DeskWork.h"
-#include "ui/frame/DocumentWork.h"
+#include "ui/dialogs/Messages.h"
 #include "ui/frame/MainFrame.h"
-#include "ui/frame/OperatorWork.h"
-#include "ui/frame/OptionWork.h"
 #include "ui/frame/SafetyCopies.h"
-#include "ui/frame/ScriptWork.h"
 #include "ui/library/OperatorToolBar.h"
 #include "ui/sliders/SliderPane.h"
 

@@ -2,7 +2,7 @@
 
 #include <QScreen>
 
-#include "ui/frame/CommandActions.h"
+#include "ui/commands/CommandActions.h"
 
 namespace tavrin {
 

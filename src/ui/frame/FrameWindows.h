@@ -6,9 +6,9 @@
 #include <type_traits>
 #include <vector>
 
-#include "ui/ToolWindow.h"
-#include "ui/frame/WindowPlaces.h"
 #include "ui/frame/WindowTable.h"
+#include "ui/windows/ToolWindow.h"
+#include "ui/windows/WindowPlaces.h"
 
 namespace tavrin {
 

@@ -3,8 +3,8 @@
 #include <QWidget>
 
 #include "app/TvApp.h"
-#include "ui/Messages.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
+#include "ui/dialogs/Messages.h"
 #include "ui/frame/Splash.h"
 
 namespace tavrin {

@@ -9,13 +9,13 @@
 #include "app/RecentFiles.h"
 #include "app/TvApp.h"
 #include "app/Workspace.h"
-#include "ui/NormalPlace.h"
-#include "ui/frame/CommandActions.h"
+#include "ui/commands/CommandActions.h"
 #include "ui/frame/EditKeys.h"
 #include "ui/frame/FrameWindows.h"
 #include "ui/frame/IdleDriver.h"
 #include "ui/frame/IdleWork.h"
 #include "ui/frame/RecentFilesMenu.h"
+#include "ui/windows/NormalPlace.h"
 
 class QSplitter;
 

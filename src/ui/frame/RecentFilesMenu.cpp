@@ -4,7 +4,7 @@
 #include <QMenu>
 
 #include "app/RecentFiles.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/library/OperatorMenus.h"
 
 namespace tavrin {

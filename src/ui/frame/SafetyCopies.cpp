@@ -6,7 +6,7 @@
 #include <QPushButton>
 
 #include "app/Workspace.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

@@ -6,7 +6,7 @@
 #include <QVBoxLayout>
 
 #include "app/Version.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/icons/Icons.h"
 
 namespace tavrin {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <ctime>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

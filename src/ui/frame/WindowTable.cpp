@@ -1,18 +1,18 @@
 #include "ui/frame/WindowTable.h"
 
 #include "app/Workspace.h"
-#include "ui/TableWindow.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
+#include "ui/commands/CommandActions.h"
+#include "ui/commands/DocumentWork.h"
+#include "ui/commands/OperatorWork.h"
 #include "ui/desk/DeskPane.h"
-#include "ui/frame/CommandActions.h"
-#include "ui/frame/DocumentWork.h"
-#include "ui/frame/OperatorWork.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/log/LogWindow.h"
 #include "ui/render/ExportDlg.h"
 #include "ui/render/RenderHistoryDlg.h"
 #include "ui/sliders/HelpEditor.h"
+#include "ui/windows/TableWindow.h"
 
 namespace tavrin {
 

@@ -8,7 +8,7 @@
 #include "document/Change.h"
 #include "library/OpBox.h"
 #include "text/Tokens.h"
-#include "ui/FinderList.h"
+#include "ui/windows/FinderList.h"
 
 namespace tavrin {
 

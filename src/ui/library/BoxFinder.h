@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "ui/ToolWindow.h"
+#include "ui/windows/ToolWindow.h"
 
 class QTimer;
 

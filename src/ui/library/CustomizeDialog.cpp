@@ -12,7 +12,7 @@
 
 #include "library/OpRegistry.h"
 #include "text/Tokens.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/library/OperatorMenus.h"
 
 namespace tavrin {

@@ -8,7 +8,7 @@
 
 #include "library/OpRegistry.h"
 #include "text/Tokens.h"
-#include "ui/FinderList.h"
+#include "ui/windows/FinderList.h"
 
 namespace tavrin {
 

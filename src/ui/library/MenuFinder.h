@@ -1,8 +1,8 @@
 // The window "Menu Finder": all operators of the library in one alphabetical list.
 #pragma once
 
-#include "ui/ToolWindow.h"
 #include "ui/library/OperatorMenus.h"
+#include "ui/windows/ToolWindow.h"
 
 namespace tavrin {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "library/OpRegistry.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

@@ -5,7 +5,7 @@
 #include <QMimeData>
 #include <QScrollBar>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

@@ -8,7 +8,7 @@
 #include <QScrollBar>
 #include <QTest>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin {

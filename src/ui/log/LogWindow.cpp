@@ -7,9 +7,9 @@
 #include <QVBoxLayout>
 
 #include "base/Files.h"
-#include "ui/FileDialogs.h"
-#include "ui/Messages.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
+#include "ui/dialogs/FileDialogs.h"
+#include "ui/dialogs/Messages.h"
 #include "ui/icons/Icons.h"
 #include "ui/log/LogEdit.h"
 

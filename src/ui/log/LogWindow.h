@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "base/Profile.h"
-#include "ui/ToolWindow.h"
 #include "ui/log/LogBuffer.h"
+#include "ui/windows/ToolWindow.h"
 
 class QAction;
 

@@ -14,7 +14,7 @@
 #include <QToolBar>
 
 #include "base/Files.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/log/LogEdit.h"
 #include "ui/support/Windows.h"
 

@@ -10,8 +10,8 @@
 
 #include "base/Process.h"
 #include "document/TvDoc.h"
-#include "ui/Messages.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
+#include "ui/dialogs/Messages.h"
 #include "ui/render/SelectLocation.h"
 
 namespace tavrin {

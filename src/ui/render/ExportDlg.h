@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "ui/ToolWindow.h"
+#include "ui/windows/ToolWindow.h"
 
 class QCheckBox;
 class QGridLayout;

@@ -15,7 +15,7 @@
 #include "base/Paths.h"
 #include "render/ShaderExport.h"
 #include "support/TestHost.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin {

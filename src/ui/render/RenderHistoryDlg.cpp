@@ -4,7 +4,7 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
-#include "ui/FinderList.h"
+#include "ui/windows/FinderList.h"
 
 namespace tavrin {
 

@@ -10,7 +10,7 @@
 #include <QPushButton>
 
 #include "base/Paths.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

@@ -11,7 +11,7 @@
 #include <QTreeView>
 
 #include "support/TestSite.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin {

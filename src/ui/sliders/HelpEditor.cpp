@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 
 #include "document/TvDoc.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 

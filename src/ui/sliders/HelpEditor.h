@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "ui/ToolWindow.h"
+#include "ui/windows/ToolWindow.h"
 
 class QPlainTextEdit;
 

@@ -10,7 +10,7 @@
 #include <QWindow>
 #include <stdexcept>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/support/Windows.h"

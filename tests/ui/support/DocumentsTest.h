@@ -21,7 +21,7 @@
 
 #include "base/Paths.h"
 #include "document/DocumentReader.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/OperatorToolBar.h"
 #include "ui/render/RenderHistoryDlg.h"

@@ -12,7 +12,7 @@
 #include <QToolBar>
 #include <QWindow>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin::test {

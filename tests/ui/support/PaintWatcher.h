@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin::test {
 

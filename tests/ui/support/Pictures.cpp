@@ -7,7 +7,7 @@
 
 #include "base/Paths.h"
 #include "support/TestSite.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin::test {
 

@@ -9,7 +9,7 @@
 
 #include "support/Patience.h"
 #include "support/TestSite.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin::test {

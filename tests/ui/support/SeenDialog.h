@@ -10,7 +10,7 @@
 #include <string>
 
 #include "base/Paths.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin::test {

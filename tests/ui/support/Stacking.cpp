@@ -3,7 +3,7 @@
 #include <QStringList>
 #include <QWidget>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/support/RunningProgram.h"
 
 namespace tavrin::test {

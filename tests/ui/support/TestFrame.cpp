@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 #include "ui/log/LogWindow.h"
 
 namespace tavrin::test {

@@ -12,7 +12,7 @@
 #include "app/TvApp.h"
 #include "base/Profile.h"
 #include "support/TestSite.h"
-#include "ui/QtQueue.h"
+#include "ui/base/QtQueue.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/support/Windows.h"
 

@@ -19,7 +19,7 @@
 #include <deque>
 
 #include "support/Patience.h"
-#include "ui/Text.h"
+#include "ui/base/Text.h"
 
 namespace tavrin::test {
 
