@@ -39,12 +39,12 @@ inline constexpr std::array<NumberType, 4> kNumberTypes = {{
 
 // The value of a cast.
 struct ValueRecord : DocumentRecord {
-    std::string_view type;            // the keyword
-    std::array<float, 5> numbers{};   // of float, xyz, rgb and rgba, the integer flag apart
-    size_t numberCount = 0;           // how many stand there
-    std::optional<int> integer;       // of float and xyz
-    std::string_view text;            // of string and the generic types
-    std::string_view name;            // the word behind "generic", if there is one
+    std::string_view type;           // the keyword
+    std::array<float, 5> numbers{};  // of float, xyz, rgb and rgba, the integer flag apart
+    size_t numberCount = 0;          // how many stand there
+    std::optional<int> integer;      // of float and xyz
+    std::string_view text;           // of string and the generic types
+    std::string_view name;           // the word behind "generic", if there is one
 };
 
 struct ButtonRecord : DocumentRecord {
@@ -74,13 +74,14 @@ struct BoxSettingRecord : DocumentRecord {
 struct BoxRecord : DocumentRecord {
     std::string_view operatorName;
     std::vector<BoxSettingRecord> settings;  // anywhere before, between and behind the buttons
+    std::vector<ButtonRecord> buttons;
+
     // The one that counts; null if there is none.
     const BoxSettingRecord* LastSetting(std::string_view keyword) const {
         const auto isIt = [&](const BoxSettingRecord& setting) { return setting.keyword == keyword; };
         const auto found = std::find_if(settings.rbegin(), settings.rend(), isIt);
         return found == settings.rend() ? nullptr : &*found;
     }
-    std::vector<ButtonRecord> buttons;
 };
 
 struct ConnectionRecord : DocumentRecord {

@@ -265,6 +265,13 @@ TEST_F(SharedDefinitions, TheWordOfOneLibraryIsNotThatOfAnother) {
     EXPECT_THAT(Runs(), ElementsAre("One", "One"));
 }
 
+TEST_F(SharedDefinitions, OperatorsOfALibraryThatIsNamedLaterWaitForIt) {
+    AddOperator("Two", "icontext other\n", "other");
+    EXPECT_TRUE(Load(Boxes({"One"}) + "tavrn-renderer other\n" + Boxes({"Two"})));
+    EXPECT_THAT(Texts(), ElementsAre("one", "other"));
+    EXPECT_THAT(Runs(), ElementsAre("One", "Two")) << "none in the library before it";
+}
+
 TEST_F(SharedDefinitions, ALibraryNamedBetweenTheBoxesIsTheirsFromThereOn) {
     AddOperator("One", "icontext other\n", "other");
     EXPECT_TRUE(Load(Boxes({"One", "One"}) + "tavrn-renderer other\n" + Boxes({"One"}) +
