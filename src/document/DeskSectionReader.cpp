@@ -67,6 +67,9 @@ bool DocumentReader::ReadOpBox(DeskRecord& desk) {
     auto& box = std::get<BoxRecord>(desk.items.emplace_back(std::in_place_type<BoxRecord>));
     static_cast<DocumentRecord&>(box) = begun;
     box.operatorName = name;
+    // What most boxes have, at once: reading a large document is mostly memory.
+    box.settings.reserve(3);
+    box.buttons.reserve(4);
     std::string_view keyword;
     while (Next(keyword) && keyword != "}") {
         if (!ReadBoxItem(box, keyword)) return false;
