@@ -21,9 +21,10 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Waits for this file or for its kill file.
+// Waits for this file or for its kill file; where the test has failed and gone, for nothing.
 constexpr const char* kUntilLetGo =
-    "until [ -e \"$TAVRN_WORKDIR/go\" ] || [ -e \"$TAVRN_KILLFILE\" ]; do sleep 0.005; done\n";
+    "until [ -e \"$TAVRN_WORKDIR/go\" ] || [ -e \"$TAVRN_KILLFILE\" ] || [ ! -e \"$TAVRN_WORKDIR\" ]\n"
+    "do sleep 0.005; done\n";
 
 // Remembers what it is asked for.
 class FakeTarget : public ActionTarget {

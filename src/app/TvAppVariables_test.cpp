@@ -248,7 +248,7 @@ TEST_F(TvAppVariablesTest, WithoutAnEditorOfTheUsersTheDesktopsEditorOfPlainText
     given.Set("XDG_CONFIG_DIRS", directory / "etc");
     given.Set("XDG_DATA_DIRS", directory / "share");
     app->OpenInEditor("/some/where/my \"broken\" file.tvn");
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
     while (!std::filesystem::exists(shown) && std::chrono::steady_clock::now() < limit) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
