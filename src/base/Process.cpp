@@ -147,7 +147,8 @@ pid_t Spawn(const SpawnRequest& request, std::string& error) {
 
 void AwaitExit(pid_t child) {
     siginfo_t information{};
-    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+    while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {
     }
 }
 

@@ -41,7 +41,9 @@ struct DefaultText {
     }
     std::string operator()(const COpValueRgb& v) const { return Numbers({v.r, v.g, v.b}); }
     std::string operator()(const COpValueRgba& v) const { return Numbers({v.r, v.g, v.b, v.a}); }
-    std::string operator()(const COpValueString& v) const { return QuoteString(v.value) + Options(v.options); }
+    std::string operator()(const COpValueString& v) const {
+        return QuoteString(v.value) + Options(v.options);
+    }
     std::string operator()(const COpValueGeneric& v) const {
         return QuoteString(v.defaultValue) + Options(v.options);
     }

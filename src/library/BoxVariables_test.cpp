@@ -294,7 +294,8 @@ TEST_F(BoxVariables, ARunOfVinputsIsDeclaredOnceByItsFirst) {
         << "all of the name, at each run";
     EXPECT_EQ(std::count(variables.begin(), variables.end(), "DeclareHead_v=color "), 1);
     EXPECT_EQ(std::count(variables.begin(), variables.end(), "DeclareHead_v=float "), 1);
-    EXPECT_EQ(prepared.Of(box).Expanded("TAVRN_Cast_v TAVRN_DeclareHead_v"), "rgb color ") << "the first entry counts";
+    EXPECT_EQ(prepared.Of(box).Expanded("TAVRN_Cast_v TAVRN_DeclareHead_v"), "rgb color ")
+        << "the first entry counts";
 }
 
 TEST_F(BoxVariables, AnInputBetweenTwoVinputsOfOneNameDoesNotPartThem) {

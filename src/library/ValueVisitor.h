@@ -10,7 +10,8 @@
 namespace tavrin {
 
 // Values are made and visited by this list alone: a new class is added here, and the compiler names every
-// visitor that does not know it. The first whose `Bears` is true of a type text has the type, the last the rest.
+// visitor that does not know it. The first whose `Bears` is true of a type text has the type, the last the
+// rest.
 template <typename... Classes>
 struct ValueClassList {};
 using ValueClasses = ValueClassList<COpValueFloat, COpValueXyz, COpValueRgb, COpValueRgba, COpValueString,
@@ -49,7 +50,8 @@ decltype(auto) VisitValue(Value& value, Visitor&& visitor) {
     return value_visit::Visit(any, visitor, ValueClasses());
 }
 
-// A visitor made of lambdas. They name their classes: one that takes whatever comes is never told of a new one.
+// A visitor made of lambdas. They name their classes: one that takes whatever comes is never told of a new
+// one.
 template <typename... Calls>
 struct ValueCalls : Calls... {
     using Calls::operator()...;

@@ -143,7 +143,8 @@ TEST_F(GeneratedCodeTest, GenerationChangesNothingOfTheDocument) {
     EXPECT_FALSE(document.IsModified());
     for (const auto& box : document.m_boxes) {
         const size_t own = box.get() == &fixed ? 1 : 0;
-        EXPECT_EQ(box->codegen.Mex().Variables().Size(), own) << box->BoxTitleWid() << " has its definition's";
+        EXPECT_EQ(box->codegen.Mex().Variables().Size(), own)
+            << box->BoxTitleWid() << " has its definition's";
     }
     EXPECT_EQ(fixed.outputs[0]->VariableName({document.preparedVariables}), "f(TAVRN_BoxWid)")
         << "nor does the document keep what was prepared";

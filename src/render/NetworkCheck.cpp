@@ -24,7 +24,8 @@ std::string NameOf(const COpButton& button) {
 // Collects the findings of one network.
 class NetworkCheck {
   public:
-    NetworkCheck(const CTvDoc& document, Report& report) : m_document(document), m_names{document.preparedVariables, &report} {
+    NetworkCheck(const CTvDoc& document, Report& report)
+        : m_document(document), m_names{document.preparedVariables, &report} {
         for (const auto& box : document.m_boxes) m_boxes.push_back(box.get());
         std::stable_sort(m_boxes.begin(), m_boxes.end(),
                          [](const COpBox* left, const COpBox* right) { return left->wid < right->wid; });

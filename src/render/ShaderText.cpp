@@ -60,7 +60,8 @@ ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName,
     }
     TiebackEnds ends;
     BoxMerge merge(shader);
-    for (const COpBox* box : boxes) box->GenerateCode(merge, site.types, {text.variables, &site.report, &ends});
+    const NameSource names{text.variables, &site.report, &ends};
+    for (const COpBox* box : boxes) box->GenerateCode(merge, site.types, names);
     shader.WriteCode(text.code);
     shader.WriteHints(text.hints);
     return text;

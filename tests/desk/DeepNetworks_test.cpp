@@ -98,7 +98,8 @@ TEST_F(DeepNetworks, ALongRowIsGeneratedFromItsFirstBoxToItsLast) {
 TEST_F(DeepNetworks, ALongRowOfBoxesThatPassThroughHasTheNameOfItsFirstEverywhere) {
     PutRow(1);
     PutRow(kDeep, "input in { float { 0.5 0 1 0 %g } } output tieback=in out { float out }\n");
-    EXPECT_EQ(Last().outputs.at(0)->VariableName({document.preparedVariables, &host.GetSite().report}), "link_1_out");
+    const NameSource names{document.preparedVariables, &host.GetSite().report};
+    EXPECT_EQ(Last().outputs.at(0)->VariableName(names), "link_1_out");
     Code();
     EXPECT_THAT(Alerts(), IsEmpty());
 }
