@@ -1,4 +1,5 @@
 #!/usr/bin/perl
+# SPDX-License-Identifier: Apache-2.0
 # Writes an SGI image as the desk reads it: run-length encoded, one byte a channel, three or four channels.
 #
 #     png-to-sgi.pl SOURCE.svg < PICTURE.png > PICTURE.sgi

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The floor of macro expansion: a word scan with a hash look-up and nothing else.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Networks of any size without a library, and the way in which benchmarks take times.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time of what the desk does on each move of the mouse, in a network of any size, painting apart: the figures
 // of one move. The floor is a bare pass over the boxes' rectangles in one piece of memory, which whoever
 // looks for the box under the pointer or for the reach of the scroll bars cannot save.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a whole repaint of the desk costs, the clearing and the swap left out. The floor is both of these
 // alone, in the same widget and the same run.
 #include <GL/gl.h>

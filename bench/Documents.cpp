@@ -1,5 +1,6 @@
-// Reading and writing documents in memory, definitions' preprocessing apart, and looking into them without making
-// boxes. The floors: reading the tokens of the text, and copying it.
+// SPDX-License-Identifier: Apache-2.0
+// Reading and writing documents in memory, definitions' preprocessing apart, and looking into them without
+// making boxes. The floors: reading the tokens of the text, and copying it.
 #include "bench/BenchNetwork.h"
 #include "document/DocumentReader.h"
 

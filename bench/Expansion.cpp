@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Macro expansion of a megabyte with fifty names, against a bare word scan with a hash look-up over the same
 // text.
 #include "bench/BareExpander.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time and memory of turning networks into text: order, prepare, generate and the final lines in memory,
 // definitions apart. The floor is what cannot be saved: each box's lines once through a bare word scan with
 // a hash look-up.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ten megabytes of output into the Log window, shown and painted: how long until all is in, and the longest
 // time that the event loop was kept from a timer of one millisecond. Wants a display. The floor of the time
 // is the text alone given to a plain text edit at once, hidden.

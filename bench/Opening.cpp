@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opening documents with the operators of a library through its real preprocessor, all of them in turn: one
 // run for each operator, several at a time, and beside it the old way, a run for each box. The floors:
 // reading the tokens of the text, and the bare runs of the preprocessor, one for each operator, shared out to

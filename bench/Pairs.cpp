@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The floor of opening a document: the bare process pair that each box costs, redirect.pl and spp, started as
 // the program starts it and with nothing round it. Usage: bench_Pairs COUNT LIBRARY DEFINITION WORKDIR;
 // prints the milliseconds of COUNT pairs.

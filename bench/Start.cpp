@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How long the desktop program takes from its start to the first painted window, the splash left out. Runs
 // itself anew for each measurement; the child is given the time of its start.
 #include <QApplication>

@@ -1,4 +1,5 @@
 #!/usr/bin/perl
+# SPDX-License-Identifier: Apache-2.0
 # Whole-process figures: perl bench/pipeline.pl TAVRIN-BATCH. Medians of several runs, in milliseconds.
 #   version   the start and end of the program
 #   open      a document of many boxes of one operator, with a single run of the preprocessor; the old way, a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operator definitions: a box that was read is prepared and generated.
 #include "codegen/BoxMerge.h"
 #include "fuzz/FuzzHost.h"

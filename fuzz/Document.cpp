@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Documents: what was read is generated, described to the scripts, stored and read again; what was stored
 // always opens.
 #include <cstdlib>

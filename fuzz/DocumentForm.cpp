@@ -1,5 +1,6 @@
-// The plain form of documents: records lie in the text and in its order, and what is written of them reads as what
-// was written.
+// SPDX-License-Identifier: Apache-2.0
+// The plain form of documents: records lie in the text and in its order, and what is written of them reads as
+// what was written.
 #include <cstdlib>
 
 #include "document/DocumentFormWriter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Forms, from behind the keyword of their section.
 #include "forms/FormFrame.h"
 #include "forms/FormHost.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the fuzz targets share: a document's host that starts no process and reads no library.
 #pragma once
 

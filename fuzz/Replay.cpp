@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a fuzz target on files: each argument is a file or a directory of files. Without libFuzzer, so that
 // what fuzzing has found stays in the tests of every build.
 #include <cstdint>

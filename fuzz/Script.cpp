@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Script files: their statements, with nothing carried out.
 #include "app/ScriptFile.h"
 #include "fuzz/FuzzHost.h"

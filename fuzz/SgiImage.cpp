@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures: what was read is flattened. The reader wants a file, and gets one that lies in memory.
 #include "images/SgiImage.h"
 

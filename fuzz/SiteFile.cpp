@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Site definitions files, the form in them included; every getter looks at what was stored.
 #include "app/SiteFileReader.h"
 #include "codegen/CodeGen.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Template clauses, and the expansion of what they hold: the first line of the input is the text that is
 // expanded, the rest are clauses.
 #include "codegen/CodeGen.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes the icons of the operators and the wallpapers from their drawings in artwork/. What it makes is kept in
 # the repository, so only those who change a drawing run this. artwork/README.md tells how drawings are made.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs the benchmarks on the release build. Each line is a figure: medians of several runs, with their floor
 # of the same run. Quote figures from an idle machine.
 set -euo pipefail

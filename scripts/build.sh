@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Configures and builds one of the presets: release (the default), dev or sanitize; the whole of it, or the targets
 # that are named behind it.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Sets up, builds, renders the example networks to pictures in demo-output/, and opens the program with one
 # of them where there is a display.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Fuzzes a reader with libFuzzer: scripts/fuzz.sh TARGET [SECONDS]. Targets: Document, DocumentForm,
 # Definition, Template, SiteFile, Form, Script, SgiImage. What it finds lies in build/fuzz/; put what is worth keeping into
 # fuzz/corpus/, from where every build replays it. Needs the packages clang and libclang-rt-14-dev.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs what Tavrin is built from and runs with. Needs root or sudo for packages that are missing;
 # does nothing where all are there. The README gives the reason for each.
 set -euo pipefail
@@ -10,7 +11,7 @@ packages=(
   libegl-dev libgl1-mesa-dri libegl-mesa0 libpng-dev
   qt6-base-dev libqt6opengl6-dev libqt6svg6-dev libgl-dev libglu1-mesa-dev fonts-liberation fonts-dejavu-core xdg-utils
   xvfb xauth openbox x11-utils xdotool
-  libgtest-dev libgmock-dev locales
+  libgtest-dev libgmock-dev locales clang-format-14
 )
 
 missing=()

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Sets up, builds and runs every test. With --sanitize the same with the address and undefined-behaviour
 # sanitizers; with --all both, one after the other.
 set -euo pipefail

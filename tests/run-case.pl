@@ -1,4 +1,5 @@
 #!/usr/bin/perl
+# SPDX-License-Identifier: Apache-2.0
 # Runs one case. A case is a folder, in which may stand
 #   command     the words behind `tavrin-batch`, read by the shell; each line is one run
 #   environment lines NAME=VALUE; a NAME alone is taken out of the environment

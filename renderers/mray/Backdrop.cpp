@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Backdrop.h"
 
 namespace tavrin::mray {
@@ -11,11 +12,10 @@ struct Panel {
     Vec3 color;
 };
 
-const Panel kPanels[]{
-    {Frame(normalized({-0.80f, 0.62f, 0.55f})), 0.42f, 0.42f, {3.6f, 3.5f, 3.35f}},
-    {Frame(normalized({0.95f, 0.30f, 0.30f})), 0.16f, 0.62f, {2.0f, 2.1f, 2.25f}},
-    {Frame(normalized({0.10f, 1.00f, -0.25f})), 0.75f, 0.40f, {0.9f, 0.9f, 0.9f}},
-    {Frame(normalized({-0.70f, 0.42f, -0.85f})), 0.12f, 0.50f, {1.9f, 1.9f, 1.9f}}};
+const Panel kPanels[]{{Frame(normalized({-0.80f, 0.62f, 0.55f})), 0.42f, 0.42f, {3.6f, 3.5f, 3.35f}},
+                      {Frame(normalized({0.95f, 0.30f, 0.30f})), 0.16f, 0.62f, {2.0f, 2.1f, 2.25f}},
+                      {Frame(normalized({0.10f, 1.00f, -0.25f})), 0.75f, 0.40f, {0.9f, 0.9f, 0.9f}},
+                      {Frame(normalized({-0.70f, 0.42f, -0.85f})), 0.12f, 0.50f, {1.9f, 1.9f, 1.9f}}};
 
 Vec3 panels(Vec3 d) {
     Vec3 sum;
@@ -26,8 +26,8 @@ Vec3 panels(Vec3 d) {
         }
         const float x = std::fabs(dot(d, panel.frame.u)) / facing;
         const float y = std::fabs(dot(d, panel.frame.v)) / facing;
-        const float edge = smoothstep(panel.wide + 0.03f, panel.wide - 0.03f, x)
-                         * smoothstep(panel.tall + 0.03f, panel.tall - 0.03f, y);
+        const float edge = smoothstep(panel.wide + 0.03f, panel.wide - 0.03f, x) *
+                           smoothstep(panel.tall + 0.03f, panel.tall - 0.03f, y);
         // Brighter in the middle, as a lamp behind cloth is.
         const float relX = x / panel.wide;
         const float relY = y / panel.tall;
@@ -81,21 +81,29 @@ Backdrop::Backdrop(BackdropKind kind, const LightRig& rig) : kind_(kind) {
 
 Vec3 Backdrop::groundAlbedo() const {
     switch (kind_) {
-    case BackdropKind::Sky: return {0.42f, 0.385f, 0.335f};
-    case BackdropKind::Dark: return {0.06f, 0.06f, 0.063f};
-    case BackdropKind::White: return {0.92f, 0.92f, 0.92f};
-    case BackdropKind::Studio: break;
+        case BackdropKind::Sky:
+            return {0.42f, 0.385f, 0.335f};
+        case BackdropKind::Dark:
+            return {0.06f, 0.06f, 0.063f};
+        case BackdropKind::White:
+            return {0.92f, 0.92f, 0.92f};
+        case BackdropKind::Studio:
+            break;
     }
     return {0.30f, 0.30f, 0.305f};
 }
 
 Vec3 Backdrop::plate(Vec3 direction) const {
     switch (kind_) {
-    // The haze hides the horizon; show more of the blue above it.
-    case BackdropKind::Sky: return sky({direction.x, 1.1f * (direction.y + 0.13f), direction.z});
-    case BackdropKind::Dark: return paper(direction, {0.006f, 0.006f, 0.007f}, {0.05f, 0.051f, 0.055f});
-    case BackdropKind::White: return paper(direction, {1.15f, 1.15f, 1.15f}, {1.6f, 1.6f, 1.6f});
-    case BackdropKind::Studio: break;
+        // The haze hides the horizon; show more of the blue above it.
+        case BackdropKind::Sky:
+            return sky({direction.x, 1.1f * (direction.y + 0.13f), direction.z});
+        case BackdropKind::Dark:
+            return paper(direction, {0.006f, 0.006f, 0.007f}, {0.05f, 0.051f, 0.055f});
+        case BackdropKind::White:
+            return paper(direction, {1.15f, 1.15f, 1.15f}, {1.6f, 1.6f, 1.6f});
+        case BackdropKind::Studio:
+            break;
     }
     return paper(direction, {0.085f, 0.087f, 0.092f}, {0.27f, 0.27f, 0.278f});
 }
@@ -103,10 +111,14 @@ Vec3 Backdrop::plate(Vec3 direction) const {
 Vec3 Backdrop::above(Vec3 d) const {
     const float up = std::max(d.y, 0.0f);
     switch (kind_) {
-    case BackdropKind::Sky: return sky(d);
-    case BackdropKind::Dark: return Vec3{0.035f, 0.036f, 0.04f} + panels(d) * 0.30f;
-    case BackdropKind::White: return Vec3{0.62f, 0.62f, 0.62f} * flags(d) + panels(d) * 0.40f;
-    case BackdropKind::Studio: break;
+        case BackdropKind::Sky:
+            return sky(d);
+        case BackdropKind::Dark:
+            return Vec3{0.035f, 0.036f, 0.04f} + panels(d) * 0.30f;
+        case BackdropKind::White:
+            return Vec3{0.62f, 0.62f, 0.62f} * flags(d) + panels(d) * 0.40f;
+        case BackdropKind::Studio:
+            break;
     }
     return mix(Vec3{0.17f, 0.17f, 0.175f}, Vec3{0.08f, 0.08f, 0.083f}, up) + panels(d) * 0.55f;
 }

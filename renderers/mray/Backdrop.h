@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The surroundings: what the camera sees behind the object (the plate), what the
 // object sees all around (the environment), and the colour of the ground.
 #pragma once
@@ -9,7 +10,7 @@ namespace tavrin::mray {
 enum class BackdropKind { Studio, Sky, Dark, White };
 
 class Backdrop {
-public:
+  public:
     Backdrop(BackdropKind kind, const LightRig& rig);
 
     // Colour behind everything in a direction from the camera.
@@ -23,7 +24,7 @@ public:
 
     [[nodiscard]] Vec3 groundAlbedo() const;
 
-private:
+  private:
     [[nodiscard]] Vec3 above(Vec3 direction) const;
 
     BackdropKind kind_;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each vertex sees of the lights and of its surroundings, found by walking
 // through the signed distance of the shape.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Camera.h"
 
 namespace tavrin::mray {
@@ -29,8 +30,10 @@ std::array<float, 16> Camera::toClip(const Area& area) const {
     // The area's own scale and shift of the full picture's clip space.
     const float scaleX = width_ / static_cast<float>(area.width);
     const float scaleY = height_ / static_cast<float>(area.height);
-    const float middleX = (static_cast<float>(area.x) + 0.5f * static_cast<float>(area.width)) * 2 / width_ - 1;
-    const float middleY = 1 - (static_cast<float>(area.y) + 0.5f * static_cast<float>(area.height)) * 2 / height_;
+    const float middleX =
+        (static_cast<float>(area.x) + 0.5f * static_cast<float>(area.width)) * 2 / width_ - 1;
+    const float middleY =
+        1 - (static_cast<float>(area.y) + 0.5f * static_cast<float>(area.height)) * 2 / height_;
     const float depth = (kFar + kNear) / (kFar - kNear);
     const float offset = -2 * kFar * kNear / (kFar - kNear);
     const Vec3 rows[3]{right_ * (scaleX / tanX_) - ahead_ * (middleX * scaleX),

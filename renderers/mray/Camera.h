@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // The camera: slightly above, looking at the object on the ground.
 #pragma once
 
-#include "Vec.h"
-
 #include <array>
+
+#include "Vec.h"
 
 namespace tavrin::mray {
 
@@ -13,7 +14,7 @@ struct Area {
 };
 
 class Camera {
-public:
+  public:
     Camera(int width, int height);
 
     [[nodiscard]] Vec3 eye() const { return eye_; }
@@ -25,7 +26,7 @@ public:
     // fills the viewport.
     [[nodiscard]] std::array<float, 16> toClip(const Area& area) const;
 
-private:
+  private:
     float width_, height_;
     float tanX_, tanY_;
     Vec3 eye_, right_, up_, ahead_;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Film.h"
 
 #include <bit>
@@ -15,9 +16,7 @@ float tone(float x) {
     return x <= kStraight ? x : kStraight + kRest * (1 - std::exp(-(x - kStraight) / (kRest * 1.15f)));
 }
 
-float encodeSrgb(float x) {
-    return x <= 0.0031308f ? 12.92f * x : 1.055f * std::pow(x, 1 / 2.4f) - 0.055f;
-}
+float encodeSrgb(float x) { return x <= 0.0031308f ? 12.92f * x : 1.055f * std::pow(x, 1 / 2.4f) - 0.055f; }
 
 // The curve is tabulated over the upper bits of the number itself: finely where
 // it is dark, coarsely where it is bright.
@@ -63,17 +62,26 @@ float dither(int x, int y) {
 
 Grid Grid::of(int samples) {
     switch (samples) {
-    case 1: return {1, 1};
-    case 2: return {2, 1};
-    case 9: return {3, 3};
-    case 16: return {4, 4};
-    default: return {2, 2};
+        case 1:
+            return {1, 1};
+        case 2:
+            return {2, 1};
+        case 9:
+            return {3, 3};
+        case 16:
+            return {4, 4};
+        default:
+            return {2, 2};
     }
 }
 
 Film::Film(int width, int height, Grid grid, float exposure)
-    : width_(width), grid_(grid), exposure_(exposure), weightsX_(makeWeights(grid.x)),
-      weightsY_(makeWeights(grid.y)), curve_(makeCurve()),
+    : width_(width),
+      grid_(grid),
+      exposure_(exposure),
+      weightsX_(makeWeights(grid.x)),
+      weightsY_(makeWeights(grid.y)),
+      curve_(makeCurve()),
       pixels_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3) {}
 
 // Very bright samples count less, so that highlights have smooth edges too.
@@ -121,9 +129,10 @@ void Film::develop(const Area& tile, const std::vector<float>& samples, const st
     const int sampleRows = (tile.height + 2 * kMargin) * grid_.y;
     std::vector<std::vector<Sum>> rows(static_cast<std::size_t>(3 * grid_.y));
     for (int i = 0; i < sampleRows; ++i) {
-        const float* from = &samples[static_cast<std::size_t>(sampleRows - 1 - i)
-                                     * static_cast<std::size_t>(wide * grid_.x) * 4];
-        const Vec3* behind = &background[static_cast<std::size_t>(i / grid_.y) * static_cast<std::size_t>(wide)];
+        const float* from = &samples[static_cast<std::size_t>(sampleRows - 1 - i) *
+                                     static_cast<std::size_t>(wide * grid_.x) * 4];
+        const Vec3* behind =
+            &background[static_cast<std::size_t>(i / grid_.y) * static_cast<std::size_t>(wide)];
         filterRow(tile, from, behind, rows[static_cast<std::size_t>(i) % rows.size()]);
         if ((i + 1) % grid_.y != 0 || i + 1 < 3 * grid_.y) {
             continue;
@@ -144,8 +153,9 @@ void Film::develop(const Area& tile, const std::vector<float>& samples, const st
 
 void Film::encode(const Area& tile, int y, const std::vector<Sum>& sums) {
     const int row = tile.y + y;
-    std::uint8_t* to = &pixels_[(static_cast<std::size_t>(row) * static_cast<std::size_t>(width_)
-                                 + static_cast<std::size_t>(tile.x)) * 3];
+    std::uint8_t* to = &pixels_[(static_cast<std::size_t>(row) * static_cast<std::size_t>(width_) +
+                                 static_cast<std::size_t>(tile.x)) *
+                                3];
     for (int x = 0; x < tile.width; ++x) {
         const Sum& sum = sums[static_cast<std::size_t>(x)];
         const Vec3 color = sum.color * (exposure_ / sum.weight);

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 // The picture: takes samples in linear light, puts them over the background and
 // develops them: filter, tone curve, sRGB, dither.
 #pragma once
 
-#include "Camera.h"
-
 #include <cstdint>
 #include <vector>
+
+#include "Camera.h"
 
 namespace tavrin::mray {
 
@@ -16,7 +17,7 @@ struct Grid {
 };
 
 class Film {
-public:
+  public:
     // Pixels that a tile needs around it for the filter.
     static constexpr int kMargin = 1;
 
@@ -32,7 +33,7 @@ public:
     // Samples that were no numbers, so far.
     [[nodiscard]] long strange() const { return strange_; }
 
-private:
+  private:
     struct Sum {
         Vec3 color;
         float weight = 0;

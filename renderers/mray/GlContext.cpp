@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "GlContext.h"
 
 #include <EGL/eglext.h>
@@ -12,9 +13,9 @@ namespace tavrin::mray {
 namespace {
 
 [[noreturn]] void fail(const std::string& what) {
-    throw std::runtime_error("cannot draw: " + what
-                             + " (OpenGL 3.3 is needed; on a machine without a graphics card"
-                               " install libgl1-mesa-dri and libegl-mesa0)");
+    throw std::runtime_error("cannot draw: " + what +
+                             " (OpenGL 3.3 is needed; on a machine without a graphics card"
+                             " install libgl1-mesa-dri and libegl-mesa0)");
 }
 
 bool offers(const char* extensions, const char* name) {
@@ -27,7 +28,8 @@ EGLDisplay openDisplay() {
     const auto start = [](EGLDisplay display) {
         return display != EGL_NO_DISPLAY && eglInitialize(display, nullptr, nullptr) == EGL_TRUE;
     };
-    const auto get = reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
+    const auto get =
+        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
     if (get != nullptr && offers(extensions, "EGL_MESA_platform_surfaceless")) {
         EGLDisplay display = get(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
         if (start(display)) {
@@ -77,8 +79,13 @@ void GlContext::makeCurrent() {
         fail("EGL offers no desktop OpenGL");
     }
     constexpr EGLint kConfig[]{EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_SURFACE_TYPE, 0, EGL_NONE};
-    constexpr EGLint kContext[]{EGL_CONTEXT_MAJOR_VERSION, 3, EGL_CONTEXT_MINOR_VERSION, 3,
-                                EGL_CONTEXT_OPENGL_PROFILE_MASK, EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT, EGL_NONE};
+    constexpr EGLint kContext[]{EGL_CONTEXT_MAJOR_VERSION,
+                                3,
+                                EGL_CONTEXT_MINOR_VERSION,
+                                3,
+                                EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                                EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
+                                EGL_NONE};
     EGLConfig config = nullptr;
     EGLint count = 0;
     eglChooseConfig(display_, kConfig, &config, 1, &count);
@@ -93,10 +100,10 @@ void GlContext::makeCurrent() {
 }
 
 void GlContext::load() {
-#define MRAY_LOAD(type, name)                                                \
-    gl_.name = reinterpret_cast<type>(eglGetProcAddress("gl" #name));        \
-    if (gl_.name == nullptr) {                                               \
-        fail("the function gl" #name " is missing");                         \
+#define MRAY_LOAD(type, name)                                         \
+    gl_.name = reinterpret_cast<type>(eglGetProcAddress("gl" #name)); \
+    if (gl_.name == nullptr) {                                        \
+        fail("the function gl" #name " is missing");                  \
     }
     MRAY_GL_FUNCTIONS(MRAY_LOAD)
 #undef MRAY_LOAD

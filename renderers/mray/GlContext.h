@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An OpenGL 3.3 core context without a window, and the functions used of it.
 #pragma once
 
@@ -6,57 +7,49 @@
 
 namespace tavrin::mray {
 
-#define MRAY_GL_FUNCTIONS(use)                                                   \
-    use(PFNGLACTIVETEXTUREPROC, ActiveTexture)                                   \
-    use(PFNGLATTACHSHADERPROC, AttachShader)                                     \
-    use(PFNGLBINDATTRIBLOCATIONPROC, BindAttribLocation)                         \
-    use(PFNGLBINDBUFFERPROC, BindBuffer)                                         \
-    use(PFNGLBINDFRAMEBUFFERPROC, BindFramebuffer)                               \
-    use(PFNGLBINDRENDERBUFFERPROC, BindRenderbuffer)                             \
-    use(PFNGLBINDTEXTUREPROC, BindTexture)                                       \
-    use(PFNGLBINDVERTEXARRAYPROC, BindVertexArray)                               \
-    use(PFNGLBUFFERDATAPROC, BufferData)                                         \
-    use(PFNGLCHECKFRAMEBUFFERSTATUSPROC, CheckFramebufferStatus)                 \
-    use(PFNGLCLEARPROC, Clear)                                                   \
-    use(PFNGLCLEARCOLORPROC, ClearColor)                                         \
-    use(PFNGLCOMPILESHADERPROC, CompileShader)                                   \
-    use(PFNGLCREATEPROGRAMPROC, CreateProgram)                                   \
-    use(PFNGLCREATESHADERPROC, CreateShader)                                     \
-    use(PFNGLDELETEBUFFERSPROC, DeleteBuffers)                                   \
-    use(PFNGLDELETEFRAMEBUFFERSPROC, DeleteFramebuffers)                         \
-    use(PFNGLDELETEPROGRAMPROC, DeleteProgram)                                   \
-    use(PFNGLDELETERENDERBUFFERSPROC, DeleteRenderbuffers)                       \
-    use(PFNGLDELETESHADERPROC, DeleteShader)                                     \
-    use(PFNGLDELETETEXTURESPROC, DeleteTextures)                                 \
-    use(PFNGLDELETEVERTEXARRAYSPROC, DeleteVertexArrays)                         \
-    use(PFNGLDRAWELEMENTSPROC, DrawElements)                                     \
-    use(PFNGLENABLEPROC, Enable)                                                 \
-    use(PFNGLENABLEVERTEXATTRIBARRAYPROC, EnableVertexAttribArray)               \
-    use(PFNGLFRAMEBUFFERRENDERBUFFERPROC, FramebufferRenderbuffer)               \
-    use(PFNGLGENBUFFERSPROC, GenBuffers)                                         \
-    use(PFNGLGENFRAMEBUFFERSPROC, GenFramebuffers)                               \
-    use(PFNGLGENRENDERBUFFERSPROC, GenRenderbuffers)                             \
-    use(PFNGLGENTEXTURESPROC, GenTextures)                                       \
-    use(PFNGLGENVERTEXARRAYSPROC, GenVertexArrays)                               \
-    use(PFNGLGETERRORPROC, GetError)                                             \
-    use(PFNGLGETPROGRAMINFOLOGPROC, GetProgramInfoLog)                           \
-    use(PFNGLGETPROGRAMIVPROC, GetProgramiv)                                     \
-    use(PFNGLGETSHADERINFOLOGPROC, GetShaderInfoLog)                             \
-    use(PFNGLGETSHADERIVPROC, GetShaderiv)                                       \
-    use(PFNGLGETUNIFORMLOCATIONPROC, GetUniformLocation)                         \
-    use(PFNGLLINKPROGRAMPROC, LinkProgram)                                       \
-    use(PFNGLREADPIXELSPROC, ReadPixels)                                         \
-    use(PFNGLRENDERBUFFERSTORAGEPROC, RenderbufferStorage)                       \
-    use(PFNGLSHADERSOURCEPROC, ShaderSource)                                     \
-    use(PFNGLTEXIMAGE2DPROC, TexImage2D)                                         \
-    use(PFNGLTEXPARAMETERIPROC, TexParameteri)                                   \
-    use(PFNGLUNIFORM1IPROC, Uniform1i)                                           \
-    use(PFNGLUNIFORM3FVPROC, Uniform3fv)                                         \
-    use(PFNGLUNIFORM4FVPROC, Uniform4fv)                                         \
-    use(PFNGLUNIFORMMATRIX4FVPROC, UniformMatrix4fv)                             \
-    use(PFNGLUSEPROGRAMPROC, UseProgram)                                         \
-    use(PFNGLVERTEXATTRIBPOINTERPROC, VertexAttribPointer)                       \
-    use(PFNGLVIEWPORTPROC, Viewport)
+#define MRAY_GL_FUNCTIONS(use)                                                                               \
+    use(PFNGLACTIVETEXTUREPROC, ActiveTexture) use(PFNGLATTACHSHADERPROC, AttachShader) use(                 \
+        PFNGLBINDATTRIBLOCATIONPROC, BindAttribLocation) use(PFNGLBINDBUFFERPROC, BindBuffer)                \
+        use(PFNGLBINDFRAMEBUFFERPROC, BindFramebuffer) use(PFNGLBINDRENDERBUFFERPROC, BindRenderbuffer) use( \
+            PFNGLBINDTEXTUREPROC, BindTexture) use(PFNGLBINDVERTEXARRAYPROC,                                 \
+                                                   BindVertexArray) use(PFNGLBUFFERDATAPROC, BufferData)     \
+            use(PFNGLCHECKFRAMEBUFFERSTATUSPROC, CheckFramebufferStatus) use(PFNGLCLEARPROC, Clear) use(     \
+                PFNGLCLEARCOLORPROC, ClearColor) use(PFNGLCOMPILESHADERPROC, CompileShader)                  \
+                use(PFNGLCREATEPROGRAMPROC, CreateProgram) use(PFNGLCREATESHADERPROC, CreateShader) use(     \
+                    PFNGLDELETEBUFFERSPROC,                                                                  \
+                    DeleteBuffers) use(PFNGLDELETEFRAMEBUFFERSPROC,                                          \
+                                       DeleteFramebuffers) use(PFNGLDELETEPROGRAMPROC, DeleteProgram)        \
+                    use(PFNGLDELETERENDERBUFFERSPROC, DeleteRenderbuffers) use(                              \
+                        PFNGLDELETESHADERPROC, DeleteShader) use(PFNGLDELETETEXTURESPROC, DeleteTextures)    \
+                        use(PFNGLDELETEVERTEXARRAYSPROC, DeleteVertexArrays) use(                            \
+                            PFNGLDRAWELEMENTSPROC, DrawElements) use(PFNGLENABLEPROC, Enable)                \
+                            use(PFNGLENABLEVERTEXATTRIBARRAYPROC, EnableVertexAttribArray) use(              \
+                                PFNGLFRAMEBUFFERRENDERBUFFERPROC,                                            \
+                                FramebufferRenderbuffer) use(PFNGLGENBUFFERSPROC, GenBuffers)                \
+                                use(PFNGLGENFRAMEBUFFERSPROC, GenFramebuffers) use(                          \
+                                    PFNGLGENRENDERBUFFERSPROC, GenRenderbuffers) use(PFNGLGENTEXTURESPROC,   \
+                                                                                     GenTextures)            \
+                                    use(PFNGLGENVERTEXARRAYSPROC, GenVertexArrays) use(                      \
+                                        PFNGLGETERRORPROC, GetError) use(PFNGLGETPROGRAMINFOLOGPROC,         \
+                                                                         GetProgramInfoLog)                  \
+                                        use(PFNGLGETPROGRAMIVPROC, GetProgramiv) use(                        \
+                                            PFNGLGETSHADERINFOLOGPROC,                                       \
+                                            GetShaderInfoLog) use(PFNGLGETSHADERIVPROC, GetShaderiv)         \
+                                            use(PFNGLGETUNIFORMLOCATIONPROC, GetUniformLocation) use(        \
+                                                PFNGLLINKPROGRAMPROC, LinkProgram) use(PFNGLREADPIXELSPROC,  \
+                                                                                       ReadPixels)           \
+                                                use(PFNGLRENDERBUFFERSTORAGEPROC, RenderbufferStorage) use(  \
+                                                    PFNGLSHADERSOURCEPROC, ShaderSource)                     \
+                                                    use(PFNGLTEXIMAGE2DPROC, TexImage2D) use(                \
+                                                        PFNGLTEXPARAMETERIPROC, TexParameteri)               \
+                                                        use(PFNGLUNIFORM1IPROC, Uniform1i) use(              \
+                                                            PFNGLUNIFORM3FVPROC, Uniform3fv)                 \
+                                                            use(PFNGLUNIFORM4FVPROC, Uniform4fv) use(        \
+                                                                PFNGLUNIFORMMATRIX4FVPROC, UniformMatrix4fv) \
+                                                                use(PFNGLUSEPROGRAMPROC, UseProgram)         \
+                                                                    use(PFNGLVERTEXATTRIBPOINTERPROC,        \
+                                                                        VertexAttribPointer)                 \
+                                                                        use(PFNGLVIEWPORTPROC, Viewport)
 
 // The functions, loaded when a context is current.
 struct Gl {
@@ -68,7 +61,7 @@ struct Gl {
 // Makes a context current on this thread for as long as it lives.  Throws
 // std::runtime_error when the machine offers none.
 class GlContext {
-public:
+  public:
     GlContext();
     ~GlContext();
     GlContext(const GlContext&) = delete;
@@ -76,7 +69,7 @@ public:
 
     [[nodiscard]] const Gl& gl() const { return gl_; }
 
-private:
+  private:
     void makeCurrent();
     void load();
 

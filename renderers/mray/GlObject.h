@@ -1,23 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
 // Owners of graphics objects.
 #pragma once
 
-#include "GlContext.h"
-
 #include <utility>
+
+#include "GlContext.h"
 
 namespace tavrin::mray {
 
 // An object that is made with glGen... and deleted with glDelete...
 template <auto Generate, auto Delete>
 class GlObject {
-public:
+  public:
     explicit GlObject(const Gl& gl) : gl_(&gl) { (gl.*Generate)(1, &name_); }
     ~GlObject() { (gl_->*Delete)(1, &name_); }
     GlObject(const GlObject&) = delete;
     GlObject& operator=(const GlObject&) = delete;
     [[nodiscard]] GLuint name() const { return name_; }
 
-private:
+  private:
     const Gl* gl_;
     GLuint name_ = 0;
 };

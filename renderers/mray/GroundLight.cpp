@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "GroundLight.h"
 
 namespace tavrin::mray {
@@ -22,7 +23,8 @@ GroundLight::GroundLight(const Mesh& mesh, const LightRig& rig, Vec3 ambient, fl
     for (int i = 0; i < 2 * samples; ++i) {
         const Vec2 s = spread(i);
         const float r = std::sqrt(s.x);
-        sky.push_back({{r * std::cos(2 * kPi * s.y), std::sqrt(1 - s.x), r * std::sin(2 * kPi * s.y)}, false});
+        sky.push_back(
+            {{r * std::cos(2 * kPi * s.y), std::sqrt(1 - s.x), r * std::sin(2 * kPi * s.y)}, false});
     }
     const Cover skyCover = cover(mesh, sky);
     for (const float covered : skyCover) {
@@ -51,7 +53,8 @@ GroundLight::GroundLight(const Mesh& mesh, const LightRig& rig, Vec3 ambient, fl
 
 Vec3 GroundLight::cellPlace(int x, int z) const {
     const float scale = 2 * kReach / static_cast<float>(size_);
-    return {(static_cast<float>(x) + 0.5f) * scale - kReach, 0, (static_cast<float>(z) + 0.5f) * scale - kReach};
+    return {(static_cast<float>(x) + 0.5f) * scale - kReach, 0,
+            (static_cast<float>(z) + 0.5f) * scale - kReach};
 }
 
 // Shadows of all vertices in cells: x and z, and y telling whether the vertex

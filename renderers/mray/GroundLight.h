@@ -1,24 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
 // Light on the ground around the object.  The object's triangles are projected
 // onto the ground from many points of every light and of the sky; the average
 // is the soft shadow, hard where the object touches the ground.
 #pragma once
 
+#include <cstdint>
+
 #include "Backdrop.h"
 #include "Mesh.h"
-
-#include <cstdint>
 
 namespace tavrin::mray {
 
 class GroundLight {
-public:
+  public:
     // fineness 1: a small picture.
     GroundLight(const Mesh& mesh, const LightRig& rig, Vec3 ambient, float fineness);
 
     // Irradiance over pi at a point of the ground.
     [[nodiscard]] Vec3 at(float x, float z) const;
 
-private:
+  private:
     // Share of samples that are covered, per cell.
     using Cover = std::vector<float>;
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compiler messages of the different graphics drivers, brought to one form.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "InfoLog.h"
 
 #include <gtest/gtest.h>
@@ -6,7 +7,8 @@ namespace tavrin::mray {
 namespace {
 
 TEST(InfoLog, NamesTheLineInAllKnownForms) {
-    EXPECT_EQ(readableLog("0:12(7): error: `a' undeclared\n", "s.frag"), "s.frag:12: error: `a' undeclared\n");
+    EXPECT_EQ(readableLog("0:12(7): error: `a' undeclared\n", "s.frag"),
+              "s.frag:12: error: `a' undeclared\n");
     EXPECT_EQ(readableLog("0(12) : error C1: no\n", "s.frag"), "s.frag:12: error C1: no\n");
     EXPECT_EQ(readableLog("ERROR: 0:12: 'a' : no\n", "s.frag"), "s.frag:12: 'a' : no\n");
 }

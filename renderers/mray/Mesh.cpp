@@ -1,9 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Mesh.h"
 
 namespace tavrin::mray {
 
-void Mesh::addPatch(const std::vector<float>& us, const std::vector<float>& vs,
-                    const Surface& surface) {
+void Mesh::addPatch(const std::vector<float>& us, const std::vector<float>& vs, const Surface& surface) {
     const auto first = static_cast<std::uint32_t>(vertices.size());
     const auto columns = static_cast<std::uint32_t>(us.size());
     const auto rows = static_cast<std::uint32_t>(vs.size());

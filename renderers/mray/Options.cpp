@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Options.h"
 
 #include <array>
@@ -16,21 +17,25 @@ template <typename Kind>
 using Names = std::vector<std::pair<std::string, Kind>>;
 
 const Names<ObjectKind>& objectNames() {
-    static const Names<ObjectKind> names{{"sphere", ObjectKind::Sphere}, {"torus", ObjectKind::Torus},
-                                         {"cube", ObjectKind::Cube},     {"vase", ObjectKind::Vase},
+    static const Names<ObjectKind> names{{"sphere", ObjectKind::Sphere},
+                                         {"torus", ObjectKind::Torus},
+                                         {"cube", ObjectKind::Cube},
+                                         {"vase", ObjectKind::Vase},
                                          {"plane", ObjectKind::Plane}};
     return names;
 }
 
 const Names<BackdropKind>& backdropNames() {
-    static const Names<BackdropKind> names{{"studio", BackdropKind::Studio}, {"sky", BackdropKind::Sky},
-                                           {"dark", BackdropKind::Dark},     {"white", BackdropKind::White}};
+    static const Names<BackdropKind> names{{"studio", BackdropKind::Studio},
+                                           {"sky", BackdropKind::Sky},
+                                           {"dark", BackdropKind::Dark},
+                                           {"white", BackdropKind::White}};
     return names;
 }
 
 const Names<LightKind>& lightNames() {
-    static const Names<LightKind> names{{"key", LightKind::Key}, {"sun", LightKind::Sun},
-                                        {"soft", LightKind::Soft}, {"rim", LightKind::Rim}};
+    static const Names<LightKind> names{
+        {"key", LightKind::Key}, {"sun", LightKind::Sun}, {"soft", LightKind::Soft}, {"rim", LightKind::Rim}};
     return names;
 }
 
@@ -62,11 +67,12 @@ void readSize(Options& options, const std::string& value) {
     const auto width = number<int>(value.substr(0, cut));
     const auto height = cut == std::string::npos ? std::nullopt : number<int>(value.substr(cut + 1));
     if (!width || !height || *width < 1 || *height < 1) {
-        throw UsageError("--size cannot be \"" + value + "\"; give width and height in pixels, as in 320,240");
+        throw UsageError("--size cannot be \"" + value +
+                         "\"; give width and height in pixels, as in 320,240");
     }
     if (*width > kLongestSide || *height > kLongestSide || long{*width} * *height > kMostPixels) {
-        throw UsageError("--size " + value + " is too large; at most " + std::to_string(kLongestSide)
-                         + " pixels a side and " + std::to_string(kMostPixels / 1000000) + " million in all");
+        throw UsageError("--size " + value + " is too large; at most " + std::to_string(kLongestSide) +
+                         " pixels a side and " + std::to_string(kMostPixels / 1000000) + " million in all");
     }
     options.width = *width;
     options.height = *height;
@@ -84,7 +90,8 @@ void readSamples(Options& options, const std::string& value) {
 void readExposure(Options& options, const std::string& value) {
     const auto exposure = number<float>(value);
     if (!exposure || !(*exposure > 0 && *exposure <= 1000)) {
-        throw UsageError("--exposure cannot be \"" + value + "\"; give a factor above 0 and up to 1000, 1 is normal");
+        throw UsageError("--exposure cannot be \"" + value +
+                         "\"; give a factor above 0 and up to 1000, 1 is normal");
     }
     options.exposure = *exposure;
 }

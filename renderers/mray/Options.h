@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line of mray-render.
 #pragma once
-
-#include "Backdrop.h"
-#include "Shape.h"
 
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "Backdrop.h"
+#include "Shape.h"
 
 namespace tavrin::mray {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Options.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +16,9 @@ TEST(Options, DefaultsAndFiles) {
 }
 
 TEST(Options, ReadsValuesInBothForms) {
-    const Options options = parseOptions({"--size", "64x48", "--object=vase", "--light", "rim", "--background=white",
-                                          "--exposure", "0.5", "--samples=16", "--quiet", "--", "-a", "b"});
+    const Options options =
+        parseOptions({"--size", "64x48", "--object=vase", "--light", "rim", "--background=white",
+                      "--exposure", "0.5", "--samples=16", "--quiet", "--", "-a", "b"});
     EXPECT_EQ(options.width, 64);
     EXPECT_EQ(options.height, 48);
     EXPECT_EQ(options.object, ObjectKind::Vase);
@@ -34,7 +36,8 @@ TEST(Options, RefusesWhatMakesNoSense) {
     for (const auto& arguments : bad) {
         EXPECT_THROW(parseOptions(arguments), UsageError);
     }
-    for (const char* size : {"", "1", "1,", ",1", "0,1", "1,-1", "8193,1", "8192,8192", "1,1,1", "99999999999,1"}) {
+    for (const char* size :
+         {"", "1", "1,", ",1", "0,1", "1,-1", "8193,1", "8192,8192", "1,1,1", "99999999999,1"}) {
         EXPECT_THROW(parseOptions({"--size", size, "a", "b"}), UsageError) << size;
     }
     for (const char* exposure : {"", "0", "-1", "nan", "inf", "1001", "1x"}) {

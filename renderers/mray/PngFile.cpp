@@ -1,13 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PngFile.h"
 
 #include <png.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace tavrin::mray {
 
@@ -53,8 +54,8 @@ void writeTo(const std::string& path, std::FILE* file, int width, int height,
     std::string message = "out of memory";
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &message, onPngError, onPngWarning);
     png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
-    const bool good = info != nullptr
-        && encode(png, info, file, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height), pixels.data());
+    const bool good = info != nullptr && encode(png, info, file, static_cast<png_uint_32>(width),
+                                                static_cast<png_uint_32>(height), pixels.data());
     png_destroy_write_struct(&png, &info);
     if (!good) {
         fail(path, message);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Profile.h"
 
 #include <array>
@@ -27,7 +28,7 @@ constexpr std::array<Vec2, 17> kThrough{{{0.0f, -0.985f},
                                          {0.50f, 0.28f},
                                          {0.0f, -0.05f}}};
 
-constexpr float kWide = 2.0f;   // reach of the table
+constexpr float kWide = 2.0f;  // reach of the table
 constexpr float kTall = 2.0f;
 
 Vec2 curve(Vec2 a, Vec2 b, Vec2 c, Vec2 d, float t) {

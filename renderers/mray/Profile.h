@@ -1,15 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
 // The outline of the vase: a closed half section in the (radius, height) plane,
 // from the middle of the foot up the outside, over the lip and down the inside.
 #pragma once
 
-#include "Vec.h"
-
 #include <vector>
+
+#include "Vec.h"
 
 namespace tavrin::mray {
 
 class Profile {
-public:
+  public:
     Profile();
 
     struct Point {
@@ -25,7 +26,7 @@ public:
     // for shadows.
     [[nodiscard]] float distance(Vec2 p) const;
 
-private:
+  private:
     static constexpr int kColumns = 48;
     static constexpr int kRows = 96;
     [[nodiscard]] float exactDistance(Vec2 p) const;

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Program.h"
 
-#include "InfoLog.h"
-
 #include <algorithm>
+
+#include "InfoLog.h"
 
 namespace tavrin::mray {
 
@@ -79,7 +80,8 @@ void Program::attach(GLenum kind, const std::string& source, const std::string& 
 }
 
 void Program::link(const std::string& file) const {
-    static constexpr const char* kAttributes[]{"position", "object", "normal", "tangent", "uv", "lit", "open"};
+    static constexpr const char* kAttributes[]{"position", "object", "normal", "tangent",
+                                               "uv",       "lit",    "open"};
     GLuint index = 0;
     for (const char* attribute : kAttributes) {
         gl_.BindAttribLocation(name_, index++, attribute);

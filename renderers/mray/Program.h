@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // The surface shader together with the vertex shader that feeds it.
 #pragma once
 
-#include "GlContext.h"
-
 #include <stdexcept>
 #include <string>
+
+#include "GlContext.h"
 
 namespace tavrin::mray {
 
@@ -14,7 +15,7 @@ struct ShaderError : std::runtime_error {
 };
 
 class Program {
-public:
+  public:
     // The file name is only for messages.
     Program(const Gl& gl, const std::string& fragmentSource, const std::string& file);
     ~Program();
@@ -25,7 +26,7 @@ public:
     // -1 when the shader makes no use of it.
     [[nodiscard]] GLint uniform(const char* name) const { return gl_.GetUniformLocation(name_, name); }
 
-private:
+  private:
     void attach(GLenum kind, const std::string& source, const std::string& file) const;
     void link(const std::string& file) const;
 

@@ -1,13 +1,7 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Renderer.h"
 
-#include "Bake.h"
-#include "Camera.h"
-#include "Film.h"
-#include "GlObject.h"
-#include "GroundLight.h"
-#include "PngFile.h"
-#include "Program.h"
-#include "Surround.h"
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
@@ -18,7 +12,15 @@
 #include <fstream>
 #include <future>
 #include <iterator>
-#include <unistd.h>
+
+#include "Bake.h"
+#include "Camera.h"
+#include "Film.h"
+#include "GlObject.h"
+#include "GroundLight.h"
+#include "PngFile.h"
+#include "Program.h"
+#include "Surround.h"
 
 namespace tavrin::mray {
 
@@ -44,8 +46,8 @@ void checkOutput(const std::string& path) {
     const std::filesystem::path parent = std::filesystem::path(path).parent_path();
     const std::string directory = parent.empty() ? "." : parent.string();
     if (access(directory.c_str(), W_OK | X_OK) != 0) {
-        throw std::runtime_error("cannot write into " + directory + ": " + std::strerror(errno)
-                                 + "; name another picture file");
+        throw std::runtime_error("cannot write into " + directory + ": " + std::strerror(errno) +
+                                 "; name another picture file");
     }
     if (std::filesystem::is_directory(path)) {
         throw std::runtime_error("cannot write " + path + ": it is a directory; name a picture file");
@@ -61,15 +63,18 @@ float detailFor(const Options& options) {
 // All of the scene that the graphics library has no part in.  Made by another
 // thread while the drivers start and the shader is compiled.
 class Stage {
-public:
+  public:
     struct Look {
         Mesh mesh;
         Surround surround;
     };
 
     Stage(const Options& options, const Camera& camera)
-        : camera_(camera), shape_(options.object), rig_(makeLightRig(options.light)),
-          backdrop_(options.backdrop, rig_), detail_(detailFor(options)) {
+        : camera_(camera),
+          shape_(options.object),
+          rig_(makeLightRig(options.light)),
+          backdrop_(options.backdrop, rig_),
+          detail_(detailFor(options)) {
         look_ = std::async(std::launch::async, [this] {
             Look look{shape_.mesh(detail_), Surround(backdrop_)};
             bakeVisibility(look.mesh, shape_, rig_);
@@ -77,7 +82,8 @@ public:
         });
         ground_ = std::async(std::launch::async, [this] {
             look_.wait();
-            return GroundLight(shape_.mesh(0.6f * detail_), rig_, backdrop_.ambientUp(), std::min(detail_, 2.5f));
+            return GroundLight(shape_.mesh(0.6f * detail_), rig_, backdrop_.ambientUp(),
+                               std::min(detail_, 2.5f));
         });
     }
 
@@ -99,7 +105,7 @@ public:
         });
     }
 
-private:
+  private:
     [[nodiscard]] Vec3 behind(Vec3 direction) const {
         const Vec3 far = backdrop_.plate(direction);
         if (direction.y > -0.02f) {
@@ -121,15 +127,20 @@ private:
 
 // The object in the graphics library's memory.
 class MeshOnCard {
-public:
+  public:
     MeshOnCard(const Gl& gl, const Mesh& mesh)
-        : gl_(gl), array_(gl), vertices_(gl), indices_(gl), count_(static_cast<GLsizei>(mesh.indices.size())) {
+        : gl_(gl),
+          array_(gl),
+          vertices_(gl),
+          indices_(gl),
+          count_(static_cast<GLsizei>(mesh.indices.size())) {
         gl.BindVertexArray(array_.name());
         gl.BindBuffer(GL_ARRAY_BUFFER, vertices_.name());
         gl.BufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(mesh.vertices.size() * sizeof(Vertex)),
                       mesh.vertices.data(), GL_STATIC_DRAW);
         gl.BindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_.name());
-        gl.BufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(mesh.indices.size() * sizeof(std::uint32_t)),
+        gl.BufferData(GL_ELEMENT_ARRAY_BUFFER,
+                      static_cast<GLsizeiptr>(mesh.indices.size() * sizeof(std::uint32_t)),
                       mesh.indices.data(), GL_STATIC_DRAW);
         attribute(0, 3, offsetof(Vertex, position));
         attribute(1, 3, offsetof(Vertex, object));
@@ -141,10 +152,11 @@ public:
     }
     void draw() const { gl_.DrawElements(GL_TRIANGLES, count_, GL_UNSIGNED_INT, nullptr); }
 
-private:
+  private:
     void attribute(GLuint index, GLint size, std::size_t offset) const {
         gl_.EnableVertexAttribArray(index);
-        gl_.VertexAttribPointer(index, size, GL_FLOAT, GL_FALSE, sizeof(Vertex), reinterpret_cast<const void*>(offset));
+        gl_.VertexAttribPointer(index, size, GL_FLOAT, GL_FALSE, sizeof(Vertex),
+                                reinterpret_cast<const void*>(offset));
     }
 
     const Gl& gl_;
@@ -155,20 +167,21 @@ private:
 
 // Colour and depth to draw one tile into.
 class Canvas {
-public:
+  public:
     Canvas(const Gl& gl, int width, int height) : gl_(gl), frame_(gl), color_(gl), depth_(gl) {
         gl.BindFramebuffer(GL_FRAMEBUFFER, frame_.name());
         attach(color_, GL_RGBA32F, GL_COLOR_ATTACHMENT0, width, height);
         attach(depth_, GL_DEPTH_COMPONENT24, GL_DEPTH_ATTACHMENT, width, height);
         if (gl.CheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
-            throw std::runtime_error("cannot draw: no memory for a tile of the picture; try a smaller --size");
+            throw std::runtime_error(
+                "cannot draw: no memory for a tile of the picture; try a smaller --size");
         }
         gl.ClearColor(0, 0, 0, 0);
         gl.Enable(GL_DEPTH_TEST);
         gl.Enable(GL_CULL_FACE);
     }
 
-private:
+  private:
     void attach(const GlRenderbuffer& buffer, GLenum format, GLenum point, int width, int height) const {
         gl_.BindRenderbuffer(GL_RENDERBUFFER, buffer.name());
         gl_.RenderbufferStorage(GL_RENDERBUFFER, format, width, height);
@@ -230,8 +243,8 @@ Area withMargin(const Area& tile) {
 }
 
 // Draws the object into one tile, margin included, and fetches the samples.
-void drawTile(const Gl& gl, const Camera& camera, const Program& program, const MeshOnCard& mesh, const Area& area,
-              Grid grid, std::vector<float>& samples) {
+void drawTile(const Gl& gl, const Camera& camera, const Program& program, const MeshOnCard& mesh,
+              const Area& area, Grid grid, std::vector<float>& samples) {
     const int wide = area.width * grid.x;
     const int tall = area.height * grid.y;
     gl.Viewport(0, 0, wide, tall);
@@ -299,14 +312,16 @@ void render(const Options& options, Report& report) {
     report.mark("context");
     const Program program(context.gl(), source, options.shader);
     report.mark("compile");
-    drawTiles(context.gl(), stage, camera, program, makeTiles(options.width, options.height, grid), grid, film, report);
+    drawTiles(context.gl(), stage, camera, program, makeTiles(options.width, options.height, grid), grid,
+              film, report);
     report.checkStop();
     writePng(options.output, options.width, options.height, film.pixels());
     report.mark("png");
     report.progress(100);
     report.endProgress();
     if (film.strange() > 0) {
-        std::fprintf(stderr, "mray-render: %ld samples of the surface are not numbers; they are drawn black\n",
+        std::fprintf(stderr,
+                     "mray-render: %ld samples of the surface are not numbers; they are drawn black\n",
                      film.strange());
     }
 }

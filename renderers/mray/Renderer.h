@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes a picture: prepares the scene, draws the object tile by tile and puts it
 // over ground and background.
 #pragma once

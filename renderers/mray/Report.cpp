@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Report.h"
 
-#include <cstdio>
 #include <unistd.h>
+
+#include <cstdio>
 
 namespace tavrin::mray {
 

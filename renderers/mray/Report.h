@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user hears while a picture is made: progress, timing; and what the
 // user tells: stop.
 #pragma once
@@ -13,7 +14,7 @@ namespace tavrin::mray {
 struct Stopped {};
 
 class Report {
-public:
+  public:
     // killFile: the file that stops the render once it exists; may be empty.
     Report(bool quiet, std::string killFile);
 
@@ -28,7 +29,7 @@ public:
     void mark(const char* step);
     [[nodiscard]] std::string timing() const;
 
-private:
+  private:
     using Clock = std::chrono::steady_clock;
     bool quiet_;
     bool openLine_ = false;

@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 // The arithmetic of the scene: meshes, surroundings, light on the ground, film.
+#include <gtest/gtest.h>
+
 #include "Bake.h"
 #include "Camera.h"
 #include "Film.h"
 #include "GroundLight.h"
 #include "Surround.h"
-
-#include <gtest/gtest.h>
 
 namespace tavrin::mray {
 namespace {
@@ -41,8 +42,8 @@ TEST_P(EveryObject, TrianglesFaceOutwards) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Objects, EveryObject,
-                         testing::Values(ObjectKind::Sphere, ObjectKind::Torus, ObjectKind::Cube, ObjectKind::Vase,
-                                         ObjectKind::Plane));
+                         testing::Values(ObjectKind::Sphere, ObjectKind::Torus, ObjectKind::Cube,
+                                         ObjectKind::Vase, ObjectKind::Plane));
 
 TEST(GroundLight, DarkUnderTheObjectAndFreeFarAway) {
     const LightRig sun = makeLightRig(LightKind::Sun);

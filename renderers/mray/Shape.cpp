@@ -1,11 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Shape.h"
 
 namespace tavrin::mray {
 
 namespace {
 
-constexpr float kRing = 0.69f;   // torus: radius of the ring
-constexpr float kTube = 0.31f;   // and of its tube
+constexpr float kRing = 0.69f;  // torus: radius of the ring
+constexpr float kTube = 0.31f;  // and of its tube
 constexpr Vec3 kCube{0.78f, 0.78f, 0.78f};
 constexpr float kCubeEdge = 0.07f;
 constexpr Vec3 kSlab{0.95f, 0.95f, 0.05f};
@@ -87,10 +88,9 @@ Mesh boxMesh(Vec3 half, float rounding, float detail) {
     struct Face {
         Vec3 u, v, n;
     };
-    static constexpr Face kFaces[]{
-        {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}},  {{-1, 0, 0}, {0, 1, 0}, {0, 0, -1}},
-        {{0, 0, -1}, {0, 1, 0}, {1, 0, 0}}, {{0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
-        {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}}, {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}};
+    static constexpr Face kFaces[]{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}},  {{-1, 0, 0}, {0, 1, 0}, {0, 0, -1}},
+                                   {{0, 0, -1}, {0, 1, 0}, {1, 0, 0}}, {{0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
+                                   {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}}, {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}};
     const Vec3 core{half.x - rounding, half.y - rounding, half.z - rounding};
     const auto extent = [&](Vec3 axis) { return std::fabs(dot(axis, half)); };
     const auto flat = [&](Vec3 axis) { return std::max(1, static_cast<int>(extent(axis) * 12 * detail)); };
@@ -146,35 +146,53 @@ Vec3 Pose::turnBack(Vec3 world) const { return aboutX(aboutY(world, -yaw), tilt)
 
 Shape::Shape(ObjectKind kind) : kind_(kind) {
     switch (kind) {
-    case ObjectKind::Sphere: pose_ = {0, 0, 1}; break;
-    case ObjectKind::Torus: pose_ = {0.62f, 0, kRing + kTube}; break;
-    case ObjectKind::Cube: pose_ = {0.6f, 0, kCube.y}; break;
-    case ObjectKind::Plane: pose_ = {0.3f, 0.3f, standing(kSlab, kSlabEdge, 0.3f)}; break;
-    case ObjectKind::Vase:
-        pose_ = {0, 0, 1};
-        vase_ = std::make_unique<Profile>();
-        break;
+        case ObjectKind::Sphere:
+            pose_ = {0, 0, 1};
+            break;
+        case ObjectKind::Torus:
+            pose_ = {0.62f, 0, kRing + kTube};
+            break;
+        case ObjectKind::Cube:
+            pose_ = {0.6f, 0, kCube.y};
+            break;
+        case ObjectKind::Plane:
+            pose_ = {0.3f, 0.3f, standing(kSlab, kSlabEdge, 0.3f)};
+            break;
+        case ObjectKind::Vase:
+            pose_ = {0, 0, 1};
+            vase_ = std::make_unique<Profile>();
+            break;
     }
 }
 
 Mesh Shape::objectMesh(float detail) const {
     switch (kind_) {
-    case ObjectKind::Torus: return torusMesh(detail);
-    case ObjectKind::Cube: return boxMesh(kCube, kCubeEdge, detail);
-    case ObjectKind::Vase: return vaseMesh(*vase_, detail);
-    case ObjectKind::Plane: return boxMesh(kSlab, kSlabEdge, detail);
-    case ObjectKind::Sphere: break;
+        case ObjectKind::Torus:
+            return torusMesh(detail);
+        case ObjectKind::Cube:
+            return boxMesh(kCube, kCubeEdge, detail);
+        case ObjectKind::Vase:
+            return vaseMesh(*vase_, detail);
+        case ObjectKind::Plane:
+            return boxMesh(kSlab, kSlabEdge, detail);
+        case ObjectKind::Sphere:
+            break;
     }
     return sphereMesh(detail);
 }
 
 float Shape::objectDistance(Vec3 p) const {
     switch (kind_) {
-    case ObjectKind::Torus: return length(Vec2{length(Vec2{p.x, p.y}) - kRing, p.z}) - kTube;
-    case ObjectKind::Cube: return boxDistance(p, kCube, kCubeEdge);
-    case ObjectKind::Vase: return vase_->distance({length(Vec2{p.x, p.z}), p.y});
-    case ObjectKind::Plane: return boxDistance(p, kSlab, kSlabEdge);
-    case ObjectKind::Sphere: break;
+        case ObjectKind::Torus:
+            return length(Vec2{length(Vec2{p.x, p.y}) - kRing, p.z}) - kTube;
+        case ObjectKind::Cube:
+            return boxDistance(p, kCube, kCubeEdge);
+        case ObjectKind::Vase:
+            return vase_->distance({length(Vec2{p.x, p.z}), p.y});
+        case ObjectKind::Plane:
+            return boxDistance(p, kSlab, kSlabEdge);
+        case ObjectKind::Sphere:
+            break;
     }
     return length(p) - 1;
 }

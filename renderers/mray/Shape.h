@@ -1,10 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
 // The objects that can be rendered, standing on the ground y = 0.
 #pragma once
 
+#include <memory>
+
 #include "Mesh.h"
 #include "Profile.h"
-
-#include <memory>
 
 namespace tavrin::mray {
 
@@ -20,7 +21,7 @@ struct Pose {
 };
 
 class Shape {
-public:
+  public:
     explicit Shape(ObjectKind kind);
 
     // The mesh; the number of triangles grows with the square of detail
@@ -30,7 +31,7 @@ public:
     // Signed distance of a world-space point, negative inside.
     [[nodiscard]] float distance(Vec3 world) const;
 
-private:
+  private:
     [[nodiscard]] Mesh objectMesh(float detail) const;
     [[nodiscard]] float objectDistance(Vec3 p) const;
 

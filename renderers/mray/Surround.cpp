@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Surround.h"
 
 namespace tavrin::mray {
@@ -9,12 +10,12 @@ namespace {
 constexpr float kFill = 0.9375f;
 
 Vec2 fold(Vec3 direction) {
-    const Vec3 d = direction * (1 / (std::fabs(direction.x) + std::fabs(direction.y) + std::fabs(direction.z)));
+    const Vec3 d =
+        direction * (1 / (std::fabs(direction.x) + std::fabs(direction.y) + std::fabs(direction.z)));
     if (d.y >= 0) {
         return {d.x, d.z};
     }
-    return {(1 - std::fabs(d.z)) * (d.x < 0 ? -1.0f : 1.0f),
-            (1 - std::fabs(d.x)) * (d.z < 0 ? -1.0f : 1.0f)};
+    return {(1 - std::fabs(d.z)) * (d.x < 0 ? -1.0f : 1.0f), (1 - std::fabs(d.x)) * (d.z < 0 ? -1.0f : 1.0f)};
 }
 
 Vec3 unfold(Vec2 at) {
@@ -121,16 +122,16 @@ void Surround::makeHarmonics() {
     for (int y = 0; y < size; ++y) {
         for (int x = 0; x < size; ++x) {
             const float scale = 2.0f / (static_cast<float>(size) * kFill);
-            if (std::fabs((static_cast<float>(x) + 0.5f) * scale - 1 / kFill) > 1
-                || std::fabs((static_cast<float>(y) + 0.5f) * scale - 1 / kFill) > 1) {
+            if (std::fabs((static_cast<float>(x) + 0.5f) * scale - 1 / kFill) > 1 ||
+                std::fabs((static_cast<float>(y) + 0.5f) * scale - 1 / kFill) > 1) {
                 continue;
             }
             const Vec3 d = texelDirection(x, y, size);
             const float norm = std::fabs(d.x) + std::fabs(d.y) + std::fabs(d.z);
             const float weight = norm * norm * norm;  // solid angle, up to a factor
             const Vec3 c = look(3, d) * weight;
-            const float basis[9]{1, d.y, d.z, d.x, d.x * d.y, d.y * d.z,
-                                 3 * d.z * d.z - 1, d.x * d.z, d.x * d.x - d.y * d.y};
+            const float basis[9]{
+                1, d.y, d.z, d.x, d.x * d.y, d.y * d.z, 3 * d.z * d.z - 1, d.x * d.z, d.x * d.x - d.y * d.y};
             for (std::size_t i = 0; i < 9; ++i) {
                 sum[i] += c * basis[i];
             }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small vectors for the scene arithmetic.
 #pragma once
 

@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: Apache-2.0
 // mray-render: renders an object with a surface shader and writes a PNG.
-#include "Program.h"
-#include "Renderer.h"
-
 #include <cstdio>
 #include <cstdlib>
+
+#include "Program.h"
+#include "Renderer.h"
 
 namespace {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command channel of forms and scripts: an action is three words, turned into what the user's menus do.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each action does, what is no action, and scripts of them: waiting, halting, the end of the program.
 #include "app/Actions.h"
 
@@ -170,9 +171,9 @@ TEST_F(ActionsTest, WordsAreComparedExactly) {
 }
 
 TEST_F(ActionsTest, ASystemCommandIsWaitedForWithoutPumping) {
-    const std::string script = test.directory.Write(
-        "slow script", "echo > \"$TAVRN_WORKDIR/begun\"\n" + std::string(kUntilLetGo) +
-                           "echo \"$1\" > \"$TAVRN_WORKDIR/done\"\n");
+    const std::string script =
+        test.directory.Write("slow script", "echo > \"$TAVRN_WORKDIR/begun\"\n" + std::string(kUntilLetGo) +
+                                                "echo \"$1\" > \"$TAVRN_WORKDIR/done\"\n");
     std::thread watcher([this] {
         const auto limit = std::chrono::steady_clock::now() + test::kPatience;
         while (!InWork("begun") && std::chrono::steady_clock::now() < limit)

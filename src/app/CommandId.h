@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command numbers of the program: the vocabulary that menus, keys, toolbars and actions share.
 #pragma once
 

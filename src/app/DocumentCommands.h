@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands on the one document: New, Open, Merge, Save and Save As, the option toggles, the title.
 #pragma once
 

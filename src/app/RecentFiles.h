@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The documents that were opened or saved last, for the user to open again.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Unsaved work, written aside so that a crash or a kill loses no more than the last moments of it.
 #pragma once
 
@@ -50,9 +51,9 @@ class Recovery {
         std::string documentPath;  // of the document's own file; empty if it had none
         std::string title;         // as the document's
         std::time_t savedAt = 0;
-        bool wasCutShort = false;      // the document's own file had not been read to its end
-        bool documentIsNewer = false;  // the document's own file was written after the copy
-        int failures = 0;              // attempts at reading the copy so far
+        bool wasCutShort = false;              // the document's own file had not been read to its end
+        bool documentIsNewer = false;          // the document's own file was written after the copy
+        int failures = 0;                      // attempts at reading the copy so far
         std::optional<ContentMark> held = {};  // by the document's own file when it was last read or written
     };
     // The copies of processes that are gone, newest first. No other process finds them while this one

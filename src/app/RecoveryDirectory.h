@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The files in which unsaved work is kept from one run to the next.
 #pragma once
 
@@ -16,8 +17,8 @@ namespace tavrin {
 struct RecoveryOrigin {
     std::string documentPath;  // absolute; empty if the document had no file
     std::time_t savedAt = 0;
-    bool wasCutShort = false;  // that file had not been read to its end
-    int failures = 0;          // attempts at reading the copy so far
+    bool wasCutShort = false;              // that file had not been read to its end
+    int failures = 0;                      // attempts at reading the copy so far
     std::optional<ContentMark> held = {};  // by that file, as DocumentFile has it
 };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Unsaved work of an earlier process becomes the document again.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is written aside, and what the next start finds of it.
 #include "app/Recovery.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The statements of `.tvx` script files.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reader of site definitions files, `tavrn.def`.
 #pragma once
 

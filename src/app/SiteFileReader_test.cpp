@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The clauses of site definitions files.
 #include "app/SiteFileReader.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which site definitions files are read, and in which order.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

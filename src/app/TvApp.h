@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application object: it owns the site's configuration, the directories, the children, the operators
 // and the variables that no document holds yet.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the application takes from the environment when it is made, and its libraries.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

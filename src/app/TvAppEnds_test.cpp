@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What must end the program after its start, and what its end leaves behind.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

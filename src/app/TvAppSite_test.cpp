@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LoadSiteDefaults: what the site files, the work directory and the children's environment come to.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

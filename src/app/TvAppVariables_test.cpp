@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Named values, the reaction to the shader type, and the user's editor.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one document with everything that works on it, as a program's frame or a batch run holds it.
 #pragma once
 

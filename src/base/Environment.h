@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The environment that children are given. It starts as a copy of the process's own and is changed here
 // alone: the process environment is read once and never written.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file descriptor that is closed when its owner goes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files and directories as the system needs them. Nothing here reports to the user: an operation that
 // fails returns false and leaves the platform's words for the error where the caller asks for them.
 #pragma once

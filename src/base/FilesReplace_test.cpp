@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Replacing a file so that whatever fails the old one is whole.
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Removing and copying directory trees.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Single files: reading, writing in place, asking about them. Replacing and trees have tests of their own.
 #include "base/Files.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Being told to stop: INT, TERM and HUP.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The door by which worker threads reach the main thread. The desktop program feeds its event loop
 // through it; the batch program uses the plain queue below.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Path rules of library files and documents.
 //
 // Text that comes from files may separate path components by '/' or by '\'; both are understood

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the program keeps what the user has arranged: window places, the state of switches, recent files.
 // The desktop program stores it in the user's configuration directory; tests keep it in memory.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program being told to stop, and two of it at once.
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program as its users run it, with the library of the installation.
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What fails in a run of the program, how it is told, and what is left.
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -134,8 +135,8 @@ TEST_F(BatchStatusTest, NoOtherWayLeadsToTheDocumentThatWasCutShort) {
 
 TEST_F(BatchStatusTest, ADocumentThatWasCutShortIsNotExportedOverItselfUnlessForced) {
     Script("exportall", "print \"exported\\n\";\n");
-    const std::string cut = "exportoptions { tavrndir 1 " + In("") + "\n}\n" + std::string(kDocument) +
-                            "toolbar { nonsense }\n";
+    const std::string cut =
+        "exportoptions { tavrndir 1 " + In("") + "\n}\n" + std::string(kDocument) + "toolbar { nonsense }\n";
     const std::string document = Write("cut.tvn", cut);
     const std::string refused = "ALERT: " + document +
                                 " was not read to its end, and exporting would lose the rest; export to "

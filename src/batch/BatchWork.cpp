@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "batch/BatchWork.h"
 
 #include <algorithm>
@@ -28,8 +29,7 @@ ExportKind KindOf(const std::string& word) {
 
 }  // namespace
 
-BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted,
-                     bool force)
+BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, bool force)
     : m_app(app),
       m_queue(queue),
       m_isInterrupted(std::move(isInterrupted)),

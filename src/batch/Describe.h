@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What tavrin-batch prints of operators.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // tavrin-batch: the system's work without a window.
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reports of a program without a window: alerts and log on standard error.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Merges boxes into a working copy, one after the other.
 #pragma once
 

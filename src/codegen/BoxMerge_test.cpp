@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Boxes are expanded and merged at once, without a copy of them.
 #include "codegen/BoxMerge.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ten named blocks of template lines, the macro expander that works on them, and the comment marks of
 // the target language.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The template clauses of site files and box definitions.
 #include <algorithm>
 

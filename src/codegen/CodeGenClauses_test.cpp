@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Template clauses, as site files and box definitions hold them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

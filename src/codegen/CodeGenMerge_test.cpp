@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the templates of boxes to the working copy of a shader: expansion and merging.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

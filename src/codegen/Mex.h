@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The macro expander: a text-substitution machine that walks a text character by character and replaces
 // the names of variables by their values.
 //

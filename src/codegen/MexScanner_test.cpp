@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The scanner's awareness of comments, quotes and escapes, armed by hand.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The macro expander as the system uses it: words and ${...}, no tokens armed.
 #include "codegen/Mex.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The variables of a macro expander: pairs of name and value in order of definition, of which the first
 // of a name is the one that counts.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Edit commands with the desk's own clipboard, and what the context menus do.
 #include <algorithm>
 #include <unordered_set>

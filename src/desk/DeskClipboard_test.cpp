@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cut, Copy, Paste and Delete, and the commands of the context menus.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -189,8 +190,8 @@ TEST_F(DeskClipboard, PastedBoxesWaitWithTheFirstAnchorUnderTheCursor) {
     EXPECT_EQ(desk.m_selectedButton, nullptr);
     EXPECT_THAT(desk.m_selectedConnects, IsEmpty());
     EXPECT_THAT(view.finder, ElementsAre("old_1", "a_2", "a_3", "a_4", "a_5"));
-    EXPECT_THAT(view.calls, ElementsAre("layout a_4", "layout a_5", "repaint", "scrollbars",
-                                        "Paste: came a_4 a_5"));
+    EXPECT_THAT(view.calls,
+                ElementsAre("layout a_4", "layout a_5", "repaint", "scrollbars", "Paste: came a_4 a_5"));
     EXPECT_TRUE(document.IsModified());
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where things lie on the desk: plain arithmetic in desk units, x to the right and y upward.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How boxes are laid out, and how lines run between them.
 #include "desk/DeskGeometry.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the pointer does on the desk: selecting, moving, wiring, rubber bands, panning.
 #pragma once
 
@@ -101,8 +102,8 @@ class DeskGestures {
     Surroundings m_around;
     Kind m_gesture = Kind::kIdle;
     std::optional<HeldEdit> m_drag;  // all that is moved until the release is one act
-    WindowPoint m_mousePoint;  // last position in the window
-    ShownHelp m_help;          // what was shown last
+    WindowPoint m_mousePoint;        // last position in the window
+    ShownHelp m_help;                // what was shown last
     DeskPoint m_bandAnchor;
     bool m_growArrowsShown = false;
     bool m_growArrowUpHot = false;

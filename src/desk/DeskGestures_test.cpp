@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the pointer does on the desk.
 #include "desk/DeskGestures.h"
 

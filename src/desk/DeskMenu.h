@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The context menus of the desk as data: what they offer for a box or a button, and what is done when
 // something is chosen.
 #pragma once

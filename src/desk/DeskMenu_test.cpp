@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the desk's context menus offer, and what their commands do.
 #include "desk/DeskMenu.h"
 

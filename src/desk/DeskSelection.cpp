@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is selected on the desk, and the care for references to what may be gone.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Selection, the care for stale references, and how the desk takes up a network.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's colours, widths and limits, as the site sets them.
 #pragma once
 

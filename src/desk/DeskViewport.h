@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The window's view of the desk: which part of it is seen, and how large.
 #pragma once
 

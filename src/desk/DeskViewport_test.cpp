@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the window's view of the desk moves and zooms, and what the scroll bars show of it.
 #include "desk/DeskViewport.h"
 

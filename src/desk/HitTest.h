@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What lies under a point of the desk. Boxes come before lines, and in a box buttons before its own area: a
 // line that runs under a box cannot be hit there.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The model of the desk: everything that exists only while a network is being edited. It stands over a
 // document, which owns the network's boxes.
 #pragma once

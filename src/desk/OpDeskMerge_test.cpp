@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Groups of boxes: merged documents, macro operators, copies; and how vinputs grow.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,9 +19,7 @@ using testing::IsEmpty;
 
 class OpDeskMerge : public test::DocumentTest {
   protected:
-    COpBox& Admit(std::unique_ptr<COpBox> box) {
-        return Add(desk, std::move(box));
-    }
+    COpBox& Admit(std::unique_ptr<COpBox> box) { return Add(desk, std::move(box)); }
     COpBox& Bring(std::unique_ptr<COpBox> box, float x, float y) {
         box->xypos[0] = x;
         box->xypos[1] = y;
@@ -57,8 +56,8 @@ TEST_F(OpDeskMerge, MergedBoxesWaitWithFreshNumbersAndTheirConnections) {
     EXPECT_EQ(from.selected + to.selected, 2);
     EXPECT_FALSE(desk.m_pendingPlaced);
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("layout a_2", "layout b_3", "repaint", "scrollbars",
-                                        "Merge: came a_2 b_3"));
+    EXPECT_THAT(view.calls,
+                ElementsAre("layout a_2", "layout b_3", "repaint", "scrollbars", "Merge: came a_2 b_3"));
     EXPECT_THAT(view.finder, ElementsAre("old_1", "a_2", "b_3"));
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How boxes enter and leave the desk.
 #include "desk/OpDesk.h"
 
@@ -22,9 +23,7 @@ using testing::IsEmpty;
 class OpDesk : public test::DocumentTest {
   protected:
     // Admits a box and puts it into the network.
-    COpBox& Admit(std::unique_ptr<COpBox> box) {
-        return Add(desk, std::move(box));
-    }
+    COpBox& Admit(std::unique_ptr<COpBox> box) { return Add(desk, std::move(box)); }
     void Remove(size_t place) {
         const auto node = std::next(document.m_boxes.begin(), static_cast<std::ptrdiff_t>(place));
         auto box = std::move(*node);
@@ -112,8 +111,8 @@ TEST_F(OpDesk, AnAddedOperatorWaitsUnderTheMouse) {
     EXPECT_FALSE(desk.m_pendingPlaced);
     EXPECT_THAT(document.m_boxes, IsEmpty());
     EXPECT_FALSE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("layout Noise_1", "layout Noise_1", "repaint",
-                                        "Add Operator: came Noise_1"));
+    EXPECT_THAT(view.calls,
+                ElementsAre("layout Noise_1", "layout Noise_1", "repaint", "Add Operator: came Noise_1"));
     EXPECT_THAT(view.finder, ElementsAre("Noise_1"));
 }
 

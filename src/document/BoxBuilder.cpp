@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "document/BoxBuilder.h"
 
 #include <algorithm>
@@ -25,8 +26,8 @@ std::string GenericTypeOf(COpButton& button, const ValueRecord& record) {
     return std::string(isType ? record.type : type_words::kGeneric);
 }
 
-// A value of a type that the button does not have is dropped; of numbers that the text breaks off in, the first
-// count.
+// A value of a type that the button does not have is dropped; of numbers that the text breaks off in, the
+// first count.
 void SetValue(COpButton& button, const ValueRecord& record) {
     COpValue* value = button.FindValue(IsGenericType(record.type) ? GenericTypeOf(button, record)
                                                                   : std::string(record.type));
@@ -47,8 +48,12 @@ void SetValue(COpButton& button, const ValueRecord& record) {
                                set({&own.x, &own.y, &own.z, &own.min, &own.max});
                                Assign(own.integer, record.integer);
                            },
-                           [&](COpValueRgb& own) { set({&own.r, &own.g, &own.b}); },
-                           [&](COpValueRgba& own) { set({&own.r, &own.g, &own.b, &own.a}); },
+                           [&](COpValueRgb& own) {
+                               set({&own.r, &own.g, &own.b});
+                           },
+                           [&](COpValueRgba& own) {
+                               set({&own.r, &own.g, &own.b, &own.a});
+                           },
                            [&](COpValueString& own) { own.value = record.text; },
                            [&](COpValueGeneric& own) { own.value = record.text; },
                        });
@@ -121,9 +126,9 @@ COpButton* BoxBuilder::FindInput(const ButtonRecord& record) {
         Alert(record.namesEnd,
               "input " + std::string(record.name) + " not of type " + std::string(record.kind));
     }
-    const bool isFirst = record.fullName.starts_with(record.name) &&
-                         (record.fullName.size() == record.name.size() ||
-                          record.fullName.substr(record.name.size()) == "1");
+    const bool isFirst =
+        record.fullName.starts_with(record.name) &&
+        (record.fullName.size() == record.name.size() || record.fullName.substr(record.name.size()) == "1");
     if (isFirst) return &found;
     // A further copy of a vinput. It is numbered at once, since messages name it.
     auto copy = std::make_unique<COpButton>(found);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Gives a box what a document says of it.
 #pragma once
 
@@ -21,8 +22,8 @@ class BoxBuilder {
     BoxBuilder(COpBox& box, const DocumentForm& form, Report& report)
         : m_box(box), m_form(form), m_report(report) {}
 
-    // False, reported, at a button that the definition does not have. A record that is not whole gives the box
-    // what there is of it.
+    // False, reported, at a button that the definition does not have. A record that is not whole gives the
+    // box what there is of it.
     bool Build(const BoxRecord& record);
 
   private:

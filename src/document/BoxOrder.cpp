@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The orders in which a document's boxes are walked.
 #include <algorithm>
 #include <unordered_set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The `opbutton` blocks of a box.
 #include "document/DocumentReader.h"
 #include "library/Value.h"
@@ -69,8 +70,7 @@ bool DocumentReader::ReadText(ButtonRecord& button, std::string_view keyword) {
 }
 
 bool DocumentReader::ReadNumbers(ButtonRecord& button, const NumberType& type) {
-    ValueRecord& value =
-        button.values.emplace_back(ValueRecord{Begun(), type.word, {}, 0, {}, {}, {}});
+    ValueRecord& value = button.values.emplace_back(ValueRecord{Begun(), type.word, {}, 0, {}, {}, {}});
     if (!Operands(std::span(value.numbers).first(type.count), value.numberCount)) return false;
     if (type.hasInteger && !Operand(value.integer)) return false;
     End(value);

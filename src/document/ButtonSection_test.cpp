@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The buttons of a box in a document as they are read.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

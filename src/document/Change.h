@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What one act of the user has changed of a document, as everybody hears of it who shows some of it.
 #pragma once
 
@@ -16,8 +17,9 @@ struct GoneBox {
     std::string boxTitleWid;
 };
 
-// A plain value that `Edits` makes and hands to its listeners, valid while they are told: the boxes and buttons
-// named in it stand, and each is named once in a list. It says where to look, not what was there before.
+// A plain value that `Edits` makes and hands to its listeners, valid while they are told: the boxes and
+// buttons named in it stand, and each is named once in a list. It says where to look, not what was there
+// before.
 struct Change {
     // What was done, in a word or two that could stand behind "Undo"; empty where nothing was edited.
     std::string act;
@@ -42,7 +44,9 @@ struct Change {
     bool HasBoxes() const {
         return replaced || !came.empty() || !dropped.empty() || !went.empty() || !touched.empty();
     }
-    bool IsEmpty() const { return !HasBoxes() && buttons.empty() && !wires && !options && !settings && !selection; }
+    bool IsEmpty() const {
+        return !HasBoxes() && buttons.empty() && !wires && !options && !settings && !selection;
+    }
 };
 
 }  // namespace tavrin

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The `opdesk` section: boxes, connections and the state of the desk.
 #include "document/DocumentReader.h"
 #include "text/Numbers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The boxes, connections and desk state of a document as they are read.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes the boxes and the settings of a document from what its file says.
 #pragma once
 
@@ -15,8 +16,8 @@ class Report;
 
 // Works through the records in the order of the text, selects the library that one names, and reports what it
 // meets, the form's own errors among it, as if the text were read meanwhile. It stops where the form does, or
-// where a record means nothing in this library; what has been made until then stays in the document. Used once;
-// document, form and host outlive it.
+// where a record means nothing in this library; what has been made until then stays in the document. Used
+// once; document, form and host outlive it.
 class DocumentBuilder {
   public:
     DocumentBuilder(CTvDoc& document, const DocumentForm& form, DocumentHost& host);

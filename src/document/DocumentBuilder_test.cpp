@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the text says and what the library makes of it come together in the order of the text.
 #include "document/DocumentBuilder.h"
 
@@ -45,14 +46,16 @@ TEST_F(DocumentBuilder, NothingIsToldOfWhatStandsBehindTheFirstStop) {
 }
 
 TEST_F(DocumentBuilder, AWarningStandsBeforeTheStopBehindIt) {
-    EXPECT_FALSE(Load("opdesk { opbox { filename Link wid 4\nopbutton.vinput in in { currentcast float {\nbogus"));
+    EXPECT_FALSE(
+        Load("opdesk { opbox { filename Link wid 4\nopbutton.vinput in in { currentcast float {\nbogus"));
     EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 2: input in not of type vinput",
                                       "doc.tvn near line 3: unexpected input \"bogus\""));
 }
 
 TEST_F(DocumentBuilder, WhatStandsBeforeAStopWithinAButtonIsKept) {
     EXPECT_FALSE(Load(BoxUpTo("in in { opbuttondefs { currentcast gone wwms { pin 1 float 0.25 2")));
-    EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 2: unexpected input")) << "the cast is not looked for";
+    EXPECT_THAT(Alerts(), ElementsAre("doc.tvn near line 2: unexpected input"))
+        << "the cast is not looked for";
     const COpBox& box = BoxAt(document, 0);
     EXPECT_EQ(box.wid, 4);
     EXPECT_EQ(box.inputs.at(0)->pin, 1);

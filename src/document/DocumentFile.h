@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file that a document is saved to, as the program has seen it last.
 #pragma once
 

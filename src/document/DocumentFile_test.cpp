@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the program knows of the file that a document is saved to.
 #include "document/DocumentFile.h"
 

@@ -1,6 +1,7 @@
-// What a document's file says, as plain records in the order of its text. Who looks into a file needs no more:
-// no box and no definition, no library and no process. DocumentReader.h makes it, DocumentBuilder.h makes boxes
-// of it, and DocumentFormWriter.h writes it back.
+// SPDX-License-Identifier: Apache-2.0
+// What a document's file says, as plain records in the order of its text. Who looks into a file needs no
+// more: no box and no definition, no library and no process. DocumentReader.h makes it, DocumentBuilder.h
+// makes boxes of it, and DocumentFormWriter.h writes it back.
 #pragma once
 
 #include <deque>

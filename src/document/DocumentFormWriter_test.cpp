@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is read of a document is all that a document says: it can be written back.
 #include "document/DocumentFormWriter.h"
 

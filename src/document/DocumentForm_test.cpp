@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a document's file says, told without a box, a library or a process.
 #include "document/DocumentForm.h"
 
@@ -160,7 +161,8 @@ TEST(DocumentForm, RecordsKnowTheirPlace) {
 // What a document holds of an operator that nobody knows goes back to a file as it came.
 TEST(DocumentForm, TheTextOfABoxReadsAsTheBox) {
     const std::string box =
-        "opbox { filename \"My Box\" wid 3 opbutton.input a a { currentcast \"x y\" wwms { generic q\n } } } }";
+        "opbox { filename \"My Box\" wid 3 opbutton.input a a { currentcast \"x y\" wwms { generic q\n } } } "
+        "}";
     const DocumentForm form = Read("opdesk {\n" + box + " lock 1 }");
     EXPECT_EQ(form.TextOf(BoxAt(form, 0)), box);
     EXPECT_EQ(BoxAt(form, 0).operatorName, "My Box");
@@ -202,9 +204,9 @@ TEST(DocumentForm, ABoxThatTheTextEndsInIsWhole) {
 TEST(DocumentForm, ErrorsAreToldInTheirOrder) {
     const DocumentForm form = Read(
         "exportoptions {\nbogus 1 x\ntoolbar {\nbutton 0=A }\nexportoptions {\n\nother 1\ntoolbar {\nno");
-    EXPECT_THAT(ErrorsOf(form), ElementsAre("passed 3: unknown export option: bogus",
-                                            "passed 8: unknown export option: other",
-                                            "stop 9: unexpected input"));
+    EXPECT_THAT(ErrorsOf(form),
+                ElementsAre("passed 3: unknown export option: bogus",
+                            "passed 8: unknown export option: other", "stop 9: unexpected input"));
     EXPECT_THAT(SectionAt<ToolbarRecord>(form, 1).operators, ElementsAre("A"));
 }
 
@@ -221,8 +223,8 @@ TEST(DocumentForm, EachErrorHasItsWords) {
 }
 
 TEST(DocumentForm, TheDeskAloneIsReadWhereverItStands) {
-    const DocumentForm form = ReadDesk(test::ArchiveOf(
-        "toolbar broken\nopdesk { opbox { filename A } }\nopdesk { bogus", "doc.tvn"));
+    const DocumentForm form = ReadDesk(
+        test::ArchiveOf("toolbar broken\nopdesk { opbox { filename A } }\nopdesk { bogus", "doc.tvn"));
     EXPECT_TRUE(form.IsReadToEnd());
     ASSERT_THAT(form.sections, SizeIs(1));
     EXPECT_EQ(BoxAt(form, 0).operatorName, "A");

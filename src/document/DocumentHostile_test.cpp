@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Broken, cut, huge and random files: whatever they hold, reading ends, and the document can be stored.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

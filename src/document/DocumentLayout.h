@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fixed layout of documents, to the byte: what stands round the texts and numbers of a document, whoever
 // has them.
 #pragma once

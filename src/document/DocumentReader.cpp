@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The top level of a document and its smaller sections.
 #include "document/DocumentReader.h"
 
@@ -105,8 +106,10 @@ void DocumentReader::ReadExportOptions() {
         m_archive.ReadLine(option.line);
         End(option);
         isKnown = IsExportOption(key);
-        if (isKnown) section.options.push_back(option);
-        else AddError(ReadingError::Kind::kPassedOver, "unknown export option: " + std::string(key));
+        if (isKnown)
+            section.options.push_back(option);
+        else
+            AddError(ReadingError::Kind::kPassedOver, "unknown export option: " + std::string(key));
     }
     End(section);
 }

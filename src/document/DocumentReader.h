@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one reader of the format of documents. It is deliberately no mirror of the writer: sections may come in
 // any order, indentation and blank lines mean nothing, and unknown words between sections are passed over.
 #pragma once

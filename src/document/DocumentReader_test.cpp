@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The top level of a document and its smaller sections as they are read.
 #include "document/DocumentReader.h"
 

@@ -1,5 +1,6 @@
-// What a document's file says, record by record. Plain values: the texts are views of the text that was read, and
-// live as long as the DocumentForm that owns it.
+// SPDX-License-Identifier: Apache-2.0
+// What a document's file says, record by record. Plain values: the texts are views of the text that was read,
+// and live as long as the DocumentForm that owns it.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +15,8 @@
 
 namespace tavrin {
 
-// The place of a record in the text, from its keyword up to and with its last token, as offsets; the form tells
-// the lines.
+// The place of a record in the text, from its keyword up to and with its last token, as offsets; the form
+// tells the lines.
 struct DocumentRecord {
     size_t begin = 0;
     size_t end = 0;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The writer of document files: one fixed layout, to the byte.
 #pragma once
 

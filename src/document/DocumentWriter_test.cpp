@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a document looks like in its file, to the byte.
 #include "document/DocumentWriter.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "document/Edits.h"
 
 #include <utility>
@@ -168,7 +169,9 @@ void Edits::Tell(const Change& change) {
     }
 }
 
-EditScope::EditScope(CTvDoc& document, const std::string& act) : m_edits(document.edits) { m_edits.Begin(act); }
+EditScope::EditScope(CTvDoc& document, const std::string& act) : m_edits(document.edits) {
+    m_edits.Begin(act);
+}
 
 HeldEdit::HeldEdit(CTvDoc& document, const std::string& act) : m_edits(document.edits) { m_edits.Hold(act); }
 

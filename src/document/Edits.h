@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where every edit of a document ends: what changes a document says so here, what shows it is told from here.
 #pragma once
 
@@ -14,9 +15,9 @@ namespace tavrin {
 
 class CTvDoc;
 
-// One for each document, which owns it. Whoever changes the document notes that while an EditScope is open; at
-// the end of the outermost one the listeners hear one Change. A note of an edit marks the document modified at
-// once. Main thread only; nothing here can fail.
+// One for each document, which owns it. Whoever changes the document notes that while an EditScope is open;
+// at the end of the outermost one the listeners hear one Change. A note of an edit marks the document
+// modified at once. Main thread only; nothing here can fail.
 class Edits {
   public:
     using Listener = std::function<void(const Change&)>;
@@ -31,7 +32,8 @@ class Edits {
     [[nodiscard]] Subscription Observe(Listener listener);
 
     // What an edit changes, said before it is done or after. Without an open scope the note is an edit by
-    // itself, told at once, so that nobody misses it; but it is a fault of the program, which StrayEdits counts.
+    // itself, told at once, so that nobody misses it; but it is a fault of the program, which StrayEdits
+    // counts.
     void BoxCame(COpBox& box);     // it waits; by itself that does not modify the document
     void BoxDropped(COpBox& box);  // it stands in the network
     enum class Stood { kWaiting, kInNetwork };
@@ -47,8 +49,8 @@ class Edits {
 
     // What is selected is no edit: it is told at once, whatever is open.
     void SelectionChanged();
-    // The document has been read anew. What was noted of the former one is forgotten, and listeners are told at
-    // once, whatever is open.
+    // The document has been read anew. What was noted of the former one is forgotten, and listeners are told
+    // at once, whatever is open.
     void Replaced();
 
     // The document's boxes are about to be destroyed all at once, to give place to others.
@@ -99,8 +101,8 @@ class Edits {
     Noted<COpButton> m_buttons;
 };
 
-// Stands round one act of the user, on the stack. They nest; the outermost counts, with the name of the first one that
-// has a name.
+// Stands round one act of the user, on the stack. They nest; the outermost counts, with the name of the first
+// one that has a name.
 class EditScope {
   public:
     EditScope(CTvDoc& document, const std::string& act);
@@ -112,9 +114,9 @@ class EditScope {
     Edits& m_edits;
 };
 
-// Stands for an act that goes on over several events, such as a drag: all scopes of its name are one act, which is
-// told at its end. A scope of another name is an act by itself, before which what was done so far is told. One at a
-// time; the document outlives it.
+// Stands for an act that goes on over several events, such as a drag: all scopes of its name are one act,
+// which is told at its end. A scope of another name is an act by itself, before which what was done so far is
+// told. One at a time; the document outlives it.
 class HeldEdit {
   public:
     HeldEdit(CTvDoc& document, const std::string& act);

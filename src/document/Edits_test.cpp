@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "document/Edits.h"
 
 #include <gmock/gmock.h>
@@ -93,7 +94,10 @@ TEST_F(EditsTest, AnActThatChangesNothingIsNotTold) {
     { const EditScope edit(document, "Nothing"); }
     EXPECT_THAT(heard, IsEmpty());
     EXPECT_FALSE(document.IsModified());
-    { const EditScope edit(document, "Something"); edits.OptionsChanged(); }
+    {
+        const EditScope edit(document, "Something");
+        edits.OptionsChanged();
+    }
     EXPECT_THAT(heard, ElementsAre("Something: options"));
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What an export writes, and where: kept by each document, and once more as the site's defaults.
 #pragma once
 
@@ -27,12 +28,12 @@ struct CExportOptions {
 };
 
 bool IsExportOption(std::string_view key);
-// Takes the line of a known key: it sets the flag, and the path unless that is empty; a directory gets a closing
-// separator.
+// Takes the line of a known key: it sets the flag, and the path unless that is empty; a directory gets a
+// closing separator.
 void SetExportOption(CExportOptions& options, std::string_view key, std::string_view line);
 
-// Reads an `exportoptions` clause of a site file from behind its keyword. The line of an unknown key is passed
-// over; then the key is alerted as "unknown export option: KEY" and ends the reading; false then.
+// Reads an `exportoptions` clause of a site file from behind its keyword. The line of an unknown key is
+// passed over; then the key is alerted as "unknown export option: KEY" and ends the reading; false then.
 bool ReadExportOptions(CArchive& archive, CExportOptions& options, Report& report);
 
 // The lines of the clause in a document, between its braces. They end in LF alone; a line break in a path or

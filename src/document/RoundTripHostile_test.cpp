@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whatever a field of a document holds, the saved document opens again.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

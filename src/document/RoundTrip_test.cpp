@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is saved comes back.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

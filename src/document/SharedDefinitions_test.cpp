@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of the preprocessor for all boxes of an operator, where the library allows it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,8 +22,8 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 // Writes the operator to "runs", then its file to the output and its warnings to the errors. A definition
-// that begins with "refused" fails, one that begins with "silent" has no output, and one that begins with "stuck"
-// never ends.
+// that begins with "refused" fails, one that begins with "silent" has no output, and one that begins with
+// "stuck" never ends.
 constexpr const char* kRedirect = R"(my ($in, $out, $err, $spp, $def) = @ARGV;
 (my $name = $def) =~ s/.*\d\.//;
 open my $runs, '>>', "$ENV{TAVRN_WORKDIR}/runs"; syswrite $runs, "$name\n";

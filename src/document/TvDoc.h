@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The document: one shader network with everything needed to reopen it.
 #pragma once
 
@@ -73,8 +74,8 @@ class CTvDoc {
     bool Open(const std::string& path);
     // Takes what a file says into the document as it stands; false if that stopped at an error.
     bool Load(const DocumentForm& form);
-    // Takes only the boxes, the connections and the state of the desk, of what ReadDesk gave. False, with an alert
-    // unless the file has no desk, if that fails.
+    // Takes only the boxes, the connections and the state of the desk, of what ReadDesk gave. False, with an
+    // alert unless the file has no desk, if that fails.
     bool LoadDesk(const DocumentForm& form);
 
     // The document as its file holds it; boxes are brought into the order of their numbers.

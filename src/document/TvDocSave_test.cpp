@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Saving a document so that nothing is ever lost.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

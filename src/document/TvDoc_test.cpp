@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The document object: its defaults, opening and its state.
 #include "document/TvDoc.h"
 

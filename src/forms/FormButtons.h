@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The widgets without edit boxes: texts, buttons and lists of choices.
 #pragma once
 

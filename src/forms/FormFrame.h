@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The widgets that hold widgets.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The grid by which a frame of the form places its children.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the form needs of the rest of the program.
 #pragma once
 

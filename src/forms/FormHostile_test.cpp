@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Forms that are damaged, cut off, or larger than anybody would write.
 #include "forms/FormReader.h"
 #include "forms/FormTestHost.h"

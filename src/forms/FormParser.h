@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The form language: the text from which the render options form is built.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The properties of each kind of widget.
 #include "forms/FormReader.h"
 #include "text/Archive.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the unit tests of the form share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rules for values that several kinds of widget share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a window finds out what kind of widget it is to show.
 #pragma once
 

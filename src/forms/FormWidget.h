@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The widgets of the render options form, as data. Windows show them and hand them what the user enters;
 // every rule about values is here.
 #pragma once

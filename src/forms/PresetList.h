@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The drop-down list of presets beside an edit box.
 #pragma once
 

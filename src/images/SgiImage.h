@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reader of pictures: icons of boxes and the wallpaper of the desk.
 #pragma once
 

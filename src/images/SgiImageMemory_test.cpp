@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file costs no more memory than it has reason to: nothing is allocated by a number of its header alone.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files that are refused: each warning, their order, and that nothing of the picture is kept.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures that are read, and what becomes of their colours. Files that are refused have a test of their own.
 #include "images/SgiImage.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Builds SGI files in memory for tests, sound ones and broken ones.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What boxes and buttons are called in generated code, and how a box turns its templates into lines.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a box turns its templates into lines of the shader.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

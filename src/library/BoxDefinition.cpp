@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a box comes by its definition: the operator's file goes through the library's preprocessor, and the
 // result is read afresh for every box, so that an edit of the file takes effect for the next one.
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Defining a box from a library on disk, with the preprocessor's processes.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

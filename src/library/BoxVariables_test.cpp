@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What buttons are called in generated code, and the macro variables of a box.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -318,8 +319,9 @@ TEST_F(BoxVariables, PreparationDropsWhatTheDefinitionSetAndWhatStoodThere) {
 TEST_F(BoxVariables, AButtonWithoutATypeHasEmptyTexts) {
     Box box("output out { }", "B", 1);
     prepared.Prepare(box, types);
-    EXPECT_THAT(VariablesOf(prepared.Of(box)), ElementsAre("BoxWid=1", "BoxTitle=B", "BoxTitleWid=B_1",
-                                              "DeclareHead_out=", "DeclareTail_out=", "Cast_out="));
+    EXPECT_THAT(VariablesOf(prepared.Of(box)),
+                ElementsAre("BoxWid=1", "BoxTitle=B", "BoxTitleWid=B_1",
+                            "DeclareHead_out=", "DeclareTail_out=", "Cast_out="));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which buttons may be wired together, and how a wire is made and unmade.
 #include <algorithm>
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which buttons may be wired, how wires are made and cut, and what happens when an end goes away.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

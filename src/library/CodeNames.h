@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the names of generated code are made from. Whoever asks for names changes nothing of the network.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The peers of a button, in the order in which those buttons were made, so that whatever walks them gives
 // the same result in every run.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The button clauses of a definition.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

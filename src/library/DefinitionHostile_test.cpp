@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Definitions that are cut, broken, huge or no definitions at all: reading ends, and either succeeds or
 // says why not.
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reader of a preprocessed box definition.
 #pragma once
 

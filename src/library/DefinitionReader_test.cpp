@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The clauses of a definition outside of its buttons.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

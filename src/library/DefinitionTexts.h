@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the preprocessor made of the operators that one operation on a document meets.
 #pragma once
 

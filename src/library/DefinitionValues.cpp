@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The value clauses of inputs. Brace groups hold a fixed sequence and nothing else; the blocks of string
 // and generic values pass over what they do not know.
 #include "library/DefinitionReader.h"

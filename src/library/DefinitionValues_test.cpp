@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The value clauses of inputs.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The process-wide registries of live objects, by which a pointer that a view kept is tested before use.
 #pragma once
 

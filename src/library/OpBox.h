@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One operator instance. A definition and an instance are one class: every box has read its operator's
 // definition itself, and owns its own copy of everything in it.
 #pragma once

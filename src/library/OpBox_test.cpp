@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Boxes: copies, and the buttons that the user adds and removes.
 #include "library/OpBox.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Buttons: names, types and casts.
 #include "library/OpButton.h"
 

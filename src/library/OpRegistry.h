@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library of operators as the directories of the library have it: names, command ids and paths, and
 // the menu tree. No definition is opened here.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A network in place of an operator's definition: what the library offers under its name is a document, whose
 // boxes are inserted.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where outputs that are tied back lead in the end.
 #pragma once
 

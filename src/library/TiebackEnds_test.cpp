@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The ends of tiebacks, remembered: what is asked of many outputs with one memory is what each says alone.
 #include "library/TiebackEnds.h"
 

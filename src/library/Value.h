@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The alternatives that a button can be cast to. A value is told apart by the text of its type, never by
 // its class, and keeps its own data while another cast is current. ValueVisitor.h leads to its own class.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one door by which code comes to a value as its own class. Who does something of its own for each class
 // hands in a visitor that has a call for all of them; one that forgets a class does not compile.
 #pragma once
@@ -14,8 +15,8 @@ namespace tavrin {
 // rest.
 template <typename... Classes>
 struct ValueClassList {};
-using ValueClasses = ValueClassList<COpValueFloat, COpValueXyz, COpValueRgb, COpValueRgba, COpValueString,
-                                    COpValueGeneric>;
+using ValueClasses =
+    ValueClassList<COpValueFloat, COpValueXyz, COpValueRgb, COpValueRgba, COpValueString, COpValueGeneric>;
 
 namespace value_visit {
 
@@ -44,7 +45,7 @@ concept ValueVisitor = value_visit::HasCallForEach<Visitor, Value>(ValueClasses(
 
 // Calls the visitor with the value as its own class; what it returns.
 template <std::derived_from<COpValue> Value, typename Visitor>
-    requires ValueVisitor<Visitor, value_visit::As<COpValue, Value>>
+requires ValueVisitor<Visitor, value_visit::As<COpValue, Value>>
 decltype(auto) VisitValue(Value& value, Visitor&& visitor) {
     value_visit::As<COpValue, Value>& any = value;
     return value_visit::Visit(any, visitor, ValueClasses());

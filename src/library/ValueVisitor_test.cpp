@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "library/ValueVisitor.h"
 
 #include <gtest/gtest.h>
@@ -22,8 +23,7 @@ static_assert(ValueVisitor<ClassName, COpValue> && ValueVisitor<ClassName, const
 template <typename Forgotten>
 struct Forgetful {
     template <typename Value>
-        requires(!std::is_same_v<Value, Forgotten>)
-    void operator()(const Value&) const {}
+    requires(!std::is_same_v<Value, Forgotten>) void operator()(const Value&) const {}
 };
 static_assert(!ValueVisitor<Forgetful<COpValueFloat>, COpValue>);
 static_assert(!ValueVisitor<Forgetful<COpValueXyz>, COpValue>);
@@ -34,10 +34,7 @@ static_assert(!ValueVisitor<Forgetful<COpValueGeneric>, COpValue>);
 
 struct Changer {
     template <typename Value>
-        requires(!std::is_const_v<Value>)
-    void operator()(Value& value) const {
-        value.format = "changed";
-    }
+    requires(!std::is_const_v<Value>) void operator()(Value& value) const { value.format = "changed"; }
 };
 static_assert(ValueVisitor<Changer, COpValue> && !ValueVisitor<Changer, const COpValue>);
 
@@ -64,8 +61,8 @@ TEST(ValueVisitor, AValueCanBeChangedAsItsOwnClass) {
 
 TEST(ValueVisitor, AVisitorOfLambdasTakesEachToItsCall) {
     const auto components = ValueCalls{
-        [](const COpValueFloat&) { return 1; }, [](const COpValueXyz&) { return 3; },
-        [](const COpValueRgb&) { return 3; },   [](const COpValueRgba&) { return 4; },
+        [](const COpValueFloat&) { return 1; },  [](const COpValueXyz&) { return 3; },
+        [](const COpValueRgb&) { return 3; },    [](const COpValueRgba&) { return 4; },
         [](const COpValueString&) { return 0; }, [](const COpValueGeneric&) { return 0; },
     };
     EXPECT_EQ(VisitValue(*MakeValue("float"), components), 1);

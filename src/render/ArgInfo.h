@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The public face of a generated shader: the section by which the library's scripts learn of its help and
 // its arguments.
 #pragma once

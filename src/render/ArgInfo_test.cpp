@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The section that tells the scripts of a shader's help and arguments.
 #include "render/ArgInfo.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Running a filter script of the library on the work files.
 #pragma once
 

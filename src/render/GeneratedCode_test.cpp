@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text of a whole shader: what the site's template and the boxes of the network come to.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a user should know of a network before rendering it.
 #pragma once
 
@@ -30,8 +31,9 @@ struct Finding {
 // more boxes of an operator than it allows.
 std::vector<Finding> CheckNetwork(const CTvDoc& document, Report& report);
 
-// Looks at what a document's file says for what its opening passes over or stops at: operators that the library
-// lacks, and render options that are none of `document`'s. As far as the file can be read; no definition is.
+// Looks at what a document's file says for what its opening passes over or stops at: operators that the
+// library lacks, and render options that are none of `document`'s. As far as the file can be read; no
+// definition is.
 std::vector<Finding> CheckDocumentForm(const DocumentForm& form, const CTvDoc& document,
                                        const COpRegistry& registry);
 

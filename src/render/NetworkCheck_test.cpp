@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a user is told of a network before it is rendered.
 #include "render/NetworkCheck.h"
 
@@ -243,10 +244,11 @@ TEST_F(DocumentFormCheckTest, AFileThatIsCutShortIsLookedAtAsFarAsItGoes) {
 
 TEST_F(DocumentFormCheckTest, ALookIntoAFileLeavesEverythingAsItIs) {
     const std::string before = document.Store();
-    EXPECT_THAT(Findings("tavrn-renderer other\nopdesk { opbox { filename Link wid 1 } opbox { filename Gone } }\n"
-                         "renderoptions { setenv DEPTH 3 setenv LOST 1 }\ntoolbar { an error"),
-                ElementsAre("error: the library has no operator Gone",
-                            "warning: the form has no render option LOST"));
+    EXPECT_THAT(
+        Findings("tavrn-renderer other\nopdesk { opbox { filename Link wid 1 } opbox { filename Gone } }\n"
+                 "renderoptions { setenv DEPTH 3 setenv LOST 1 }\ntoolbar { an error"),
+        ElementsAre("error: the library has no operator Gone",
+                    "warning: the form has no render option LOST"));
     EXPECT_TRUE(std::filesystem::is_empty(host.GetSite().directories.workDir)) << "no definition was read";
     EXPECT_THAT(host.usedLibraries, IsEmpty());
     EXPECT_THAT(Alerts(), IsEmpty());

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What leaves the render history, what stays, and going back to an entry that a render has left.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The list of renders and their directories, and going back to one.
 #include "render/RenderHistory.h"
 

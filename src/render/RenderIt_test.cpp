@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Renders: what must hold before one starts, its history entry, its command, and stopping it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "render/RenderSession.h"
 
 #include <algorithm>
@@ -82,8 +83,7 @@ bool RenderSession::WriteCodeFiles(const ShaderText& text) {
         m_site.report.Alert("%s: %s", path.c_str(), error.c_str());
         return false;
     };
-    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(text.code)))
-        return false;
+    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(text.code))) return false;
     WriteRenderOptions();
     return write("hintfile", JoinLines(text.hints));
 }

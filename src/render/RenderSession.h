@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the network to files, scripts and pictures: the step that every render, view and export starts
 // with, and the renders with their numbered history.
 #pragma once
@@ -38,9 +39,10 @@ class RenderSession {
     void StopRender();
 
     const RenderHistory& History() const { return m_history; }
-    // Opens the document of an entry, a line of the history. It goes back to the file that it had when it was rendered; where
-    // that is not known, its path becomes the place of a document of that name where document dialogs open.
-    // False, reported, if the line is no entry or the document cannot be opened; it then stays as it was.
+    // Opens the document of an entry, a line of the history. It goes back to the file that it had when it was
+    // rendered; where that is not known, its path becomes the place of a document of that name where document
+    // dialogs open. False, reported, if the line is no entry or the document cannot be opened; it then stays
+    // as it was.
     bool LoadHistoryEntry(const std::string& entry);
     // The entry whose document the path leads to; null if it leads to none.
     const std::string* EntryAt(const std::string& path) const;

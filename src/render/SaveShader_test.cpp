@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SaveShader: the work files, the filter script and what it reports.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

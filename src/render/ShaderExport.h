@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Export: the delivery of a finished shader by the library's script.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Export: checks of the paths, the document's copy, the command of the export script; the export paths.
 #include "render/ShaderExport.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text of a whole shader, made from a network.
 #pragma once
 

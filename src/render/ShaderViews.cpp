@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "render/ShaderViews.h"
 
 #include "base/Files.h"

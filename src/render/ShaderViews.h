@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The three views of a shader: its source and its two interfaces, each a file for the editor.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The three views of a shader: their commands, the file for the editor, and what is told when there is none.
 #include "render/ShaderViews.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The output of children as it comes into the log.
 #pragma once
 

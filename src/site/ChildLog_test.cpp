@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whose line is whose, where children write at the same time.
 #include "site/ChildLog.h"
 

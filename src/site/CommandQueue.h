@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands that run beside each other, several at a time, for one who asks for their results one by one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands beside each other.
 #include "site/CommandQueue.h"
 

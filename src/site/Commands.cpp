@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands that are waited for, and such as are let go.
 #include "site/Commands.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // External programs: commands that are waited for, and children whose output flows into the log.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One asynchronous child of Commands; for the files of that class alone.
 #pragma once
 

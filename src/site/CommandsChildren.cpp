@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The asynchronous children of Commands: each is started, read and reaped by a thread of its own.
 #include <fcntl.h>
 #include <poll.h>

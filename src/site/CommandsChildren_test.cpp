@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Children whose output flows into the log.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The end of the program: no child outlives it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Commands that are started plainly: waited for, or let go.
 #include "site/Commands.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the user's desktop knows of programs: which one opens files of a type, and how it is started.
 #pragma once
 

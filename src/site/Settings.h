@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The generic settings of the site files: every keyword that is not one of the system's own, with the
 // rest of its line. What a value means is decided at lookup, by the getter that the consumer chooses.
 #pragma once

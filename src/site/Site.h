@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the installation and the site configure, as the rooms above read it.
 #pragma once
 

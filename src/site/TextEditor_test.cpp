@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words that open a text in the user's editor: the one that is named, or the desktop's choice.
 #include "site/TextEditor.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two tables that turn the system's type words into the target language's text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reader behind every text format.
 #pragma once
 
@@ -53,8 +54,8 @@ class CArchive {
     std::string m_path;
     std::string m_text;
     size_t m_position = 0;
-    // How far lines have been counted: a text in which many places are asked for, each behind the one before, is
-    // gone through once, not once for each.
+    // How far lines have been counted: a text in which many places are asked for, each behind the one before,
+    // is gone through once, not once for each.
     mutable size_t m_countedTo = 0;
     mutable int m_lineFeeds = 0;
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers as text, always by the rules of the C locale, whatever the user's locale is.
 #pragma once
 

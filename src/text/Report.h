@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one channel by which the core speaks to the user. The core never prints and never opens a box: it
 // raises alerts and writes to the log, and each program decides what that looks like.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How texts are put into a document so that its reader gives them back.
 #pragma once
 

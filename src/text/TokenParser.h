@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the parsers of braced formats share: reading an expected token or reporting where it is missing.
 #pragma once
 

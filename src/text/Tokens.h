@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The primitives with which every text format of the system is read. None of them reports an error
 // unless it says so: a failed read is a result of false, and its caller decides what that means.
 #pragma once
@@ -19,12 +20,12 @@ class Report;
 // the token's own line. False at the end of the file.
 bool ReadToken(CArchive& archive, std::string& token);
 
-// The same token without a copy of it: a view of the archive's text where the token stands there as it is, else
-// of `store`, which it is then put together in.
+// The same token without a copy of it: a view of the archive's text where the token stands there as it is,
+// else of `store`, which it is then put together in.
 bool ReadToken(CArchive& archive, std::string_view& token, std::string& store);
 
-// Passes over white space and comments, up to the first byte of the next token. A backslash before one of them
-// protects nothing, so it may stand before more of them. False at the end of the file.
+// Passes over white space and comments, up to the first byte of the next token. A backslash before one of
+// them protects nothing, so it may stand before more of them. False at the end of the file.
 bool SkipToToken(CArchive& archive);
 
 // Reads a token that must be "{". Anything else is alerted as "expected opening brace"; the end of the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The line readers of brace blocks, quoting, and the small helpers of all formats.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The printf patterns that operator definitions give their values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // tavrin: the desktop program.
 #include "ui/program/Program.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An edit that nobody is told of is found, whatever it is.
 #include "support/ChangeAuditor.h"
 
@@ -59,11 +60,10 @@ INSTANTIATE_TEST_SUITE_P(
                                        input.Disconnect();
                                    }
                                }},
-                    SilentEdit{"box",
-                               [](CTvDoc& document, COpBox&) {
-                                   document.m_boxes.push_back(test::MakeLink("c", 9));
-                               }},
-                    SilentEdit{"options", [](CTvDoc& document, COpBox&) { document.m_renderOptions["x"] += "1"; }},
+                    SilentEdit{"box", [](CTvDoc& document,
+                                         COpBox&) { document.m_boxes.push_back(test::MakeLink("c", 9)); }},
+                    SilentEdit{"options",
+                               [](CTvDoc& document, COpBox&) { document.m_renderOptions["x"] += "1"; }},
                     SilentEdit{"help", [](CTvDoc& document, COpBox&) { document.customshaderhelp += "1"; }},
                     SilentEdit{"lock", [](CTvDoc& document, COpBox&) { document.lock ^= 1; }}),
     [](const auto& one) { return std::string(one.param.name); });

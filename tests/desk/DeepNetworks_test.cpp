@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Networks as long as a row of boxes can get, and networks of files that lead back to themselves: whatever
 // walks along the wires ends, and cutting the circle open makes the network whole.
 #include <gmock/gmock.h>

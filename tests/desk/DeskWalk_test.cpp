@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ten thousand edits by the pointer of a user who does anything anywhere, after each of which the desk is
 // whole.
 #include "support/DeskWalk.h"
@@ -128,7 +129,8 @@ class DeskWalk : public test::DocumentTest,
     void CutOneSidedWires();
 
     WalkView view;
-    Edits::Subscription changes = document.edits.Observe([this](const Change& change) { view.OnChange(change); });
+    Edits::Subscription changes =
+        document.edits.Observe([this](const Change& change) { view.OnChange(change); });
     test::SeenDesk desk{document, host, view};
     DeskViewport viewport{document, {0.1F, 10}};
     DeskGestures gestures{

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of every script, and bytes that are no text, go through library and document as they stand.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whatever a document holds, it opens to the same with a run of the preprocessor for each operator as with
 // one for each box: every document of the tests, whole and broken, with the operators of the supplied library
 // and of some that are broken themselves.

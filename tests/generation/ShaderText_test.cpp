@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From definitions to the text of the shader: boxes read, wired and generated into a site's templates.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

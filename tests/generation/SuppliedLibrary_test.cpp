@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every operator of the library that is supplied, read through its own scripts. Operators that are saved
 // networks are left out here: their boxes are operators themselves.
 #include <gmock/gmock.h>

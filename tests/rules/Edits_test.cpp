@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where an edit may be said to have happened.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +17,9 @@ std::vector<std::string> FilesThatSay(const fs::path& source, const std::string&
     std::vector<std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(source)) {
         const std::string name = entry.path().filename().string();
-        if (!entry.is_regular_file() || name.find("Test.h") != std::string::npos || name.ends_with("_test.cpp")) continue;
+        if (!entry.is_regular_file() || name.find("Test.h") != std::string::npos ||
+            name.ends_with("_test.cpp"))
+            continue;
         if (test::ReadFile(entry.path().string()).find(word) != std::string::npos)
             files.push_back(fs::relative(entry.path(), source).string());
     }

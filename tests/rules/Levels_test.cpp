@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rooms of the source tree stand on levels. An include goes to a lower level or stays in its own room.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The icons of the operators and the wallpapers of mray, as the desk wants them: each operator has an icon, each
 # picture a drawing, and each is as its drawing is now.
 use strict;

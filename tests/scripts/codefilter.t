@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # codefilter: arguments, library files, checking, messages.
 use strict;
 use warnings;

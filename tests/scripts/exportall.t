@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # exportall: the files it delivers, the command behind them, failures and stops.
 use strict;
 use warnings;

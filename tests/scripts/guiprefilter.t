@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # guiprefilter: the shader interface that is made of the arguments.
 use strict;
 use warnings;

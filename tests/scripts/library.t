@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The operators and the example networks of mray, all of them as they come: each
 # operator explains itself, generates in every mode and cast, and takes every
 # type of wire; each example opens, renders and is saved as it stands.

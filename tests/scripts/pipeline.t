@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # bench/pipeline.pl: what its figures are taken from. The programs that it measures are stand-ins here.
 use strict;
 use warnings;

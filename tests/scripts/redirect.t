@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # redirect.pl: streams, exit status, and scripts run in the same interpreter.
 use strict;
 use warnings;

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # renderiface: what it tells about shaders of both types, and its JSON.
 use strict;
 use warnings;

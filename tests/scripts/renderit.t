@@ -1,4 +1,5 @@
 #!/usr/bin/perl
+# SPDX-License-Identifier: Apache-2.0
 # Tests of the mray library's renderit.  MRAY_RENDER may name the directory of
 # the built mray-render; without it only what needs no renderer is tested, with
 # a stand-in that tells what it was asked to do.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # spp: directives, code blocks, messages, hostile files.
 use strict;
 use warnings;

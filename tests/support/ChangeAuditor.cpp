@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "support/ChangeAuditor.h"
 
 #include <bit>
@@ -11,7 +12,9 @@ namespace tavrin::test {
 namespace {
 
 // To the bit: a number that prints alike may be another one.
-void Put(std::ostream& text, float number) { text << std::hex << std::bit_cast<uint32_t>(number) << std::dec << ' '; }
+void Put(std::ostream& text, float number) {
+    text << std::hex << std::bit_cast<uint32_t>(number) << std::dec << ' ';
+}
 
 void Put(std::ostream& text, std::initializer_list<float> numbers) {
     for (const float number : numbers) Put(text, number);
@@ -19,10 +22,18 @@ void Put(std::ostream& text, std::initializer_list<float> numbers) {
 
 void Put(std::ostream& text, const COpValue& value) {
     VisitValue(value, ValueCalls{
-                          [&](const COpValueFloat& own) { Put(text, {own.value, own.min, own.max}); },
-                          [&](const COpValueXyz& own) { Put(text, {own.x, own.y, own.z, own.min, own.max}); },
-                          [&](const COpValueRgb& own) { Put(text, {own.r, own.g, own.b}); },
-                          [&](const COpValueRgba& own) { Put(text, {own.r, own.g, own.b, own.a}); },
+                          [&](const COpValueFloat& own) {
+                              Put(text, {own.value, own.min, own.max});
+                          },
+                          [&](const COpValueXyz& own) {
+                              Put(text, {own.x, own.y, own.z, own.min, own.max});
+                          },
+                          [&](const COpValueRgb& own) {
+                              Put(text, {own.r, own.g, own.b});
+                          },
+                          [&](const COpValueRgba& own) {
+                              Put(text, {own.r, own.g, own.b, own.a});
+                          },
                           [&](const COpValueString& own) { text << own.value; },
                           [&](const COpValueGeneric& own) { text << own.value; },
                       });
@@ -42,8 +53,8 @@ std::string TextOf(const COpBox& box) {
 
 std::string TextOf(const COpButton& button) {
     std::ostringstream text;
-    text << button.arg << ' ' << button.currentcast << ' ' << button.pin << button.lock << button.stow << " \""
-         << button.argname << "\" \"" << button.comments << '"';
+    text << button.arg << ' ' << button.currentcast << ' ' << button.pin << button.lock << button.stow
+         << " \"" << button.argname << "\" \"" << button.comments << '"';
     for (const auto& value : button.values) {
         text << ' ' << value->type << ' ';
         Put(text, *value);
@@ -62,12 +73,13 @@ std::string WiresOf(const COpButton& button) {
 
 std::string SettingsOf(const CTvDoc& document) {
     std::ostringstream text;
-    text << document.showiconimages << document.linetype << document.drawlinesoverboxes << document.showvarnames
-         << document.lock;
+    text << document.showiconimages << document.linetype << document.drawlinesoverboxes
+         << document.showvarnames << document.lock;
     for (const auto& name : document.toolbar) text << ' ' << name;
     const CExportOptions& options = document.exportOptions;
     text << options.saveTavrn << options.saveSource << options.saveCompiled << options.saveShaderIface
-         << options.saveRenderIface << options.runPostSave << options.postSaveScript << document.customshaderhelp;
+         << options.saveRenderIface << options.runPostSave << options.postSaveScript
+         << document.customshaderhelp;
     return text.str();
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether everything that changes of a document is told to those who show it.
 #pragma once
 
@@ -9,14 +10,14 @@
 
 namespace tavrin::test {
 
-// Listens like a window, and holds each change that it is told against the document: whatever differs from before
-// must be named. Document and desk outlive it.
+// Listens like a window, and holds each change that it is told against the document: whatever differs from
+// before must be named. Document and desk outlive it.
 class ChangeAuditor {
   public:
     ChangeAuditor(CTvDoc& document, const COpDesk& desk);
 
-    // What was not told up to now; empty if all was. To be asked while no edit is open: what differs then since the
-    // last change was edited outside of any scope, or not noted in one.
+    // What was not told up to now; empty if all was. To be asked while no edit is open: what differs then
+    // since the last change was edited outside of any scope, or not noted in one.
     std::string Look();
     // What the test itself has changed counts as told.
     void TakeAsItIs();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A user who does anything anywhere on the desk, the same in every run.
 #pragma once
 

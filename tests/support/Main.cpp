@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The unit tests' main: runs them, and fails if a test file on disk has no test in this program.
 #include <gtest/gtest.h>
 

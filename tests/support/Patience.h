@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How long a test waits for what has to come.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether every test file on disk became part of the program that runs.
 #pragma once
 
@@ -11,8 +12,8 @@
 
 namespace tavrin::test {
 
-// A source file as the compiler names it, below the source tree: a compiler cache that serves several trees makes
-// the names relative to the build.
+// A source file as the compiler names it, below the source tree: a compiler cache that serves several trees
+// makes the names relative to the build.
 inline std::string BelowSource(std::string file, const std::string& sourceDir) {
     if (file.starts_with(sourceDir + "/")) return file.substr(sourceDir.size() + 1);
     while (file.starts_with("../")) file.erase(0, 3);

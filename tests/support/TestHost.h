@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of documents and of the desk build on: an application in small, with a library of its own.
 #pragma once
 
@@ -81,7 +82,9 @@ std::string TextOf(const Change& change);
 // A desk with a view from the start.
 class SeenDesk : public COpDesk {
   public:
-    SeenDesk(CTvDoc& document, DocumentHost& host, DeskView& view) : COpDesk(document, host) { SetView(&view); }
+    SeenDesk(CTvDoc& document, DocumentHost& host, DeskView& view) : COpDesk(document, host) {
+        SetView(&view);
+    }
 };
 
 // A box that reads a definition from the text, without any process.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What unit tests build on: a directory that goes away, a report that is collected, a site to work in.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // When alerts come up, what ends the program at its start, and how long the splash stays.
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What commands do beyond one row for each way.
 #include "ui/support/CommandBench.h"
 

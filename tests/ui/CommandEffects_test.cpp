@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every command by each of its ways: from the menu, by its keys, from the toolbar.
 #include <QMenuBar>
 #include <QPushButton>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // When each command is enabled and checked, on a frame in the states that a user brings it to.
 #include <QDialog>
 #include <QTest>

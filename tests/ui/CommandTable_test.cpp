@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands as they stand in menus, on the toolbar and on keys of a frame.
 #include <QMenu>
 #include <QMenuBar>

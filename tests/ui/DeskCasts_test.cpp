@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types of buttons as the user meets them: chosen in context menus of the whole frame, and what comes of it
 // in the picture, the file and the generated code.
 #include <QAction>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Edit commands on the desk, by keys and the mouse in the whole frame.
 #include <QCursor>
 #include <QTest>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What each command changes in the picture of the desk, by each of its ways; that the desk is painted anew by
 // itself; and that a command which switches something switches it back.
 #include "ui/support/CommandBench.h"

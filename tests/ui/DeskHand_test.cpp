@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the rest of the frame shows of the hand on the desk, and what comes between a press and its release.
 #include <QAbstractEventDispatcher>
 #include <QAction>
@@ -90,7 +91,11 @@ class DeskHandTest : public test::FrameTest {
     std::string Status() { return Bytes(Frame().StatusBox().Status()); }
     std::string Boxes() { return Bytes(BoxesShown().join('|')); }
     int ArgumentRows() {
-        return Frame().Windows().Of(CommandId::kArgumentEditor).findChild<QTreeWidget*>()->topLevelItemCount();
+        return Frame()
+            .Windows()
+            .Of(CommandId::kArgumentEditor)
+            .findChild<QTreeWidget*>()
+            ->topLevelItemCount();
     }
 };
 

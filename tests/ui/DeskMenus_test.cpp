@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's context menus in the whole frame: what their commands reach beyond the desk, and what they fail
 // with.
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main roads of the hand on the desk in the program as it runs, with events of the display.
 #include <filesystem>
 #include <sstream>
@@ -49,10 +50,9 @@ class DeskProgramTest : public test::FrameTest {
         m_program->WaitForSplashToGo();
         X({"windowsize", m_window, QString::number(kSize.width()), QString::number(kSize.height())});
         const std::string size = "Geometry: 1100x750\n";
-        EXPECT_TRUE(WaitUntil(
-            [&] {
-                return Shown(Ask("xdotool", {"getwindowgeometry", m_window}).text).endsWith(Shown(size));
-            }));
+        EXPECT_TRUE(WaitUntil([&] {
+            return Shown(Ask("xdotool", {"getwindowgeometry", m_window}).text).endsWith(Shown(size));
+        }));
         X({"windowactivate", "--sync", m_window});
     }
     ~DeskProgramTest() override {
@@ -156,12 +156,11 @@ TEST_F(DeskProgramTest, HeldBeyondTheEdgeABoxStaysUnderThePointerWhileTheDeskScr
     MoveTo({desk.left() + 10, title.y()});
     MoveTo({desk.left() - 30, title.y()});
     std::string text;
-    EXPECT_TRUE(WaitUntil(
-        [&] {
-            X({"key", "ctrl+s"});
-            text = test::ReadFile(m_path);
-            return Offset(text, 0) >= 160;
-        }));
+    EXPECT_TRUE(WaitUntil([&] {
+        X({"key", "ctrl+s"});
+        text = test::ReadFile(m_path);
+        return Offset(text, 0) >= 160;
+    }));
     X({"mouseup", "1"});
     X({"key", "ctrl+t"});  // so that there is something to save
     text = Saved();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk on the screen itself: what is painted without anybody asking for a picture.
 #include <QAction>
 #include <QMenu>

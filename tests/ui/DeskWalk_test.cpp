@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A user who does anything anywhere on the desk of a real frame, with events of real windows.
 #include "support/DeskWalk.h"
 

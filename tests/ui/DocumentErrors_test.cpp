@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files with errors in them, and saves that fail.
 #include "ui/support/DocumentsTest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Networks merged into the one on the desk.
 #include "ui/support/DocumentsTest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The question before a modified document gives place to another, on every way.
 #include "ui/support/DocumentsTest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Documents as the frame opens and saves them, drops and recent files among the ways.
 #include "ui/support/DocumentsTest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a long day at the program leaves behind: nothing.
 #include <malloc.h>
 
@@ -52,8 +53,8 @@ long Entries(const char* directory) {
 long Descriptors() { return Entries("/proc/self/fd"); }
 long Threads() { return Entries("/proc/self/task"); }
 
-// The toolkit keeps threads that have nothing to do for half a minute, so that those of tests before this one would end
-// while it counts. They end here at once.
+// The toolkit keeps threads that have nothing to do for half a minute, so that those of tests before this one
+// would end while it counts. They end here at once.
 void EndIdleThreads() { QThreadPool::globalInstance()->waitForDone(); }
 
 class EnduranceTest : public test::FrameTest {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exports as the frame does them, and the desk's wallpaper.
 #include <QApplication>
 #include <QCheckBox>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Documents whose wires lead back to themselves, cut open by hand in the whole frame and rendered.
 #include <QAction>
 #include <QMenu>

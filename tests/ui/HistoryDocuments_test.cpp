@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Versions of documents that come back from the history of renders, and where they are saved.
 #include "ui/support/DocumentsTest.h"
 

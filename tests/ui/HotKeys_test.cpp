@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys in the whole program: F1 to F8 from every window, editing keys in fields and on the desk, and what a
 // locked desk takes away.
 #include <QAbstractItemView>

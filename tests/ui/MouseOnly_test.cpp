@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A shader made from an empty desk with nothing but the mouse, and rendered.
 #include <QImage>
 #include <QMenu>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The ways to operators and boxes in a frame: the operators' menus, the toolbar with its dialog, the finders.
 #include <QAbstractItemView>
 #include <QAction>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The files that tell a desktop about the program and its documents agree with each other and with the
 // documents.
 #include <gtest/gtest.h>

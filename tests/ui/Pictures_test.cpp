@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How pictures are compared, and whether the references and the tests belong together.
 #include "ui/support/Pictures.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the windows stand after a restart, with a window manager between us and the screen.
 #include <QGuiApplication>
 #include <QScreen>
@@ -153,7 +154,8 @@ TEST_F(PlacesTest, WindowsBeyondTheRightAndBottomEdgesComeBackAHundredPixelsFrom
     Store("Log", {5000, 4000, 600, 300}, true);
     Store("MainWindow", {5000, 90, 900, 700}, true);
     Start();
-    ExpectPlace(Frame().Windows().Get<LogWindow>(), {screen.width() - 100, screen.height() - 100, 600, 300}, "Log");
+    ExpectPlace(Frame().Windows().Get<LogWindow>(), {screen.width() - 100, screen.height() - 100, 600, 300},
+                "Log");
     ExpectPlace(Frame(), {screen.width() - 100, 90, 900, 700}, "MainWindow");
 }
 

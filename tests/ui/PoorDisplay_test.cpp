@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program on displays that lack what the desk is drawn with.
 #include "ui/base/Text.h"
 #include "ui/support/RunningProgram.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program itself, started as a user starts it, seen and steered through the display.
 #include <signal.h>
 #include <unistd.h>

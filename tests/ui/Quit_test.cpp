@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The questions before the end of the program: which come, in which order, and what stands after each answer.
 #include <signal.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Renders, their history and the views of what is generated, as the frame does them.
 #include <QApplication>
 #include <QLabel>
@@ -80,7 +81,9 @@ class RendersTest : public test::FrameTest {
     std::string Activity() { return Bytes(Frame().StatusBox().Activity()); }
     bool ActivityIs(const std::string& pattern) { return testing::Value(Activity(), MatchesRegex(pattern)); }
 
-    QListView& HistoryList() { return *Frame().Windows().Of(CommandId::kRenderHistory).findChild<QListView*>(); }
+    QListView& HistoryList() {
+        return *Frame().Windows().Of(CommandId::kRenderHistory).findChild<QListView*>();
+    }
     QModelIndex HistoryRow(int row) { return HistoryList().model()->index(row, 0); }
     std::vector<std::string> History() {
         std::vector<std::string> lines;
@@ -89,7 +92,8 @@ class RendersTest : public test::FrameTest {
         return lines;
     }
     void DoubleClickEntry(int row) {
-        if (!Frame().Windows().Of(CommandId::kRenderHistory).isVisible()) QTest::keyClick(&Frame(), Qt::Key_F6);
+        if (!Frame().Windows().Of(CommandId::kRenderHistory).isVisible())
+            QTest::keyClick(&Frame(), Qt::Key_F6);
         Settle();
         const QPoint at = HistoryList().visualRect(HistoryRow(row)).center();
         QTest::mouseClick(HistoryList().viewport(), Qt::LeftButton, {}, at);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Scripts and their actions in the running program.
 #include <QAbstractEventDispatcher>
 #include <QAction>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every row of the table of tool windows: its command, its check mark, its place.
 #include <QWindow>
 #include <map>

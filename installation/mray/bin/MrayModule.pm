@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Makes a module out of a whole shader: the shader's main becomes the function
 #
 #   vec4 NAME(float ARGUMENT, ...)

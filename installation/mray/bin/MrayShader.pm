@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What the scripts of this library share: reading the arginfo section and the
 # render options, the types and the names of GLSL, writing files.
 #

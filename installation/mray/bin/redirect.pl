@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # perl redirect.pl IN OUT ERR COMMAND [ARGUMENT...]
 #
 # Runs COMMAND with its standard input, output and error connected to the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The user's settings, kept in the desktop's configuration directory.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The core's door to the main thread, fed through Qt's event loop.
 #pragma once
 

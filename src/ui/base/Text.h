@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Between the core's bytes and the windows' text: shown as UTF-8, bytes that are none as a replacement.
 #pragma once
 

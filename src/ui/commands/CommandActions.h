@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands of the main window as actions, which menus, keys and toolbars share.
 #pragma once
 

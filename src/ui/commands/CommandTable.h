@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands of the main window as data: texts, keys, icons, and where they stand in menus and toolbar.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/commands/DeskWork.h"
 
 #include <utility>
@@ -91,8 +92,8 @@ void DeskWork::AddFlags(CommandActions& commands) {
     add(CommandId::kStraightTraceLines, &DocumentCommands::ToggleLineType, document.linetype);
     add(CommandId::kLinesOverBoxes, &DocumentCommands::ToggleLinesOverBoxes, document.drawlinesoverboxes);
     add(CommandId::kShowVarnames, &DocumentCommands::ToggleVarNames, document.showvarnames);
-    commands.On(CommandId::kLockDesk, {.run = [&edits] { edits.ToggleLock(); },
-                                       .checked = [this] { return IsLocked(); }});
+    commands.On(CommandId::kLockDesk,
+                {.run = [&edits] { edits.ToggleLock(); }, .checked = [this] { return IsLocked(); }});
 }
 
 void DeskWork::AddWallpaper(CommandActions& commands) {

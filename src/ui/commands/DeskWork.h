@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The commands on the desk: the edits of its boxes, the view, what is shown of the network, the wallpaper.
 #pragma once
 

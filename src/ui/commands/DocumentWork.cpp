@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/commands/DocumentWork.h"
 
 #include <utility>
@@ -130,8 +131,8 @@ bool DocumentWork::MayReplace(const std::string& path, bool wasChosen) {
 
 bool DocumentWork::MayLoseUnread(const std::string& path) {
     return AskWarning(&m_needs.frame, Shown(path + " was not read to its end because of an error in it."
-                                             "  Saving replaces the file and loses what was not"
-                                             " read.  Save anyway?"));
+                                                   "  Saving replaces the file and loses what was not"
+                                                   " read.  Save anyway?"));
 }
 
 bool DocumentWork::SettleChanges() {

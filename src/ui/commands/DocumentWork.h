@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The document's commands with the dialogs and questions that belong to them.
 #pragma once
 

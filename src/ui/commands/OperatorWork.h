@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operators of the library in the frame: their menus, their toolbar, and how one comes to the desk.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The options of a session: which parts of the frame are shown, whether sliders stay, what scripts are told.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Renders, exports and views as the frame's commands do them, and the word in the status box on how they go.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Scripts of actions, and what an action of theirs does here.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // That texts and icons out of one texture are what letters and pixels drawn one by one are, whatever becomes
 // of the texture.
 #include "ui/desk/BatchedPen.h"

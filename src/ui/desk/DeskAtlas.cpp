@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/desk/DeskAtlas.h"
 
 #include <GL/gl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One texture that holds many small pictures.
 #pragma once
 

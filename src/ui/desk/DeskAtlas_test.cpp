@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where pictures stand in the desk's texture, and when they reach it.
 #include "ui/desk/DeskAtlas.h"
 

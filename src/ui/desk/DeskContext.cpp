@@ -1,8 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/desk/DeskContext.h"
 
 #include <QOpenGLContext>
 #include <QPair>
-
 
 namespace tavrin {
 

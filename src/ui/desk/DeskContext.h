@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The OpenGL that the desk is drawn with: 1.1, with the calls that later core profiles have dropped.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The context menus of the desk as the toolkit shows them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The context menus as the user meets them: opened and clicked through with real events in a real window.
 #include "ui/desk/DeskContextMenu.h"
 

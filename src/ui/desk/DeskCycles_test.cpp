@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Networks that lead back to themselves, as a file can bring them, in a real window: they are drawn, dragged
 // and looked along like others, and a circle that is cut open is a network like any other.
 #include <gtest/gtest.h>

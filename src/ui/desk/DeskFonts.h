@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's texts: one face in the point sizes 3 to 24, as black and white pictures of its letters.
 #pragma once
 

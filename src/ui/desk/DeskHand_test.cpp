@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The user's hand on the desk: each gesture from the events of the mouse, also those that come at a bad time.
 #include <QAbstractEventDispatcher>
 #include <QDialog>

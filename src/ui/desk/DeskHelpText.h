@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A help text as an item of a menu: its lines on a pale yellow ground.
 #pragma once
 

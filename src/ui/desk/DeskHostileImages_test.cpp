@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Icons and wallpapers that are broken, huge, or no files at all: the desk is painted all the same.
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The icons of boxes, each read once and laid over the colour of its box.
 #pragma once
 

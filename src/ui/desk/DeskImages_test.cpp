@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Icons and the wallpaper, as they are seen.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Texts of every script and of none on the desk: boxes are as wide as their texts, the same every time, and
 // everything can be painted and hit.
 #include <gtest/gtest.h>

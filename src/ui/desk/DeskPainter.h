@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is seen of the desk, in its order: wallpaper, lines, boxes, the gesture that runs, the veil.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a box is painted.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/desk/DeskPane.h"
 
 #include <QContextMenuEvent>
@@ -74,16 +75,14 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
               [this](const std::string& message) {
                   QTimer::singleShot(0, this, [this, message] { m_needs.fail(message, kNoFontStatus); });
               }),
-      m_gestures(
-          {document, desk, m_view, *this, site.report, m_style.connectWidth, m_needs.showStatus}),
+      m_gestures({document, desk, m_view, *this, site.report, m_style.connectWidth, m_needs.showStatus}),
       m_menu({document, desk, m_gestures, *this, site.types, m_needs.editFile}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
       m_parts{document, desk, m_gestures, m_style, m_icons},
-      m_widget(
-          new DeskWidget(this, m_gestures,
-                         {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
-                          [this](const std::string& message) { m_needs.fail(message, EXIT_FAILURE); },
-                          [this](QPoint at) { OpenMenu(at); }})),
+      m_widget(new DeskWidget(this, m_gestures,
+                              {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
+                               [this](const std::string& message) { m_needs.fail(message, EXIT_FAILURE); },
+                               [this](QPoint at) { OpenMenu(at); }})),
       m_across(MakeScrollBar(Qt::Horizontal)),
       m_down(MakeScrollBar(Qt::Vertical)) {
     setFocusPolicy(Qt::ClickFocus);  // a click takes the keys from a field beside the desk
@@ -237,8 +236,7 @@ void DeskPane::Paint() {
     m_gestures.UpdateGrowArrows();
     DeskPen& pen = m_plain || !m_canBatch ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
     DeskPainter(m_parts, pen)
-        .Paint(
-            {m_needs.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
+        .Paint({m_needs.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
     m_layoutDirty = false;
     m_lastZoom = m_view.Zoom();
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk as a piece of the frame: its window with scroll bars round it.
 #pragma once
 

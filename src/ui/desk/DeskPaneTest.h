@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the desk's pane build on: a desk in a real window, real events, and pictures of it.
 #pragma once
 
@@ -50,10 +51,10 @@ class DeskPaneTest : public DocumentTest {
     void MakePane() {
         pane = std::make_unique<tavrin::DeskPane>(
             nullptr, document, desk, host.GetSite(),
-            tavrin::DeskPane::Needs{
-                [this] { return highlighted; }, [this](const std::string& text) { status = text; },
-                [](const std::string& text, int) { ADD_FAILURE() << text; },
-                [this](const std::string& name) { edited.push_back(name); }});
+            tavrin::DeskPane::Needs{[this] { return highlighted; },
+                                    [this](const std::string& text) { status = text; },
+                                    [](const std::string& text, int) { ADD_FAILURE() << text; },
+                                    [this](const std::string& name) { edited.push_back(name); }});
     }
     void Show() {
         MakePane();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk as the user meets it: real events in a real window, and what is seen then.
 #include "ui/desk/DeskPane.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The shapes that the desk is drawn from, in desk units.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Boxes as they are seen, against references.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is seen of gestures while they run, and of boxes under the mouse, against references.
 #include <gtest/gtest.h>
 

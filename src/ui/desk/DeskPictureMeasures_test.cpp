@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lengths, corners and places of what the desk paints, each asserted by its number: a reference would show
 // that they changed, not whether they are right.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Desks by chance, painted in every way: no two may differ in a pixel.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the picture tests of the desk build on: small desks in colours of their own, seen in every way of
 // painting and compared with references.
 #pragma once

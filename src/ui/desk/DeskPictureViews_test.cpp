@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The view as a whole: zooms, wallpaper, veil, texts at the window's edges. Against references.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's letters as bitmaps in display lists: a block of 128 lists for each size.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The desk's window: the OpenGL context and the pointer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shapes that wait to be drawn: layer above layer, and in a layer kind above kind.
 #pragma once
 

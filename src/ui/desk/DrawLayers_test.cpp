@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // That shapes which wait to be drawn come out in the order in which they were told, by the pixels.
 #include "ui/desk/DrawLayers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The modal boxes of the program. Texts are shown as plain text: what comes from files is never read as
 // markup. Each runs until it is answered; boxes that nobody can answer any more count as refused.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keys that are accelerators of the main window and editing keys as well act on the text while a text field
 // has the focus.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Letting the program live while a script waits.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the frame does when something happens to it: idle moments, its end, drops, words from the desk.
 #include <QCloseEvent>
 #include <QCoreApplication>

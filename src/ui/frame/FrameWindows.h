@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The modeless windows that stand beside the main frame, once each for its life.
 #pragma once
 

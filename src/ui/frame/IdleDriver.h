@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs the idle step when the event loop has nothing more urgent to do.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the program does when nothing else is to be done: the checks after its start, and the alert that
 // waits.
 #pragma once

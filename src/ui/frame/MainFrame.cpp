@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/frame/MainFrame.h"
 
 #include <QMenuBar>
@@ -176,8 +177,7 @@ void MainFrame::StartIdleWork(std::unique_ptr<Splash> splash) {
         const auto settle = [this] { return m_documents->SettleChanges(); };
         m_safetyCopies->OfferLeftovers(*this, settle);
     };
-    m_idleWork =
-        std::make_unique<IdleWork>(m_app, *this, std::move(splash), IdleWork::Needs{quit, started});
+    m_idleWork = std::make_unique<IdleWork>(m_app, *this, std::move(splash), IdleWork::Needs{quit, started});
     // The splash goes after its time even if nothing happens meanwhile; not a moment too early to count.
     QTimer::singleShot(Splash::kTime + 1, Qt::PreciseTimer, this, [this] { m_idle.Request(); });
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one top-level window: it owns the parts of the desktop program, puts them together, and hands on what
 // the window system, the document and the application tell it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The documents of late in the File menu.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copies of unsaved work, written aside now and then, and offered after a start that follows a crash.
 #pragma once
 

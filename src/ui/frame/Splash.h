@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The picture that stands over the main window while the program starts, and the box that tells of it later.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The box at the bottom of the frame that tells of what is under the mouse and of what goes on.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/frame/WindowTable.h"
 
 #include "app/Workspace.h"
@@ -66,9 +67,10 @@ ToolWindow* MakeRenderOptions(const WindowNeeds& needs) {
 ToolWindow* MakeExportOptions(const WindowNeeds& needs) {
     Workspace& work = needs.work;
     return new CExportDlg(
-        &needs.frame, {.document = [&work] { return &work.document; },
-                       .defaults = [&work]() -> const CExportOptions& { return work.app.ExportDefaults(); },
-                       .updateExportPaths = [&work] { UpdateExportPaths(work.document, work.app.GetSite()); }});
+        &needs.frame,
+        {.document = [&work] { return &work.document; },
+         .defaults = [&work]() -> const CExportOptions& { return work.app.ExportDefaults(); },
+         .updateExportPaths = [&work] { UpdateExportPaths(work.document, work.app.GetSite()); }});
 }
 
 ToolWindow* MakeHelpEditor(const WindowNeeds& needs) {

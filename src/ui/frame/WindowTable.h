@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tool windows of the frame, a row each.
 #pragma once
 

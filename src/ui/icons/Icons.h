@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program's icons: drawings in one style, inked in the colour of the text around them.
 //
 // A drawing is a file `drawings/NAME.svg`, listed in icons.qrc: 24 by 24 units, lines of 1.75 units with

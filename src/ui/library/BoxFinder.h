@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The window "Box Finder": the boxes on the desk in one alphabetical list.
 #pragma once
 

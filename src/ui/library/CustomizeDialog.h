@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The modal dialog "Customize Operator Toolbar", where the user picks the operators of the toolbar.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The window "Menu Finder": all operators of the library in one alphabetical list.
 #pragma once
 

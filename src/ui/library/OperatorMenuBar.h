@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operators' menus on the frame's menu bar, behind the frame's own.
 #pragma once
 

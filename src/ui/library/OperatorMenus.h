@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Menus of operators, as the directories of the library have them.
 #pragma once
 

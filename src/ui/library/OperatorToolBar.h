@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operator toolbar: the type of the shader, the render button, and the user's favourite operators.
 #pragma once
 

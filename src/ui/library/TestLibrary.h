@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of this room share: a small library on disk, and a user's hands on a finder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the log has been told and its text does not hold yet.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text of the log: white on black, in a font of one width.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The Log window: shows everything that the program and its child processes say.
 #pragma once
 

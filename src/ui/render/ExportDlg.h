@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The window of the document's export options.
 #pragma once
 

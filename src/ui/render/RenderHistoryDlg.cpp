@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/render/RenderHistoryDlg.h"
 
 #include <QScrollBar>
@@ -43,8 +44,7 @@ class HistoryList : public FinderList {
 
 CRenderHistoryDlg::CRenderHistoryDlg(QWidget* frame, Entries entries, Open open)
     : ToolWindow("Render History [F6]", frame), m_entries(std::move(entries)) {
-    m_list = new HistoryList(this, FinderList::Colours{QColor(kBackground), QColor(kText)},
-                             std::move(open));
+    m_list = new HistoryList(this, FinderList::Colours{QColor(kBackground), QColor(kText)}, std::move(open));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_list);

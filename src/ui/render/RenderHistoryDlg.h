@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The window that lists the renders of this run.
 #pragma once
 

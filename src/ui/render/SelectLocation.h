@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two dialogs in which paths of an export are chosen.
 #pragma once
 

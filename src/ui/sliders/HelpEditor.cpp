@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/sliders/HelpEditor.h"
 
 #include <QFontDatabase>
@@ -73,8 +74,7 @@ QString TextOf(const QPlainTextEdit& edit) { return WithLinesJoined(edit.documen
 }  // namespace
 
 CHelpEditor::CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document)
-    : ToolWindow("Help Editor", frame),
-      m_document(std::move(document)) {
+    : ToolWindow("Help Editor", frame), m_document(std::move(document)) {
     m_edit = new HelpEdit(this);
     m_edit->setAccessibleName("Shader Help");
     m_edit->setFrameShape(QFrame::NoFrame);

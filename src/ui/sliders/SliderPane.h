@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The column of sliders at the left of the frame.
 #pragma once
 

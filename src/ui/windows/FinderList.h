@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The list that fills a finder: rows of text in fixed colours, chosen by a double click or Enter.
 #pragma once
 

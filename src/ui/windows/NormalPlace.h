@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a window stands while it is not maximized.
 #pragma once
 

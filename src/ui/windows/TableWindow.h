@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A tool window that lists something of the document, to be looked at.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The base of the modeless windows that float over the main frame.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the windows stood when the program ended, and back; and where they stand at first.
 #pragma once
 

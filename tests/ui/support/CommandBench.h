@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The fixture of the commands' tests: what they set up and look at.
 #pragma once
 

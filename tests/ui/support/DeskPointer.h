@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A user's mouse on the desk of a main frame.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of documents in the frame build on: a site with shader types, a full disk, drops and
 // dialogs.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A user's hands on the main frame: menus, toolbar buttons and keys, through events of the windows.
 #pragma once
 

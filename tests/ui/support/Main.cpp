@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The windows' tests' main: one application for all tests of the process.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the status box has told, kept for a test that looks later: such texts go by themselves.
 #pragma once
 

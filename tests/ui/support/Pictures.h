@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures compared with references that were looked at before they were accepted.
 #pragma once
 

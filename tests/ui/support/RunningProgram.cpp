@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "ui/support/RunningProgram.h"
 
 #include <gtest/gtest.h>
@@ -65,11 +66,10 @@ QStringList RunningProgram::Windows(const QString& title) const {
 
 QString RunningProgram::Window(const QString& title) const {
     QString window;
-    WaitUntil(
-        [&] {
-            window = Windows(title).value(0);
-            return !window.isEmpty() || !IsRunning();
-        });
+    WaitUntil([&] {
+        window = Windows(title).value(0);
+        return !window.isEmpty() || !IsRunning();
+    });
     if (window.isEmpty()) {
         std::string others;
         for (const QString& other : Windows()) others += Ask("xdotool", {"getwindowname", other}).text;
@@ -80,13 +80,12 @@ QString RunningProgram::Window(const QString& title) const {
 
 void RunningProgram::Press(const QString& title, const QString& key) const {
     const QString window = Window(title);
-    EXPECT_TRUE(WaitUntil(
-        [&] {
-            if (Ask("xdotool", {"getactivewindow"}).text == Bytes(window) + "\n") return true;
-            Ask("xdotool", {"windowactivate", window});
-            return false;
-        }))
-        << Bytes(title) << " does not become active";
+    EXPECT_TRUE(WaitUntil([&] {
+        if (Ask("xdotool", {"getactivewindow"}).text == Bytes(window) + "\n") return true;
+        Ask("xdotool", {"windowactivate", window});
+        return false;
+    })) << Bytes(title)
+        << " does not become active";
     EXPECT_TRUE(Ask("xdotool", {"key", key}).ok);
 }
 

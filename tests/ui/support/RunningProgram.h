@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program as a process of its own, seen and steered through the display.
 #pragma once
 

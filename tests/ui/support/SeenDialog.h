@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a file dialog offered, looked at before it is answered.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which window the window manager has over which.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A whole main frame on an installation in small, for tests of commands.
 #pragma once
 

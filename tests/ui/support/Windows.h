@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What tests of windows build on: waiting for conditions, answering boxes, watching the toolkit.
 #pragma once
 
