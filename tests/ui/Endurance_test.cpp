@@ -54,8 +54,8 @@ long Descriptors() { return Entries("/proc/self/fd"); }
 long Threads() { return Entries("/proc/self/task"); }
 
 // The toolkit keeps threads that have nothing to do for half a minute, so that those of tests before this one
-// would end while it counts. They end here at once; one that was waited for may still stand in the system's list
-// for a moment.
+// would end while it counts. They end here at once; one that was waited for may still stand in the system's
+// list for a moment.
 void EndIdleThreads() {
     constexpr const char* kName = "Thread (pooled)";
     QThreadPool::globalInstance()->waitForDone();
