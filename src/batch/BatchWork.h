@@ -45,6 +45,8 @@ class BatchWork : private ActionTarget {
     // What is printed of an operator: of a box its help and buttons, of a saved network its help and boxes.
     std::optional<std::string> Describe(const std::string& operatorName);
 
+    // For who listens to what is done to it.
+    CTvDoc& Document() { return m_work.document; }
     // A script has asked for the end of the program.
     bool IsClosing() const { return m_closing; }
 

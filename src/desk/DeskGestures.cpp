@@ -32,25 +32,25 @@ bool IsVinput(const COpButton* button) { return button != nullptr && button->kin
 }  // namespace
 
 void DeskGestures::LeftDown(const PointerState& pointer) {
-    m_around.windows.Repaint();
+    m_needs.windows.Repaint();
     EndGesture();
-    if (!m_around.desk.m_pendingBoxes.empty()) {
-        m_around.desk.DropPending();
+    if (!m_needs.desk.m_pendingBoxes.empty()) {
+        m_needs.desk.DropPending();
         return;
     }
-    const DeskPoint at = m_around.view.ToDesk(pointer.at);
-    COpBox* box = HitBox(m_around.document, at);
+    const DeskPoint at = m_needs.view.ToDesk(pointer.at);
+    COpBox* box = HitBox(m_needs.document, at);
     COpButton* button = box == nullptr ? nullptr : HitButton(*box, at);
     // What the last move left, unless the view has changed under a pointer at rest.
     Remember(pointer, at);
-    m_around.desk.m_mouseBox = box;
-    m_around.desk.m_mouseButton = button;
+    m_needs.desk.m_mouseBox = box;
+    m_needs.desk.m_mouseButton = button;
     if (button != nullptr) {
         PressButton(*button);
     } else if (box != nullptr) {
         PressBox(*box, pointer);
     } else if (COpButton* input =
-                   HitConnection(m_around.document, at, m_around.lineWidth / m_around.view.Zoom())) {
+                   HitConnection(m_needs.document, at, m_needs.lineWidth / m_needs.view.Zoom())) {
         PressLine(*input, pointer);
     } else {
         PressEmptyDesk(at, pointer);
@@ -58,12 +58,12 @@ void DeskGestures::LeftDown(const PointerState& pointer) {
 }
 
 void DeskGestures::PressButton(COpButton& button) {
-    COpDesk& desk = m_around.desk;
+    COpDesk& desk = m_needs.desk;
     desk.ClearSelectedConnects();
     COpButton* selected = desk.m_selectedButton;
     if (selected != nullptr && selected->CanConnect(button)) {
         if (selected->WouldLoop(button)) {
-            m_around.report.Alert("%s", kLoopAtPress);
+            m_needs.report.Alert("%s", kLoopAtPress);
         } else {
             Wire(button);
         }
@@ -75,7 +75,7 @@ void DeskGestures::PressButton(COpButton& button) {
 }
 
 void DeskGestures::PressBox(COpBox& box, const PointerState& pointer) {
-    COpDesk& desk = m_around.desk;
+    COpDesk& desk = m_needs.desk;
     desk.ClearSelectedButton();
     desk.ClearSelectedConnects();
     m_gesture = Kind::kMoving;
@@ -84,11 +84,11 @@ void DeskGestures::PressBox(COpBox& box, const PointerState& pointer) {
     if (!pointer.control && !pointer.shift) desk.ClearBoxSelection();
     box.selected = wasSelected ? 0 : 1;
     if (box.selected != 0) desk.RaiseBox(box);
-    m_around.document.edits.SelectionChanged();
+    m_needs.document.edits.SelectionChanged();
 }
 
 void DeskGestures::PressLine(COpButton& input, const PointerState& pointer) {
-    COpDesk& desk = m_around.desk;
+    COpDesk& desk = m_needs.desk;
     const bool anyBox = desk.AnyBoxSelected();
     desk.ClearBoxSelection();
     desk.ClearSelectedButton();
@@ -100,23 +100,23 @@ void DeskGestures::PressLine(COpButton& input, const PointerState& pointer) {
     } else if (pointer.control) {
         lines.erase(place);
     }
-    if (anyBox) m_around.document.edits.SelectionChanged();
+    if (anyBox) m_needs.document.edits.SelectionChanged();
 }
 
 void DeskGestures::PressEmptyDesk(DeskPoint at, const PointerState& pointer) {
-    COpDesk& desk = m_around.desk;
+    COpDesk& desk = m_needs.desk;
     m_bandAnchor = at;
     desk.ClearSelectedButton();
     desk.ClearSelectedConnects();
     m_gesture = pointer.control ? Kind::kBandToggle : Kind::kBandAdd;
     if (pointer.control || pointer.shift || !desk.AnyBoxSelected()) return;
     desk.ClearBoxSelection();
-    m_around.document.edits.SelectionChanged();
+    m_needs.document.edits.SelectionChanged();
 }
 
 void DeskGestures::Move(const PointerState& event) {
     PointerState pointer = event;
-    DeskViewport& view = m_around.view;
+    DeskViewport& view = m_needs.view;
     DeskPoint at = view.ToDesk(pointer.at);
     if (!pointer.left) Cancel();  // the release went elsewhere
     if (m_ignoreNextMove) {
@@ -132,23 +132,23 @@ void DeskGestures::Move(const PointerState& event) {
     }
     const bool pans = pointer.middle || (pointer.right && pointer.shift);
     if (pans && view.Pan(pointer.at.x - m_mousePoint.x, pointer.at.y - m_mousePoint.y)) {
-        m_around.windows.UpdateScrollBars();
-        m_around.windows.Repaint();
+        m_needs.windows.UpdateScrollBars();
+        m_needs.windows.Repaint();
         Remember(pointer, at);
         return;
     }
-    COpBox* box = HitBox(m_around.document, at);
+    COpBox* box = HitBox(m_needs.document, at);
     FollowButton(box, box == nullptr ? nullptr : HitButton(*box, at), at);
     const DeskPoint delta{at.x - Mouse().x, at.y - Mouse().y};
     if (pointer.left && m_gesture == Kind::kMoving) MoveBoxes(delta);
-    if (pointer.left && m_gesture != Kind::kIdle) m_around.windows.Repaint();
+    if (pointer.left && m_gesture != Kind::kIdle) m_needs.windows.Repaint();
     DragPending(at, delta);
     if (m_gesture != Kind::kMoving) ShowHelp();
     Remember(pointer, at);
 }
 
 void DeskGestures::FollowAutoScroll(DeskPoint at, bool leftDown) {
-    const DeskRect visible = m_around.view.Visible();
+    const DeskRect visible = m_needs.view.Visible();
     m_autoScroll = leftDown && !visible.Contains(at);
     if (!m_autoScroll) return;
     const auto step = [](float position, float low, float high) {
@@ -161,21 +161,21 @@ void DeskGestures::FollowAutoScroll(DeskPoint at, bool leftDown) {
 // Takes up what is under the pointer. While the arrows are up, the button that they belong to stays until the
 // pointer is on another one and on neither arrow.
 void DeskGestures::FollowButton(COpBox* box, COpButton* button, DeskPoint at) {
-    COpDesk& desk = m_around.desk;
+    COpDesk& desk = m_needs.desk;
     const bool differs = button != desk.m_mouseButton;
     if (m_growArrowsShown) {
-        m_around.windows.Repaint();
+        m_needs.windows.Repaint();
         if (!differs || IsInGrowArrow(at, true) || IsInGrowArrow(at, false)) return;
         m_growArrowsShown = false;
     } else if (differs && desk.m_selectedButton != nullptr) {
-        m_around.windows.Repaint();
+        m_needs.windows.Repaint();
     }
     desk.m_mouseButton = button;
     desk.m_mouseBox = box;
 }
 
 void DeskGestures::DragPending(DeskPoint at, DeskPoint delta) {
-    COpDesk& desk = m_around.desk;
+    COpDesk& desk = m_needs.desk;
     for (const auto& box : desk.m_pendingBoxes) {
         if (desk.m_pendingPlaced) {
             desk.MoveBox(*box, delta.x, delta.y);
@@ -183,20 +183,20 @@ void DeskGestures::DragPending(DeskPoint at, DeskPoint delta) {
             desk.MoveBox(*box, at.x, at.y - box->layout.bodyHeight * 0.5F);
         }
     }
-    if (!desk.m_pendingBoxes.empty()) m_around.windows.Repaint();
+    if (!desk.m_pendingBoxes.empty()) m_needs.windows.Repaint();
     desk.m_pendingPlaced = true;
 }
 
 void DeskGestures::ShowHelp() {
-    const COpBox* box = m_around.desk.m_mouseBox;
-    const COpButton* button = m_around.desk.m_mouseButton;
+    const COpBox* box = m_needs.desk.m_mouseBox;
+    const COpButton* button = m_needs.desk.m_mouseButton;
     m_help = {HelpUnderPointer(), box, box == nullptr ? 0 : box->Serial(), button,
               button == nullptr ? 0 : button->Serial()};
-    m_around.showStatus(m_help.text);
+    m_needs.showStatus(m_help.text);
 }
 
 std::string DeskGestures::HelpUnderPointer() const {
-    const COpDesk& desk = m_around.desk;
+    const COpDesk& desk = m_needs.desk;
     const COpButton* button = desk.m_mouseButton;
     const COpButton* selected = desk.m_selectedButton;
     if (button == nullptr) return desk.m_mouseBox != nullptr ? desk.m_mouseBox->boxhelp : kDeskHint;
@@ -211,13 +211,13 @@ std::optional<std::string> DeskGestures::TakeStaleHelp() {
 
 void DeskGestures::LeftUp(const PointerState& pointer) {
     m_autoScroll = false;
-    m_around.windows.Repaint();
-    const EditScope wire(m_around.document, {});  // growing an input and wiring it are one act
-    const DeskPoint at = m_around.view.ToDesk(pointer.at);
+    m_needs.windows.Repaint();
+    const EditScope wire(m_needs.document, {});  // growing an input and wiring it are one act
+    const DeskPoint at = m_needs.view.ToDesk(pointer.at);
     COpButton* grown = nullptr;
     if (m_growArrowsShown) {
         const bool above = IsInGrowArrow(at, true);
-        if (above || IsInGrowArrow(at, false)) grown = m_around.desk.GrowVinput(above);
+        if (above || IsInGrowArrow(at, false)) grown = m_needs.desk.GrowVinput(above);
         m_growArrowsShown = false;
     }
     if (m_gesture == Kind::kWiring) FinishWire(grown);
@@ -231,8 +231,8 @@ void DeskGestures::EndGesture() {
 }
 
 void DeskGestures::MoveBoxes(DeskPoint delta) {
-    if (!m_drag) m_drag.emplace(m_around.document, "Move");
-    m_around.desk.MoveSelectedBoxes(delta.x, delta.y);
+    if (!m_drag) m_drag.emplace(m_needs.document, "Move");
+    m_needs.desk.MoveSelectedBoxes(delta.x, delta.y);
 }
 
 void DeskGestures::Cancel() {
@@ -240,69 +240,69 @@ void DeskGestures::Cancel() {
     EndGesture();
     m_autoScroll = false;
     m_growArrowsShown = false;
-    m_around.windows.Repaint();
+    m_needs.windows.Repaint();
 }
 
 void DeskGestures::FinishWire(COpButton* grown) {
-    const COpButton* selected = m_around.desk.m_selectedButton;
+    const COpButton* selected = m_needs.desk.m_selectedButton;
     if (selected == nullptr) return;
     COpButton* target = nullptr;
-    for (COpButton* candidate : {m_around.desk.m_mouseButton, grown}) {
+    for (COpButton* candidate : {m_needs.desk.m_mouseButton, grown}) {
         if (candidate != nullptr && selected->CanConnect(*candidate)) target = candidate;
     }
     if (target == nullptr) return;  // the button stays selected: a click on another one wires them as well
     if (selected->WouldLoop(*target)) {
-        m_around.report.Alert("%s", kLoopAtRelease);
+        m_needs.report.Alert("%s", kLoopAtRelease);
     } else {
         Wire(*target);
     }
 }
 
 void DeskGestures::Wire(COpButton& target) {
-    m_around.desk.Connect(*m_around.desk.m_selectedButton, target);
-    m_around.desk.ClearSelectedButton();
+    m_needs.desk.Connect(*m_needs.desk.m_selectedButton, target);
+    m_needs.desk.ClearSelectedButton();
 }
 
 void DeskGestures::FinishBand() {
     const DeskRect band = Band();
     bool changed = false;
-    for (const auto& box : m_around.document.m_boxes) {
+    for (const auto& box : m_needs.document.m_boxes) {
         if (!band.Encloses(BoxRect(*box))) continue;
         const int selected = m_gesture == Kind::kBandAdd || box->selected == 0 ? 1 : 0;
         changed = changed || box->selected != selected;
         box->selected = selected;
     }
-    if (changed) m_around.document.edits.SelectionChanged();
+    if (changed) m_needs.document.edits.SelectionChanged();
 }
 
 void DeskGestures::Tick() {
     if (!m_autoScroll || m_gesture == Kind::kIdle) return;
     const DeskPoint pixels = m_autoScrollDelta;
-    const float zoom = m_around.view.Zoom();
+    const float zoom = m_needs.view.Zoom();
     const DeskPoint delta{pixels.x / zoom, pixels.y / zoom};
     if (m_gesture == Kind::kMoving) MoveBoxes(delta);
-    m_around.view.ScrollBy(pixels);
-    m_around.desk.m_mouseDesk[0] += delta.x;
-    m_around.desk.m_mouseDesk[1] += delta.y;
-    m_around.windows.Repaint();
-    m_around.windows.UpdateScrollBars();
+    m_needs.view.ScrollBy(pixels);
+    m_needs.desk.m_mouseDesk[0] += delta.x;
+    m_needs.desk.m_mouseDesk[1] += delta.y;
+    m_needs.windows.Repaint();
+    m_needs.windows.UpdateScrollBars();
 }
 
 void DeskGestures::UpdateGrowArrows() {
-    m_growArrowsShown = m_gesture == Kind::kWiring && IsVinput(m_around.desk.m_mouseButton);
+    m_growArrowsShown = m_gesture == Kind::kWiring && IsVinput(m_needs.desk.m_mouseButton);
     m_growArrowUpHot = m_growArrowsShown && IsInGrowArrow(Mouse(), true);
     m_growArrowDownHot = m_growArrowsShown && IsInGrowArrow(Mouse(), false);
 }
 
 bool DeskGestures::IsInGrowArrow(DeskPoint at, bool above) const {
-    const COpButton* button = m_around.desk.m_mouseButton;
+    const COpButton* button = m_needs.desk.m_mouseButton;
     return button != nullptr && GrowArrowRect(ButtonPlace::Of(*button), above).Contains(at);
 }
 
 void DeskGestures::Remember(const PointerState& pointer, DeskPoint at) {
     m_mousePoint = pointer.at;
-    m_around.desk.m_mouseDesk[0] = at.x;
-    m_around.desk.m_mouseDesk[1] = at.y;
+    m_needs.desk.m_mouseDesk[0] = at.x;
+    m_needs.desk.m_mouseDesk[1] = at.y;
 }
 
 }  // namespace tavrin

@@ -33,7 +33,7 @@ class DeskGestures {
     enum class Kind { kIdle, kMoving, kWiring, kBandAdd, kBandToggle };
 
     // All outlive it. `windows` is told what to repaint, `showStatus` what help to show.
-    struct Surroundings {
+    struct Needs {
         CTvDoc& document;
         COpDesk& desk;
         DeskViewport& view;
@@ -42,7 +42,7 @@ class DeskGestures {
         float lineWidth;  // pixels; how near a click on a line must be
         std::function<void(const std::string&)> showStatus;
     };
-    explicit DeskGestures(Surroundings surroundings) : m_around(std::move(surroundings)) {}
+    explicit DeskGestures(Needs needs) : m_needs(std::move(needs)) {}
 
     void LeftDown(const PointerState& pointer);
     void Move(const PointerState& pointer);
@@ -64,7 +64,7 @@ class DeskGestures {
     // follow the state of things.
     void UpdateGrowArrows();
     Kind Current() const { return m_gesture; }
-    DeskPoint Mouse() const { return {m_around.desk.m_mouseDesk[0], m_around.desk.m_mouseDesk[1]}; }
+    DeskPoint Mouse() const { return {m_needs.desk.m_mouseDesk[0], m_needs.desk.m_mouseDesk[1]}; }
     DeskRect Band() const { return DeskRect::Between(m_bandAnchor, Mouse()); }
     bool GrowArrowsShown() const { return m_growArrowsShown; }
     void HideGrowArrows() { m_growArrowsShown = false; }
@@ -99,7 +99,7 @@ class DeskGestures {
         uint64_t buttonSerial = 0;
     };
 
-    Surroundings m_around;
+    Needs m_needs;
     Kind m_gesture = Kind::kIdle;
     std::optional<HeldEdit> m_drag;  // all that is moved until the release is one act
     WindowPoint m_mousePoint;        // last position in the window

@@ -113,54 +113,54 @@ std::vector<std::string_view> HelpTextLines(std::string_view help) {
 }
 
 std::optional<DeskMenuEntries> DeskMenu::Open(DeskPoint at) {
-    COpDesk& desk = m_around.desk;
-    if (m_around.document.lock != 0 || m_around.gestures.Current() != DeskGestures::Kind::kIdle) return {};
+    COpDesk& desk = m_needs.desk;
+    if (m_needs.document.lock != 0 || m_needs.gestures.Current() != DeskGestures::Kind::kIdle) return {};
     desk.ValidateReferences();
-    if (m_around.gestures.GrowArrowsShown()) {
-        m_around.gestures.HideGrowArrows();
-        m_around.windows.Repaint();
+    if (m_needs.gestures.GrowArrowsShown()) {
+        m_needs.gestures.HideGrowArrows();
+        m_needs.windows.Repaint();
     }
-    COpBox* box = HitBox(m_around.document, at);
+    COpBox* box = HitBox(m_needs.document, at);
     if (box == nullptr) return {};
     COpButton* button = HitButton(*box, at);
     desk.m_mouseBox = box;
     desk.m_mouseButton = button;
     m_boxSerial = box->Serial();
     m_buttonSerial = button == nullptr ? 0 : button->Serial();
-    m_around.gestures.IgnoreNextMove();
-    return button == nullptr ? BoxMenu(*box) : ButtonMenu(*button, m_around.types);
+    m_needs.gestures.IgnoreNextMove();
+    return button == nullptr ? BoxMenu(*box) : ButtonMenu(*button, m_needs.types);
 }
 
 bool DeskMenu::TargetStands() const {
-    const COpBox* box = m_around.desk.m_mouseBox;
+    const COpBox* box = m_needs.desk.m_mouseBox;
     if (!COpBox::IsLive(box) || box->Serial() != m_boxSerial) return false;
-    const COpButton* button = m_around.desk.m_mouseButton;
+    const COpButton* button = m_needs.desk.m_mouseButton;
     return m_buttonSerial == 0 || (COpButton::IsLive(button) && button->Serial() == m_buttonSerial);
 }
 
 void DeskMenu::Choose(int id) {
     if (id == desk_command::kNone || !TargetStands()) return;
-    COpBox& box = *m_around.desk.m_mouseBox;
+    COpBox& box = *m_needs.desk.m_mouseBox;
     if (id == desk_command::kEditFile) {
-        m_around.editFile(box.filename);
+        m_needs.editFile(box.filename);
         return;
     }
-    if (m_around.document.lock != 0) return;
+    if (m_needs.document.lock != 0) return;
     if (m_buttonSerial == 0) {
         ChooseForBox(id, box);
     } else {
         ChooseForButton(id);
     }
-    m_around.windows.Repaint();
+    m_needs.windows.Repaint();
 }
 
 void DeskMenu::ChooseForBox(int id, COpBox& box) {
-    if (id == desk_command::kCopyBox) m_around.desk.DuplicateBox(box);
-    if (id == desk_command::kDeleteBox) m_around.desk.DeleteBox(box);
+    if (id == desk_command::kCopyBox) m_needs.desk.DuplicateBox(box);
+    if (id == desk_command::kDeleteBox) m_needs.desk.DeleteBox(box);
 }
 
 void DeskMenu::ChooseForButton(int id) {
-    COpDesk& desk = m_around.desk;
+    COpDesk& desk = m_needs.desk;
     switch (id) {
         case desk_command::kCopyButtonAbove:
         case desk_command::kCopyButtonBelow:

@@ -60,7 +60,7 @@ std::vector<std::string_view> HelpTextLines(std::string_view help);
 // Owned by the pane; all that it is given outlives it. What fails is alerted by the desk or the hook.
 class DeskMenu {
   public:
-    struct Surroundings {
+    struct Needs {
         CTvDoc& document;
         COpDesk& desk;
         DeskGestures& gestures;
@@ -69,7 +69,7 @@ class DeskMenu {
         // Opens the file of an operator in the user's editor.
         std::function<void(const std::string& operatorName)> editFile;
     };
-    explicit DeskMenu(Surroundings surroundings) : m_around(std::move(surroundings)) {}
+    explicit DeskMenu(Needs needs) : m_needs(std::move(needs)) {}
 
     // The menu for what lies there, which the commands then act on. Nothing where there is no box, while a
     // gesture runs and while the document is locked.
@@ -82,7 +82,7 @@ class DeskMenu {
     void ChooseForBox(int id, COpBox& box);
     void ChooseForButton(int id);
 
-    Surroundings m_around;
+    Needs m_needs;
     // Of what the menu was opened on. An address alone may belong to another object by now.
     uint64_t m_boxSerial = 0;
     uint64_t m_buttonSerial = 0;  // 0 without a button

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+// Who listens to a document hears of what the batch program and its scripts do as of what a user does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "batch/BatchWork.h"
+#include "support/TestHost.h"
+
+namespace tavrin {
+namespace {
+
+using testing::ElementsAre;
+
+class BatchChanges : public testing::Test {
+  protected:
+    BatchChanges() {
+        report.SetSink(&sink);
+        const char* copy = "open my $in, '<', $ARGV[4]; open my $out, '>', $ARGV[1]; print {$out} <$in>;";
+        directory.Write("site/small/bin/redirect.pl", copy);
+        directory.Write("site/small/bin/spp", "");
+        directory.Write("site/small/menu/0100.Grain", "output out { float out }\n");
+        directory.Write("site/small/tavrn.def", "roe {\nxfield {\nenvname SIZE\nvalue 4\n}\n}\n");
+        Environment environment = Environment::FromProcess();
+        environment.Set("TAVRN_DIR", directory / "site");
+        environment.Set("TAVRN_LIB", "/small");
+        environment.Set("TAVRN_TMPDIR", directory.Path());
+        environment.Set("HOME", directory.Path());
+        app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin-batch");
+        app->LoadSiteDefaults();
+        work = std::make_unique<BatchWork>(
+            *app, queue, [] { return false; }, false);
+        listener = work->Document().edits.Observe(
+            [this](const Change& change) { heard.push_back(test::TextOf(change)); });
+    }
+    ~BatchChanges() override {
+        EXPECT_EQ(work->Document().edits.StrayEdits(), 0) << "an edit outside a scope";
+        work.reset();
+        app->CloseDown(std::chrono::milliseconds(0));
+    }
+
+    test::TempDir directory;
+    test::CollectingSink sink;
+    Report report;
+    PlainQueue queue;
+    std::unique_ptr<CTvApp> app;
+    std::unique_ptr<BatchWork> work;
+    std::vector<std::string> heard;
+    Edits::Subscription listener;
+};
+
+TEST_F(BatchChanges, AnOptionIsToldIfItIsAnotherOne) {
+    work->Set("SIZE", "9");
+    work->Set("SIZE", "9");
+    EXPECT_THAT(heard, ElementsAre("Render Option: options"));
+}
+
+TEST_F(BatchChanges, AScriptsEditIsToldLikeAnyOther) {
+    work->Set("SIZE", "9");
+    heard.clear();
+    ASSERT_TRUE(work->RunScript(directory.Write("defaults.tvx", "roe use-defaults x\n"))) << sink.log;
+    EXPECT_THAT(heard, ElementsAre("Render Option: options"));
+}
+
+TEST_F(BatchChanges, AnOperatorComesAndIsDropped) {
+    ASSERT_TRUE(work->Add("Grain")) << sink.LastAlert();
+    EXPECT_THAT(heard, ElementsAre("Add Operator: came Grain_1", "Add: dropped Grain_1"));
+}
+
+TEST_F(BatchChanges, AnotherDocumentTakesItsPlace) {
+    ASSERT_TRUE(work->Open(directory.Write("other.tvn", "opdesk { opbox { filename Grain wid 7 } }\n")));
+    EXPECT_THAT(heard, ElementsAre("replaced"));
+}
+
+}  // namespace
+}  // namespace tavrin
