@@ -4,6 +4,7 @@
 
 namespace tavrin {
 
+// The commands of the main window, by the numbers that scripts, tests and the profile know. A plain value.
 enum class CommandId : int {
 #define COMMAND(name, number, text, keys, icon, tip) name = number,
 #include "app/CommandList.def"

@@ -10,6 +10,7 @@
 
 namespace tavrin {
 
+// A plain value: the site owns the one that children get. Nothing here fails.
 class Environment {
   public:
     static Environment FromProcess();

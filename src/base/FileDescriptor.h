@@ -8,6 +8,7 @@
 
 namespace tavrin {
 
+// Owns one descriptor, which its destructor closes; -1 is none. Moves, and does not copy.
 class FileDescriptor {
   public:
     FileDescriptor() = default;

@@ -32,6 +32,7 @@ bool IsDirectory(const std::string& path);
 // Whether both lead to one file that is there, by whatever way.
 bool IsSameFile(const std::string& one, const std::string& other);
 
+// What a directory lists of one of its members.
 struct DirEntry {
     std::string name;
     bool isDirectory = false;  // symbolic links to directories count

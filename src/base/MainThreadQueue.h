@@ -11,6 +11,7 @@
 
 namespace tavrin {
 
+// One for the process, made by the program before what posts to it, and gone after that. Posting never fails.
 class MainThreadQueue {
   public:
     virtual ~MainThreadQueue() = default;
@@ -19,6 +20,7 @@ class MainThreadQueue {
     virtual void Post(std::function<void()> work) = 0;
 };
 
+// The queue of a program without an event loop. What waits at its end is dropped.
 class PlainQueue : public MainThreadQueue {
   public:
     void Post(std::function<void()> work) override;

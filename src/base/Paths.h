@@ -11,6 +11,7 @@
 
 namespace tavrin {
 
+// Whose rules a path follows.
 enum class PathStyle {
     Posix,    // '/' separates; a path that begins with '/' is absolute
     Windows,  // '\' separates; only a leading '\' or a drive letter makes a path absolute

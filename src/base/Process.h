@@ -27,6 +27,7 @@ std::string FindProgram(const std::string& word, std::string_view searchPath);
 // Whether there is such a program, found as FindProgram does, and we may run it.
 bool HasProgram(const std::string& word, std::string_view searchPath);
 
+// What a child is started with. A plain value; the descriptors stay the caller's.
 struct SpawnRequest {
     std::vector<std::string> words;        // program and arguments
     std::vector<std::string> environment;  // "NAME=VALUE"; its PATH is the search path

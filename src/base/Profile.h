@@ -20,6 +20,7 @@ class Profile {
     virtual void SetText(const std::string& key, const std::string& value) = 0;
 };
 
+// One that forgets everything when it goes.
 class MemoryProfile : public Profile {
   public:
     int GetInt(const std::string& key, int otherwise) const override {

@@ -53,6 +53,8 @@ inline constexpr const char* kRenderIface = "renderiface";
 inline constexpr const char* kShaderIface = "shaderiface";
 }  // namespace view_words
 
+// Made for one command line. Its delegate, which outlives it, hears of each word that has a meaning; nothing
+// is done.
 class CommandLine {
   public:
     explicit CommandLine(CommandLineDelegate& delegate) : m_delegate(delegate) {}

@@ -17,6 +17,7 @@ enum class LineKind : int {
     kUnique = 2,
 };
 
+// A template line with the way in which a merge takes it up.
 struct CodeLine {
     std::string text;
     LineKind kind = LineKind::kAppend;

@@ -19,6 +19,9 @@ namespace tavrin {
 class CArchive;
 class Report;
 
+// A plain value that is copied: each box owns one with its operator's templates, the application one with the
+// site's, and each generation works on a copy. Wrong templates are alerted where they are read; its reading
+// and clauses stand in CodeGenClauses.cpp.
 class CCodeGen {
   public:
     // Blocks by their place in the order of output.

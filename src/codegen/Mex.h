@@ -16,6 +16,7 @@
 
 namespace tavrin {
 
+// A plain value, one in each CCodeGen. Nothing here fails: what is no variable stays as it is.
 class CMex {
   public:
     // The scanner's state, kept between texts: a comment or a quoted run spans lines.

@@ -14,6 +14,7 @@
 
 namespace tavrin {
 
+// A plain value of its expander. Lookup costs no search through all of them.
 class VariableList {
   public:
     void Add(std::string_view name, std::string_view value);

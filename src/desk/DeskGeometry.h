@@ -16,6 +16,7 @@ namespace tavrin {
 
 class CTvDoc;
 
+// A point, or a distance, in desk units.
 struct DeskPoint {
     float x = 0;
     float y = 0;
@@ -105,6 +106,7 @@ DeskPoint ButtonAnchor(const ButtonPlace& place);
 // The boxes above and below a vinput that it grows from.
 DeskRect GrowArrowRect(const ButtonPlace& place, bool above);
 
+// The points of a wire from its output to its input.
 struct Polyline {
     std::array<DeskPoint, 6> points;
     size_t count = 0;

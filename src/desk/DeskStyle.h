@@ -8,6 +8,7 @@ namespace tavrin {
 
 class Settings;
 
+// A colour; components from 0 to 1.
 struct Rgb {
     float r = 0;
     float g = 0;
@@ -15,11 +16,13 @@ struct Rgb {
     bool operator==(const Rgb&) const = default;
 };
 
+// Factors beyond which a step of the zoom is not made.
 struct ZoomLimits {
     float least = 0.1F;
     float most = 10;
 };
 
+// A plain value, read once when a pane is made.
 struct DeskStyle {
     // A key that is absent or unreadable leaves its default. The colour of lines between different casts
     // follows the colour of all lines unless it has a key of its own.

@@ -25,6 +25,7 @@ struct ScrollRange {
     bool canScroll = false;
 };
 
+// What the two scroll bars of a desk show.
 struct ScrollRanges {
     ScrollRange across;
     ScrollRange down;

@@ -27,6 +27,7 @@ class DeskView {
 
 // A box on a desk is in exactly one of three places: the network (saved and generated), the pending boxes
 // (numbered, waiting under the mouse), the clipboard (clones without a number).
+// Clipboard and context menus stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp.
 class COpDesk {
   public:
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;

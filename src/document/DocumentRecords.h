@@ -48,6 +48,7 @@ struct ValueRecord : DocumentRecord {
     std::string_view name;           // the word behind "generic", if there is one
 };
 
+// A block of a button.
 struct ButtonRecord : DocumentRecord {
     std::string_view kind;  // behind "opbutton."; any word
     std::string_view name;
@@ -72,6 +73,7 @@ struct BoxSettingRecord : DocumentRecord {
     size_t numberCount = 0;          // how many of them stand there
 };
 
+// A block of a box.
 struct BoxRecord : DocumentRecord {
     std::string_view operatorName;
     std::vector<BoxSettingRecord> settings;  // anywhere before, between and behind the buttons
@@ -85,6 +87,7 @@ struct BoxRecord : DocumentRecord {
     }
 };
 
+// A line of a wire: ends are found by number and position.
 struct ConnectionRecord : DocumentRecord {
     struct End {
         std::string_view operatorName;  // nobody relies on the names
@@ -106,32 +109,41 @@ struct DeskSettingRecord : DocumentRecord {
     bool HasNumbers() const { return keyword == "offsetxy" || keyword == "zoomxyf"; }
 };
 
+// The program that wrote the file.
 struct VersionRecord : DocumentRecord {
     std::string_view version;
 };
+// The library that the operators behind it come from.
 struct LibraryRecord : DocumentRecord {
     std::string_view name;
 };
+// The operators of the toolbar, in order.
 struct ToolbarRecord : DocumentRecord {
     std::vector<std::string_view> operators;
 };
+// A section of the network: boxes, wires and the desk's state in the order of the text.
 struct DeskRecord : DocumentRecord {
     std::vector<std::variant<BoxRecord, ConnectionRecord, DeskSettingRecord>> items;
 };
+// One render option.
 struct RenderOptionRecord : DocumentRecord {
     std::string_view name;
     std::string_view value;
 };
+// A section of render options, in the order of the text.
 struct RenderOptionsRecord : DocumentRecord {
     std::vector<RenderOptionRecord> options;
 };
+// One export option.
 struct ExportOptionRecord : DocumentRecord {
     std::string_view key;   // a known one
     std::string_view line;  // what stands behind it
 };
+// A section of export options, in the order of the text.
 struct ExportOptionsRecord : DocumentRecord {
     std::vector<ExportOptionRecord> options;
 };
+// The help of the finished shader.
 struct HelpRecord : DocumentRecord {
     std::string text;  // without the marks before its lines, joined by CR LF
 };

@@ -10,6 +10,7 @@ namespace tavrin {
 class CArchive;
 class Report;
 
+// A plain value. Only flags and the command are saved; the paths follow the document's own.
 struct CExportOptions {
     // What to write.
     int saveTavrn = 0;  // the document file

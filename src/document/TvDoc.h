@@ -53,6 +53,10 @@ class DocumentHost {
     }
 };
 
+// Owned by the workspace of a program, which has one; what reads or merges a file makes scratch ones. It owns
+// its boxes and who listens to it, and never speaks to a window. An operation that fails has reported it,
+// returns false, and leaves the document as it was, but for a file with an error in it: what was read of that
+// stays, and is guarded. The order of generation and of lists stands in BoxOrder.cpp.
 class CTvDoc {
   public:
     explicit CTvDoc(DocumentHost& host);

@@ -6,11 +6,13 @@
 
 namespace tavrin {
 
+// In pixels.
 struct FormSize {
     int width = 0;
     int height = 0;
 };
 
+// In pixels from the upper left corner of what it lies in.
 struct FormPoint {
     int x = 0;
     int y = 0;
@@ -18,6 +20,7 @@ struct FormPoint {
 
 enum class FormOrientation : int { kVertical = 0, kHorizontal = 1 };
 
+// Where the children of a frame lie, and the room that they take together, in pixels.
 struct FormGrid {
     std::vector<FormPoint> positions;  // one for each child, in order
     int contentWidth = 0;

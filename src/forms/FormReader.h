@@ -14,6 +14,7 @@ class CArchive;
 
 // Reads one section. The language goes by lines: a widget's body is a series of keys with a value each, up
 // to a line that is exactly "}". The end of the file closes whatever is open. Used once.
+// Properties of widgets are read in FormProperties.cpp.
 class FormReader {
   public:
     // Far beyond any form that can be used, and no danger to the stack.

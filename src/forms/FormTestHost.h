@@ -64,6 +64,7 @@ inline std::string WithCrLf(const std::string& text) {
     return result;
 }
 
+// Reads forms for tests, and tells what widgets have done.
 class FormTest : public ::testing::Test {
   protected:
     FormTest() { report.SetSink(&sink); }

@@ -12,6 +12,7 @@ namespace tavrin {
 // without a number "0.0". Any other stays as it is, infinity included, for which there are no decimals.
 std::string ForceFloat(const std::string& text);
 
+// The two halves of a value such as "320,240".
 struct FormPair {
     std::string first;
     std::string second;

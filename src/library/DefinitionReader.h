@@ -20,6 +20,7 @@ enum class ButtonKind : int;
 
 // Reads clauses into one box and stops at the first error, which it has then reported with its place.
 // What was read stays in the box. Used once.
+// Values are read in DefinitionValues.cpp.
 class DefinitionReader : private TokenParser {
   public:
     DefinitionReader(COpBox& box, CArchive& archive, const std::string& libraryDir, Report& report)

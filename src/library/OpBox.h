@@ -37,6 +37,7 @@ struct BoxLayout {
 };
 
 // Owned by exactly one list: the document's network, or the desk's pending or clipboard boxes.
+// Its definition is read in BoxDefinition.cpp, its code made in BoxCode.cpp.
 class COpBox : public LiveObject<COpBox> {
   public:
     COpBox() = default;

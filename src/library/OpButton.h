@@ -18,6 +18,7 @@ class Report;
 class TypeTables;
 struct NameSource;
 
+// What a button is, by the numbers that formats have for it.
 enum class ButtonKind : int {
     kInput = 1,
     kVinput = 2,  // an input that the user may multiply
@@ -26,6 +27,7 @@ enum class ButtonKind : int {
 
 // Owned by its box. A button is made by the definition reader, as a clone of another, or as a further
 // instance of a vinput; its destruction cuts its connections.
+// What it is called in code stands in BoxCode.cpp, its wires in ButtonConnections.cpp.
 class COpButton : public LiveObject<COpButton> {
   public:
     COpButton(COpBox* box, ButtonKind buttonKind) : owner(box), kind(buttonKind) {}

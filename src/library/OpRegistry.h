@@ -32,6 +32,7 @@ struct OpMenuItem {
     const OpMenu* submenu = nullptr;  // kSubmenu
 };
 
+// A menu of operators, owned by the registry until the next reload.
 struct OpMenu {
     std::vector<OpMenuItem> items;
 };

@@ -13,6 +13,7 @@ class CArchive;
 // The first token of each document, which no definition begins with.
 inline constexpr std::string_view kDocumentKeyword = "tavrn-version";
 
+// What the file of an operator holds.
 enum class OperatorText {
     kEmpty,       // no more than comments; the archive then stands at its end
     kDefinition,  // the archive stands at the beginning, as it does for a network

@@ -19,6 +19,7 @@ inline constexpr std::string_view kString = "string";
 inline constexpr std::string_view kGeneric = "generic";  // alone, or followed by ":NAME"
 }  // namespace type_words
 
+// Owned by its button, one for each cast. A clone has its own copy of all fields.
 class COpValue {
   public:
     virtual ~COpValue() = default;
@@ -32,6 +33,7 @@ class COpValue {
     COpValue(const COpValue&) = default;
 };
 
+// A number on a slider.
 class COpValueFloat : public COpValue {
   public:
     COpValueFloat() : COpValue(type_words::kFloat) {}
@@ -43,6 +45,7 @@ class COpValueFloat : public COpValue {
     int integer = 0;  // the editor cuts the value to a whole number
 };
 
+// Three numbers that share a range: a point, a vector, a normal.
 class COpValueXyz : public COpValue {
   public:
     COpValueXyz() : COpValue(type_words::kXyz) {}
@@ -56,6 +59,7 @@ class COpValueXyz : public COpValue {
     int integer = 0;
 };
 
+// A colour; components are 0 to 1 where the picker sets them.
 class COpValueRgb : public COpValue {
   public:
     COpValueRgb() : COpValue(type_words::kRgb) {}
@@ -66,6 +70,7 @@ class COpValueRgb : public COpValue {
     float b = 0;
 };
 
+// A colour with an opacity.
 class COpValueRgba : public COpValue {
   public:
     COpValueRgba() : COpValue(type_words::kRgba) {}
@@ -77,6 +82,7 @@ class COpValueRgba : public COpValue {
     float a = 0;
 };
 
+// A text, typed, chosen or the path of a file.
 class COpValueString : public COpValue {
   public:
     COpValueString() : COpValue(type_words::kString) {}
@@ -91,6 +97,7 @@ class COpValueString : public COpValue {
 
 bool IsGenericType(std::string_view type);
 
+// A literal of the target language as it stands.
 class COpValueGeneric : public COpValue {
   public:
     // The whole keyword of the definition: "generic", or "generic:" with a name behind it.

@@ -12,6 +12,7 @@ class CTvDoc;
 class DocumentForm;
 class Report;
 
+// One thing that was found, as it is printed. A plain value.
 struct Finding {
     enum class Severity {
         kWarning,  // the shader will be made, perhaps not as meant

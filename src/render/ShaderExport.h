@@ -16,6 +16,7 @@ struct Site;
 // The kinds of file that are exported one by one.
 enum class ExportKind { kShaderSource, kCompiledShader, kShaderIface, kRenderIface };
 
+// One for the workspace, whose document and session outlive it. An export that does not start has told why.
 class ShaderExport {
   public:
     ShaderExport(CTvDoc& document, Site& site, RenderSession& session)

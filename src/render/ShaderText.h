@@ -13,6 +13,7 @@ class CCodeGen;
 class CTvDoc;
 struct Site;
 
+// A plain value: what one generation has made.
 struct ShaderText {
     std::vector<std::string> code;  // before the site's filter script
     std::vector<std::string> hints;

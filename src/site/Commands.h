@@ -29,6 +29,7 @@ struct ProcessInfo {
 };
 
 // Owned by the application object. Main thread only, but for InterruptCommand.
+// Its children stand in CommandsChildren.cpp.
 class Commands {
   public:
     // Output of a child is posted to the main thread in pieces of at most this many bytes.

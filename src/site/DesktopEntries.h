@@ -11,6 +11,7 @@
 
 namespace tavrin {
 
+// A command line of the desktop with everything put in.
 struct DesktopCommand {
     std::vector<std::string> words;  // program and arguments, the file among them as one word
     bool needsTerminal = false;

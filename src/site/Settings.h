@@ -8,6 +8,8 @@
 
 namespace tavrin {
 
+// One for the process, in the site; filled while site files are read. Nothing here reports: who looks up
+// knows what an unusable value means.
 class Settings {
   public:
     // Replaces an earlier value of the key.

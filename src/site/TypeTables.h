@@ -11,6 +11,8 @@ namespace tavrin {
 // A type word that begins with this carries the target's own word behind it, which is never translated.
 inline constexpr std::string_view kGenericPrefix = "generic:";
 
+// One for the process, in the site; filled while site files are read. What is not in a table stands for
+// itself.
 class TypeTables {
   public:
     TypeTables() { ResetDataTypes(); }

@@ -21,6 +21,7 @@ class ReportSink {
     virtual void OnLog(std::string_view text) = 0;
 };
 
+// One for the process, made before all that reports. Main thread only.
 class Report {
   public:
     // The sink must outlive its use here; without one, reports are dropped but the pending alert is kept.

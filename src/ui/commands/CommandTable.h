@@ -29,6 +29,7 @@ struct Slot {
     std::vector<Slot> items{};  // kSubmenu
 };
 
+// A menu of the menu bar.
 struct MenuSpec {
     const char* title;
     std::vector<Slot> slots;

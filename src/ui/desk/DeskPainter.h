@@ -14,6 +14,7 @@ namespace tavrin {
 
 // Made for one paint by the desk's pane, which has laid out the boxes and made the context current. Looks at
 // the network and changes nothing. What is out of view costs a comparison of rectangles.
+// Boxes are painted in DeskPainterBoxes.cpp.
 class DeskPainter {
   public:
     // All outlive it.

@@ -13,6 +13,7 @@ namespace tavrin {
 
 class CSgiImage;
 
+// How a line is drawn.
 struct LineLook {
     Rgb color;
     float width = 1;  // pixels

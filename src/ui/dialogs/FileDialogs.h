@@ -11,6 +11,7 @@ class QWidget;
 
 namespace tavrin {
 
+// What a dialog is to offer.
 struct FileDialogRequest {
     QString title;
     QStringList filters;    // such as "Tavrin Documents (*.tvn)"
@@ -20,6 +21,7 @@ struct FileDialogRequest {
     int filterIndex = 0;    // chosen at first
 };
 
+// What the user has chosen.
 struct ChosenFile {
     std::string path;
     int filterIndex = 0;  // chosen at last

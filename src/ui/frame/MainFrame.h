@@ -38,6 +38,7 @@ class ScriptWork;
 class SliderPane;
 
 // Made once by the program, which shows it. Main thread only.
+// What happens to it stands in FrameEvents.cpp.
 class MainFrame : public QMainWindow, private TitleView {
   public:
     // All of it outlives the frame.

@@ -11,6 +11,7 @@ class QPlainTextEdit;
 
 namespace tavrin {
 
+// A child of the frame, whose layout places it. Main thread only.
 class CStatusBox : public QFrame {
   public:
     using Clock = std::function<long()>;  // whole seconds

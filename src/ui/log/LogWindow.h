@@ -19,6 +19,7 @@ namespace tavrin {
 
 class LogEdit;
 
+// The log's own commands, by their numbers.
 enum class LogCommand {
     kClearLog = 32892,
     kSave = 32919,
@@ -33,6 +34,7 @@ enum class LogCommand {
 
 inline constexpr int kLogTextLimit = 4'000'000;
 
+// What tests set otherwise.
 struct LogOptions {
     int textLimit = kLogTextLimit;  // characters; a full log loses its oldest lines
     std::function<void()> beep;     // sounds the warning beep; the platform's if empty

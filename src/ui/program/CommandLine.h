@@ -7,6 +7,7 @@
 
 namespace tavrin {
 
+// What the words of the command line ask for. A plain value.
 struct ProgramOptions {
     std::string documentPath;  // empty for none
     bool help = false;

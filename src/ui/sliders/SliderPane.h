@@ -6,6 +6,7 @@
 
 namespace tavrin {
 
+// A child of the frame.
 class SliderPane : public QScrollArea {
   public:
     explicit SliderPane(QWidget* frame);

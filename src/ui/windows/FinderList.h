@@ -12,6 +12,7 @@ namespace tavrin {
 
 class FinderModel;
 
+// A line of a finder.
 struct FinderRow {
     std::string text;
     bool isHeading = false;  // typing does not find it
