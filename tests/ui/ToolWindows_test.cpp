@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every row of the table of tool windows: its command, its check mark, its place.
+#include <QGuiApplication>
 #include <QWindow>
 #include <map>
 #include <set>
@@ -48,6 +49,9 @@ class ToolWindows : public FrameTest, public testing::WithParamInterface<WindowR
         EXPECT_TRUE(WaitUntil([&] { return Window().IsUp() == isUp; })) << Row().place;
         if (isUp) {
             ASSERT_TRUE(test::WaitUntilSeen(Window())) << Row().place;
+        } else {
+            QGuiApplication::sync();  // the display's word that it has gone is not to come when it is up
+                                      // again
         }
         EXPECT_TRUE(WaitUntil([&] { return Command().isChecked() == (isUp && Toggles()); })) << Row().place;
         for (ToolWindow* other : Frame().Windows().All()) {
