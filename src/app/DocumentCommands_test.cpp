@@ -7,6 +7,7 @@
 #include "base/Files.h"
 #include "forms/FormFields.h"
 #include "forms/FormFrame.h"
+#include "support/SmallApp.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -16,26 +17,15 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 
 // An application with a library whose operators are copied as they stand, and a form with two options.
-class DocumentCommandsTest : public testing::Test {
+class DocumentCommandsTest : public test::SmallAppTest {
   protected:
     DocumentCommandsTest() {
-        report.SetSink(&sink);
-        const char* copy = "open my $in, '<', $ARGV[4]; open my $out, '>', $ARGV[1]; print {$out} <$in>;";
-        directory.Write("site/small/bin/redirect.pl", copy);
-        directory.Write("site/small/bin/spp", "");
-        directory.Write("site/small/menu/0100.Grain",
-                        "input in { float { 1 0 1 0 \"%g\" } }\noutput out { float out }\n");
         directory.Write("site/small/tavrn.def",
                         "tavrnbrowser_dir /shaders\next.shadersource .src\next.shaderiface light .lif\n"
                         "roe {\nchooser {\nenvname TAVRN_SHADER_TYPE\nvalue surface\nchoosercontents "
                         "{\nsurface\nlight\n}\n}\n"
                         "xfield {\nenvname SIZE\nvalue 4\n}\n}\n");
-        Environment environment = Environment::FromProcess();
-        environment.Set("TAVRN_DIR", directory / "site");
-        environment.Set("TAVRN_LIB", "/small");
-        environment.Set("TAVRN_TMPDIR", directory.Path());
-        environment.Set("HOME", directory.Path());
-        app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin");
+        MakeApp();
         app->LoadSiteDefaults();
         document = std::make_unique<CTvDoc>(*app);
         desk = std::make_unique<COpDesk>(*document, *app);
@@ -43,7 +33,6 @@ class DocumentCommandsTest : public testing::Test {
         commands =
             std::make_unique<DocumentCommands>(*app, *document, *desk, DocumentCommands::Announce::kYes);
     }
-    ~DocumentCommandsTest() override { app->CloseDown(std::chrono::milliseconds(0)); }
 
     // A saved document with one box and a shader type.
     std::string SavedDocument(const std::string& name, const std::string& type) {
@@ -52,11 +41,6 @@ class DocumentCommandsTest : public testing::Test {
                       type + " setenv SIZE 9 }\n");
     }
 
-    test::TempDir directory;
-    test::CollectingSink sink;
-    Report report;
-    PlainQueue queue;
-    std::unique_ptr<CTvApp> app;
     std::unique_ptr<CTvDoc> document;
     std::unique_ptr<COpDesk> desk;
     std::unique_ptr<DocumentCommands> commands;

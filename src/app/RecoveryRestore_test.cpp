@@ -9,6 +9,7 @@
 #include "app/DocumentCommands.h"
 #include "app/Recovery.h"
 #include "base/Files.h"
+#include "support/SmallApp.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -26,23 +27,16 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class RecoveryRestore : public testing::Test {
+class RecoveryRestore : public test::SmallAppTest {
   protected:
     RecoveryRestore() {
-        report.SetSink(&sink);
-        directory.Write("site/small/menu/0100.Grain", "output out { float out }");
-        Environment environment = Environment::FromProcess();
-        environment.Set("TAVRN_DIR", directory / "site");
-        environment.Set("TAVRN_LIB", "/small");
-        environment.Set("TAVRN_TMPDIR", directory.Path());
-        app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin");
+        MakeApp();
         document = std::make_unique<CTvDoc>(*app);
         desk = std::make_unique<COpDesk>(*document, *app);
         app->SetDocument(document.get());
         commands =
             std::make_unique<DocumentCommands>(*app, *document, *desk, DocumentCommands::Announce::kYes);
     }
-    ~RecoveryRestore() override { app->CloseDown(std::chrono::milliseconds(0)); }
 
     // What a process of this toolbar leaves behind when it dies.
     void LeaveBehind(const std::string& operatorName) {
@@ -71,11 +65,6 @@ class RecoveryRestore : public testing::Test {
         return restored;
     }
 
-    test::TempDir directory;
-    test::CollectingSink sink;
-    Report report;
-    PlainQueue queue;
-    std::unique_ptr<CTvApp> app;
     std::unique_ptr<CTvDoc> document;
     std::unique_ptr<COpDesk> desk;
     std::unique_ptr<DocumentCommands> commands;

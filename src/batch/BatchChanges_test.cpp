@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "batch/BatchWork.h"
+#include "support/SmallApp.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -11,21 +12,11 @@ namespace {
 
 using testing::ElementsAre;
 
-class BatchChanges : public testing::Test {
+class BatchChanges : public test::SmallAppTest {
   protected:
     BatchChanges() {
-        report.SetSink(&sink);
-        const char* copy = "open my $in, '<', $ARGV[4]; open my $out, '>', $ARGV[1]; print {$out} <$in>;";
-        directory.Write("site/small/bin/redirect.pl", copy);
-        directory.Write("site/small/bin/spp", "");
-        directory.Write("site/small/menu/0100.Grain", "output out { float out }\n");
         directory.Write("site/small/tavrn.def", "roe {\nxfield {\nenvname SIZE\nvalue 4\n}\n}\n");
-        Environment environment = Environment::FromProcess();
-        environment.Set("TAVRN_DIR", directory / "site");
-        environment.Set("TAVRN_LIB", "/small");
-        environment.Set("TAVRN_TMPDIR", directory.Path());
-        environment.Set("HOME", directory.Path());
-        app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin-batch");
+        MakeApp();
         app->LoadSiteDefaults();
         work = std::make_unique<BatchWork>(
             *app, queue, [] { return false; }, false);
@@ -34,15 +25,8 @@ class BatchChanges : public testing::Test {
     }
     ~BatchChanges() override {
         EXPECT_EQ(work->Document().edits.StrayEdits(), 0) << "an edit outside a scope";
-        work.reset();
-        app->CloseDown(std::chrono::milliseconds(0));
     }
 
-    test::TempDir directory;
-    test::CollectingSink sink;
-    Report report;
-    PlainQueue queue;
-    std::unique_ptr<CTvApp> app;
     std::unique_ptr<BatchWork> work;
     std::vector<std::string> heard;
     Edits::Subscription listener;

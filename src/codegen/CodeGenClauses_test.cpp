@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "codegen/CodeGen.h"
+#include "codegen/CodeGenTest.h"
 #include "support/TestSite.h"
 #include "text/Tokens.h"
 
@@ -14,15 +14,10 @@ namespace {
 
 using test::ArchiveOf;
 using test::TempDir;
+using test::TextsOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-std::vector<std::string> TextsOf(const CCodeGen& codegen, CCodeGen::BlockId id) {
-    std::vector<std::string> texts;
-    for (size_t i = 0; i < codegen.Block(id).Size(); ++i) texts.push_back(codegen.Block(id).Line(i).text);
-    return texts;
-}
 
 size_t LineCount(const CCodeGen& codegen) {
     size_t count = 0;

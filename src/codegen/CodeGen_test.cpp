@@ -4,19 +4,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "codegen/CodeGenTest.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
 namespace {
 
+using test::TextsOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-std::vector<std::string> TextsOf(const CCodeGen& codegen, CCodeGen::BlockId id) {
-    std::vector<std::string> texts;
-    for (size_t i = 0; i < codegen.Block(id).Size(); ++i) texts.push_back(codegen.Block(id).Line(i).text);
-    return texts;
-}
 
 std::vector<LineKind> KindsOf(const CCodeGen& codegen, CCodeGen::BlockId id) {
     std::vector<LineKind> kinds;

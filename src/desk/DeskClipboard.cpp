@@ -40,7 +40,6 @@ void COpDesk::CutBoxes() {
     BoxVector cut = TakeSelectedBoxes();
     if (cut.empty()) return;
     Discard(cut, Edits::Stood::kInNetwork);
-    m_view->UpdateScrollBars();
 }
 
 void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
@@ -68,8 +67,6 @@ void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
     }
     clones.clear();  // those that were refused, with their connections
     m_document.edits.BroughtBoxes();
-    m_view->Repaint();
-    m_view->UpdateScrollBars();
 }
 
 void COpDesk::DeleteSelection() {
@@ -82,13 +79,11 @@ void COpDesk::DeleteSelection() {
         if (COpButton::IsLive(input)) input->Disconnect();
     }
     ClearSelectedConnects();
-    m_view->Repaint();
-    m_view->UpdateScrollBars();
 }
 
 void COpDesk::DuplicateBox(const COpBox& box) {
     const EditScope edit(m_document, "Copy Box");
-    ClearBoxSelection();
+    UnselectBoxes();
     auto clone = std::make_unique<COpBox>(box);
     MoveBox(*clone, kDuplicateOffset[0], kDuplicateOffset[1]);
     if (!AdmitBox(*clone)) return;

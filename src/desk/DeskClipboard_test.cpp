@@ -114,7 +114,7 @@ TEST_F(DeskClipboard, ACutBoxLeavesWhatItFedWithoutAConnection) {
     ASSERT_THAT(Clipboard(), ElementsAre("a_0"));
     EXPECT_TRUE(desk.m_clipboardBoxes.at(0)->outputs.at(0)->connections.Empty());
     EXPECT_THAT(view.finder, ElementsAre("b_2"));
-    EXPECT_THAT(view.calls, ElementsAre("scrollbars", "Cut: went a_1 wires"));
+    EXPECT_THAT(view.calls, ElementsAre("Cut: went a_1 wires"));
     EXPECT_TRUE(document.IsModified());
     EXPECT_EQ(desk.NextWid(), 1);
 }
@@ -168,6 +168,19 @@ TEST_F(DeskClipboard, NothingRefersToBoxesThatWereCut) {
 
 // Paste.
 
+TEST_F(DeskClipboard, ARefusedCopyTakesTheSelectionAllTheSameAndTellsIt) {
+    COpBox& only = Stand(MakeBox("one", "defs { maxinstances 1 }"), 1);
+    desk.CopySelection();
+    desk.PasteBoxes(std::nullopt);
+    EXPECT_THAT(Pending(), IsEmpty());
+    EXPECT_THAT(view.calls, ElementsAre("selection", "repaint"));
+    only.selected = 1;
+    view.calls.clear();
+    desk.DuplicateBox(only);
+    EXPECT_EQ(only.selected, 0);
+    EXPECT_THAT(view.calls, ElementsAre("selection"));
+}
+
 TEST_F(DeskClipboard, PastedBoxesWaitWithTheFirstAnchorUnderTheCursor) {
     COpBox& old = Link("old");
     for (const float x : {100.0F, 130.0F}) {
@@ -191,7 +204,7 @@ TEST_F(DeskClipboard, PastedBoxesWaitWithTheFirstAnchorUnderTheCursor) {
     EXPECT_THAT(desk.m_selectedConnects, IsEmpty());
     EXPECT_THAT(view.finder, ElementsAre("old_1", "a_2", "a_3", "a_4", "a_5"));
     EXPECT_THAT(view.calls,
-                ElementsAre("layout a_4", "layout a_5", "repaint", "scrollbars", "Paste: came a_4 a_5"));
+                ElementsAre("selection", "repaint", "layout a_4", "layout a_5", "Paste: came a_4 a_5"));
     EXPECT_TRUE(document.IsModified());
 }
 
@@ -278,7 +291,7 @@ TEST_F(DeskClipboard, DeleteTakesSelectedBoxesWhatWaitsAndSelectedConnections) {
     EXPECT_TRUE(from.outputs.at(0)->connections.Empty());
     EXPECT_THAT(desk.m_selectedConnects, IsEmpty());
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("repaint", "scrollbars", "Delete: went b_2 waiting_5 wires"));
+    EXPECT_THAT(view.calls, ElementsAre("Delete: went b_2 waiting_5 wires"));
     EXPECT_FALSE(desk.CanDelete());
 }
 
@@ -296,7 +309,7 @@ TEST_F(DeskClipboard, DroppingWhatWaitsAloneLeavesTheDocumentUnmodified) {
     desk.DeleteSelection();
     EXPECT_THAT(Pending(), IsEmpty());
     EXPECT_FALSE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("repaint", "scrollbars", "Delete: went waiting_2"));
+    EXPECT_THAT(view.calls, ElementsAre("Delete: went waiting_2"));
 }
 
 TEST_F(DeskClipboard, WhatWaitsUnderTheMouseCanBeDeletedWithNothingElseSelected) {
@@ -349,7 +362,7 @@ TEST_F(DeskClipboard, ADuplicateLiesBesideItsOriginalOnTopWithoutConnections) {
     EXPECT_EQ(clone.selected, 1);
     EXPECT_EQ(feeder.selected, 0);
     EXPECT_TRUE(document.IsModified());
-    EXPECT_THAT(view.calls, ElementsAre("layout a_3", "Copy Box: came a_3 dropped a_3"));
+    EXPECT_THAT(view.calls, ElementsAre("selection", "layout a_3", "Copy Box: came a_3 dropped a_3"));
     EXPECT_THAT(view.finder, ElementsAre("f_1", "a_2", "a_3"));
 }
 

@@ -8,9 +8,16 @@
 namespace tavrin {
 
 void COpDesk::ClearSelections() {
-    ClearBoxSelection();
+    UnselectBoxes();
     ClearSelectedButton();
     ClearSelectedConnects();
+    m_view->Repaint();  // those of buttons and wires are seen on the desk alone
+}
+
+void COpDesk::UnselectBoxes() {
+    const bool wasSelected = AnyBoxSelected();
+    ClearBoxSelection();
+    if (wasSelected) m_document.edits.SelectionChanged();
 }
 
 void COpDesk::ClearBoxSelection() {
@@ -75,7 +82,6 @@ void COpDesk::OnInitialUpdate() {
         m_view->LayoutBox(*box);
         m_usedWids.Add(box->wid);
     }
-    m_view->UpdateScrollBars();
     m_document.edits.Replaced();
 }
 

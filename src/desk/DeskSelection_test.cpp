@@ -135,7 +135,7 @@ TEST_F(DeskSelection, ANetworkIsTakenUpInItsOrder) {
     EXPECT_THAT(desk.m_selectedConnects, IsEmpty());
     EXPECT_THAT(desk.m_pendingBoxes, IsEmpty());
     EXPECT_THAT(view.finder, ElementsAre("a_2", "b_4"));
-    EXPECT_THAT(view.calls, ElementsAre("layout a_2", "layout b_4", "scrollbars", "replaced"));
+    EXPECT_THAT(view.calls, ElementsAre("layout a_2", "layout b_4", "replaced"));
     for (const int wid : {1, 3, 5}) EXPECT_EQ(desk.NextWid(), wid);
     EXPECT_FALSE(document.IsModified());
 }

@@ -34,12 +34,9 @@ void COpDesk::SetView(DeskView* view) { m_view = view == nullptr ? &m_noView : v
 // Where nothing comes of it, what was selected and what waited are gone all the same.
 void COpDesk::AddOperator(const std::string& name) {
     const EditScope edit(m_document, "Add Operator");
-    const bool wasSelected = AnyBoxSelected();
     ClearSelections();
     DeletePending();
     BringOperator(name);
-    m_view->Repaint();
-    if (wasSelected) m_document.edits.SelectionChanged();
 }
 
 void COpDesk::BringOperator(const std::string& name) {
@@ -125,8 +122,6 @@ void COpDesk::MergeBoxes(CTvDoc::BoxList& boxes) {
     boxes.clear();  // destroys those that were refused, with their connections
     m_pendingPlaced = false;
     m_document.edits.BroughtBoxes();
-    m_view->Repaint();
-    m_view->UpdateScrollBars();
 }
 
 void COpDesk::DropPending() {
@@ -233,7 +228,6 @@ COpButton* COpDesk::GrowVinput(bool above) {
     m_document.edits.BoxTouched(*m_mouseBox);
     COpButton* copy = m_mouseBox->CopyButton(*m_mouseButton, above);
     m_view->LayoutBox(*m_mouseBox);
-    m_view->Repaint();
     return copy;
 }
 

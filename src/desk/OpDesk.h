@@ -26,8 +26,8 @@ class DeskView {
 };
 
 // A box on a desk is in exactly one of three places: the network (saved and generated), the pending boxes
-// (numbered, waiting under the mouse), the clipboard (clones without a number).
-// Clipboard and context menus stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp.
+// (numbered, waiting under the mouse), the clipboard (clones without a number). Clipboard and context menus
+// stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp.
 class COpDesk {
   public:
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;
@@ -95,6 +95,7 @@ class COpDesk {
     void ToggleArgument();
     void ChooseCast(size_t cast);
 
+    // Without a word: who selects others then tells it once.
     void ClearBoxSelection();
     void ClearSelectedButton() { m_selectedButton = nullptr; }
     void ClearSelectedConnects() { m_selectedConnects.clear(); }
@@ -124,6 +125,7 @@ class COpDesk {
     void AddMacro(const DocumentForm& network);
     void AddBox(const std::string& name);
     void ClearSelections();
+    void UnselectBoxes();
     void SetAllSelected(int selected);
     void ForgetReferences();
     void ForgetButton(const COpButton& button);

@@ -22,7 +22,6 @@ DocumentForm ReadDesk(CArchive archive);
 // At work behind these. The desk's section is in DeskSectionReader.cpp, a box's buttons are in
 // ButtonSectionReader.cpp. Operations that return false have put the error that stops the reading into the
 // form.
-// Boxes and wires are read in DeskSectionReader.cpp, buttons in ButtonSectionReader.cpp.
 class DocumentReader {
   public:
     explicit DocumentReader(CArchive archive);

@@ -147,9 +147,8 @@ void Commands::ReadOutput(Child& child, int pipe) {
     for (;;) {
         const ssize_t count = ::read(pipe, piece, sizeof piece);
         if (count > 0) {
-            m_queue.Post([this, alive = m_alive, id = child.id,
-                          text = std::string(piece, static_cast<size_t>(count))] {
-                if (*alive) m_childLog.Append(id, text);
+            Post([this, id = child.id, text = std::string(piece, static_cast<size_t>(count))] {
+                m_childLog.Append(id, text);
             });
             continue;
         }

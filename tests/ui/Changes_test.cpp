@@ -3,10 +3,12 @@
 // same way.
 #include <QApplication>
 #include <QMouseEvent>
+#include <QPushButton>
 #include <QTest>
 
 #include "support/TestHost.h"
 #include "ui/desk/DeskPane.h"
+#include "ui/library/OperatorToolBar.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {
@@ -53,6 +55,23 @@ TEST_F(ChangesTest, ADragIsOneActAndItsSelectionNone) {
     EXPECT_THAT(heard, testing::IsEmpty());
     QTest::mouseRelease(&desk, Qt::LeftButton, {}, at + QPoint(30, 0));
     EXPECT_THAT(heard, ElementsAre("Move: touched Constant_1"));
+}
+
+TEST_F(ChangesTest, TheToolbarFollowsWhoeverChangesItsOperators) {
+    Listen();
+    const auto buttons = [this] {
+        QStringList texts;
+        for (const auto* button : Frame().OperatorBar().findChildren<QPushButton*>("operator"))
+            texts << button->text();
+        return texts;
+    };
+    ASSERT_NE(buttons(), QStringList{"Constant"});
+    {
+        const EditScope edit(Document(), "Test");
+        Document().edits.SettingsChanged();
+        Document().toolbar = {"Constant"};
+    }
+    EXPECT_EQ(buttons(), QStringList{"Constant"});
 }
 
 TEST_F(ChangesTest, ASwitchOfTheMenuAndAScriptsOptionAreToldLikeAnyEdit) {

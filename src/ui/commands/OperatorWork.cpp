@@ -50,14 +50,20 @@ void OperatorWork::AddTo(CommandActions& commands) {
     commands.On(CommandId::kCustomize, {[this] { Customize(); }});
 }
 
-void OperatorWork::Refresh() {
-    RebuildMenus();
-    m_bar->RebuildButtons(m_needs.work.document.toolbar);  // with the commands of now
+void OperatorWork::Follow(const Change& change) {
+    if (change.replaced) Refresh();
+    if (change.settings && m_needs.work.document.toolbar != m_shown) ShowToolbar();
 }
 
-void OperatorWork::RebuildMenus() {
+void OperatorWork::Refresh() {
     m_menus->Rebuild();
     m_needs.menusRebuilt();
+    ShowToolbar();  // with the commands of now
+}
+
+void OperatorWork::ShowToolbar() {
+    m_shown = m_needs.work.document.toolbar;
+    m_bar->RebuildButtons(m_shown);
 }
 
 void OperatorWork::AddOperator(uint32_t id) {
@@ -69,7 +75,6 @@ void OperatorWork::AddOperator(uint32_t id) {
     } else {
         m_needs.work.desk.AddOperator(entry->name);
     }
-    m_needs.deskChanged();
 }
 
 void OperatorWork::Reload() {
@@ -83,12 +88,9 @@ void OperatorWork::Customize() {
     CTvDoc& document = m_needs.work.document;
     CustomizeDialog dialog(&m_needs.frame, m_needs.work.app.Registry(), document.toolbar);
     if (dialog.exec() != QDialog::Accepted) return;
-    {
-        const EditScope edit(document, "Customize Toolbar");
-        document.edits.SettingsChanged();
-        document.toolbar = dialog.Result();
-    }
-    m_bar->RebuildButtons(document.toolbar);
+    const EditScope edit(document, "Customize Toolbar");
+    document.edits.SettingsChanged();
+    document.toolbar = dialog.Result();
 }
 
 }  // namespace tavrin

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 class QMainWindow;
 
@@ -16,6 +17,7 @@ class CStatusBox;
 class DeskPane;
 class OperatorMenuBar;
 class OperatorToolBar;
+struct Change;
 struct Workspace;
 
 // Belongs to the frame, whose menu bar has its own menus already.
@@ -29,7 +31,6 @@ class OperatorWork {
         DeskPane& desk;
         CStatusBox& statusBox;
         std::function<void()> menusRebuilt;  // menus stand there that the frame has not seen yet
-        std::function<void()> deskChanged;
     };
     explicit OperatorWork(Needs needs);
     ~OperatorWork();
@@ -37,19 +38,22 @@ class OperatorWork {
     void AddTo(CommandActions& commands);
     OperatorToolBar& Bar() { return *m_bar; }
 
-    // Shows the library as it is, and the document's toolbar.
-    void Refresh();
+    // Keeps menus and toolbar those of the library and the document.
+    void Follow(const Change& change);
     // Puts an operator in the user's hand; an id of none is alerted.
     void AddOperator(uint32_t id);
 
   private:
     OperatorToolBar* MakeBar();
-    void RebuildMenus();
+    // Shows the library as it is, and the document's toolbar.
+    void Refresh();
+    void ShowToolbar();
     void Reload();
     void Customize();
 
     Needs m_needs;
-    OperatorToolBar* m_bar;  // the frame's child
+    OperatorToolBar* m_bar;            // the frame's child
+    std::vector<std::string> m_shown;  // the operators of the toolbar
     std::unique_ptr<OperatorMenuBar> m_menus;
 };
 

@@ -103,10 +103,7 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
 DeskPane::~DeskPane() { m_desk.SetView(nullptr); }
 
 void DeskPane::OnChange(const Change& change) {
-    if (change.replaced) {
-        m_gestures.Cancel();
-        LayoutAll();
-    }
+    if (change.replaced) m_gestures.Cancel();
     if (change.HasBoxes()) UpdateScrollBars();
     Repaint();
 }

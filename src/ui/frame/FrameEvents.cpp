@@ -47,7 +47,7 @@ Actions& MainFrame::ActionDispatch() { return m_scripts->Dispatch(); }
 bool MainFrame::OpenDocumentFile(const std::string& path) { return m_documents->OpenDocument(path); }
 
 void MainFrame::OnChange(const Change& change) {
-    if (change.replaced) m_operators->Refresh();
+    m_operators->Follow(change);
     m_windows->Tell(&ToolWindow::Follow, change);
     SetLocked(m_work->document.lock != 0);
     m_idle.Request();

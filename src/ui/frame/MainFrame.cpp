@@ -142,8 +142,7 @@ void MainFrame::CreateWork() {
     m_documents = std::make_unique<DocumentWork>(
         DocumentWork::Needs{*this, *m_work, *m_renders, *m_safetyCopies, *m_sliders, m_recentFiles});
     m_operators = std::make_unique<OperatorWork>(
-        OperatorWork::Needs{*this, *m_work, m_commands, *m_desk, *m_statusBox, [this] { LibraryChanged(); },
-                            [this] { m_idle.Request(); }});
+        OperatorWork::Needs{*this, *m_work, m_commands, *m_desk, *m_statusBox, [this] { LibraryChanged(); }});
     m_options = std::make_unique<OptionWork>(
         OptionWork::Needs{GetSite(), m_profile, *m_desk, *m_sliders, *m_statusBox});
     m_deskWork = std::make_unique<DeskWork>(DeskWork::Needs{*this, *m_work, *m_desk, *m_statusBox});
