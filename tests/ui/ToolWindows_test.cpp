@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every row of the table of tool windows: its command, its check mark, its place.
-#include <QGuiApplication>
 #include <QWindow>
 #include <map>
 #include <set>
 
 #include "ui/base/Text.h"
 #include "ui/support/Hands.h"
+#include "ui/support/Stacking.h"
 #include "ui/support/TestFrame.h"
 #include "ui/windows/ToolWindow.h"
 
@@ -49,9 +49,8 @@ class ToolWindows : public FrameTest, public testing::WithParamInterface<WindowR
         EXPECT_TRUE(WaitUntil([&] { return Window().IsUp() == isUp; })) << Row().place;
         if (isUp) {
             ASSERT_TRUE(test::WaitUntilSeen(Window())) << Row().place;
-        } else {
-            QGuiApplication::sync();  // the display's word that it has gone is not to come when it is up
-                                      // again
+        } else if (Window().internalWinId() != 0) {
+            test::WaitUntilLetGo(Window());
         }
         EXPECT_TRUE(WaitUntil([&] { return Command().isChecked() == (isUp && Toggles()); })) << Row().place;
         for (ToolWindow* other : Frame().Windows().All()) {

@@ -16,6 +16,7 @@
 #include <QTest>
 #include <QVBoxLayout>
 
+#include "ui/support/Stacking.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin {
@@ -155,8 +156,7 @@ TEST_F(EditKeysTest, ArrowsReachTheCommandsFromTheListOfAWindowThatCameUp) {
     EXPECT_EQ(inside->currentRow(), 1);
     EXPECT_EQ(commands, QStringList{"Down"});
     other.hide();
-    // The window manager's word on that is not to come when the other is up again.
-    test::ShowActive(window);
+    test::WaitUntilLetGo(other);
     test::ShowActive(other);
     test::GiveFocus(*inside);
     Press(Qt::Key_Up);
