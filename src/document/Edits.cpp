@@ -84,6 +84,12 @@ void Edits::ButtonTouched(COpButton& button) {
 void Edits::ButtonTuned(COpButton& button) {
     NoteEdit([&] {
         m_document.SetModified();
+        ButtonTunedUnmarked(button);
+    });
+}
+
+void Edits::ButtonTunedUnmarked(COpButton& button) {
+    NoteEdit([&] {
         if (!m_touched.Has(*button.owner) && !m_buttons.Has(button)) m_tuned.Add(button);
     });
 }

@@ -41,6 +41,8 @@ class Edits {
     void BoxTouched(COpBox& box);           // its place, its inputs, or anything of its buttons
     void ButtonTouched(COpButton& button);  // nothing of its box but this button
     void ButtonTuned(COpButton& button);    // of which only what is tuned, as Change has it
+    // The same by an act that does not count as a change of the document.
+    void ButtonTunedUnmarked(COpButton& button);
     void WiresChanged();
     void OptionsChanged();
     void SettingsChanged();

@@ -6,13 +6,13 @@
 #include "app/RecentFiles.h"
 #include "app/Workspace.h"
 #include "base/Paths.h"
+#include "sliders/SliderDesk.h"
 #include "ui/base/Text.h"
 #include "ui/commands/CommandActions.h"
 #include "ui/commands/RenderWork.h"
 #include "ui/dialogs/FileDialogs.h"
 #include "ui/dialogs/Messages.h"
 #include "ui/frame/SafetyCopies.h"
-#include "ui/sliders/SliderPane.h"
 
 namespace tavrin {
 

@@ -12,7 +12,7 @@ class CommandActions;
 class RecentFiles;
 class RenderWork;
 class SafetyCopies;
-class SliderPane;
+class CSliderDesk;
 struct Workspace;
 
 // Belongs to the frame.
@@ -24,7 +24,7 @@ class DocumentWork {
         Workspace& work;
         RenderWork& renders;   // tells how long the reading takes
         SafetyCopies& copies;  // go when nothing unsaved is left of what was edited
-        SliderPane& sliders;
+        CSliderDesk& sliders;
         RecentFiles& recentFiles;
     };
     explicit DocumentWork(Needs needs);

@@ -50,10 +50,7 @@ void OptionWork::AddTo(CommandActions& commands) {
 }
 
 void OptionWork::AddParts(CommandActions& commands) {
-    SliderPane& sliders = m_needs.sliders;
     DeskPane& desk = m_needs.desk;
-    commands.On(CommandId::kFreezeSliders, {.run = [&sliders] { sliders.SetFrozen(!sliders.IsFrozen()); },
-                                            .checked = [&sliders] { return sliders.IsFrozen(); }});
     commands.On(CommandId::kScrollBars, {.run = [&desk] { desk.SetScrollBarsShown(!desk.ScrollBarsShown()); },
                                          .checked = [&desk] { return desk.ScrollBarsShown(); }});
     const auto add = [&](CommandId id, bool& isShown) {

@@ -22,11 +22,11 @@ std::optional<ChosenFile> Run(QFileDialog& dialog, const FileDialogRequest& requ
     if (!request.file.empty()) dialog.selectFile(Shown(request.file));
     // A row that the user did not select would be taken rather than what is typed.
     if (auto* list = dialog.findChild<QListView*>("listView")) list->selectionModel()->clear();
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    ChosenFile chosen;
-    chosen.path = Bytes(dialog.selectedFiles().first());
-    chosen.filterIndex = std::max(0, static_cast<int>(request.filters.indexOf(dialog.selectedNameFilter())));
-    return chosen;
+    const int answer = dialog.exec();
+    const int filter = std::max(0, static_cast<int>(request.filters.indexOf(dialog.selectedNameFilter())));
+    if (request.filterLeft) request.filterLeft(filter);
+    if (answer != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+    return ChosenFile{Bytes(dialog.selectedFiles().first()), filter};
 }
 
 }  // namespace

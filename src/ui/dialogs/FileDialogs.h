@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -14,11 +15,12 @@ namespace tavrin {
 // What a dialog is to offer.
 struct FileDialogRequest {
     QString title;
-    QStringList filters;    // such as "Tavrin Documents (*.tvn)"
-    std::string directory;  // where it starts
-    std::string file;       // offered name, without directory; may be empty
-    QString extension;      // given to a name without one, without the dot; may be empty
-    int filterIndex = 0;    // chosen at first
+    QStringList filters;                    // such as "Tavrin Documents (*.tvn)"
+    std::string directory;                  // where it starts
+    std::string file;                       // offered name, without directory; may be empty
+    QString extension;                      // given to a name without one, without the dot; may be empty
+    int filterIndex = 0;                    // chosen at first
+    std::function<void(int)> filterLeft{};  // told at the end which one was, also if the user cancels
 };
 
 // What the user has chosen.

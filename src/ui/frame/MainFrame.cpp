@@ -18,6 +18,7 @@
 #include "ui/commands/OptionWork.h"
 #include "ui/commands/RenderWork.h"
 #include "ui/commands/ScriptWork.h"
+#include "ui/commands/SliderWork.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/SafetyCopies.h"
 #include "ui/frame/Splash.h"
@@ -103,7 +104,11 @@ void MainFrame::CreateClientArea() {
     m_statusBox = MakeStatusBox(this, GetSite());
     m_splitter = std::make_unique<QSplitter>(Qt::Horizontal, this);
     m_splitter->setChildrenCollapsible(false);
-    m_sliders = new SliderPane(m_splitter.get());
+    m_sliderDesk = std::make_unique<CSliderDesk>(m_work->document);
+    m_sliders = new SliderPane(m_splitter.get(), *m_sliderDesk,
+                               {m_work->document, GetSite(), [this](const std::string& text, int seconds) {
+                                    m_statusBox->SetStatus(text, seconds);
+                                }});
     m_desk = new DeskPane(m_splitter.get(), m_work->document, m_work->desk, GetSite(),
                           {.highlightedBox = [this] { return m_windows->Get<BoxFinder>().CurrentName(); },
                            .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
@@ -140,7 +145,7 @@ void MainFrame::CreateWork() {
     m_renders = std::make_unique<RenderWork>(RenderWork::Needs{
         *this, *m_work, *m_statusBox, [this] { m_windows->Tell(&ToolWindow::HistoryChanged); }});
     m_documents = std::make_unique<DocumentWork>(
-        DocumentWork::Needs{*this, *m_work, *m_renders, *m_safetyCopies, *m_sliders, m_recentFiles});
+        DocumentWork::Needs{*this, *m_work, *m_renders, *m_safetyCopies, *m_sliderDesk, m_recentFiles});
     m_operators = std::make_unique<OperatorWork>(
         OperatorWork::Needs{*this, *m_work, m_commands, *m_desk, *m_statusBox, [this] { LibraryChanged(); }});
     m_options = std::make_unique<OptionWork>(
@@ -163,6 +168,7 @@ void MainFrame::AddCommands() {
     m_scripts->AddTo(m_commands);
     m_operators->AddTo(m_commands);
     m_options->AddTo(m_commands);
+    AddSliderCommands(m_commands, *m_sliderDesk);
     AddHelpCommands(m_commands, *this, m_app);
     m_commands.On(CommandId::kExit, {[this] { close(); }, [this] { return m_scripts->IsQuiet(); }});
 }

@@ -23,6 +23,7 @@ class QSplitter;
 namespace tavrin {
 
 class Actions;
+class CSliderDesk;
 class CStatusBox;
 class DeskPane;
 class DeskWork;
@@ -71,6 +72,8 @@ class MainFrame : public QMainWindow, private TitleView {
     CStatusBox& StatusBox() { return *m_statusBox; }
     OperatorToolBar& OperatorBar();
     DeskPane& Desk() { return *m_desk; }
+    SliderPane& Sliders() { return *m_sliders; }
+    CSliderDesk& SliderDesk() { return *m_sliderDesk; }
     Actions& ActionDispatch();
 
     // What floats over the frame comes up with it.
@@ -125,6 +128,7 @@ class MainFrame : public QMainWindow, private TitleView {
     std::unique_ptr<Sink> m_sink;
     std::unique_ptr<Workspace> m_work;
     CStatusBox* m_statusBox = nullptr;
+    std::unique_ptr<CSliderDesk> m_sliderDesk;
     std::unique_ptr<QSplitter> m_splitter;  // what is in it works on the document
     SliderPane* m_sliders = nullptr;
     DeskPane* m_desk = nullptr;

@@ -29,7 +29,6 @@ class CHelpEditor : public ToolWindow {
 
   private:
     void Commit();
-    std::string Encoded(const QString& text) const;
 
     std::function<CTvDoc*()> m_document;
     QPlainTextEdit* m_edit;
