@@ -140,6 +140,66 @@ TEST_F(EditsTest, AButtonOfATouchedBoxIsNotNamedBesideItsBox) {
     EXPECT_THAT(heard, ElementsAre("Cast: touched a_1"));
 }
 
+TEST_F(EditsTest, WhatIsTunedIsNamedApartUnlessMoreOfTheButtonIsDifferent) {
+    COpBox& box = Add(MakeLink("a", 1));
+    COpBox& other = Add(MakeLink("b", 2));
+    COpBox& third = Add(MakeLink("c", 3));
+    {
+        const EditScope edit(document, "Value");
+        edits.ButtonTuned(*box.inputs[0]);
+        edits.ButtonTuned(*box.inputs[0]);
+        edits.ButtonTuned(*other.inputs[0]);
+        edits.ButtonTouched(*other.inputs[0]);
+        edits.ButtonTuned(*other.inputs[0]);
+        edits.ButtonTuned(*third.inputs[0]);
+        edits.BoxTouched(third);
+        edits.ButtonTuned(*third.inputs[0]);
+    }
+    EXPECT_THAT(heard, ElementsAre("Value: touched c_3 buttons b_2.in tuned a_1.in"));
+    EXPECT_TRUE(document.IsModified());
+}
+
+TEST_F(EditsTest, WhatIsTunedIsNotSeenOnTheDesk) {
+    COpBox& box = Add(MakeLink("a", 1));
+    std::vector<bool> seen;
+    const auto watch = edits.Observe([&](const Change& change) { seen.push_back(change.IsSeenOnDesk()); });
+    {
+        const EditScope edit(document, "Value");
+        edits.ButtonTuned(*box.inputs[0]);
+    }
+    {
+        const EditScope edit(document, "Option");
+        edits.OptionsChanged();
+    }
+    {
+        const EditScope edit(document, "Argument");
+        edits.ButtonTouched(*box.inputs[0]);
+    }
+    EXPECT_THAT(seen, ElementsAre(false, false, true));
+}
+
+TEST_F(EditsTest, AnUnmarkedTuningIsToldAndLeavesTheDocumentUnmodified) {
+    COpBox& box = Add(MakeLink("a", 1));
+    {
+        const EditScope edit(document, "Value");
+        edits.ButtonTunedUnmarked(*box.inputs[0]);
+    }
+    EXPECT_THAT(heard, ElementsAre("Value: tuned a_1.in"));
+    EXPECT_FALSE(document.IsModified());
+    EXPECT_EQ(edits.StrayEdits(), 0);
+}
+
+TEST_F(EditsTest, WhatWasTunedOfABoxThatGoesIsNotTold) {
+    auto box = MakeLink("a", 1);
+    {
+        const EditScope edit(document, "Delete");
+        edits.ButtonTuned(*box->inputs[0]);
+        edits.BoxWent(*box, Edits::Stood::kInNetwork);
+        box.reset();
+    }
+    EXPECT_THAT(heard, ElementsAre("Delete: went a_1"));
+}
+
 TEST_F(EditsTest, WhatOnlyWaitsUnderTheMouseLeavesTheDocumentUnmodified) {
     auto box = MakeLink("a", 1);
     {

@@ -162,6 +162,9 @@ void ColorPanel::mousePressEvent(QMouseEvent* event) {
     LogColor();
 }
 
+// The end of a click that was taken.
+void ColorPanel::mouseReleaseEvent(QMouseEvent* event) { event->accept(); }
+
 void ColorPanel::LogColor() const {
     const COpButton* button = Button();
     if (button == nullptr) return;

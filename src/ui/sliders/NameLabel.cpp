@@ -43,7 +43,7 @@ void NameLabel::resizeEvent(QResizeEvent* event) {
 
 // Escaped, so that no name is taken for markup.
 void NameLabel::UpdateTip() {
-    const bool fits = fontMetrics().horizontalAdvance(m_name) <= width();
+    const bool fits = WholeWidth() <= width();
     setToolTip(fits ? QString() : "<span>" + m_name.toHtmlEscaped() + "</span>");
 }
 

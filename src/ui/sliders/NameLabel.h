@@ -14,6 +14,8 @@ class NameLabel : public QWidget {
 
     void SetName(const QString& name);
     const QString& Name() const { return m_name; }
+    // What the whole name takes, in pixels.
+    int WholeWidth() const { return fontMetrics().horizontalAdvance(m_name); }
     // Fainter than other text.
     void SetFaint(bool faint);
 

@@ -157,7 +157,7 @@ void NumberPanel::StepEnd(NumberField& field, float* Numbers::*end, double steps
 
 CFloatPanel::CFloatPanel(QWidget* frame, COpButton& button, const SliderNeeds& needs)
     : NumberPanel(frame, button, needs) {
-    MakeControls({{"Value", {1, 14, 17, 12}, {18, 14, 27, 12}, {1, 28, 88, 11}}}, {62, 14, 27, 12});
+    MakeControls({{"Value", {1, 14, 18, 12}, {20, 14, 26, 12}, {1, 28, 88, 11}}}, {63, 14, 26, 12});
     Refresh();
 }
 
@@ -169,10 +169,10 @@ NumberPanel::Numbers CFloatPanel::Find() const {
 
 CXyzPanel::CXyzPanel(QWidget* frame, COpButton& button, const SliderNeeds& needs)
     : NumberPanel(frame, button, needs) {
-    MakeControls({{"X", {1, 14, 17, 12}, {18, 14, 27, 12}, {1, 27, 88, 9}},
-                  {"Y", {1, 37, 17, 12}, {18, 37, 27, 12}, {1, 50, 88, 9}},
-                  {"Z", {1, 60, 17, 12}, {18, 60, 27, 12}, {1, 73, 88, 9}}},
-                 {62, 14, 27, 12});
+    MakeControls({{"X", {1, 14, 18, 12}, {20, 14, 26, 12}, {1, 27, 88, 9}},
+                  {"Y", {1, 37, 18, 12}, {20, 37, 26, 12}, {1, 50, 88, 9}},
+                  {"Z", {1, 60, 18, 12}, {20, 60, 26, 12}, {1, 73, 88, 9}}},
+                 {63, 14, 26, 12});
     Refresh();
 }
 

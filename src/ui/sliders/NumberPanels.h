@@ -45,10 +45,10 @@ class NumberPanel : public SliderPanel {
     virtual bool CutsToWhole(const Numbers& numbers) const { return *numbers.integer != 0; }
     bool IsIntegerChecked() const;
 
-    static constexpr UnitRect kMinLabel{1, 1, 17, 12};
-    static constexpr UnitRect kMinField{18, 1, 27, 12};
-    static constexpr UnitRect kMaxLabel{47, 1, 16, 12};
-    static constexpr UnitRect kMaxField{62, 1, 27, 12};
+    static constexpr UnitRect kMinLabel{1, 1, 18, 12};
+    static constexpr UnitRect kMinField{20, 1, 26, 12};
+    static constexpr UnitRect kMaxLabel{48, 1, 15, 12};
+    static constexpr UnitRect kMaxField{63, 1, 26, 12};
 
   private:
     struct Part {

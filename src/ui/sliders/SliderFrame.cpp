@@ -19,8 +19,8 @@ namespace {
 // Of the header, in dialog units.
 constexpr int kUnitsWide = 92;
 constexpr int kUnitsHigh = 27;
-constexpr UnitRect kBoxName{3, 1, 42, 11};
-constexpr UnitRect kButtonName{47, 1, 42, 11};
+constexpr UnitRect kNames{3, 1, 86, 11};  // the box's and the button's
+constexpr int kUnitsBetweenNames = 4;
 constexpr UnitRect kComments{3, 13, 49, 12};
 constexpr UnitRect kStow{54, 13, 12, 12};
 constexpr UnitRect kPin{66, 13, 12, 12};
@@ -47,8 +47,6 @@ CSliderFrame::CSliderFrame(QWidget* column, COpButton& button, CSliderDesk& desk
     const auto place = [&](QWidget& control, const UnitRect& rect) {
         control.setGeometry(units.Pixels(rect).translated(kBorder, kBorder));
     };
-    place(*m_boxName, kBoxName);
-    place(*m_buttonName, kButtonName);
     place(*m_comments, kComments);
     m_boxName->SetFaint(true);
     m_comments->setPlaceholderText("Comment");
@@ -124,9 +122,26 @@ void CSliderFrame::ShowNames() {
     if (button == nullptr) return;
     m_boxName->SetName(Decoded(button->owner->BoxTitleWid()).text);
     m_buttonName->SetName(Decoded(button->DisplayName()).text);
+    PlaceNames();
 }
 
+// Each has what it needs, or what the other leaves of the line, but no less than half.
+void CSliderFrame::PlaceNames() {
+    const DialogUnits units(fontMetrics());
+    QRect box = units.Pixels(kNames).translated(kBorder, kBorder);
+    QRect button = box;
+    const int room = box.width() - units.Across(kUnitsBetweenNames);
+    const int forBox = std::max(room / 2, room - m_buttonName->WholeWidth());
+    const int forButton = room - std::min(m_boxName->WholeWidth(), forBox);
+    button.setLeft(button.right() + 1 - forButton);
+    box.setWidth(room - forButton);
+    m_boxName->setGeometry(box);
+    m_buttonName->setGeometry(button);
+}
+
+// As one edit: told in between, it would be shown again before all of it is read.
 void CSliderFrame::Read() {
+    const EditScope edit(m_needs.document, "Value");
     StoreComments(m_comments->Text());
     if (m_panel != nullptr) m_panel->Read();
 }

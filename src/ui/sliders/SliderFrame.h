@@ -70,6 +70,7 @@ class CSliderFrame : public QWidget {
     void Pin(bool pin);
     void StoreComments(const std::string& text);
     void ShowNames();
+    void PlaceNames();
     static bool IsTabStop(const QWidget& widget);
 
     LiveRef<COpButton> m_button;

@@ -113,6 +113,7 @@ void SliderPane::Drop(CSliderFrame& frame) {
 void SliderPane::ShowFrames() {
     const int height = viewport()->height();
     const int top = verticalScrollBar()->value();
+    m_content->setVisible(viewport()->width() > 0);  // else the Tab key would lead into a hidden column
     m_content->setGeometry(0, -top, viewport()->width(), std::max(m_tops.back(), 1));
     if (m_desk.Frames().empty() || viewport()->width() <= 0 || height <= 0) return;
     const size_t last = PlaceAt(top + 2 * height);

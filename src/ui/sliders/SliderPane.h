@@ -20,6 +20,7 @@ class SliderPane : public QAbstractScrollArea, private SliderView {
 
     // Wide enough for a panel beside its scroll bar, in pixels.
     int ColumnWidth() const;
+    QSize sizeHint() const override { return {ColumnWidth(), ColumnWidth()}; }
 
     // The window of a button's frame; null while it has none.
     CSliderFrame* FrameOf(const COpButton& button) const;

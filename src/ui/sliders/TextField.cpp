@@ -57,7 +57,9 @@ void TextField::Edited() {
         setText(line);
         setCursorPosition(caret);
     }
-    m_bytes = Encoded(line, m_isLatin1);
+    const std::string bytes = Encoded(line, m_isLatin1);
+    if (bytes == m_bytes) return;  // as after one that was taken back
+    m_bytes = bytes;
     m_typed(m_bytes);
 }
 
