@@ -20,13 +20,8 @@ constexpr size_t kVectorRoom = 100;
 COpDesk::COpDesk(CTvDoc& document, DocumentHost& host) : m_document(document), m_host(host) {
     m_clipboardBoxes.reserve(kVectorRoom);
     m_pendingBoxes.reserve(kVectorRoom);
-    document.SetBeforeDelete([this] { ForgetReferences(); });
-    document.SetAfterReorder([this] { m_view->Repaint(); });
-}
-
-COpDesk::~COpDesk() {
-    m_document.SetBeforeDelete({});
-    m_document.SetAfterReorder({});
+    m_beforeDelete = document.beforeDelete.Add([this] { ForgetReferences(); });
+    m_afterReorder = document.afterReorder.Add([this] { m_view->Repaint(); });
 }
 
 void COpDesk::SetView(DeskView* view) { m_view = view == nullptr ? &m_noView : view; }

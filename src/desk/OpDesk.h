@@ -35,7 +35,6 @@ class COpDesk {
     COpDesk(CTvDoc& document, DocumentHost& host);
     // Without a window until this names one, which takes itself back with null before it goes.
     void SetView(DeskView* view);
-    ~COpDesk();
     COpDesk(const COpDesk&) = delete;
     COpDesk& operator=(const COpDesk&) = delete;
 
@@ -140,6 +139,8 @@ class COpDesk {
     DeskView m_noView;
     DeskView* m_view = &m_noView;
     WidPool m_usedWids;
+    Listeners<>::Subscription m_beforeDelete;
+    Listeners<>::Subscription m_afterReorder;
 };
 
 }  // namespace tavrin

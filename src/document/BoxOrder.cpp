@@ -104,7 +104,7 @@ bool CTvDoc::BringIntoOrder() {
 }
 
 void CTvDoc::SortBoxesByWid() {
-    if (BringIntoOrder() && m_afterReorder) m_afterReorder();
+    if (BringIntoOrder()) afterReorder.Tell();
 }
 
 }  // namespace tavrin

@@ -33,8 +33,11 @@ struct Change {
     std::vector<GoneBox> went;
     // Boxes of which something is different: place, inputs, or anything of their buttons.
     std::vector<COpBox*> touched;
-    // Buttons of other boxes, of which only they are different: values, casts, arguments, names.
+    // Buttons of other boxes, of which only they are different: whether they are arguments.
     std::vector<COpButton*> buttons;
+    // Buttons that are in none of those, and of which only what is tuned is different: values, the names and
+    // comments of arguments, how their sliders stand. Nothing of it is seen on the desk.
+    std::vector<COpButton*> tuned;
     bool wires = false;
     bool options = false;    // render options
     bool settings = false;   // export options, tool bar, display switches and lock, help
@@ -44,9 +47,9 @@ struct Change {
     bool HasBoxes() const {
         return replaced || !came.empty() || !dropped.empty() || !went.empty() || !touched.empty();
     }
-    bool IsEmpty() const {
-        return !HasBoxes() && buttons.empty() && !wires && !options && !settings && !selection;
-    }
+    // Display switches are settings.
+    bool IsSeenOnDesk() const { return HasBoxes() || !buttons.empty() || wires || settings || selection; }
+    bool IsEmpty() const { return !IsSeenOnDesk() && tuned.empty() && !options; }
 };
 
 }  // namespace tavrin

@@ -26,13 +26,6 @@ std::vector<Object*> Edits::Noted<Object>::Take() {
     return taken;
 }
 
-Edits::Subscription Edits::Observe(Listener listener) {
-    auto subscription = std::make_shared<const Listener>(std::move(listener));
-    std::erase_if(m_listeners, [](const auto& known) { return known.expired(); });
-    m_listeners.push_back(subscription);
-    return subscription;
-}
-
 template <typename Note>
 void Edits::NoteEdit(Note note) {
     if (m_depth == 0) ++m_strayEdits;
@@ -61,7 +54,7 @@ void Edits::BoxWent(const COpBox& box, Stood stood) {
         m_touched.Forget(box);
         for (const auto* side : {&box.inputs, &box.outputs}) {
             for (const auto& button : *side) {
-                m_buttons.Forget(*button);
+                ForgetButton(*button);
                 m_change.wires = m_change.wires || !button->connections.Empty();
             }
         }
@@ -74,7 +67,7 @@ void Edits::BoxTouched(COpBox& box) {
         m_touched.Add(box);
         // Those of its buttons that are destroyed now cannot be told apart later.
         for (const auto* side : {&box.inputs, &box.outputs}) {
-            for (const auto& button : *side) m_buttons.Forget(*button);
+            for (const auto& button : *side) ForgetButton(*button);
         }
     });
 }
@@ -83,8 +76,21 @@ void Edits::ButtonTouched(COpButton& button) {
     NoteEdit([&] {
         m_document.SetModified();
         if (m_touched.Has(*button.owner)) return;
+        m_tuned.Forget(button);
         m_buttons.Add(button);
     });
+}
+
+void Edits::ButtonTuned(COpButton& button) {
+    NoteEdit([&] {
+        m_document.SetModified();
+        if (!m_touched.Has(*button.owner) && !m_buttons.Has(button)) m_tuned.Add(button);
+    });
+}
+
+void Edits::ForgetButton(const COpButton& button) {
+    m_buttons.Forget(button);
+    m_tuned.Forget(button);
 }
 
 void Edits::WiresChanged() {
@@ -115,7 +121,7 @@ void Edits::BroughtBoxes() {
 void Edits::SelectionChanged() {
     Change change;
     change.selection = true;
-    Tell(change);
+    m_listeners.Tell(change);
 }
 
 void Edits::Replaced() {
@@ -123,7 +129,7 @@ void Edits::Replaced() {
     Change change;
     change.replaced = true;
     for (const auto& box : m_document.m_boxes) change.came.push_back(box.get());
-    Tell(change);
+    m_listeners.Tell(change);
 }
 
 void Edits::ForgetNotes() {
@@ -132,6 +138,7 @@ void Edits::ForgetNotes() {
     m_dropped.Take();
     m_touched.Take();
     m_buttons.Take();
+    m_tuned.Take();
 }
 
 void Edits::Hold(const std::string& act) { m_held = act; }
@@ -157,16 +164,10 @@ void Edits::TellNoted() {
     change.dropped = m_dropped.Take();
     change.touched = m_touched.Take();
     change.buttons = m_buttons.Take();
+    change.tuned = m_tuned.Take();
     if (change.IsEmpty()) return;
     if (change.act.empty()) change.act = kUnnamedAct;
-    Tell(change);
-}
-
-void Edits::Tell(const Change& change) {
-    const auto listeners = m_listeners;  // they may come and go meanwhile
-    for (const auto& listener : listeners) {
-        if (const auto known = listener.lock()) (*known)(change);
-    }
+    m_listeners.Tell(change);
 }
 
 EditScope::EditScope(CTvDoc& document, const std::string& act) : m_edits(document.edits) {

@@ -2,13 +2,12 @@
 // Where every edit of a document ends: what changes a document says so here, what shows it is told from here.
 #pragma once
 
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
+#include "base/Listeners.h"
 #include "document/Change.h"
 
 namespace tavrin {
@@ -20,16 +19,16 @@ class CTvDoc;
 // modified at once. Main thread only; nothing here can fail.
 class Edits {
   public:
-    using Listener = std::function<void(const Change&)>;
-    // Ends with the object; it may outlive the document.
-    using Subscription = std::shared_ptr<const Listener>;
+    using Subscription = Listeners<const Change&>::Subscription;
 
     explicit Edits(CTvDoc& document) : m_document(document) {}
     Edits(const Edits&) = delete;
     Edits& operator=(const Edits&) = delete;
 
-    // Listeners are told in the order in which they came. They change nothing of the document meanwhile.
-    [[nodiscard]] Subscription Observe(Listener listener);
+    // Listeners change nothing of the document while they are told.
+    [[nodiscard]] Subscription Observe(Listeners<const Change&>::Listener listener) {
+        return m_listeners.Add(std::move(listener));
+    }
 
     // What an edit changes, said before it is done or after. Without an open scope the note is an edit by
     // itself, told at once, so that nobody misses it; but it is a fault of the program, which StrayEdits
@@ -41,6 +40,7 @@ class Edits {
     void BoxWent(const COpBox& box, Stood stood);
     void BoxTouched(COpBox& box);           // its place, its inputs, or anything of its buttons
     void ButtonTouched(COpButton& button);  // nothing of its box but this button
+    void ButtonTuned(COpButton& button);    // of which only what is tuned, as Change has it
     void WiresChanged();
     void OptionsChanged();
     void SettingsChanged();
@@ -85,12 +85,12 @@ class Edits {
     void Hold(const std::string& act);
     void Release();
     void TellNoted();
+    void ForgetButton(const COpButton& button);
     template <typename Note>
     void NoteEdit(Note note);
-    void Tell(const Change& change);
 
     CTvDoc& m_document;
-    std::vector<std::weak_ptr<const Listener>> m_listeners;
+    Listeners<const Change&> m_listeners;
     int m_depth = 0;
     std::optional<std::string> m_held;  // the act that goes on
     int m_strayEdits = 0;
@@ -99,6 +99,7 @@ class Edits {
     Noted<COpBox> m_dropped;
     Noted<COpBox> m_touched;
     Noted<COpButton> m_buttons;
+    Noted<COpButton> m_tuned;
 };
 
 // Stands round one act of the user, on the stack. They nest; the outermost counts, with the name of the first

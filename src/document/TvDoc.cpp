@@ -46,7 +46,7 @@ CTvDoc::CTvDoc(DocumentHost& host) : m_host(host) {
 
 void CTvDoc::DeleteContents() {
     const Site& site = m_host.GetSite();
-    if (m_beforeDelete) m_beforeDelete();
+    beforeDelete.Tell();
     edits.ForgetNotes();
     m_boxes.clear();
     toolbar = site.toolButtons;

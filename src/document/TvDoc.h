@@ -2,7 +2,6 @@
 // The document: one shader network with everything needed to reopen it.
 #pragma once
 
-#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Listeners.h"
 #include "document/DocumentFile.h"
 #include "document/Edits.h"
 #include "document/ExportOptions.h"
@@ -65,12 +65,11 @@ class CTvDoc {
 
     // Empties the document and puts the defaults back.
     void DeleteContents();
-    // Is called before that: reading a large file takes its time, in which nobody may look at boxes that have
-    // gone. For the one desk over the document, which takes it back with an empty one.
-    void SetBeforeDelete(std::function<void()> beforeDelete) { m_beforeDelete = std::move(beforeDelete); }
-    // Is called when storing or reading has changed the order of the stack: what is seen of it is out of
-    // date. Belongs to the same desk.
-    void SetAfterReorder(std::function<void()> afterReorder) { m_afterReorder = std::move(afterReorder); }
+    // Told before that: reading a large file takes its time, in which nobody may look at boxes that have
+    // gone.
+    Listeners<> beforeDelete;
+    // Told when storing or reading has changed the order of the stack: what is seen of it is out of date.
+    Listeners<> afterReorder;
 
     // Opens a file: empties the document, then reads. False if the file cannot be opened, with an alert;
     // the document then stays as it was. Errors in the file are alerted and leave what was read;
@@ -158,8 +157,6 @@ class CTvDoc {
     bool Write(const std::string& path, std::string& error);
 
     DocumentHost& m_host;
-    std::function<void()> m_beforeDelete;
-    std::function<void()> m_afterReorder;
     std::vector<std::weak_ptr<DocumentFile>> m_files;  // every one since the start that is still needed
     DocumentOrigin m_origin;                           // its file is never null
     bool m_modified = false;

@@ -141,7 +141,7 @@ TEST_F(TvDocSave, SavingReordersTheStack) {
 
 TEST_F(TvDocSave, WhoeverShowsTheStackIsToldThatSavingHasReorderedIt) {
     int told = 0;
-    document.SetAfterReorder([&] {
+    const auto listener = document.afterReorder.Add([&] {
         ++told;
         EXPECT_THAT(test::WidsOf(document), ElementsAre(1, 2, 3));
     });

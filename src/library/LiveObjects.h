@@ -38,4 +38,22 @@ class LiveObject {
     uint64_t m_serial;
 };
 
+// A pointer that never leads to another object than the one it was made of, nor to one that has gone.
+template <typename Object>
+class LiveRef {
+  public:
+    LiveRef() = default;
+    explicit LiveRef(Object& object) : m_object(&object), m_serial(object.Serial()) {}
+
+    // Null once the object has gone.
+    Object* Get() const {
+        return Object::IsLive(m_object) && m_object->Serial() == m_serial ? m_object : nullptr;
+    }
+    uint64_t Serial() const { return m_serial; }
+
+  private:
+    Object* m_object = nullptr;
+    uint64_t m_serial = 0;  // 0 is nobody's
+};
+
 }  // namespace tavrin

@@ -52,9 +52,13 @@ std::string TextOf(const COpBox& box) {
 }
 
 std::string TextOf(const COpButton& button) {
+    return std::to_string(button.arg) + ' ' + std::to_string(button.currentcast);
+}
+
+std::string TunedTextOf(const COpButton& button) {
     std::ostringstream text;
-    text << button.arg << ' ' << button.currentcast << ' ' << button.pin << button.lock << button.stow
-         << " \"" << button.argname << "\" \"" << button.comments << '"';
+    text << button.pin << button.lock << button.stow << " \"" << button.argname << "\" \"" << button.comments
+         << '"';
     for (const auto& value : button.values) {
         text << ' ' << value->type << ' ';
         Put(text, *value);
@@ -108,6 +112,7 @@ ChangeAuditor::Picture ChangeAuditor::Take() const {
         for (const auto* side : {&box->inputs, &box->outputs}) {
             for (const auto& button : *side) {
                 picture.buttons[button->Serial()] = TextOf(*button);
+                picture.tuned[button->Serial()] = TunedTextOf(*button);
                 wires[button->Serial()] = WiresOf(*button);
             }
         }
@@ -160,11 +165,16 @@ void ChangeAuditor::Compare(const Picture& now, const Change& change) {
             for (const auto& button : *side) buttons.insert(button->Serial());
         }
     }
-    for (const auto& [serial, text] : now.buttons) {
-        const auto before = m_before.buttons.find(serial);
-        if (before != m_before.buttons.end() && before->second != text && !buttons.contains(serial))
-            miss("a button is different: " + text);
-    }
+    const auto compareButtons = [&](const auto& mapBefore, const auto& mapNow) {
+        for (const auto& [serial, text] : mapNow) {
+            const auto before = mapBefore.find(serial);
+            if (before != mapBefore.end() && before->second != text && !buttons.contains(serial))
+                miss("a button is different: " + text);
+        }
+    };
+    compareButtons(m_before.buttons, now.buttons);
+    buttons.merge(SerialsOf(change.tuned));
+    compareButtons(m_before.tuned, now.tuned);
     // Wires that came with the boxes are seen with them.
     if (now.wires != m_before.wires && !change.wires && change.dropped.empty()) miss("wires are different");
     if (now.options != m_before.options && !change.options) miss("options are different");

@@ -26,7 +26,8 @@ class ChangeAuditor {
     struct Picture {
         std::map<uint64_t, std::string> standing;  // names of all boxes, those that wait included
         std::map<uint64_t, std::string> boxes;     // of the network
-        std::map<uint64_t, std::string> buttons;
+        std::map<uint64_t, std::string> buttons;   // what the desk shows of them
+        std::map<uint64_t, std::string> tuned;     // the rest
         std::string wires;
         std::string options;
         std::string settings;

@@ -96,8 +96,11 @@ std::string TextOf(const Change& change) {
     list("dropped", change.dropped, title);
     list("went", change.went, [](const GoneBox& box) { return box.boxTitleWid; });
     list("touched", change.touched, title);
-    list("buttons", change.buttons,
-         [](const COpButton* button) { return button->owner->BoxTitleWid() + "." + button->DisplayName(); });
+    const auto name = [](const COpButton* button) {
+        return button->owner->BoxTitleWid() + "." + button->DisplayName();
+    };
+    list("buttons", change.buttons, name);
+    list("tuned", change.tuned, name);
     if (change.wires) add("wires");
     if (change.options) add("options");
     if (change.settings) add("settings");

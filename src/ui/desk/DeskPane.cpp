@@ -105,7 +105,7 @@ DeskPane::~DeskPane() { m_desk.SetView(nullptr); }
 void DeskPane::OnChange(const Change& change) {
     if (change.replaced) m_gestures.Cancel();
     if (change.HasBoxes()) UpdateScrollBars();
-    Repaint();
+    if (change.IsSeenOnDesk()) Repaint();
 }
 
 QScrollBar* DeskPane::MakeScrollBar(Qt::Orientation orientation) {
