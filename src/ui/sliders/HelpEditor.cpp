@@ -5,11 +5,10 @@
 #include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
-#include <QStringDecoder>
 #include <QVBoxLayout>
 
 #include "document/TvDoc.h"
-#include "ui/base/Text.h"
+#include "ui/sliders/DocumentText.h"
 
 namespace tavrin {
 
@@ -51,14 +50,6 @@ QFont EditorFont() {
     return font;
 }
 
-// Bytes that are no UTF-8 come from documents of other times, when a byte was a letter.
-QString Decoded(const std::string& bytes, bool& isLatin1) {
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString text = decoder.decode(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
-    isLatin1 = decoder.hasError() || text.toUtf8() != QByteArrayView(bytes.data(), qsizetype(bytes.size()));
-    return isLatin1 ? QString::fromLatin1(bytes.data(), qsizetype(bytes.size())) : text;
-}
-
 // Whatever ends a line becomes what joins lines in the document.
 QString WithLinesJoined(QString text) {
     text.replace("\r\n", "\n");
@@ -96,8 +87,9 @@ CHelpEditor::CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document)
 void CHelpEditor::Refresh() {
     const CTvDoc* document = m_document();
     setEnabled(document != nullptr);
-    const QString text =
-        WithLinesJoined(Decoded(document != nullptr ? document->customshaderhelp : "", m_isLatin1));
+    const DocumentText help = Decoded(document != nullptr ? document->customshaderhelp : "");
+    m_isLatin1 = help.isLatin1;
+    const QString text = WithLinesJoined(help.text);
     if (text == TextOf(*m_edit)) return;
     const QSignalBlocker silent(m_edit);
     m_edit->setPlainText(text);
@@ -116,21 +108,11 @@ void CHelpEditor::Follow(const Change& change) {
 void CHelpEditor::Commit() {
     CTvDoc* document = m_document();
     if (document == nullptr) return;
-    const std::string text = Encoded(TextOf(*m_edit));
+    const std::string text = Encoded({TextOf(*m_edit), m_isLatin1});
     if (text == document->customshaderhelp) return;
     const EditScope edit(*document, "Help");
     document->edits.SettingsChanged();
     document->customshaderhelp = text;
-}
-
-// As UTF-8, unless the text came in single bytes and can go back so: what was not edited keeps its bytes.
-std::string CHelpEditor::Encoded(const QString& text) const {
-    if (m_isLatin1) {
-        const std::string bytes = text.toLatin1().toStdString();
-        bool isStillLatin1 = false;
-        if (Decoded(bytes, isStillLatin1) == text) return bytes;
-    }
-    return Bytes(text);
 }
 
 }  // namespace tavrin

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
 
 #include "ui/windows/ToolWindow.h"
 
@@ -29,7 +28,6 @@ class CHelpEditor : public ToolWindow {
 
   private:
     void Commit();
-    std::string Encoded(const QString& text) const;
 
     std::function<CTvDoc*()> m_document;
     QPlainTextEdit* m_edit;
