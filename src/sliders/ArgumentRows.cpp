@@ -57,10 +57,23 @@ std::optional<ArgumentPlace> ArgumentRows::Next(const std::optional<ArgumentPlac
     for (size_t step = 0; step < fields; ++step) {
         at = (at + (forward ? 1 : fields - 1)) % fields;
         const ArgumentPlace place{at / kArgumentFields, static_cast<ArgumentField>(at % kArgumentFields)};
-        const COpButton* button = ButtonAt(place.row);
-        if (button != nullptr && IsEditable(*button, place.field)) return place;
+        if (IsEditableAt(place)) return place;
     }
     return std::nullopt;
+}
+
+std::optional<ArgumentPlace> ArgumentRows::Beyond(const ArgumentPlace& from, bool below) const {
+    ArgumentPlace place = from;
+    while (below ? place.row + 1 < Count() : place.row > 0) {
+        place.row = below ? place.row + 1 : place.row - 1;
+        if (IsEditableAt(place)) return place;
+    }
+    return std::nullopt;
+}
+
+bool ArgumentRows::IsEditableAt(const ArgumentPlace& place) const {
+    const COpButton* button = ButtonAt(place.row);
+    return button != nullptr && IsEditable(*button, place.field);
 }
 
 }  // namespace tavrin

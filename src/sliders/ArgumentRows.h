@@ -64,8 +64,12 @@ class ArgumentRows {
     // The next field that can be used, on from the last row to the first or the other way round. From nowhere
     // that is the first one in view, or the last one above. Nothing if no field can be used.
     std::optional<ArgumentPlace> Next(const std::optional<ArgumentPlace>& from, bool forward) const;
+    // The same field of the nearest row below, or above, where it can be used. Nothing past the ends.
+    std::optional<ArgumentPlace> Beyond(const ArgumentPlace& from, bool below) const;
 
   private:
+    bool IsEditableAt(const ArgumentPlace& place) const;
+
     std::vector<LiveRef<COpButton>> m_buttons;
     int m_rowHeight = 1;
     int m_clientHeight = 0;

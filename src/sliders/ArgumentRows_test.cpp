@@ -264,6 +264,18 @@ TEST_F(ArgumentOrder, StaysWhereThereIsNothingElseAndEndsWhereThereIsNothing) {
     EXPECT_EQ(rows.Next({}, false), std::nullopt);
 }
 
+TEST_F(ArgumentOrder, GoesDownAndUpAColumnAsFarAsItCanBeUsed) {
+    Fill(5);
+    Input(1).arg = Input(3).arg = 1;
+    EXPECT_EQ(rows.Beyond({0, Field::kName}, true), (ArgumentPlace{1, Field::kName}));
+    EXPECT_EQ(rows.Beyond({1, Field::kComment}, true), (ArgumentPlace{3, Field::kComment}));
+    EXPECT_EQ(rows.Beyond({3, Field::kComment}, false), (ArgumentPlace{1, Field::kComment}));
+    EXPECT_EQ(rows.Beyond({3, Field::kFlag}, true), (ArgumentPlace{4, Field::kFlag}));
+    EXPECT_EQ(rows.Beyond({3, Field::kName}, true), std::nullopt);
+    EXPECT_EQ(rows.Beyond({1, Field::kName}, false), std::nullopt);
+    EXPECT_EQ(rows.Beyond({0, Field::kFlag}, false), std::nullopt);
+}
+
 TEST_F(ArgumentOrder, PassesOverRowsWhoseButtonsHaveGone) {
     Fill(3);
     box->inputs.erase(box->inputs.begin() + 1);

@@ -2,6 +2,7 @@
 #include "ui/sliders/ArgumentEditor.h"
 
 #include <QCoreApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QScrollBar>
 #include <QSignalBlocker>
@@ -58,6 +59,7 @@ void CArgumentEditor::Follow(const Change& change) {
 }
 
 void CArgumentEditor::SyncRows() {
+    if (!isVisible()) return;
     m_rows.SetButtons(m_document.CollectUnconnectedInputs());
     MatchWindows();
     PlaceRows();
@@ -108,6 +110,7 @@ void CArgumentEditor::SetScrollTop(int offset) {
 }
 
 void CArgumentEditor::PlaceRows() {
+    if (!isVisible()) return;
     const ArgumentRows::Span span = m_rows.InView(kBeside);
     SpareWindowsOutOf(span);
     for (size_t row = span.begin; row < span.end; ++row) PlaceWindow(row);
@@ -186,15 +189,36 @@ void CArgumentEditor::ShowWholeRow(const CArgumentRow& window) {
     if (m_rows.ScrollTop() != before) PlaceRows();
 }
 
-bool CArgumentEditor::focusNextPrevChild(bool next) {
-    const auto place = m_rows.Next(FocusedPlace(), next);
+bool CArgumentEditor::FocusOn(const std::optional<ArgumentPlace>& place, Qt::FocusReason reason) {
     if (!place) return false;
     m_rows.BringIntoView(place->row);
     PlaceRows();
     const auto window = m_windows.find(place->row);
     if (window == m_windows.end()) return false;
-    window->second->Control(place->field).setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    window->second->Control(place->field).setFocus(reason);
     return true;
+}
+
+bool CArgumentEditor::focusNextPrevChild(bool next) {
+    return FocusOn(m_rows.Next(FocusedPlace(), next), next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+}
+
+void CArgumentEditor::keyPressEvent(QKeyEvent* event) {
+    const bool isDown = event->key() == Qt::Key_Down || event->key() == Qt::Key_PageDown;
+    switch (event->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+            if (const auto from = FocusedPlace())
+                FocusOn(m_rows.Beyond(*from, isDown), isDown ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            return;
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown:
+            m_bar->triggerAction(isDown ? QAbstractSlider::SliderPageStepAdd
+                                        : QAbstractSlider::SliderPageStepSub);
+            return;
+        default:
+            ToolWindow::keyPressEvent(event);
+    }
 }
 
 void CArgumentEditor::showEvent(QShowEvent* event) {

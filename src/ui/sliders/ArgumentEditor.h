@@ -26,8 +26,8 @@ class CArgumentEditor : public ToolWindow {
   public:
     CArgumentEditor(QWidget* frame, CTvDoc& document);
 
-    // Brings the rows in line with the network. Those that stay keep the focus, caret and what is being
-    // typed.
+    // Brings the rows of an editor that is shown in line with the network. Those that stay keep the focus,
+    // caret and what is being typed.
     void SyncRows();
     // Shows one button as it is now; nothing without a row in view for it.
     void RefreshRow(const COpButton& button);
@@ -49,6 +49,8 @@ class CArgumentEditor : public ToolWindow {
     void resizeEvent(QResizeEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void changeEvent(QEvent* event) override;
+    // What the fields leave of the arrow and page keys.
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void MeasureRow();
@@ -61,6 +63,7 @@ class CArgumentEditor : public ToolWindow {
     void DropSpareWindows();
     void UpdateScrollBar();
     std::optional<ArgumentPlace> FocusedPlace() const;
+    bool FocusOn(const std::optional<ArgumentPlace>& place, Qt::FocusReason reason);
     void ShowWholeRow(const CArgumentRow& window);
 
     CTvDoc& m_document;

@@ -325,6 +325,28 @@ TEST_F(ArgumentEditor, WhatIsTypedIntoARowOutOfViewBringsItBack) {
     ExpectInStep();
 }
 
+TEST_F(ArgumentEditor, ArrowsGoDownAndUpTheColumnAndPageKeysScroll) {
+    COpBox& box = AddBox("a", 1, 20);
+    SetArg(*box.inputs[1], 1);
+    SetArg(*box.inputs[9], 1);
+    ShowRows(4);
+    test::GiveFocus(Name(1));
+    test::PressKeys("Down");
+    EXPECT_EQ(QApplication::focusWidget(), &Name(9));
+    EXPECT_EQ(RowAt(9).geometry().bottom(), Client().rect().bottom());
+    test::PressKeys("Down");
+    EXPECT_EQ(QApplication::focusWidget(), &Name(9));
+    test::PressKeys("Up");
+    EXPECT_EQ(QApplication::focusWidget(), &Name(1));
+    const int before = editor.Rows().ScrollTop();
+    test::PressKeys("PgDown");
+    EXPECT_EQ(editor.Rows().ScrollTop(), before + 4 * editor.Rows().RowHeight());
+    test::PressKeys("PgUp");
+    EXPECT_EQ(editor.Rows().ScrollTop(), before);
+    EXPECT_TRUE(Name(1).hasFocus());
+    ExpectInStep();
+}
+
 // What happens around a row that is typed in
 
 class ArgumentTyping : public ArgumentEditor {

@@ -95,7 +95,7 @@ void CArgumentRow::Refresh() {
         m_caption = caption;
         m_flag->setAccessibleName(caption);
         m_name->setAccessibleName("Argument name of " + caption);
-        m_name->setPlaceholderText(caption);
+        m_name->setPlaceholderText(Shortened(caption));
         m_comment->setAccessibleName("Comment on " + caption);
         ShowCaption();
     }
@@ -109,8 +109,7 @@ void CArgumentRow::ShowCaption() {
     const QString elided = Elided(*m_flag, m_caption);
     QString label = elided;
     label.replace("&", "&&");
-    if (label == m_flag->text()) return;
-    m_flag->setText(label);
+    if (label != m_flag->text()) m_flag->setText(label);
     m_flag->setToolTip(elided == m_caption ? QString() : PlainToolTip(m_caption));
 }
 

@@ -141,6 +141,13 @@ TEST_F(ArgumentRow, ALongNameIsElidedAndItsToolTipHasAllOfIt) {
     EXPECT_LT(Flag(0).fontMetrics().horizontalAdvance(shown), Flag(0).width());
     EXPECT_TRUE(shown.endsWith("i0")) << "what tells the inputs of a box apart is seen";
     EXPECT_TRUE(Flag(0).toolTip().contains("&lt;b&gt;" + QString(300, 'm')));
+    {
+        const EditScope edit(document, "Title");
+        document.edits.BoxTouched(*box);
+        box->filename[150] = 'X';
+    }
+    EXPECT_EQ(Flag(0).text(), shown);
+    EXPECT_TRUE(Flag(0).toolTip().contains("mXm")) << "though the two look the same";
     RemoveBox(*box);
     AddBox("b", 2, 1);
     EXPECT_EQ(Flag(0).text(), "b_2_i0");
