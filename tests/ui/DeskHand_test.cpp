@@ -6,14 +6,13 @@
 #include <QDialog>
 #include <QMouseEvent>
 #include <QTest>
-#include <QTreeWidget>
 
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/StatusBox.h"
+#include "ui/sliders/ArgumentEditor.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
-#include "ui/windows/TableWindow.h"
 
 namespace tavrin {
 namespace {
@@ -90,13 +89,7 @@ class DeskHandTest : public test::FrameTest {
     }
     std::string Status() { return Bytes(Frame().StatusBox().Status()); }
     std::string Boxes() { return Bytes(BoxesShown().join('|')); }
-    int ArgumentRows() {
-        return Frame()
-            .Windows()
-            .Of(CommandId::kArgumentEditor)
-            .findChild<QTreeWidget*>()
-            ->topLevelItemCount();
-    }
+    size_t ArgumentRows() { return Frame().Windows().Get<CArgumentEditor>().Rows().Count(); }
 };
 
 TEST_F(DeskHandTest, ASelectionEnablesTheCommandsAndLeavesTheDocumentUnmodified) {
@@ -141,9 +134,9 @@ TEST_F(DeskHandTest, AWireTakesItsInputOutOfTheArgumentEditor) {
     StartWithBoxes(2);
     Do(CommandId::kArgumentEditor);
     Settle();
-    EXPECT_EQ(ArgumentRows(), 2);
+    EXPECT_EQ(ArgumentRows(), 2U);
     Wire(0, 1);
-    EXPECT_EQ(ArgumentRows(), 1);
+    EXPECT_EQ(ArgumentRows(), 1U);
     Settle();
     EXPECT_TRUE(Frame().isWindowModified());
 }

@@ -2,16 +2,16 @@
 // The desk's context menus in the whole frame: what their commands reach beyond the desk, and what they fail
 // with.
 #include <QApplication>
+#include <QCheckBox>
 #include <QMenu>
 #include <QTest>
-#include <QTreeWidget>
 #include <QWindow>
 
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/BoxFinder.h"
+#include "ui/sliders/ArgumentEditor.h"
 #include "ui/support/TestFrame.h"
-#include "ui/windows/TableWindow.h"
 
 namespace tavrin {
 namespace {
@@ -66,13 +66,6 @@ class DeskMenusTest : public FrameTest {
         }
         Settle();
     }
-    QStringList Column(QWidget& window, int column) {
-        QStringList texts;
-        const auto* table = window.findChild<QTreeWidget*>();
-        for (int row = 0; row < table->topLevelItemCount(); ++row)
-            texts << table->topLevelItem(row)->text(column);
-        return texts;
-    }
     std::string OperatorPath() { return App().Registry().FindByName("Constant")->path; }
 };
 
@@ -92,9 +85,11 @@ TEST_F(DeskMenusTest, AnArgumentShowsInItsEditorAtOnce) {
     StartWithBox();
     Do(CommandId::kArgumentEditor);
     Settle();
-    EXPECT_EQ(Column(Frame().Windows().Of(CommandId::kArgumentEditor), 1), QStringList{"no"});
+    const auto* flag = Frame().Windows().Get<CArgumentEditor>().findChild<QCheckBox*>();
+    ASSERT_NE(flag, nullptr);
+    EXPECT_FALSE(flag->isChecked());
     Choose(OpenOn(*Box().inputs.at(0)), {"Argument"});
-    EXPECT_EQ(Column(Frame().Windows().Of(CommandId::kArgumentEditor), 1), QStringList{"yes"});
+    EXPECT_TRUE(flag->isChecked());
     EXPECT_TRUE(Frame().isWindowModified());
 }
 

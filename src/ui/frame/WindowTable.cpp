@@ -12,6 +12,7 @@
 #include "ui/log/LogWindow.h"
 #include "ui/render/ExportDlg.h"
 #include "ui/render/RenderHistoryDlg.h"
+#include "ui/sliders/ArgumentEditor.h"
 #include "ui/sliders/HelpEditor.h"
 #include "ui/windows/TableWindow.h"
 
@@ -41,17 +42,7 @@ ToolWindow* MakeMenuFinder(const WindowNeeds& needs) {
 }
 
 ToolWindow* MakeArgumentEditor(const WindowNeeds& needs) {
-    const auto inputs = [&work = needs.work] {
-        TableWindow::Rows rows;
-        const NameSource names{work.document.preparedVariables};
-        for (const COpButton* button : work.document.CollectUnconnectedInputs()) {
-            rows.push_back({Shown(button->VariableName(names)), button->arg != 0 ? "yes" : "no",
-                            Shown(button->argname), Shown(button->comments)});
-        }
-        return rows;
-    };
-    return new TableWindow("Argument Editor [F5]", &needs.frame, {"Input", "Argument", "Name", "Comment"},
-                           inputs);
+    return new CArgumentEditor(&needs.frame, needs.work.document);
 }
 
 ToolWindow* MakeRenderOptions(const WindowNeeds& needs) {

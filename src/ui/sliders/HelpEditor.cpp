@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 
 #include "document/TvDoc.h"
-#include "ui/base/ByteText.h"
+#include "ui/sliders/DocumentText.h"
 
 namespace tavrin {
 
@@ -87,7 +87,7 @@ CHelpEditor::CHelpEditor(QWidget* frame, std::function<CTvDoc*()> document)
 void CHelpEditor::Refresh() {
     const CTvDoc* document = m_document();
     setEnabled(document != nullptr);
-    const DecodedText help = Decoded(document != nullptr ? document->customshaderhelp : "");
+    const DocumentText help = Decoded(document != nullptr ? document->customshaderhelp : "");
     m_isLatin1 = help.isLatin1;
     const QString text = WithLinesJoined(help.text);
     if (text == TextOf(*m_edit)) return;
@@ -108,7 +108,7 @@ void CHelpEditor::Follow(const Change& change) {
 void CHelpEditor::Commit() {
     CTvDoc* document = m_document();
     if (document == nullptr) return;
-    const std::string text = Encoded(TextOf(*m_edit), m_isLatin1);
+    const std::string text = Encoded({TextOf(*m_edit), m_isLatin1});
     if (text == document->customshaderhelp) return;
     const EditScope edit(*document, "Help");
     document->edits.SettingsChanged();

@@ -3,6 +3,8 @@
 
 #include <QPainter>
 
+#include "ui/sliders/DocumentText.h"
+
 namespace tavrin {
 
 namespace {
@@ -41,10 +43,9 @@ void NameLabel::resizeEvent(QResizeEvent* event) {
     UpdateTip();
 }
 
-// Escaped, so that no name is taken for markup.
 void NameLabel::UpdateTip() {
     const bool fits = WholeWidth() <= width();
-    setToolTip(fits ? QString() : "<span>" + m_name.toHtmlEscaped() + "</span>");
+    setToolTip(fits ? QString() : PlainToolTip(m_name));
 }
 
 }  // namespace tavrin

@@ -52,8 +52,7 @@ void NumberField::ShowNumber(float value) {
 
 void NumberField::Type(const QString& text) {
     selectAll();
-    insert(text);  // which the toolkit takes for the program's doing
-    m_hooks.typed();
+    insert(text);  // which counts as the user's doing
 }
 
 std::optional<float> NumberField::Number() const { return ReadNumber(Text()); }

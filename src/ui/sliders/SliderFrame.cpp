@@ -6,11 +6,11 @@
 #include <QToolButton>
 #include <algorithm>
 
-#include "ui/base/ByteText.h"
 #include "ui/base/Text.h"
 #include "ui/icons/Icons.h"
+#include "ui/sliders/DocumentText.h"
 #include "ui/sliders/NameLabel.h"
-#include "ui/sliders/TextField.h"
+#include "ui/sliders/OneLineField.h"
 
 namespace tavrin {
 
@@ -38,7 +38,7 @@ CSliderFrame::CSliderFrame(QWidget* column, COpButton& button, CSliderDesk& desk
       m_needs(needs),
       m_boxName(new NameLabel(this, Qt::AlignRight)),
       m_buttonName(new NameLabel(this, Qt::AlignRight)),
-      m_comments(new TextField(this, "Comments", [this](const std::string& text) { StoreComments(text); })),
+      m_comments(new OneLineField(this, [this](const std::string& text) { StoreComments(text); })),
       m_toggles{
           {{"Stow", "unstow-all", "stow-all", "Stow: show the name alone", &COpButton::stow},
            {"Pin", "unpin-all", "pin-all", "Pin: stay, whatever is selected", &COpButton::pin},
@@ -49,6 +49,7 @@ CSliderFrame::CSliderFrame(QWidget* column, COpButton& button, CSliderDesk& desk
     };
     place(*m_comments, kComments);
     m_boxName->SetFaint(true);
+    m_comments->setAccessibleName("Comments");
     m_comments->setPlaceholderText("Comment");
     MakeToggle(m_toggles[0], kStow, [this](bool stow) { Stow(stow); });
     MakeToggle(m_toggles[1], kPin, [this](bool pin) { Pin(pin); });

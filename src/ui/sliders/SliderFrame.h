@@ -14,7 +14,7 @@ class QToolButton;
 namespace tavrin {
 
 class NameLabel;
-class TextField;
+class OneLineField;
 
 // A child of the column, which makes it while it is in view, places it and destroys it. Once the button has
 // gone, it does nothing.
@@ -78,7 +78,7 @@ class CSliderFrame : public QWidget {
     const SliderNeeds& m_needs;
     NameLabel* m_boxName;
     NameLabel* m_buttonName;
-    TextField* m_comments;
+    OneLineField* m_comments;
     std::array<Toggle, 3> m_toggles;
     std::array<SliderPanel*, kPanelKinds> m_panels{};  // each null until the type first asks for it
     SliderPanel* m_panel = nullptr;

@@ -43,7 +43,7 @@ class SliderColumn : public test::SliderTest {
         QToolButton& target = Toggle(button, toggle);
         Click(target, target.rect().center());
     }
-    TextField& Comments(const COpButton& button) { return Find<TextField>(button, "Comments"); }
+    OneLineField& Comments(const COpButton& button) { return Find<OneLineField>(button, "Comments"); }
     QScrollBar& Bar() { return *pane->verticalScrollBar(); }
     size_t Windows() {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -274,7 +274,7 @@ TEST_F(SliderColumn, LongNamesAreElidedWithTheWholeInTheToolTip) {
     std::vector<std::string> names;
     for (const NameLabel* label : test::ChildrenOf<NameLabel>(FrameOf(*box.inputs.at(0)))) {
         names.push_back(Bytes(label->Name()));
-        EXPECT_THAT(Bytes(label->toolTip()), testing::HasSubstr(Bytes(label->Name().toHtmlEscaped())));
+        EXPECT_EQ(label->toolTip(), label->Name());
         EXPECT_LT(label->width(), label->WholeWidth());
     }
     EXPECT_THAT(names, ElementsAre(name + "_1", "anInputWithAVeryLongName"));

@@ -19,8 +19,8 @@
 #include "support/TestHost.h"
 #include "ui/base/Text.h"
 #include "ui/sliders/NumberField.h"
+#include "ui/sliders/OneLineField.h"
 #include "ui/sliders/SliderPane.h"
-#include "ui/sliders/TextField.h"
 #include "ui/sliders/ValueSlider.h"
 #include "ui/support/Windows.h"
 

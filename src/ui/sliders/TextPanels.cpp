@@ -11,7 +11,7 @@
 #include "site/Site.h"
 #include "ui/base/Text.h"
 #include "ui/dialogs/FileDialogs.h"
-#include "ui/sliders/TextField.h"
+#include "ui/sliders/OneLineField.h"
 
 namespace tavrin {
 
@@ -30,7 +30,8 @@ std::string WithSlashes(std::string path) {
 }  // namespace
 
 void TextPanel::MakeControls(const UnitRect& field, const UnitRect& options) {
-    m_field = new TextField(this, "Value", [this](const std::string& text) { Store(text); });
+    m_field = new OneLineField(this, [this](const std::string& text) { Store(text); });
+    m_field->setAccessibleName("Value");
     m_field->setGeometry(Units().Pixels(field));
     m_options = new QPushButton("Options...", this);
     m_options->setAutoDefault(false);

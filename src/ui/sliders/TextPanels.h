@@ -11,7 +11,7 @@ class QPushButton;
 
 namespace tavrin {
 
-class TextField;
+class OneLineField;
 
 // A field, and a menu of the texts that the definition offers.
 class TextPanel : public SliderPanel {
@@ -35,7 +35,7 @@ class TextPanel : public SliderPanel {
   private:
     void OpenOptions();
 
-    TextField* m_field = nullptr;
+    OneLineField* m_field = nullptr;
     QPushButton* m_options = nullptr;
 };
 

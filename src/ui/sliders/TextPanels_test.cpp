@@ -25,7 +25,7 @@ class TextPanels : public test::SliderTest {
     static std::string& ValueOf(COpButton& button) {
         return static_cast<COpValueString&>(*button.values.at(0)).value;
     }
-    TextField& Value(const COpButton& button) { return Find<TextField>(button, "Value"); }
+    OneLineField& Value(const COpButton& button) { return Find<OneLineField>(button, "Value"); }
     QPushButton& Button(const COpButton& button, const QString& text) {
         for (auto* candidate : FrameOf(button).findChildren<QPushButton*>()) {
             if (candidate->text() == text && candidate->isVisible()) return *candidate;
@@ -209,7 +209,7 @@ TEST_F(TextPanels, ATextThatIsTooLongForAFieldIsShownAndKept) {
     const std::string text(100000, 'x');
     ValueOf(*box.inputs.at(0)) = text;
     FrameOf(*box.inputs.at(0)).Refresh();
-    TextField& field = Value(*box.inputs.at(0));
+    OneLineField& field = Value(*box.inputs.at(0));
     TypeOver(field, "y");
     EXPECT_EQ(ValueOf(*box.inputs.at(0)), text);
     EXPECT_FALSE(field.toolTip().isEmpty());
