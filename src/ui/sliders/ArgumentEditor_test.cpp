@@ -104,6 +104,7 @@ TEST_F(ArgumentEditor, ABoxThatGoesTakesExactlyItsRows) {
 
 TEST_F(ArgumentEditor, ABoxOfAnotherNumberHasRowsOfAnotherName) {
     COpBox& box = AddBox("a", 1, 1);
+    SetArg(*box.inputs[0], 1);
     ShowRows(4);
     {
         const EditScope edit(document, "Number");

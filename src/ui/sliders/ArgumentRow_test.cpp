@@ -202,8 +202,11 @@ TEST_F(ArgumentRow, WithoutItsButtonItChangesNothing) {
 
 TEST_F(ArgumentRow, ANamelessArgumentShowsWhatItWillBeCalled) {
     Start();
+    EXPECT_EQ(Name(0).placeholderText(), "");
+    EXPECT_EQ(Comment(0).placeholderText(), "");
     SetArg(Input(), 1);
     EXPECT_EQ(Name(0).placeholderText(), "a_1_i0");
+    EXPECT_EQ(Comment(0).placeholderText(), "Comment");
     EXPECT_EQ(Name(0).accessibleName(), "Argument name of a_1_i0");
     EXPECT_EQ(Comment(0).accessibleName(), "Comment on a_1_i0");
 }
