@@ -68,7 +68,6 @@ CArgumentRow::CArgumentRow(QWidget* client, CTvDoc& document, Edited edited)
     m_flag->setObjectName("flag");
     m_name->setObjectName("name");
     m_comment->setObjectName("comment");
-    m_comment->setPlaceholderText("Comment");
 }
 
 int CArgumentRow::MeasuredHeight() const {
@@ -95,7 +94,6 @@ void CArgumentRow::Refresh() {
         m_caption = caption;
         m_flag->setAccessibleName(caption);
         m_name->setAccessibleName("Argument name of " + caption);
-        m_name->setPlaceholderText(Shortened(caption));
         m_comment->setAccessibleName("Comment on " + caption);
         ShowCaption();
     }
@@ -118,8 +116,14 @@ void CArgumentRow::EnableControls(const COpButton& button) {
     const auto focused = FocusedField();
     m_flag->setEnabled(IsEditable(button, ArgumentField::kFlag));
     if (focused && !IsEditable(button, *focused) && m_flag->isEnabled()) m_flag->setFocus();
-    m_name->setEnabled(IsEditable(button, ArgumentField::kName));
-    m_comment->setEnabled(IsEditable(button, ArgumentField::kComment));
+    // There are no headings. A field that cannot be typed in asks for nothing.
+    const auto open = [&](OneLineField& field, ArgumentField which, const QString& asks) {
+        const bool isOpen = IsEditable(button, which);
+        field.setEnabled(isOpen);
+        field.setPlaceholderText(isOpen ? asks : QString());
+    };
+    open(*m_name, ArgumentField::kName, Shortened(m_caption));
+    open(*m_comment, ArgumentField::kComment, "Comment");
 }
 
 void CArgumentRow::Edit(const std::function<void(COpButton&)>& change) {

@@ -52,9 +52,9 @@ TEST_F(ArgumentRow, EachKeyIsInTheDocumentAtOnce) {
     SetArg(Input(), 1);
     heard.clear();
     test::GiveFocus(Name(0));
-    test::PressKeys("K");
+    test::PressKeys("k");
     test::PressKeys("a");
-    EXPECT_EQ(Input().argname, "Ka");
+    EXPECT_EQ(Input().argname, "ka");
     test::GiveFocus(Comment(0));
     test::PressKeys("c");
     EXPECT_EQ(Input().comments, "c");
@@ -92,8 +92,8 @@ TEST_F(ArgumentRow, AnEditOfOneFieldLeavesTheBytesOfTheOthers) {
     });
     test::GiveFocus(Comment(0));
     Comment(0).setCursorPosition(1);
-    test::PressKeys("X");
-    EXPECT_EQ(Input().comments, "cX");
+    test::PressKeys("x");
+    EXPECT_EQ(Input().comments, "cx");
     EXPECT_EQ(Input().argname, "K\xFF\xC3");
     EXPECT_EQ(Input().arg, 2);
 }
@@ -109,8 +109,8 @@ TEST_F(ArgumentRow, AFlagThatTheOperatorForbidsIsGreyAndStaysTicked) {
     ClickFlag(0);
     EXPECT_EQ(Input().arg, 1);
     test::GiveFocus(Name(0));
-    test::PressKeys("K");
-    EXPECT_EQ(Input().argname, "K");
+    test::PressKeys("k");
+    EXPECT_EQ(Input().argname, "k");
 }
 
 TEST_F(ArgumentRow, AWindowThatHasAnotherButtonHasItsOwnRules) {
@@ -202,8 +202,11 @@ TEST_F(ArgumentRow, WithoutItsButtonItChangesNothing) {
 
 TEST_F(ArgumentRow, ANamelessArgumentShowsWhatItWillBeCalled) {
     Start();
+    EXPECT_EQ(Name(0).placeholderText(), "");
+    EXPECT_EQ(Comment(0).placeholderText(), "");
     SetArg(Input(), 1);
     EXPECT_EQ(Name(0).placeholderText(), "a_1_i0");
+    EXPECT_EQ(Comment(0).placeholderText(), "Comment");
     EXPECT_EQ(Name(0).accessibleName(), "Argument name of a_1_i0");
     EXPECT_EQ(Comment(0).accessibleName(), "Comment on a_1_i0");
 }

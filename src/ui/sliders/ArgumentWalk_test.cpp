@@ -113,11 +113,17 @@ class ArgumentWalk : public test::ArgumentTest, public testing::WithParamInterfa
         editor.resize(300 + static_cast<int>(Below(600)),
                       editor.Rows().RowHeight() * static_cast<int>(1 + Below(12)));
     }
+    // Each to its end: a window manager may lose one that goes before it has come, or comes before it has
+    // gone.
     void TheWindowComesAndGoes() {
         if (editor.isVisible()) {
+            ASSERT_TRUE(test::WaitUntilSeen(editor));
             editor.hide();
+            QGuiApplication::sync();
+            test::HandleEvents();
         } else {
             editor.show();
+            ASSERT_TRUE(test::WaitUntilSeen(editor));
         }
     }
 
