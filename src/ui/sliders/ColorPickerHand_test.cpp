@@ -258,6 +258,22 @@ TEST_F(PickerThatGoes, AtAPressOnTheWheel) {
     EXPECT_THAT(drags, ElementsAre("begin", "end"));
 }
 
+// The window that the platform gave the mouse to goes with the picker.
+TEST_F(PickerThatGoes, AtAPressThatThePlatformTellsItsWindow) {
+    const QPoint place = Wheel().mapTo(picker, QPoint(5, 5));
+    QTest::mousePress(picker->windowHandle(), Qt::LeftButton, {}, place);
+    EXPECT_EQ(picker, nullptr);
+    test::HandleEvents();
+    EXPECT_THAT(drags, ElementsAre("begin", "end"));
+}
+
+TEST_F(PickerThatGoes, AtAKeyThatThePlatformTellsItsWindow) {
+    test::GiveFocus(Field("Green"));
+    QTest::keyPress(picker->windowHandle(), '1');
+    EXPECT_EQ(picker, nullptr);
+    test::HandleEvents();
+}
+
 TEST_F(PickerThatGoes, InADragOnTheWheel) {
     picker->SetCallback({});
     PressAt(Wheel(), {5, 5});
