@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QStyle>
 #include <QTest>
 #include <set>
 #include <stdexcept>
@@ -11,6 +12,10 @@
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/OperatorToolBar.h"
+#include "ui/sliders/ColorPicker.h"
+#include "ui/sliders/ColorWheelView.h"
+#include "ui/sliders/SliderPane.h"
+#include "ui/sliders/ValueSlider.h"
 #include "ui/support/DeskPointer.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
@@ -104,6 +109,32 @@ class MouseOnly : public test::FrameTest {
             for (int x = 0; x < picture.width(); ++x) tinted += picture.pixelColor(x, y).hsvSaturation() > 60;
         return tinted;
     }
+    // Something of a frame in the slider column.
+    template <typename Control>
+    Control& InFrame(const COpButton& button, const QString& name) {
+        for (QWidget* widget : Frame().Sliders().BringIntoView(button)->findChildren<QWidget*>()) {
+            auto* control = dynamic_cast<Control*>(widget);
+            if (control != nullptr &&
+                (control->accessibleName() == name || control->property("text") == name) &&
+                control->isVisible())
+                return *control;
+        }
+        throw std::logic_error("no control " + Bytes(name));
+    }
+    // By its thumb, to a position.
+    void Slide(ValueSlider& slider, int position) {
+        const auto thumbAt = [&](int at) {
+            const int length = slider.style()->pixelMetric(QStyle::PM_SliderLength, nullptr, &slider);
+            const int x = QStyle::sliderPositionFromValue(0, 100, at, slider.width() - length) + length / 2;
+            return slider.mapTo(&Frame(), QPoint(x, slider.height() / 2));
+        };
+        QWindow* window = Frame().windowHandle();
+        const QPoint from = thumbAt(slider.sliderPosition());
+        QTest::mousePress(window, Qt::LeftButton, {}, from);
+        QTest::mouseMove(window, (from + thumbAt(position)) / 2);
+        QTest::mouseMove(window, thumbAt(position));
+        QTest::mouseRelease(window, Qt::LeftButton, {}, thumbAt(position));
+    }
     static std::vector<QPoint> Corners() { return {{0, 0}, {kWidth - 1, 0}}; }
 
     void BuildNetwork();
@@ -192,6 +223,59 @@ TEST_F(MouseOnly, TenBoxesAreWiredAndRendered) {
     EXPECT_NEAR(seen.red(), seen.green(), 2);
     EXPECT_NEAR(seen.red(), seen.blue(), 2);
     for (const QPoint corner : Corners()) EXPECT_EQ(grey.pixel(corner), picture.pixel(corner));
+}
+
+TEST_F(MouseOnly, ValuesAreTunedAndAColourIsPickedAndSeenInThePicture) {
+    StartLarge();
+    TakeFromMenu("Colour", "Tint");
+    COpBox& tint = Drop(1, 1);
+    TakeFromMenu("Shading", "Glow");
+    COpBox& glow = Drop(2, 1);
+    TakeFromToolBar("Surface");
+    COpBox& end = Drop(3, 1);
+    pointer->WireByDrag(pointer->Of(tint, "result"), pointer->Of(glow, "colour"));
+    pointer->WireByDrag(pointer->Of(glow, "result"), pointer->Of(end, "colour"));
+    const QPoint middle(kWidth / 2, kHeight / 2);
+    const QColor red = Render(1).pixelColor(middle);
+    EXPECT_GT(red.red(), red.green() + 40);
+
+    pointer->Click(pointer->TitleOf(tint));
+    const COpButton& colour = *tint.FindButton("colour");
+    Slide(InFrame<ValueSlider>(colour, "Red"), 0);
+    Slide(InFrame<ValueSlider>(colour, "Green"), 70);
+    const QColor green = Render(2).pixelColor(middle);
+    EXPECT_GT(green.green(), green.red() + 40);
+
+    auto& open = InFrame<QPushButton>(colour, "HSV");
+    QTest::mouseClick(Frame().windowHandle(), Qt::LeftButton, {}, open.mapTo(&Frame(), open.rect().center()));
+    CColorPicker* picker = nullptr;
+    ASSERT_TRUE(WaitUntil([&] {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (picker == nullptr) picker = dynamic_cast<CColorPicker*>(window);
+        }
+        return picker != nullptr && picker->IsOpen() && picker->windowHandle()->isExposed();
+    }));
+    CColorWheel* wheel = nullptr;
+    for (QWidget* widget : picker->findChildren<QWidget*>()) {
+        if (wheel == nullptr) wheel = dynamic_cast<CColorWheel*>(widget);
+    }
+    ASSERT_NE(wheel, nullptr);
+    // Blue lies at two thirds of the way round the ring, its pure colour at the triangle's right vertex.
+    const int size = wheel->width();
+    const auto press = [&](double x, double y) {
+        const QPoint at = wheel->mapTo(picker, QPoint(int(x * size), int(y * size)));
+        QTest::mouseClick(picker->windowHandle(), Qt::LeftButton, {}, at);
+    };
+    press(0.5 - 0.4 * 0.866, 0.5 + 0.4 * 0.5);
+    press(0.79, 0.5);
+    const QColor blue = Render(3).pixelColor(middle);
+    EXPECT_GT(blue.blue(), blue.red() + 40);
+    EXPECT_GT(blue.blue(), blue.green() + 40);
+
+    pointer->Click(pointer->TitleOf(glow));
+    Slide(InFrame<ValueSlider>(*glow.FindButton("strength"), "Value"), 0);
+    const QColor dark = Render(4).pixelColor(middle);
+    EXPECT_LT(dark.lightness(), 30);
 }
 
 }  // namespace

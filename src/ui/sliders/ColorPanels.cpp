@@ -55,7 +55,7 @@ void ColorPanel::MakeControls(const Template& places) {
 }
 
 void ColorPanel::MakeComponent(const Places& places, size_t component) {
-    auto* label = new QLabel(places.name, this);
+    auto* label = new QLabel(places.letter, this);
     label->setGeometry(Units().Pixels(places.label));
     auto* field = new NumberField(this, places.name,
                                   {[this, component] { Typed(*m_fields[component]); }, [this] { Refresh(); },
@@ -249,9 +249,9 @@ void ColorPanel::Take(float r, float g, float b) {
 
 CRgbPanel::CRgbPanel(QWidget* frame, COpButton& button, const SliderNeeds& needs)
     : ColorPanel(frame, button, needs) {
-    MakeControls({{{"R", {1, 1, 7, 12}, {9, 1, 27, 12}, {39, 1, 50, 12}},
-                   {"G", {1, 14, 7, 12}, {9, 14, 27, 12}, {39, 14, 50, 12}},
-                   {"B", {1, 27, 7, 12}, {9, 27, 27, 12}, {39, 27, 50, 12}}},
+    MakeControls({{{"R", "Red", {1, 1, 7, 12}, {9, 1, 27, 12}, {39, 1, 50, 12}},
+                   {"G", "Green", {1, 14, 7, 12}, {9, 14, 27, 12}, {39, 14, 50, 12}},
+                   {"B", "Blue", {1, 27, 7, 12}, {9, 27, 27, 12}, {39, 27, 50, 12}}},
                   {9, 41, 48, 25},
                   {},
                   {60, 41, 29, 12},
@@ -266,10 +266,10 @@ std::vector<float*> CRgbPanel::Find() const {
 
 CRgbaPanel::CRgbaPanel(QWidget* frame, COpButton& button, const SliderNeeds& needs)
     : ColorPanel(frame, button, needs) {
-    MakeControls({{{"R", {1, 1, 7, 12}, {9, 1, 27, 12}, {39, 1, 50, 12}},
-                   {"G", {1, 14, 7, 12}, {9, 14, 27, 12}, {39, 14, 50, 12}},
-                   {"B", {1, 27, 7, 12}, {9, 27, 27, 12}, {39, 27, 50, 12}},
-                   {"A", {1, 40, 7, 12}, {9, 40, 27, 12}, {39, 40, 50, 12}}},
+    MakeControls({{{"R", "Red", {1, 1, 7, 12}, {9, 1, 27, 12}, {39, 1, 50, 12}},
+                   {"G", "Green", {1, 14, 7, 12}, {9, 14, 27, 12}, {39, 14, 50, 12}},
+                   {"B", "Blue", {1, 27, 7, 12}, {9, 27, 27, 12}, {39, 27, 50, 12}},
+                   {"A", "Alpha", {1, 40, 7, 12}, {9, 40, 27, 12}, {39, 40, 50, 12}}},
                   {9, 54, 48, 20},
                   {9, 76, 48, 13},
                   {60, 54, 29, 12},

@@ -30,6 +30,7 @@ class ColorPanel : public SliderPanel {
 
   protected:
     struct Places {
+        const char* letter;
         const char* name;
         UnitRect label;
         UnitRect field;

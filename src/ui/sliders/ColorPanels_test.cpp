@@ -61,18 +61,18 @@ class ColorPanels : public test::SliderTest {
 
 TEST_F(ColorPanels, ShowTheColourInFieldsSlidersAndSwatch) {
     COpButton& button = ShowRgb();
-    EXPECT_EQ(Field(button, "R").text(), "0.5");
-    EXPECT_EQ(Field(button, "G").text(), "0.25");
-    EXPECT_EQ(Slider(button, "R").value(), 50);
-    EXPECT_EQ(Slider(button, "G").value(), 25);
-    EXPECT_EQ(Slider(button, "B").value(), 100);
+    EXPECT_EQ(Field(button, "Red").text(), "0.5");
+    EXPECT_EQ(Field(button, "Green").text(), "0.25");
+    EXPECT_EQ(Slider(button, "Red").value(), 50);
+    EXPECT_EQ(Slider(button, "Green").value(), 25);
+    EXPECT_EQ(Slider(button, "Blue").value(), 100);
     EXPECT_TRUE(Where(Picture(button), QColor(127, 63, 255)));
     EXPECT_FALSE(document.IsModified());
 }
 
 TEST_F(ColorPanels, TheAlphaSwatchIsGreyBesideThatOfTheColour) {
     COpButton& button = ShowRgba("0.5 0.25 1 0.4");
-    EXPECT_EQ(Slider(button, "A").value(), 40);
+    EXPECT_EQ(Slider(button, "Alpha").value(), 40);
     const QImage picture = Picture(button);
     EXPECT_TRUE(Where(picture, QColor(127, 63, 255)));
     EXPECT_TRUE(Where(picture, QColor(102, 102, 102)));
@@ -80,7 +80,7 @@ TEST_F(ColorPanels, TheAlphaSwatchIsGreyBesideThatOfTheColour) {
 
 TEST_F(ColorPanels, OnlyADraggedThumbChangesAComponent) {
     COpButton& button = ShowRgb();
-    ValueSlider& slider = Slider(button, "G");
+    ValueSlider& slider = Slider(button, "Green");
     test::GiveFocus(slider);
     QTest::keyClick(&slider, Qt::Key_Right);
     EXPECT_EQ(slider.value(), 26);
@@ -91,50 +91,50 @@ TEST_F(ColorPanels, OnlyADraggedThumbChangesAComponent) {
     Drag(slider, 33);
     EXPECT_NEAR(RgbOf(button).g, 0.33, 1e-6);
     EXPECT_EQ(RgbOf(button).r, 0.5F);
-    EXPECT_EQ(Field(button, "G").text(), "0.33");
+    EXPECT_EQ(Field(button, "Green").text(), "0.33");
     EXPECT_THAT(changes, ElementsAre("Value: tuned a_1.c"));
 }
 
 TEST_F(ColorPanels, ATextCountsWithEveryKeyAndMovesSliderAndSwatch) {
     COpButton& button = ShowRgb();
-    TypeOver(Field(button, "B"), "0.");
+    TypeOver(Field(button, "Blue"), "0.");
     EXPECT_EQ(RgbOf(button).b, 0);
-    QTest::keyClick(&Field(button, "B"), '5');
+    QTest::keyClick(&Field(button, "Blue"), '5');
     EXPECT_EQ(RgbOf(button).b, 0.5F);
-    EXPECT_EQ(Field(button, "B").text(), "0.5");
-    EXPECT_EQ(Slider(button, "B").value(), 50);
+    EXPECT_EQ(Field(button, "Blue").text(), "0.5");
+    EXPECT_EQ(Slider(button, "Blue").value(), 50);
     EXPECT_TRUE(Where(Picture(button), QColor(127, 63, 127)));
 }
 
 TEST_F(ColorPanels, AnEmptyTextOrAPointIsNotReadYet) {
     COpButton& button = ShowRgb();
     for (const char* text : {"", "."}) {
-        TypeOver(Field(button, "R"), text);
-        EXPECT_EQ(Field(button, "R").text(), text);
+        TypeOver(Field(button, "Red"), text);
+        EXPECT_EQ(Field(button, "Red").text(), text);
     }
     EXPECT_EQ(RgbOf(button).r, 0.5F);
     EXPECT_FALSE(document.IsModified());
     Leave();
-    EXPECT_EQ(Field(button, "R").text(), "0.5");
+    EXPECT_EQ(Field(button, "Red").text(), "0.5");
 }
 
 TEST_F(ColorPanels, WhatIsNoShareGivesPlaceToTheFormerNumber) {
     COpButton& button = ShowRgb();
     for (const char* text : {"1.5", "-1", "abc", "nan", "inf", "0.5x", "0,5", "1e39"}) {
-        Paste(Field(button, "R"), text);
-        EXPECT_EQ(Field(button, "R").text(), "0.5") << text;
+        Paste(Field(button, "Red"), text);
+        EXPECT_EQ(Field(button, "Red").text(), "0.5") << text;
         EXPECT_EQ(RgbOf(button).r, 0.5F) << text;
         EXPECT_EQ(status.back(), "Enter a number from 0 to 1");
         status = {""};
     }
     EXPECT_FALSE(document.IsModified());
-    Paste(Field(button, "R"), QString(1 << 20, '7'));
-    EXPECT_EQ(Field(button, "R").text(), "0.5");
+    Paste(Field(button, "Red"), QString(1 << 20, '7'));
+    EXPECT_EQ(Field(button, "Red").text(), "0.5");
 }
 
 TEST_F(ColorPanels, ArrowKeysInAFieldStepWithinTheRange) {
     COpButton& button = ShowRgb();
-    NumberField& field = Field(button, "B");
+    NumberField& field = Field(button, "Blue");
     test::GiveFocus(field);
     QTest::keyClick(&field, Qt::Key_Up);
     EXPECT_EQ(RgbOf(button).b, 1);
@@ -186,8 +186,8 @@ TEST_F(ColorPanels, WhatThePickerChoosesIsRoundedToThousandths) {
     EXPECT_EQ(RgbaOf(button).r, 0.123F);
     EXPECT_EQ(RgbaOf(button).b, 1.0F);
     EXPECT_EQ(RgbaOf(button).a, 0.4F);
-    EXPECT_EQ(Field(button, "R").text(), "0.123");
-    EXPECT_EQ(Slider(button, "R").value(), 12);
+    EXPECT_EQ(Field(button, "Red").text(), "0.123");
+    EXPECT_EQ(Slider(button, "Red").value(), 12);
     EXPECT_TRUE(document.IsModified());
     document.SetModified(false);
     picker.SetColor(0.123F, 0.5F, 1, true);
@@ -198,9 +198,9 @@ TEST_F(ColorPanels, AnOpenPickerFollowsFieldsAndSliders) {
     COpButton& button = ShowRgb("1 0 0");
     CColorPicker& picker = OpenPicker(button);
     std::vector<float> told;
-    TypeOver(Field(button, "G"), "1");
+    TypeOver(Field(button, "Green"), "1");
     for (auto* field : test::ChildrenOf<NumberField>(picker)) {
-        if (field->accessibleName() == "G") told.push_back(field->Number().value_or(-1));
+        if (field->accessibleName() == "Green") told.push_back(field->Number().value_or(-1));
     }
     EXPECT_THAT(told, ElementsAre(1));
 }

@@ -101,7 +101,7 @@ TEST_F(SliderColumn, TheWheelScrollsWhateverItIsOver) {
         QWheelEvent event(at, over.mapToGlobal(at), {}, {0, angle}, Qt::NoButton, {}, Qt::NoScrollPhase,
                           false);
         QSpontaneKeyEvent::setSpontaneous(&event);  // only such a one goes on to the parents
-        QApplication::sendEvent(&over, &event);
+        qApp->notify(&over, &event);
     };
     turn(slider, -120);
     const int line = Bar().value();
@@ -237,7 +237,7 @@ TEST_F(SliderColumn, AnotherCastHasAnotherPanelAndTheFirstComesBack) {
     const SliderPanel* color = frame.Panel();
     EXPECT_NE(color, number);
     EXPECT_FALSE(number->isVisible());
-    EXPECT_EQ(Field(button, "R").text(), "1");
+    EXPECT_EQ(Field(button, "Red").text(), "1");
     cast(0);
     EXPECT_EQ(frame.Panel(), number);
     cast(1);
