@@ -16,6 +16,7 @@
 #include <QTest>
 #include <QToolBar>
 
+#include "sliders/ArgumentEdits.h"
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/StatusBox.h"
@@ -100,6 +101,7 @@ class HotKeys : public KeysTest, public testing::WithParamInterface<Place> {
 TEST_P(HotKeys, ReachTheFrame) {
     Start();
     AddBoxes(1);
+    SetArgument(Document(), *Document().m_boxes.front()->inputs.at(0), true);  // whose name can be typed
     Press("F3");
     EXPECT_TRUE(IsChecked(Id::kFreezeSliders));
     ExpectToggles("F2", "Render Options");
