@@ -2,6 +2,7 @@
 #include "ui/sliders/NameLabel.h"
 
 #include <QPainter>
+#include <QtMath>
 
 #include "ui/sliders/DocumentText.h"
 
@@ -23,6 +24,9 @@ void NameLabel::SetName(const QString& name) {
     UpdateTip();
     update();
 }
+
+// Up to a whole pixel: cut down to one, the name would be elided in the place that it asked for.
+int NameLabel::WholeWidth() const { return qCeil(QFontMetricsF(font()).horizontalAdvance(m_name)) + 1; }
 
 void NameLabel::SetFaint(bool faint) {
     m_isFaint = faint;

@@ -15,7 +15,7 @@ class NameLabel : public QWidget {
     void SetName(const QString& name);
     const QString& Name() const { return m_name; }
     // What the whole name takes, in pixels.
-    int WholeWidth() const { return fontMetrics().horizontalAdvance(m_name); }
+    int WholeWidth() const;
     // Fainter than other text.
     void SetFaint(bool faint);
 

@@ -282,8 +282,11 @@ TEST_F(SliderColumn, LongNamesAreElidedWithTheWholeInTheToolTip) {
 
 TEST_F(SliderColumn, ShortNamesNeedNoToolTip) {
     COpBox& box = Show(kTwo);
-    for (const NameLabel* label : test::ChildrenOf<NameLabel>(FrameOf(*box.inputs.at(0))))
+    for (const NameLabel* label : test::ChildrenOf<NameLabel>(FrameOf(*box.inputs.at(0)))) {
         EXPECT_TRUE(label->toolTip().isEmpty());
+        EXPECT_EQ(label->fontMetrics().elidedText(label->Name(), Qt::ElideMiddle, label->width()),
+                  label->Name());
+    }
 }
 
 // The kind of list that a rubber band over a whole network makes.
