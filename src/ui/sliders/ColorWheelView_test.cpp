@@ -297,7 +297,7 @@ TEST_F(ColorWheelPicture, TheTriangleHasALightEdgeWithinADarkerOne) {
     EXPECT_NE(At(left - 1.25, 100), At(5, 5));
 }
 
-TEST_F(ColorWheelPicture, StandsOnThePalettesGroundAndIsOpaque) {
+TEST_F(ColorWheelPicture, StandsOnThePalettesGround) {
     for (const QColor& ground : {QColor(240, 240, 240), QColor(37, 38, 40)}) {
         QPalette palette;
         palette.setColor(QPalette::Window, ground);
@@ -306,9 +306,6 @@ TEST_F(ColorWheelPicture, StandsOnThePalettesGroundAndIsOpaque) {
         EXPECT_EQ(At(3, 3), ground);
         EXPECT_EQ(At(196, 196), ground);
         EXPECT_EQ(At(100, 38), ground);  // between ring and triangle
-    }
-    for (int x = 0; x < picture.width(); ++x) {
-        for (int y = 0; y < picture.height(); ++y) ASSERT_EQ(qAlpha(picture.pixel(x, y)), 255);
     }
 }
 
