@@ -131,14 +131,13 @@ QLayout* CColorPicker::MakeFields() {
         const bool isComponent = i >= kRed;
         const int row = isComponent ? i - kRed : i;
         const int column = isComponent ? 3 : 0;
-        auto* field = new CNumberSpin(this, kNames[i], [this, i, isComponent](float) {
+        auto* field = new CNumberSpin(this, kNames[i], [this, isComponent](float) {
             if (isComponent) {
                 TakeComponents();
             } else {
-                TakeHsl(static_cast<Field>(i));
+                TakeHsl();
             }
         });
-        field->OnLeft([this] { m_typing.reset(); });
         m_fields[static_cast<size_t>(i)] = field;
         grid->addWidget(new QLabel(kLetters[i], this), row, column);
         grid->addWidget(field, row, column + 1);
@@ -150,7 +149,6 @@ void CColorPicker::SetColor(float r, float g, float b, bool notify) {
     const Color color{r, g, b};
     if (!notify && color == Rounded(m_color)) return;
     m_color = color;
-    m_typing.reset();
     if (m_wheel != nullptr) ShowColor();
     if (!notify || !m_callback) return;
     const auto callback = m_callback;  // which may destroy the picker, and itself with it
@@ -179,16 +177,10 @@ float CColorPicker::Number(Field field) const { return m_fields[field]->Value();
 
 void CColorPicker::TakeComponents() { SetColor(Number(kRed), Number(kGreen), Number(kBlue), true); }
 
-void CColorPicker::TakeHsl(Field typed) {
-    const Hsl shown{Number(kHue), Number(kSaturation), Number(kLightness)};
-    const Typing typing = m_typing && m_typing->field == typed ? *m_typing : Typing{typed, shown};
-    const Hsl& before = typing.before;
-    const Color color =
-        ColorOf(Hsl{typed == kHue ? shown.h : before.h, typed == kSaturation ? shown.s : before.s,
-                    typed == kLightness ? shown.l : before.l});
-    const QPointer<CColorPicker> self(this);
+// The fields are all that is known of the color: black and greys have no hue, so that it is gone with them.
+void CColorPicker::TakeHsl() {
+    const Color color = ColorOf({Number(kHue), Number(kSaturation), Number(kLightness)});
     SetColor(color.r, color.g, color.b, true);
-    if (self != nullptr) m_typing = typing;
 }
 
 // Escape closes the window from every control in it, though it may be the key of a command, and though

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <functional>
-#include <optional>
 
 #include "sliders/ColorModel.h"
 #include "ui/windows/ToolWindow.h"
@@ -51,19 +50,11 @@ class CColorPicker : public ToolWindow {
     void ShowColor();
     void ShowNumber(Field field, float number);
     void TakeComponents();
-    void TakeHsl(Field typed);
+    void TakeHsl();
     float Number(Field field) const;
     QPoint PlaceBesideOwner() const;
 
-    // While the user is at one of the first three fields, what all three were before. Where black or a grey
-    // comes by, as with the first digit of "0.5", that field alone could not bring the hue back.
-    struct Typing {
-        Field field;
-        Hsl before;
-    };
-
     Color m_color;
-    std::optional<Typing> m_typing;
     std::function<void(float, float, float)> m_callback;
     std::function<void(bool)> m_dragHook;
     // Children; null until the picker opens first.

@@ -132,10 +132,7 @@ float CNumberSpin::ValueAt(int position) const {
     return static_cast<float>(length * position / m_range.steps + static_cast<double>(m_range.min));
 }
 
-void CNumberSpin::Leave() {
-    ShowValue();
-    if (m_left) m_left();
-}
+void CNumberSpin::Leave() { ShowValue(); }
 
 void CNumberSpin::ShowValue() { m_field->ShowNumber(m_value); }
 

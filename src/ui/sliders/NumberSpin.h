@@ -36,8 +36,6 @@ class CNumberSpin : public QWidget {
     // its text and its caret, and a value that is no number changes nothing.
     void SetValue(float value);
     NumberField& Field() { return *m_field; }
-    // Told when the focus has gone from the field.
-    void OnLeft(std::function<void()> left) { m_left = std::move(left); }
 
   protected:
     void wheelEvent(QWheelEvent* event) override;
@@ -54,7 +52,6 @@ class CNumberSpin : public QWidget {
     void Tell();
 
     std::function<void(float)> m_callback;
-    std::function<void()> m_left;
     const SpinRange m_range;
     float m_value;
     NumberField* m_field;  // a child
