@@ -54,7 +54,7 @@ bool TextPanel::Read() {
 }
 
 void TextPanel::Store(const std::string& text) {
-    Edit([&] { *Find().value = text; });
+    if (Find().value != nullptr) Edit([&] { *Find().value = text; });
 }
 
 // What is chosen here leaves the document unmodified.

@@ -159,6 +159,25 @@ TEST_F(TextPanels, CancellingKeepsTheValueAndTheFilter) {
     EXPECT_FALSE(document.IsModified());
 }
 
+TEST_F(TextPanels, ADirectoryIsNoFile) {
+    const test::TempDir files;
+    files.Write("sub/one.sgi", "");
+    COpButton& button = ShowString("value x fileflag 1");
+    bool isStillOpen = false;
+    test::WhenDialogComes([&](QDialog& dialog) {
+        auto& chooser = static_cast<QFileDialog&>(dialog);
+        chooser.setDirectory(Shown(files.Path()));
+        chooser.selectFile(Shown(files / "sub"));
+        QMetaObject::invokeMethod(&chooser, "accept");
+        isStillOpen = chooser.isVisible();
+        chooser.reject();
+    });
+    QTest::mouseClick(&Button(button, "File..."), Qt::LeftButton);
+    EXPECT_TRUE(isStillOpen);
+    EXPECT_EQ(ValueOf(button), "x");
+    EXPECT_FALSE(document.IsModified());
+}
+
 TEST_F(TextPanels, WithoutADirectoryOfItsOwnTheSitesIsOffered) {
     const std::string textures = host.GetSite().LibraryPath("textures");
     MakeDirectory(textures);
