@@ -27,6 +27,7 @@ SliderPane::SliderPane(QWidget* parent, CSliderDesk& desk, SliderNeeds needs)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
     viewport()->setFocusPolicy(Qt::NoFocus);
+    viewport()->setBackgroundRole(QPalette::Window);  // from which fields stand out
     m_content->setFocusPolicy(Qt::NoFocus);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { FollowFocus(now); });
     m_desk.SetView(this);
