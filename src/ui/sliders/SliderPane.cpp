@@ -29,14 +29,18 @@ SliderPane::SliderPane(QWidget* parent, CSliderDesk& desk, SliderNeeds needs)
     viewport()->setFocusPolicy(Qt::NoFocus);
     viewport()->setBackgroundRole(QPalette::Window);  // from which fields stand out
     m_content->setFocusPolicy(Qt::NoFocus);
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { FollowFocus(now); });
+    m_focusChanges = connect(qApp, &QApplication::focusChanged, this,
+                             [this](QWidget*, QWidget* now) { FollowFocus(now); });
     m_desk.SetView(this);
     PlaceFrames();
 }
 
+// The frames go while what they were made with stands, and by their going the focus moves.
 SliderPane::~SliderPane() {
+    disconnect(m_focusChanges);
     m_desk.SetView(nullptr);
     for (const auto& [serial, window] : m_windows) window->Release();
+    delete m_content;
 }
 
 int SliderPane::ColumnWidth() const {

@@ -54,6 +54,7 @@ class SliderPane : public QAbstractScrollArea, private SliderView {
     QWidget* m_content;       // all frames, as high as they are together; moved to scroll
     std::vector<int> m_tops;  // of the frames, and the end of the last; pixels
     std::unordered_map<uint64_t, CSliderFrame*> m_windows;  // by the button's serial number
+    QMetaObject::Connection m_focusChanges;
     int m_wheelTurn = 0;  // eighths of a degree that have not made a line yet
 };
 
