@@ -107,6 +107,8 @@ class CTvApp : public DocumentHost, private FormHost {
 
     const CCodeGen& CodeGen() const { return m_codeGen; }
     CRenderOptionsEditor& RenderOptionsForm() { return *m_form; }
+    // What the form's widgets store through.
+    FormHost& OptionStore() { return *this; }
     // The rows that the form has for the toolbar's shader type box.
     const std::vector<std::string>& ShaderTypes() const { return m_shaderTypes; }
     // Sets every control of the form to its default, and the document's options with them.

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <cstdlib>
 
+#include "forms/FormWidget.h"
 #include "ui/base/QtQueue.h"
 #include "ui/commands/DeskWork.h"
 #include "ui/commands/DocumentWork.h"
@@ -155,7 +156,11 @@ void MainFrame::CreateWork() {
 
 void MainFrame::CreateWindows() {
     m_windows = std::make_unique<FrameWindows>(
-        WindowNeeds{*this, *m_work, *m_desk, *m_documents, *m_operators, *m_log}, m_commands);
+        WindowNeeds{*this, *m_work, *m_desk, *m_documents, *m_operators, *m_log,
+                    [this](const FormAction& action) {
+                        ActionDispatch().DoAction(action.to, action.message, action.argument);
+                    }},
+        m_commands);
     m_windows->OnShownOrHidden([this] { m_idle.Request(); });
     m_scripts = std::make_unique<ScriptWork>(ScriptWork::Needs{
         *this, m_app, m_commands, *m_documents, *m_renders, *m_windows, [this] { return m_isClosed; }});

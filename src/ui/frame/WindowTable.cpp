@@ -7,6 +7,7 @@
 #include "ui/commands/DocumentWork.h"
 #include "ui/commands/OperatorWork.h"
 #include "ui/desk/DeskPane.h"
+#include "ui/forms/RenderOptionsWindow.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/log/LogWindow.h"
@@ -14,7 +15,6 @@
 #include "ui/render/RenderHistoryDlg.h"
 #include "ui/sliders/ArgumentEditor.h"
 #include "ui/sliders/HelpEditor.h"
-#include "ui/windows/TableWindow.h"
 
 namespace tavrin {
 
@@ -46,13 +46,9 @@ ToolWindow* MakeArgumentEditor(const WindowNeeds& needs) {
 }
 
 ToolWindow* MakeRenderOptions(const WindowNeeds& needs) {
-    const auto options = [&document = needs.work.document] {
-        TableWindow::Rows rows;
-        for (const auto& [name, value] : document.m_renderOptions)
-            rows.push_back({Shown(name), Shown(value)});
-        return rows;
-    };
-    return new TableWindow("Render Options [F2]", &needs.frame, {"Option", "Value"}, options);
+    CTvApp& app = needs.work.app;
+    return new RenderOptionsWindow(&needs.frame, app.RenderOptionsForm(),
+                                   {app.OptionStore(), needs.doAction});
 }
 
 ToolWindow* MakeExportOptions(const WindowNeeds& needs) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QPointF>
+#include <functional>
 #include <vector>
 
 #include "app/CommandId.h"
@@ -17,6 +18,7 @@ class DocumentWork;
 class LogWindow;
 class OperatorWork;
 class ToolWindow;
+struct FormAction;
 struct Workspace;
 
 // What windows are made with. All of it outlives them.
@@ -26,7 +28,8 @@ struct WindowNeeds {
     DeskPane& desk;
     DocumentWork& documents;
     OperatorWork& operators;
-    LogWindow& log;  // stands before all others
+    LogWindow& log;                                   // stands before all others
+    std::function<void(const FormAction&)> doAction;  // of a form, to be called once the frame stands
 };
 
 // Everything else about a window follows from its row: that it is there, its command and the check mark, that

@@ -13,7 +13,7 @@
 
 #include "document/TvDoc.h"
 #include "ui/sliders/ArgumentRow.h"
-#include "ui/sliders/DialogUnits.h"
+#include "ui/windows/DialogUnits.h"
 
 namespace tavrin {
 

@@ -9,9 +9,9 @@
 #include "document/TvDoc.h"
 #include "sliders/ArgumentEdits.h"
 #include "ui/base/Text.h"
-#include "ui/sliders/DialogUnits.h"
 #include "ui/sliders/DocumentText.h"
 #include "ui/sliders/OneLineField.h"
+#include "ui/windows/DialogUnits.h"
 
 namespace tavrin {
 

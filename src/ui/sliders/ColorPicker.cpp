@@ -15,8 +15,8 @@
 #include "sliders/NumberText.h"
 #include "sliders/SliderValue.h"
 #include "ui/sliders/ColorWheelView.h"
-#include "ui/sliders/DialogUnits.h"
 #include "ui/sliders/NumberSpin.h"
+#include "ui/windows/DialogUnits.h"
 
 namespace tavrin {
 

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "document/TvDoc.h"
-#include "ui/sliders/DialogUnits.h"
+#include "ui/windows/DialogUnits.h"
 
 namespace tavrin {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The measure in which panels and small dialogs are laid out.
+// The measure in which panels, forms and small dialogs are laid out.
 #pragma once
 
 #include <QFontMetrics>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/sliders/DialogUnits.h"
+#include "ui/windows/DialogUnits.h"
 
 namespace tavrin {
 
