@@ -150,6 +150,7 @@ subtest 'what concerns the shader alone is done to its copy' => sub {
     options(MRAY_VIEW => 'alpha', MRAY_TINT_G => '.5', MRAY_TINT_B => '0');
     my ($status, $said) = renderit('Ball', 5);
     is($status, 0, 'status');
+    like($said, qr/\Arendering Ball \(render 5, 320x240, sphere, alpha\)\n/, 'the view is told');
     unlike($said, qr/^ARGS.*(?:view|tint|show|times|reference)/mi, 'the renderer does not know');
     my $copy = slurp("$work/5/Ball.frag");
     my @lines = split /\n/, $copy;
