@@ -59,6 +59,24 @@ sub renderit {
     return ($? >> 8, defined $text ? $text : '');
 }
 
+# The colour of a pixel of a picture as the renderer writes it: RGB, each row filtered by
+# differences across.
+sub pixel {
+    my ($picture, $x, $y) = @_;
+    require Compress::Zlib;
+    my $packed = '';
+    for (my $at = 8; $at < length $picture;) {
+        my ($length, $kind) = unpack 'N a4', substr $picture, $at;
+        $packed .= substr $picture, $at + 8, $length if $kind eq 'IDAT';
+        $at += 12 + $length;
+    }
+    my ($width) = unpack 'N', substr $picture, 16;
+    my @row = unpack "x@{[$y * (3 * $width + 1)]} C@{[3 * $width + 1]}", Compress::Zlib::uncompress($packed);
+    shift @row == 1 or die 'the filter of the row is another one';
+    $row[$_] = ($row[$_] + $row[$_ - 3]) & 255 for 3 .. $#row;
+    return join ',', @row[3 * $x .. 3 * $x + 2];
+}
+
 # A stand-in that acts on a command in the shader's first line.
 mkdir "$dir/bin";
 put("$dir/bin/mray-render", <<'END');
@@ -106,7 +124,9 @@ subtest 'render options' => sub {
 subtest 'bad options' => sub {
     my @bad = ([MRAY_SIZE => '0,10'], [MRAY_SIZE => 'big'], [MRAY_SIZE => '8192,8192'], [MRAY_SAMPLES => '5'],
                [MRAY_OBJECT => 'te"apot'], [MRAY_BACKGROUND => ''], [MRAY_LIGHT => 'moon'], [MRAY_EXPOSURE => '-1'],
-               [MRAY_EXPOSURE => '0']);
+               [MRAY_EXPOSURE => '0'], [MRAY_VIEW => 'wire'], [MRAY_TINT_R => '-1'], [MRAY_TINT_G => 'red'],
+               [MRAY_TINT_B => '1001'], [MRAY_TINT_B => ''], [MRAY_SHOW => 'yes'], [MRAY_TIMES => ''],
+               [MRAY_REFERENCE => 'photo.png']);
     for my $case (@bad) {
         my ($key, $value) = @$case;
         options($key => $value);
@@ -118,6 +138,41 @@ subtest 'bad options' => sub {
     my ($status, $text) = renderit('Ball', 5);
     isnt($status, 0, 'missing option file');
     like($text, qr/cannot read the render options/, 'is told');
+    delete $ENV{TAVRN_RENOPTS};
+};
+
+subtest 'what concerns the shader alone is done to its copy' => sub {
+    my $text = "// the old\n// void main() was longer\nvoid main()\n{\n    tvColor = vec4(1.0);\n}\n";
+    put("$work/Ball", $text);
+    options(MRAY_VIEW => 'shaded', MRAY_TINT_R => '1.0', MRAY_TINT_G => '1', MRAY_TINT_B => '1.00');
+    renderit('Ball', 5);
+    is(slurp("$work/5/Ball.frag"), $text, 'which is the shader where nothing is asked for');
+    options(MRAY_VIEW => 'alpha', MRAY_TINT_G => '.5', MRAY_TINT_B => '0');
+    my ($status, $said) = renderit('Ball', 5);
+    is($status, 0, 'status');
+    like($said, qr/\Arendering Ball \(render 5, 320x240, sphere, alpha\)\n/, 'the view is told');
+    unlike($said, qr/^ARGS.*(?:view|tint|show|times|reference)/mi, 'the renderer does not know');
+    my $copy = slurp("$work/5/Ball.frag");
+    my @lines = split /\n/, $copy;
+    is($lines[1], '// void main() was longer', 'a comment stays');
+    is($lines[2], 'void mrShade()', 'the main has another name in its line');
+    my $last = "tvColor = vec4(vec3(tvColor.a), 1.0);\n    tvColor.rgb *= vec3(1.000000, 0.500000, 0.000000);";
+    like($copy, qr/^void main\(\)\n\{\n    mrShade\(\);\n    \Q$last\E\n\}\n\z/m, 'and another main calls it');
+    is(slurp("$work/Ball"), $text, 'the shader is as it was');
+    put("$work/Ball", "fine\n");
+    renderit('Ball', 5);
+    is(slurp("$work/5/Ball.frag"), "fine\n", 'text without a main stays as it is');
+    put("$work/Ball", "// reject\n\n\n\n\nvoid main()\n{\n    // Noise_3\n    oops;\n}\n");
+    like((renderit('Ball', 5))[1], qr/^Ball: line 9 \(box Noise_3\): error: no good$/m, 'messages still name the box');
+    delete $ENV{TAVRN_RENOPTS};
+};
+
+subtest 'times' => sub {
+    put("$work/Ball", "fine\n");
+    options(MRAY_TIMES => '0');
+    unlike((renderit('Ball', 5))[1], qr/--timing/, 'are not told');
+    options(MRAY_TIMES => '1');
+    like((renderit('Ball', 5))[1], qr/^ARGS .*--timing/m, 'but where they are asked for');
     delete $ENV{TAVRN_RENOPTS};
 };
 
@@ -282,6 +337,50 @@ subtest 'the picture is opened where there is a display' => sub {
     like($text, qr/^WARNING: there is no program no-such-viewer to show/m, 'nor is one found by its name');
 };
 
+subtest 'a picture to compare with is opened, too' => sub {
+    put("$dir/bin/note", "#!/usr/bin/perl\n"
+            . "open(my \$f, '>>', '$dir/noted'); print \$f \"\$ARGV[0]\\n\"; close \$f;\n");
+    chmod 0755, "$dir/bin/note";
+    local $ENV{MRAY_VIEWER} = "$dir/bin/note";
+    local $ENV{DISPLAY} = ':0';
+    put("$work/Ball", "fine\n");
+    # What the viewers that a render starts have seen by the time that $count have.
+    my $noted = sub {
+        my ($count, %of) = @_;
+        unlink "$dir/noted";
+        options(%of);
+        my ($status, $text) = renderit('Ball', 15);
+        is($status, 0, 'status');
+        for (1 .. 3000) {
+            last if (() = slurp("$dir/noted") =~ /\n/g) >= $count;
+            select undef, undef, undef, 0.02;
+        }
+        return (join(' ', sort split /\n/, slurp("$dir/noted")), $text);
+    };
+    put("$dir/photo", "\xff\xd8\xff\xe0 and so on");
+    is(($noted->(2, MRAY_REFERENCE => "$dir/photo"))[0], join(' ', sort "$dir/photo", "$work/15/Ball.png"), 'both');
+    is(($noted->(1, MRAY_SHOW => '1'))[0], "$work/15/Ball.png", 'one where none is named');
+
+    put("$dir/run.desktop", "[Desktop Entry]\nExec=rm\n");
+    for my $case (["$dir/none.png", 'no such file or directory'], ["$dir/run.desktop", 'it is no picture'],
+                  [$dir, 'it is no file']) {
+        my ($file, $why) = @$case;
+        my ($seen, $text) = $noted->(1, MRAY_REFERENCE => $file);
+        is($seen, "$work/15/Ball.png", "$why: the finished one is opened alone");
+        like($text, qr/^WARNING: cannot show the reference \Q$file\E: \Q$why\E; choose another one in the render /m,
+            'and the reason told');
+    }
+    require POSIX;
+    POSIX::mkfifo("$dir/pipe", 0600) or die;
+    like(($noted->(1, MRAY_REFERENCE => "$dir/pipe"))[1], qr{/pipe: it is no file;}, 'nobody waits for a pipe');
+
+    unlink "$dir/noted";
+    local $ENV{MRAY_VIEWER} = "$dir/bin/missing";
+    options(MRAY_SHOW => '0', MRAY_REFERENCE => "$dir/none.png");
+    unlike((renderit('Ball', 15))[1], qr/WARNING/, 'nothing is opened where the picture is not to be shown');
+    delete $ENV{TAVRN_RENOPTS};
+};
+
 subtest 'no renderer' => sub {
     local $ENV{PATH} = "$dir/nothing";
     put("$work/Ball", "fine\n");
@@ -303,6 +402,19 @@ subtest 'the real renderer' => sub {
     my $picture = slurp("$work/10/Real.png");
     is(substr($picture, 1, 3), 'PNG', 'a picture');
     is(join(',', unpack 'N2', substr $picture, 16, 8), '40,30', 'of the right size');
+    my %alpha;
+    for my $alpha (qw(0.5 1.0)) {
+        for my $light (qw(key rim)) {
+            options(MRAY_SIZE => '40x30', MRAY_BACKGROUND => 'dark', MRAY_VIEW => 'alpha', MRAY_LIGHT => $light);
+            put("$work/Real", "#version 330 core\n$prelude" . sprintf($body, '') =~ s/1\.0\);/$alpha);/r);
+            is((renderit('Real', 10))[0], 0, 'status');
+            my ($middle) = pixel(slurp("$work/10/Real.png"), 20, 15);
+            $alpha{$alpha}{$light} = $middle;
+        }
+    }
+    is($alpha{'0.5'}{key}, $alpha{'0.5'}{rim}, 'the view of alpha does not show the light');
+    isnt($alpha{'0.5'}{key}, $alpha{'1.0'}{key}, 'but what covers the background');
+    options(MRAY_SIZE => '40x30');
     put("$work/Real", "#version 330 core\n$prelude" . sprintf $body, ' * oops');
     ($status, $text) = renderit('Real', 11);
     is($status, 1, 'a bad shader');
