@@ -203,9 +203,8 @@ TEST_F(Tuning, ALockedDeskTakesTheColumn) {
 
 TEST_F(Tuning, TheHelpOfAFrameIsInTheStatusBox) {
     StartWithKnobs();
-    CSliderFrame& frame = FrameOf(Input("amount"));
-    QTest::mouseMove(Frame().windowHandle(), frame.mapTo(&Frame(), QPoint(4, 4)));
-    EXPECT_TRUE(WaitUntil([&] { return Frame().StatusBox().Status() == "How much of it."; }));
+    EXPECT_TRUE(test::HoverUntil(FrameOf(Input("amount")), {4, 4},
+                                 [&] { return Frame().StatusBox().Status() == "How much of it."; }));
 }
 
 TEST_F(Tuning, ADocumentThatIsOpenedWhileAValueIsTypedTakesNothingOfIt) {

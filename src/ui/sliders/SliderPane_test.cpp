@@ -144,12 +144,9 @@ TEST_F(SliderColumn, TabGoesThroughEveryControlInTheOrderOfTheColumn) {
 
 TEST_F(SliderColumn, TheHelpOfWhatIsUnderTheMouseIsInTheStatusBox) {
     COpBox& box = Show(kTwo);
-    for (size_t i : {0U, 1U}) {
-        CSliderFrame& frame = FrameOf(*box.inputs.at(i));
-        QTest::mouseMove(pane->windowHandle(), frame.mapTo(pane.get(), QPoint(5, 5)));
-        EXPECT_TRUE(WaitUntil(
-            [&] { return !status.empty() && status.back() == (i == 0 ? "The first." : "The second."); }));
-    }
+    const auto says = [&](const char* help) { return !status.empty() && status.back() == help; };
+    EXPECT_TRUE(test::HoverUntil(FrameOf(*box.inputs.at(0)), {5, 5}, [&] { return says("The first."); }));
+    EXPECT_TRUE(test::HoverUntil(FrameOf(*box.inputs.at(1)), {5, 5}, [&] { return says("The second."); }));
 }
 
 TEST_F(SliderColumn, AStowedFrameIsItsHeaderAndKeepsItsPanel) {

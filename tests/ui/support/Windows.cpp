@@ -164,6 +164,16 @@ void GiveFocus(QWidget& widget) {
     }));
 }
 
+bool HoverUntil(QWidget& widget, QPoint at, const std::function<bool()>& condition) {
+    QWindow* window = widget.window()->windowHandle();
+    return WaitUntil([&] {
+        if (condition()) return true;
+        QTest::mouseMove(window, QPoint(widget.window()->width() - 1, widget.window()->height() - 1));
+        QTest::mouseMove(window, widget.mapTo(widget.window(), at));
+        return condition();
+    });
+}
+
 QImage SeenOnScreen(const QWidget& widget) {
     const QPoint at = widget.mapToGlobal(QPoint(0, 0));
     return widget.screen()->grabWindow(0, at.x(), at.y(), widget.width(), widget.height()).toImage();

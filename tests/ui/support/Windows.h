@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPoint>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -30,6 +31,11 @@ void ShowActive(QWidget& window);
 // Waits until the widget has the focus in its window, which is shown. A late word of the window manager about
 // another window may take that away again, so both are asked for until they stand.
 void GiveFocus(QWidget& widget);
+
+// Moves the mouse to a place in the widget from elsewhere in its window, again and again until the condition
+// holds: late word of where the real mouse is, as when a window comes up under it, undoes one such move.
+// False if it does not come to hold.
+bool HoverUntil(QWidget& widget, QPoint at, const std::function<bool()>& condition);
 
 // What the screen shows where the widget is, with whatever lies above it; in device pixels.
 QImage SeenOnScreen(const QWidget& widget);
