@@ -75,6 +75,12 @@ QWidget* FieldOf(const QWidget& window) {
 
 class HotKeys : public KeysTest, public testing::WithParamInterface<Place> {
   protected:
+    // With a form that has a field.
+    HotKeys() {
+        const std::string siteFile = directory / "tavrin/tiny/tavrn.def";
+        directory.Write("tavrin/tiny/tavrn.def",
+                        test::ReadFile(siteFile) + "\nroe {\nxfield {\nenvname TINY_DEPTH\nvalue 2\n}\n}\n");
+    }
     // The tool window under test has the focus, in its field.
     void FocusField() {
         ToolWindow& window = Window(GetParam().window);

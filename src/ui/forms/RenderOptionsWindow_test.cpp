@@ -280,7 +280,9 @@ TEST_F(RenderOptions, ATextMakesRoomForItsCaption) {
     EXPECT_TRUE(wide.findChildren<QPushButton*>().at(0)->isVisible());
     const auto* info = plain.findChildren<QPushButton*>().at(1);
     EXPECT_EQ(plain.width(), info->geometry().right() + 1 + 4);
-    EXPECT_EQ(info->x(), plain.findChildren<QPushButton*>().at(0)->x() - 4);
+    const auto* file = plain.findChildren<QPushButton*>().at(0);
+    EXPECT_EQ(info->x(), wide.findChildren<QPushButton*>().at(1)->x() - The<FormEdit>(1).x() +
+                             The<FormEdit>(0).x() - file->width() - 4);
 }
 
 TEST_F(RenderOptions, AFileIsTakenAndItsDirectoryOfferedNextTime) {
