@@ -115,7 +115,7 @@ void COpDesk::DeleteButton() {
     if (!button->connections.Empty()) m_document.edits.WiresChanged();
     m_document.edits.BoxTouched(box);
     std::erase(m_selectedConnects, button);
-    box.DeleteButton(*button);
+    m_document.edits.Leave(box.TakeButton(*button));
     m_mouseButton = nullptr;
     ClearSelectedButton();
     m_view->LayoutBox(box);

@@ -22,6 +22,9 @@ COpDesk::COpDesk(CTvDoc& document, DocumentHost& host) : m_document(document), m
     m_pendingBoxes.reserve(kVectorRoom);
     m_beforeDelete = document.beforeDelete.Add([this] { ForgetReferences(); });
     m_afterReorder = document.afterReorder.Add([this] { m_view->Repaint(); });
+    m_changes = document.edits.Observe([this](const Change& change) {
+        if (change.swapped) FollowSwap(change);
+    });
 }
 
 void COpDesk::SetView(DeskView* view) { m_view = view == nullptr ? &m_noView : view; }
@@ -146,6 +149,7 @@ void COpDesk::Discard(BoxVector& boxes, Edits::Stood stood) {
     }
     for (auto& box : boxes) {
         ForgetBox(*box, stood);
+        if (stood == Edits::Stood::kInNetwork) m_document.edits.Leave(std::move(box));
         box.reset();
     }
     boxes.clear();
@@ -170,6 +174,38 @@ void COpDesk::RaiseBox(const COpBox& box) {
     const auto place =
         std::find_if(stack.begin(), stack.end(), [&](const auto& own) { return own.get() == &box; });
     if (place != stack.end()) stack.splice(stack.begin(), stack, place);
+}
+
+bool COpDesk::CanUndo() const { return m_document.History() != nullptr && m_document.History()->CanUndo(); }
+
+bool COpDesk::CanRedo() const { return m_document.History() != nullptr && m_document.History()->CanRedo(); }
+
+void COpDesk::Undo() {
+    if (CanUndo()) GoToStep(m_document.History()->Place() - 1);
+}
+
+void COpDesk::Redo() {
+    if (CanRedo()) GoToStep(m_document.History()->Place() + 1);
+}
+
+// What waits under the mouse is no part of the network, but holds numbers that those who come back need.
+void COpDesk::GoToStep(size_t place) {
+    EditHistory* history = m_document.History();
+    if (history == nullptr || m_document.edits.IsOpen()) return;
+    DeletePending();
+    history->GoTo(place);
+}
+
+void COpDesk::FollowSwap(const Change& change) {
+    m_usedWids.Clear();
+    for (const auto& box : m_document.m_boxes) m_usedWids.Add(box->wid);
+    for (COpBox* box : change.came) m_view->LayoutBox(*box);
+    for (COpBox* box : change.touched) m_view->LayoutBox(*box);
+    const auto isGone = [](const COpButton* button) { return !COpButton::IsLive(button); };
+    if (isGone(m_selectedButton)) m_selectedButton = nullptr;
+    if (isGone(m_mouseButton)) m_mouseButton = nullptr;
+    if (!COpBox::IsLive(m_mouseBox)) m_mouseBox = nullptr;
+    std::erase_if(m_selectedConnects, [&](const COpButton* input) { return isGone(input) || input->connections.Empty(); });
 }
 
 // The factor on the anchor is as the desk has always behaved: at a zoom other than 1 a dragged box is seen

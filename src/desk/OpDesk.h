@@ -85,6 +85,13 @@ class COpDesk {
                AnyBoxSelected();
     }
 
+    // Through the document's history, if it keeps one; not while an edit goes on. What waits under the mouse is destroyed.
+    bool CanUndo() const;
+    bool CanRedo() const;
+    void Undo();
+    void Redo();
+    void GoToStep(size_t place);
+
     // The commands of the context menus. Those on a button mean the one under the mouse and do nothing
     // where the menu does not offer them for it.
     void DuplicateBox(const COpBox& box);  // the clone comes to the top, without connections
@@ -127,6 +134,7 @@ class COpDesk {
     void UnselectBoxes();
     void SetAllSelected(int selected);
     void ForgetReferences();
+    void FollowSwap(const Change& change);
     void ForgetButton(const COpButton& button);
     // Costs no search for each.
     void Discard(BoxVector& boxes, Edits::Stood stood);
@@ -141,6 +149,7 @@ class COpDesk {
     WidPool m_usedWids;
     Listeners<>::Subscription m_beforeDelete;
     Listeners<>::Subscription m_afterReorder;
+    Edits::Subscription m_changes;
 };
 
 }  // namespace tavrin

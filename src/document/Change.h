@@ -25,6 +25,10 @@ struct Change {
     std::string act;
     // The document has given place to another: everything is new, and nothing below is listed but `came`.
     bool replaced = false;
+    // An undo or a redo: objects that were parked have come back, others are parked now.
+    bool swapped = false;
+    bool marks = false;  // counts as a change of the document
+    bool joins = false;  // goes on with a run of acts, such as typing
     // Boxes that were taken onto the desk, in this order, and may still wait under the mouse.
     std::vector<COpBox*> came;
     // Those that came to stand in the network, and count from here on.

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "document/EditHistory.h"
 #include "document/TvDoc.h"
 
 namespace tavrin {
@@ -26,6 +27,11 @@ std::vector<Object*> Edits::Noted<Object>::Take() {
     return taken;
 }
 
+void Edits::Mark() {
+    m_document.SetModified();
+    m_change.marks = true;
+}
+
 template <typename Note>
 void Edits::NoteEdit(Note note) {
     if (m_depth == 0) ++m_strayEdits;
@@ -40,14 +46,14 @@ void Edits::BoxCame(COpBox& box) {
 
 void Edits::BoxDropped(COpBox& box) {
     NoteEdit([&] {
-        m_document.SetModified();
+        Mark();
         m_dropped.Add(box);
     });
 }
 
 void Edits::BoxWent(const COpBox& box, Stood stood) {
     NoteEdit([&] {
-        if (stood == Stood::kInNetwork) m_document.SetModified();
+        if (stood == Stood::kInNetwork) Mark();
         m_change.went.push_back({box.Serial(), box.BoxTitleWid()});
         m_came.Forget(box);
         m_dropped.Forget(box);
@@ -55,7 +61,8 @@ void Edits::BoxWent(const COpBox& box, Stood stood) {
         for (const auto* side : {&box.inputs, &box.outputs}) {
             for (const auto& button : *side) {
                 ForgetButton(*button);
-                m_change.wires = m_change.wires || !button->connections.Empty();
+                m_change.wires =
+                    m_change.wires || !button->connections.Empty() || !button->NamedBy().Empty();
             }
         }
     });
@@ -63,7 +70,7 @@ void Edits::BoxWent(const COpBox& box, Stood stood) {
 
 void Edits::BoxTouched(COpBox& box) {
     NoteEdit([&] {
-        m_document.SetModified();
+        Mark();
         m_touched.Add(box);
         // Those of its buttons that are destroyed now cannot be told apart later.
         for (const auto* side : {&box.inputs, &box.outputs}) {
@@ -74,7 +81,7 @@ void Edits::BoxTouched(COpBox& box) {
 
 void Edits::ButtonTouched(COpButton& button) {
     NoteEdit([&] {
-        m_document.SetModified();
+        Mark();
         if (m_touched.Has(*button.owner)) return;
         m_tuned.Forget(button);
         m_buttons.Add(button);
@@ -83,7 +90,7 @@ void Edits::ButtonTouched(COpButton& button) {
 
 void Edits::ButtonTuned(COpButton& button) {
     NoteEdit([&] {
-        m_document.SetModified();
+        Mark();
         ButtonTunedUnmarked(button);
     });
 }
@@ -101,21 +108,21 @@ void Edits::ForgetButton(const COpButton& button) {
 
 void Edits::WiresChanged() {
     NoteEdit([&] {
-        m_document.SetModified();
+        Mark();
         m_change.wires = true;
     });
 }
 
 void Edits::OptionsChanged() {
     NoteEdit([&] {
-        m_document.SetModified();
+        Mark();
         m_change.options = true;
     });
 }
 
 void Edits::SettingsChanged() {
     NoteEdit([&] {
-        m_document.SetModified();
+        Mark();
         m_change.settings = true;
     });
 }
@@ -135,6 +142,7 @@ void Edits::Replaced() {
     Change change;
     change.replaced = true;
     for (const auto& box : m_document.m_boxes) change.came.push_back(box.get());
+    if (EditHistory* history = m_document.History()) history->DocumentReplaced();
     m_listeners.Tell(change);
 }
 
@@ -147,10 +155,22 @@ void Edits::ForgetNotes() {
     m_tuned.Take();
 }
 
+void Edits::JoinRun() { m_change.joins = true; }
+
+void Edits::Leave(std::unique_ptr<COpBox> box) {
+    if (EditHistory* history = m_document.History()) history->Park(std::move(box));
+}
+
+void Edits::Leave(std::unique_ptr<COpButton> button) {
+    if (EditHistory* history = m_document.History()) history->Park(std::move(button));
+}
+
 void Edits::Hold(const std::string& act) { m_held = act; }
 
+// A drag is a step by itself, whatever its parts are.
 void Edits::Release() {
     m_held.reset();
+    m_change.joins = false;
     if (m_depth == 0) TellNoted();
 }
 
@@ -173,6 +193,7 @@ void Edits::TellNoted() {
     change.tuned = m_tuned.Take();
     if (change.IsEmpty()) return;
     if (change.act.empty()) change.act = kUnnamedAct;
+    if (EditHistory* history = m_document.History()) history->Commit(change);
     m_listeners.Tell(change);
 }
 

@@ -2,6 +2,7 @@
 // Where every edit of a document ends: what changes a document says so here, what shows it is told from here.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -58,6 +59,16 @@ class Edits {
     // The document's boxes are about to be destroyed all at once, to give place to others.
     void ForgetNotes();
 
+    // The act that is open goes on with a run: several of its kind on the same thing, such as keys that are typed, are
+    // one step to undo.
+    void JoinRun();
+    // The end of what has left the network: the document's history parks it, and without one it is destroyed. BoxWent
+    // or BoxTouched has been said.
+    void Leave(std::unique_ptr<COpBox> box);
+    void Leave(std::unique_ptr<COpButton> button);
+    // For the document's history: tells what an undo or a redo has changed.
+    void TellSwapped(const Change& change) { m_listeners.Tell(change); }
+
     // Something may have been noted that is still to be told.
     bool IsOpen() const { return m_depth > 0 || m_held; }
     int StrayEdits() const { return m_strayEdits; }
@@ -90,6 +101,7 @@ class Edits {
     void ForgetButton(const COpButton& button);
     template <typename Note>
     void NoteEdit(Note note);
+    void Mark();
 
     CTvDoc& m_document;
     Listeners<const Change&> m_listeners;

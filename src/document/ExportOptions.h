@@ -26,6 +26,8 @@ struct CExportOptions {
     std::string shaderIfacePath = "./";
     std::string renderIfacePath = "./";
     std::string postSaveScript;  // a command, split into words by blanks and double quotes
+
+    bool operator==(const CExportOptions&) const = default;
 };
 
 bool IsExportOption(std::string_view key);

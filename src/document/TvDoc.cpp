@@ -48,6 +48,7 @@ void CTvDoc::DeleteContents() {
     const Site& site = m_host.GetSite();
     beforeDelete.Tell();
     edits.ForgetNotes();
+    if (m_history != nullptr) m_history->Forget();
     m_boxes.clear();
     toolbar = site.toolButtons;
     showiconimages = SwitchOf(site.settings, "desk.showiconimages");
@@ -63,6 +64,7 @@ void CTvDoc::DeleteContents() {
     exportOptions = m_host.ExportDefaults();
     customshaderhelp = kHelpTemplate;
     m_modified = false;
+    m_modifiedBeside = false;
     m_differsFromFile = false;
     m_origin.cutFile.reset();
 }
@@ -116,6 +118,12 @@ void CTvDoc::BecomeRecovered(const std::string& path, bool wasCutShort, std::opt
     if (wasCutShort) SetCutShort();
     m_origin.file->held = held;
     SetModified();
+    m_modifiedBeside = true;
+}
+
+void CTvDoc::ViewMoved() {
+    SetModified();
+    m_modifiedBeside = true;
 }
 
 bool CTvDoc::WouldLoseUnread(const std::string& path) const {
@@ -167,7 +175,9 @@ bool CTvDoc::Save(const std::string& path, std::string& error) {
         return false;
     }
     m_modified = false;
+    m_modifiedBeside = false;
     m_differsFromFile = false;
+    if (m_history != nullptr) m_history->DocumentSaved();
     return true;
 }
 

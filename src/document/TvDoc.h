@@ -11,6 +11,7 @@
 
 #include "base/Listeners.h"
 #include "document/DocumentFile.h"
+#include "document/EditHistory.h"
 #include "document/Edits.h"
 #include "document/ExportOptions.h"
 #include "library/CodeNames.h"
@@ -119,10 +120,16 @@ class CTvDoc {
     // For what reads and writes documents, and for `edits`: an edit is noted there.
     void SetModified(bool modified = true) { m_modified = modified; }
     // What is seen of the desk is saved with it: another view is no edit, but a document to be saved.
-    void ViewMoved() { SetModified(); }
+    void ViewMoved();
 
     // Where all who change the document say so, and all who show it listen.
     Edits edits{*this};
+    // Keeps a history from now on, for Undo.
+    void KeepHistory(HistoryLimits limits = {}) { m_history = std::make_unique<EditHistory>(*this, limits); }
+    // Null for a document that keeps none.
+    EditHistory* History() const { return m_history.get(); }
+    // For the history: whether the document counts as modified where it stands now.
+    void HistoryMoved(bool isAtSaved) { m_modified = m_modifiedBeside || !isAtSaved; }
 
     // All boxes in the order of generation: each stands after everything that feeds it. Boxes of a cycle
     // that feeds nothing else are left out.
@@ -160,7 +167,9 @@ class CTvDoc {
     std::vector<std::weak_ptr<DocumentFile>> m_files;  // every one since the start that is still needed
     DocumentOrigin m_origin;                           // its file is never null
     bool m_modified = false;
+    bool m_modifiedBeside = false;  // by what is no step of the history
     bool m_differsFromFile = false;
+    std::unique_ptr<EditHistory> m_history;
 };
 
 }  // namespace tavrin

@@ -54,9 +54,21 @@ bool ConnectionSet::Contains(const COpButton& button) const {
     return std::binary_search(begin(), end(), &button, MadeBefore);
 }
 
-COpButton::~COpButton() {
+COpButton::~COpButton() { Isolate(); }
+
+void COpButton::Isolate() {
     Disconnect();
     while (!m_namedBy.Empty()) m_namedBy.Last()->DropPeer(*this);
+}
+
+void COpButton::Park() {
+    Isolate();
+    Retire();
+}
+
+void COpButton::SetWires(const ButtonWires& wires) {
+    connections = wires.connections;
+    m_namedBy = wires.namedBy;
 }
 
 void COpButton::AddPeer(COpButton& peer) {

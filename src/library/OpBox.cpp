@@ -65,11 +65,27 @@ COpButton* COpBox::CopyButton(COpButton& button, bool above) {
     return clone;
 }
 
-void COpBox::DeleteButton(COpButton& button) {
+std::unique_ptr<COpButton> COpBox::TakeButton(COpButton& button) {
     const auto place = PlaceOf(inputs, button);
-    if (place == inputs.end()) return;
+    if (place == inputs.end()) return nullptr;
+    auto taken = std::move(*place);
     inputs.erase(place);
     RenumberInputs();
+    return taken;
+}
+
+void COpBox::Park() {
+    for (const auto* side : {&inputs, &outputs}) {
+        for (const auto& button : *side) button->Park();
+    }
+    Retire();
+}
+
+void COpBox::Unpark() {
+    for (const auto* side : {&inputs, &outputs}) {
+        for (const auto& button : *side) button->Unpark();
+    }
+    Revive();
 }
 
 void COpBox::RenumberInputs() {

@@ -36,7 +36,8 @@ struct BoxLayout {
     float rightColumnWidth = 0;
 };
 
-// Owned by exactly one list: the document's network, or the desk's pending or clipboard boxes.
+// Owned by exactly one list: the document's network, the desk's pending or clipboard boxes, or, parked, a step of the
+// document's history.
 // Its definition is read in BoxDefinition.cpp, its code made in BoxCode.cpp.
 class COpBox : public LiveObject<COpBox> {
   public:
@@ -80,14 +81,22 @@ class COpBox : public LiveObject<COpBox> {
     const COpButton* FindButton(std::string_view displayName) const;
     // Clones an input right before or right after itself and renumbers; the clone.
     COpButton* CopyButton(COpButton& button, bool above);
-    // Destroys an input and renumbers.
-    void DeleteButton(COpButton& button);
+    // Takes an input out and renumbers; null if it is none of the box's. Its wires stand until it is destroyed or
+    // parked.
+    std::unique_ptr<COpButton> TakeButton(COpButton& button);
+    // Destroys it instead.
+    void DeleteButton(COpButton& button) { TakeButton(button); }
     // Numbers equally named neighbours among the inputs 1, 2, 3.
     void RenumberInputs();
     // The position among the inputs or, for an output, among the outputs.
     size_t IndexOfButton(const COpButton& button) const;
     int CountInputsNamed(std::string_view name) const;
     void ClearButtons();
+
+    // Cuts all wires of the box and makes it count as gone, with its buttons, until it is revived. Whoever parks it
+    // owns it, in none of the lists above.
+    void Park();
+    void Unpark();
 
     // Code generation, by which nothing of the box changes.
 

@@ -25,6 +25,14 @@ enum class ButtonKind : int {
     kOutput = 3,
 };
 
+// What a button knows of its wires.
+struct ButtonWires {
+    ConnectionSet connections;
+    ConnectionSet namedBy;
+
+    bool operator==(const ButtonWires&) const = default;
+};
+
 // Owned by its box. A button is made by the definition reader, as a clone of another, or as a further
 // instance of a vinput; its destruction cuts its connections.
 // What it is called in code stands in BoxCode.cpp, its wires in ButtonConnections.cpp.
@@ -110,7 +118,17 @@ class COpButton : public LiveObject<COpButton> {
     // case of Connect.
     const ConnectionSet& NamedBy() const { return m_namedBy; }
 
+    // Both ends of its wires, as they stand.
+    ButtonWires Wires() const { return {connections, m_namedBy}; }
+    // Puts them back as they stood, at this end alone: for who does so with all buttons that are named in them.
+    void SetWires(const ButtonWires& wires);
+
+    // Cuts all wires, at both ends of the one-sided ones too, and makes the button count as gone until it is revived.
+    void Park();
+    void Unpark() { Revive(); }
+
   private:
+    void Isolate();
     void AddPeer(COpButton& peer);
     void DropPeer(COpButton& peer);
 

@@ -103,7 +103,7 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
 DeskPane::~DeskPane() { m_desk.SetView(nullptr); }
 
 void DeskPane::OnChange(const Change& change) {
-    if (change.replaced) m_gestures.Cancel();
+    if (change.replaced || change.swapped) m_gestures.Cancel();
     if (change.HasBoxes()) UpdateScrollBars();
     if (change.IsSeenOnDesk()) Repaint();
 }

@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: Apache-2.0
+// How acts become steps. How steps are undone and redone stands in EditHistorySwap.cpp.
+#include "document/EditHistory.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+#include "document/TvDoc.h"
+
+namespace tavrin {
+
+EditHistory::EditHistory(CTvDoc& document, HistoryLimits limits) : m_document(document), m_limits(limits) {
+    DocumentReplaced();
+}
+
+EditHistory::~EditHistory() { Forget(); }
+
+// Younger steps name what older ones hold, so they go first.
+void EditHistory::Forget() {
+    while (!m_steps.empty()) m_steps.pop_back();
+    m_place = 0;
+    m_bytes = 0;
+    m_shadows.clear();
+    m_stack.clear();
+    m_leavingBoxes.clear();
+    m_leavingButtons.clear();
+    m_runGoesOn = false;
+}
+
+void EditHistory::DocumentReplaced() {
+    Forget();
+    m_shadows.reserve(m_document.m_boxes.size());
+    for (const auto& box : m_document.m_boxes) m_shadows.emplace(box.get(), ShadowOf(*box));
+    m_stack = Stack();
+    m_options = m_document.m_renderOptions;
+    m_settings = SettingsOf(m_document);
+    m_saved.reset();
+    if (!m_document.IsModified()) m_saved = 0;
+}
+
+EditHistory::ButtonShadow EditHistory::ShadowOf(COpButton& button) {
+    return {&button, StateOf(button), button.Wires()};
+}
+
+EditHistory::BoxShadow EditHistory::ShadowOf(const COpBox& box) {
+    BoxShadow shadow;
+    shadow.state = StateOf(box);
+    shadow.inputs.reserve(box.inputs.size());
+    shadow.outputs.reserve(box.outputs.size());
+    for (const auto& button : box.inputs) shadow.inputs.push_back(ShadowOf(*button));
+    for (const auto& button : box.outputs) shadow.outputs.push_back(ShadowOf(*button));
+    return shadow;
+}
+
+EditHistory::BoxShadow* EditHistory::FindShadow(const COpBox& box) {
+    const auto found = m_shadows.find(&box);
+    return found == m_shadows.end() ? nullptr : &found->second;
+}
+
+EditHistory::ButtonShadow* EditHistory::FindShadow(const COpButton& button) {
+    BoxShadow* box = FindShadow(*button.owner);
+    if (box == nullptr) return nullptr;
+    auto& side = button.IsOutput() ? box->outputs : box->inputs;
+    const auto found = std::find_if(side.begin(), side.end(),
+                                    [&](const ButtonShadow& shadow) { return shadow.button == &button; });
+    return found == side.end() ? nullptr : &*found;
+}
+
+std::vector<COpBox*> EditHistory::Stack() const {
+    std::vector<COpBox*> stack;
+    stack.reserve(m_document.m_boxes.size());
+    for (const auto& box : m_document.m_boxes) stack.push_back(box.get());
+    return stack;
+}
+
+void EditHistory::Park(std::unique_ptr<COpBox> box) {
+    box->Park();
+    const COpBox* key = box.get();
+    m_leavingBoxes[key] = std::move(box);
+}
+
+void EditHistory::Park(std::unique_ptr<COpButton> button) {
+    button->Park();
+    const COpButton* key = button.get();
+    m_leavingButtons[key] = std::move(button);
+}
+
+void EditHistory::Commit(const Change& change) {
+    Step step;
+    step.act = change.act;
+    step.joins = change.joins;
+    step.marks = change.marks;
+    RecordMembership(change, step);
+    for (COpBox* box : change.touched) RecordBox(*box, step);
+    for (const auto* buttons : {&change.buttons, &change.tuned}) {
+        for (COpButton* button : *buttons) {
+            if (ButtonShadow* shadow = FindShadow(*button)) RecordButton(*shadow, step);
+        }
+    }
+    if (change.wires || !step.present.empty() || !step.absent.empty() || !step.inputs.empty()) RecordWires(step);
+    if (change.options) RecordOptions(step);
+    if (change.settings) RecordSettings(step);
+    m_leavingBoxes.clear();  // those that came and went within the act
+    m_leavingButtons.clear();
+    if (!step.IsEmpty()) Keep(std::move(step));
+}
+
+void EditHistory::RecordMembership(const Change& change, Step& step) {
+    std::unordered_set<const COpBox*> gone;
+    for (const auto& [box, owned] : m_leavingBoxes) {
+        if (m_shadows.contains(box)) gone.insert(box);
+    }
+    COpBox* above = nullptr;
+    for (COpBox* box : m_stack) {
+        if (gone.empty()) break;
+        if (!gone.contains(box)) {
+            above = box;
+            continue;
+        }
+        auto shadow = m_shadows.extract(box);
+        step.absent.push_back({std::move(m_leavingBoxes[box]), std::move(shadow.mapped()), above});
+    }
+    for (COpBox* box : change.dropped) {
+        if (m_shadows.emplace(box, ShadowOf(*box)).second) step.present.push_back(box);
+    }
+    if (!step.absent.empty() || !step.present.empty()) m_stack = Stack();
+}
+
+void EditHistory::RecordBox(COpBox& box, Step& step) {
+    BoxShadow* shadow = FindShadow(box);
+    if (shadow == nullptr) return;  // it waits under the mouse
+    const BoxState state = StateOf(box);
+    if (!(state == shadow->state)) step.boxes.push_back({&box, std::exchange(shadow->state, state)});
+    RecordInputs(box, *shadow, step);
+    for (auto* side : {&shadow->inputs, &shadow->outputs}) {
+        for (ButtonShadow& button : *side) RecordButton(button, step);
+    }
+}
+
+void EditHistory::RecordInputs(COpBox& box, BoxShadow& shadow, Step& step) {
+    const bool isSame = std::equal(box.inputs.begin(), box.inputs.end(), shadow.inputs.begin(), shadow.inputs.end(),
+                                   [](const auto& own, const ButtonShadow& known) { return own.get() == known.button; });
+    if (isSame) return;
+    InputsChange change{&box, {}, {}};
+    std::unordered_map<const COpButton*, ButtonShadow> known;
+    for (ButtonShadow& input : shadow.inputs) {
+        change.order.push_back(input.button);
+        const auto left = m_leavingButtons.find(input.button);
+        if (left == m_leavingButtons.end()) {
+            known.emplace(input.button, std::move(input));
+        } else {
+            change.absent.push_back({std::move(left->second), std::move(input)});
+        }
+    }
+    shadow.inputs.clear();
+    for (const auto& input : box.inputs) {
+        const auto former = known.find(input.get());
+        shadow.inputs.push_back(former == known.end() ? ShadowOf(*input) : std::move(former->second));
+    }
+    step.inputs.push_back(std::move(change));
+}
+
+void EditHistory::RecordButton(ButtonShadow& shadow, Step& step) {
+    ButtonState state = StateOf(*shadow.button);
+    if (state == shadow.state) return;
+    step.buttons.push_back({shadow.button, std::exchange(shadow.state, std::move(state))});
+}
+
+// Which wires an act has changed nobody names, so all are compared.
+void EditHistory::RecordWires(Step& step) {
+    for (auto& [box, shadow] : m_shadows) {
+        for (auto* side : {&shadow.inputs, &shadow.outputs}) {
+            for (ButtonShadow& button : *side) {
+                const COpButton& now = *button.button;
+                if (now.connections == button.wires.connections && now.NamedBy() == button.wires.namedBy) continue;
+                step.wires.push_back({button.button, std::exchange(button.wires, now.Wires())});
+            }
+        }
+    }
+}
+
+void EditHistory::RecordOptions(Step& step) {
+    const OptionsState& now = m_document.m_renderOptions;
+    for (const auto& [name, value] : m_options) {
+        const auto found = now.find(name);
+        if (found == now.end() || found->second != value) step.options.push_back({name, value});
+    }
+    for (const auto& [name, value] : now) {
+        if (!m_options.contains(name)) step.options.push_back({name, std::nullopt});
+    }
+    if (!step.options.empty()) m_options = now;
+}
+
+void EditHistory::RecordSettings(Step& step) {
+    SettingsState now = SettingsOf(m_document);
+    if (!(now == m_settings)) step.settings = std::exchange(m_settings, std::move(now));
+}
+
+bool EditHistory::Step::HasNetwork() const {
+    return !present.empty() || !absent.empty() || !inputs.empty() || !wires.empty();
+}
+
+bool EditHistory::Step::IsEmpty() const {
+    return !HasNetwork() && boxes.empty() && buttons.empty() && options.empty() && !settings;
+}
+
+void EditHistory::Keep(Step step) {
+    CutBranch();
+    if (Joins(step)) {
+        Join(step);
+    } else {
+        step.bytes = step.CountBytes();
+        m_bytes += step.bytes;
+        m_runGoesOn = step.joins;
+        m_steps.push_back(std::move(step));
+        ++m_place;
+    }
+    KeepLimits();
+}
+
+// What was undone is given up by a new edit.
+void EditHistory::CutBranch() {
+    while (m_steps.size() > m_place) {
+        m_bytes -= m_steps.back().bytes;
+        m_steps.pop_back();
+    }
+    if (m_saved && *m_saved > m_place) m_saved.reset();
+}
+
+// A run goes on where the same act changes nothing but what it has changed before.
+bool EditHistory::Joins(const Step& step) const {
+    if (!m_runGoesOn || !step.joins || m_place == 0 || m_saved == m_place) return false;
+    const Step& last = m_steps.back();
+    if (!last.joins || last.act != step.act || last.HasNetwork() || step.HasNetwork()) return false;
+    const auto holds = [](const auto& all, const auto& some, auto name) {
+        return std::all_of(some.begin(), some.end(), [&](const auto& one) {
+            return std::any_of(all.begin(), all.end(), [&](const auto& other) { return name(other) == name(one); });
+        });
+    };
+    const auto object = [](const auto& change) { return change.object; };
+    return holds(last.boxes, step.boxes, object) && holds(last.buttons, step.buttons, object) &&
+           holds(last.options, step.options, [](const OptionChange& option) { return option.name; }) &&
+           last.settings.has_value() >= step.settings.has_value();
+}
+
+// The former states of the run's first act stand. A run that ends where it began is none.
+void EditHistory::Join(Step& step) {
+    Step& last = m_steps.back();
+    last.marks = last.marks || step.marks;
+    DropWhatIsTheSame(last);
+    m_bytes -= last.bytes;
+    last.bytes = last.CountBytes();
+    m_bytes += last.bytes;
+    if (!last.IsEmpty()) return;
+    m_bytes -= last.bytes;
+    m_steps.pop_back();
+    --m_place;
+    m_runGoesOn = false;
+}
+
+void EditHistory::DropWhatIsTheSame(Step& step) {
+    std::erase_if(step.boxes, [this](const auto& box) { return FindShadow(*box.object)->state == box.state; });
+    std::erase_if(step.buttons, [this](const auto& button) { return FindShadow(*button.object)->state == button.state; });
+    std::erase_if(step.options, [this](const OptionChange& option) {
+        const auto now = m_options.find(option.name);
+        return now == m_options.end() ? !option.value : option.value == now->second;
+    });
+    if (step.settings == m_settings) step.settings.reset();
+}
+
+void EditHistory::KeepLimits() {
+    size_t excess = 0;
+    size_t bytes = m_bytes;
+    while (m_steps.size() - excess > 1 && (m_steps.size() - excess > m_limits.steps || bytes > m_limits.bytes)) {
+        bytes -= m_steps[excess].bytes;
+        ++excess;
+    }
+    if (excess == 0) return;
+    m_steps.erase(m_steps.begin(), m_steps.begin() + static_cast<std::ptrdiff_t>(excess));
+    m_bytes = bytes;
+    m_place -= excess;
+    if (m_saved) m_saved = *m_saved < excess ? std::nullopt : std::optional(*m_saved - excess);
+}
+
+size_t EditHistory::Step::CountBytes() const {
+    constexpr size_t kBox = sizeof(COpBox) + 1000;  // with the texts of its definition
+    constexpr size_t kButton = sizeof(COpButton) + sizeof(ButtonShadow) + 500;
+    const auto ofState = [](const ButtonState& state) {
+        size_t texts = state.argname.size() + state.comments.size();
+        for (const ValueState& value : state.values) texts += sizeof(value) + value.text.size();
+        return texts;
+    };
+    size_t total = sizeof(*this) + act.size() + present.size() * sizeof(COpBox*);
+    for (const ParkedBox& parked : absent)
+        total += kBox + (parked.shadow.inputs.size() + parked.shadow.outputs.size()) * kButton;
+    for (const InputsChange& change : inputs)
+        total += sizeof(change) + change.order.size() * sizeof(COpButton*) + change.absent.size() * kButton;
+    total += boxes.size() * sizeof(boxes[0]);
+    for (const auto& button : buttons) total += sizeof(button) + ofState(button.state);
+    for (const auto& wire : wires)
+        total += sizeof(wire) + (wire.state.connections.Size() + wire.state.namedBy.Size()) * sizeof(COpButton*);
+    for (const OptionChange& option : options)
+        total += sizeof(option) + option.name.size() + option.value.value_or("").size();
+    if (settings) total += sizeof(*settings) + settings->customshaderhelp.size() + settings->exportOptions.postSaveScript.size();
+    return total;
+}
+
+}  // namespace tavrin

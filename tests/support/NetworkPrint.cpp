@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "support/NetworkPrint.h"
+
+#include <bit>
+#include <map>
+#include <sstream>
+
+#include "document/TvDoc.h"
+#include "library/ValueVisitor.h"
+
+namespace tavrin::test {
+
+namespace {
+
+// To the bit: a number that prints alike may be another one.
+void Put(std::ostream& text, float number) {
+    text << std::hex << std::bit_cast<uint32_t>(number) << std::dec << ' ';
+}
+
+void Put(std::ostream& text, std::initializer_list<float> numbers) {
+    for (const float number : numbers) Put(text, number);
+}
+
+void Put(std::ostream& text, const COpValue& value) {
+    VisitValue(value, ValueCalls{
+                          [&](const COpValueFloat& own) {
+                              Put(text, {own.value, own.min, own.max});
+                          },
+                          [&](const COpValueXyz& own) {
+                              Put(text, {own.x, own.y, own.z, own.min, own.max});
+                          },
+                          [&](const COpValueRgb& own) {
+                              Put(text, {own.r, own.g, own.b});
+                          },
+                          [&](const COpValueRgba& own) {
+                              Put(text, {own.r, own.g, own.b, own.a});
+                          },
+                          [&](const COpValueString& own) { text << own.value; },
+                          [&](const COpValueGeneric& own) { text << own.value; },
+                      });
+}
+
+void PutEnds(std::ostream& text, const char* name, const ConnectionSet& ends) {
+    text << ' ' << name;
+    for (const COpButton* end : ends) text << ' ' << end->Serial();
+}
+
+std::string TextOf(const COpButton& button) {
+    std::ostringstream text;
+    text << "  " << button.Serial() << ' ' << button.name << ' ' << button.instance << " arg " << button.arg << " cast "
+         << button.currentcast << ' ' << button.pin << button.lock << button.stow << " \"" << button.argname << "\" \""
+         << button.comments << '"';
+    for (const auto& value : button.values) {
+        text << ' ' << value->type << ' ';
+        Put(text, *value);
+    }
+    PutEnds(text, "wires", button.connections);
+    PutEnds(text, "named by", button.NamedBy());
+    text << (COpButton::IsLive(&button) ? "\n" : " GONE\n");
+    return text.str();
+}
+
+std::string TextOf(const COpBox& box) {
+    std::ostringstream text;
+    text << box.Serial() << ' ' << box.BoxTitleWid() << ' ' << box.maxinstances << ' ';
+    Put(text, {box.xypos[0], box.xypos[1]});
+    text << (COpBox::IsLive(&box) ? "\n" : " GONE\n");
+    for (const auto* side : {&box.inputs, &box.outputs}) {
+        for (const auto& button : *side) text << TextOf(*button);
+    }
+    return text.str();
+}
+
+}  // namespace
+
+std::string PrintNetwork(const CTvDoc& document) {
+    std::map<uint64_t, std::string> boxes;
+    for (const auto& box : document.m_boxes) boxes[box->Serial()] = TextOf(*box);
+    std::ostringstream text;
+    for (const auto& [serial, box] : boxes) text << box;
+    for (const auto& [name, value] : document.m_renderOptions) text << name << '=' << value << '\n';
+    text << document.showiconimages << document.linetype << document.drawlinesoverboxes << document.showvarnames;
+    for (const auto& name : document.toolbar) text << ' ' << name;
+    const CExportOptions& options = document.exportOptions;
+    text << '\n'
+         << options.saveTavrn << options.saveSource << options.saveCompiled << options.saveShaderIface
+         << options.saveRenderIface << options.runPostSave << ' ' << options.tavrnPath << ' ' << options.compiledPath << ' '
+         << options.sourcePath << ' ' << options.shaderIfacePath << ' ' << options.renderIfacePath << ' '
+         << options.postSaveScript << '\n'
+         << document.customshaderhelp << '\n';
+    return text.str();
+}
+
+}  // namespace tavrin::test
