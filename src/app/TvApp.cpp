@@ -206,6 +206,7 @@ void CTvApp::SetVariable(const std::string& name, const std::string& value, bool
     if (option == options.end() || option->second != value) {
         const EditScope edit(*m_document, "Render Option");
         m_document->edits.OptionsChanged();
+        m_document->edits.JoinRun();
         options[name] = value;
     }
     if (updateForm) m_form->BroadcastOption(name, value);

@@ -12,6 +12,7 @@ void SetText(CTvDoc& document, COpButton& button, std::string COpButton::*which,
     if (button.*which == text) return;
     const EditScope edit(document, act);
     document.edits.ButtonTuned(button);
+    document.edits.JoinRun();
     button.*which = text;
 }
 

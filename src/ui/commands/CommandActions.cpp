@@ -86,6 +86,7 @@ void CommandActions::Update() {
         QAction& action = Get(id);
         action.setEnabled(!handler.enabled || handler.enabled());
         if (handler.checked) action.setChecked(handler.checked());
+        if (handler.text) SetText(id, handler.text());
     }
 }
 

@@ -20,6 +20,7 @@ struct CommandHandler {
     std::function<void()> run;
     std::function<bool()> enabled = {};  // nothing: always
     std::function<bool()> checked = {};  // nothing: no check mark
+    std::function<QString()> text = {};  // nothing: that of the table
 };
 
 // Belongs to the frame, which owns the actions. Each command is handled by whoever has its subject; one that

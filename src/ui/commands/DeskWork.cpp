@@ -6,6 +6,7 @@
 #include "app/Workspace.h"
 #include "base/Paths.h"
 #include "images/SgiImage.h"
+#include "ui/base/Text.h"
 #include "ui/commands/CommandActions.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/dialogs/FileDialogs.h"
@@ -45,11 +46,32 @@ void DeskWork::UpdateHints() {
 }
 
 void DeskWork::AddTo(CommandActions& commands) {
+    AddHistory(commands);
     AddEdits(commands);
     AddSelection(commands);
     AddView(commands);
     AddFlags(commands);
     AddWallpaper(commands);
+}
+
+void DeskWork::AddHistory(CommandActions& commands) {
+    COpDesk& desk = m_needs.work.desk;
+    const EditHistory& history = *m_needs.work.document.History();
+    const auto named = [](const char* verb, const std::string& act) {
+        return act.empty() ? QString(verb) : QString(verb) + " " + LiteralLabel(Shown(act));
+    };
+    commands.On(CommandId::kUndo, {.run = [&desk] { desk.Undo(); },
+                                   .enabled = [this, &desk] { return desk.CanUndo() && !IsLocked(); },
+                                   .text = [&history, named] {
+                                       const size_t place = history.Place();
+                                       return named("&Undo", place == 0 ? "" : history.Name(place - 1));
+                                   }});
+    commands.On(CommandId::kRedo, {.run = [&desk] { desk.Redo(); },
+                                   .enabled = [this, &desk] { return desk.CanRedo() && !IsLocked(); },
+                                   .text = [&history, named] {
+                                       const size_t place = history.Place();
+                                       return named("&Redo", place == history.Count() ? "" : history.Name(place));
+                                   }});
 }
 
 void DeskWork::AddEdits(CommandActions& commands) {

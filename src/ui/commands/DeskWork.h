@@ -31,6 +31,7 @@ class DeskWork {
     void UpdateHints();
 
   private:
+    void AddHistory(CommandActions& commands);
     void AddEdits(CommandActions& commands);
     void AddSelection(CommandActions& commands);
     void AddView(CommandActions& commands);

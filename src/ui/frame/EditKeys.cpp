@@ -74,7 +74,10 @@ bool IsEditingKey(const QKeyEvent& key) {
         case Qt::Key_C:
         case Qt::Key_V:
         case Qt::Key_X:
+        case Qt::Key_Y:
             return key.modifiers() == Qt::ControlModifier;
+        case Qt::Key_Z:  // a field takes back its own typing
+            return (key.modifiers() & ~Qt::ShiftModifier) == Qt::ControlModifier;
         default:
             return false;
     }

@@ -47,6 +47,11 @@ Actions& MainFrame::ActionDispatch() { return m_scripts->Dispatch(); }
 bool MainFrame::OpenDocumentFile(const std::string& path) { return m_documents->OpenDocument(path); }
 
 void MainFrame::OnChange(const Change& change) {
+    if (change.swapped && change.options) {
+        m_app.PushOptionsToForm();
+        m_app.ShaderTypeChanged();
+    }
+    if (change.swapped && change.settings) m_app.UpdateTitle();
     m_operators->Follow(change);
     m_windows->Tell(&ToolWindow::Follow, change);
     SetLocked(m_work->document.lock != 0);

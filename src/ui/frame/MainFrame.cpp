@@ -74,6 +74,7 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
     auto splash = showSplash ? std::make_unique<Splash>(this, m_app.ProductVersion()) : nullptr;
     m_app.LoadSiteDefaults();
     m_work = std::make_unique<Workspace>(m_app, DocumentCommands::Announce::kYes);
+    m_work->document.KeepHistory();
     CreateClientArea();
     CreateBars();
     CreateWork();
@@ -85,6 +86,8 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
     m_changes = m_work->document.edits.Observe([this](const Change& change) { OnChange(change); });
     m_work->commands.StartUntitled();
     setAcceptDrops(true);
+    // Who comes to another field does something else from there on.
+    connect(qApp, &QApplication::focusChanged, this, [this] { m_work->document.History()->EndRun(); });
 }
 
 MainFrame::~MainFrame() {

@@ -112,6 +112,7 @@ void CHelpEditor::Commit() {
     if (text == document->customshaderhelp) return;
     const EditScope edit(*document, "Help");
     document->edits.SettingsChanged();
+    document->edits.JoinRun();
     document->customshaderhelp = text;
 }
 
