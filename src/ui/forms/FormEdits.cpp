@@ -6,7 +6,7 @@
 #include <QWheelEvent>
 #include <utility>
 
-#include "ui/sliders/DocumentText.h"
+#include "ui/base/DocumentText.h"
 
 namespace tavrin {
 

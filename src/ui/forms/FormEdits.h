@@ -7,7 +7,7 @@
 #include <string>
 
 #include "forms/PresetList.h"
-#include "ui/sliders/OneLineField.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin {
 
