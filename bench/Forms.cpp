@@ -122,6 +122,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     Bench many(ManyWidgets());
     TimeForm("1000 widgets", many);
+    many.Show();
     Print("an option changed elsewhere", bench::MedianMilliseconds([&] { many.ChangeOption("X0"); }, [] {}));
     Print("floor: a repaint", bench::MedianMilliseconds([&] { many.Repaint(); }, [] {}));
     Bench longList(LongChooser());
