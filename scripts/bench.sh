@@ -9,6 +9,6 @@ for bench in Expansion Generation Documents DeskModel; do build/release/bench/be
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 build/release/bench/bench_Opening "$PWD/installation/mray" "$work"
-for bench in ArgumentEditor ColorPicker DeskPaint LogWindow Sliders Start; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
+for bench in ArgumentEditor ColorPicker DeskPaint Forms LogWindow Sliders Start; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
 perl bench/pipeline.pl build/release/bin/tavrin-batch
 echo "bench: done"

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 
 #include "app/SiteFileReader.h"
 #include "app/Version.h"
@@ -245,7 +246,11 @@ const std::string* CTvApp::ShaderType() const {
     return type == m_document->m_renderOptions.end() ? nullptr : &type->second;
 }
 
-void CTvApp::LoadFormDefaults() { m_form->LoadDefaults(*this); }
+void CTvApp::LoadFormDefaults() {
+    std::optional<EditScope> edit;
+    if (m_document != nullptr) edit.emplace(*m_document, "Default Options");
+    m_form->LoadDefaults(*this);
+}
 
 void CTvApp::PushOptionsToForm() {
     if (m_document == nullptr) return;

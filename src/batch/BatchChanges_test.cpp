@@ -42,7 +42,7 @@ TEST_F(BatchChanges, AScriptsEditIsToldLikeAnyOther) {
     work->Set("SIZE", "9");
     heard.clear();
     ASSERT_TRUE(work->RunScript(directory.Write("defaults.tvx", "roe use-defaults x\n"))) << sink.log;
-    EXPECT_THAT(heard, ElementsAre("Render Option: options"));
+    EXPECT_THAT(heard, ElementsAre("Default Options: options"));
 }
 
 TEST_F(BatchChanges, AnOperatorComesAndIsDropped) {

@@ -55,9 +55,6 @@ class CRenderOptionsEditor : public CFormFrame {
     // How many of the children the last complete section has placed. Those behind them were read by a
     // section that failed later: they stand where they were made, at the top left.
     size_t placed = 0;
-
-    int m_scrollX = 0;  // pixels
-    int m_scrollY = 0;
 };
 
 }  // namespace tavrin

@@ -5,6 +5,8 @@ use strict;
 use warnings;
 use Digest::MD5;
 use FindBin;
+use lib $FindBin::Bin;
+use ScriptTest qw(get);
 use Test::More;
 
 my $kMostRowBytes = 4096;           # what the desk reads for one channel of one row
@@ -15,18 +17,11 @@ my $kTileStep = 64;                 # ... and the pixels after which its lines d
 my $root = "$FindBin::Bin/../..";
 my $library = "$root/installation/mray";
 
-sub get {
-	my ($path) = @_;
-	open my $file, '<:raw', $path or return '';
-	local $/;
-	return <$file> // '';
-}
-
 # A picture as the desk reads it, the lowest row first: {width, height, channels, label, rows}, and what is wrong
 # with it.
 sub picture {
 	my ($path) = @_;
-	my $file = get($path);
+	my $file = get($path) // '';
 	return ({}, 'no header') if length $file < 512;
 	my ($magic, $storage, $bytes, $dimension, $width, $height, $channels, $label) = unpack 'n C C n4 x12 Z80', $file;
 	my %picture = (width => $width, height => $height, channels => $channels, label => $label);

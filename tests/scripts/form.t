@@ -6,6 +6,8 @@ use strict;
 use warnings;
 use File::Temp 'tempdir';
 use FindBin;
+use lib $FindBin::Bin;
+use ScriptTest qw(put get run);
 use Test::More;
 
 my ($batch, $renderer) = @ENV{qw(TAVRIN_BATCH MRAY_RENDER)};
@@ -15,32 +17,10 @@ my $dir = tempdir(CLEANUP => 1);
 delete @ENV{grep { /^(?:TAVRN_|DISPLAY$|WAYLAND_DISPLAY$)/ } keys %ENV};
 $ENV{TAVRN_DIR} = "$root/installation";
 
-sub put {
-	my ($path, $text) = @_;
-	open my $file, '>:raw', $path or die "$path: $!";
-	print $file $text;
-	close $file;
-}
-
-sub get {
-	my ($path) = @_;
-	open my $file, '<:raw', $path or return '';
-	local $/;
-	return <$file> // '';
-}
-
 # Runs a command; gives its status and all that it wrote.
-sub run {
-	my (@words) = @_;
-	my $pid = fork // die;
-	if (!$pid) {
-		open STDIN, '<', '/dev/null';
-		open STDOUT, '>', "$dir/said";
-		open STDERR, '>&', \*STDOUT;
-		exec @words or die;
-	}
-	waitpid $pid, 0;
-	return ($? & 127 ? 'signal' : $? >> 8, get("$dir/said"));
+sub said {
+	my ($status, $out, $err) = run(@_);
+	return ($status, $out . $err);
 }
 
 # ---------------------------------------------------------------- the form
@@ -131,7 +111,7 @@ subtest 'the texts tell the options' => sub {
 };
 
 subtest 'documents have the options that are not for the moment' => sub {
-	my ($status, $said) = run($batch, '--save', "$dir/new.tvn");
+	my ($status, $said) = said($batch, '--save', "$dir/new.tvn");
 	is("$status$said", 0, 'a document is saved without a message');
 	my %saved = get("$dir/new.tvn") =~ /^    setenv (\w+) "(.*)"\r$/mg;
 	is_deeply(\%saved, { map { $_ => $options{$_}{value} } grep { !$options{$_}{unsaved} } keys %options },
@@ -144,7 +124,7 @@ subtest 'documents have the options that are not for the moment' => sub {
 sub pictures {
 	my ($example, @sets) = @_;
 	my @words = map { ((map { ('--set', $_) } 'MRAY_SIZE=40,30', 'MRAY_SAMPLES=1', @$_), '--render') } @sets;
-	my ($status, $said) = run($batch, @words, '--keep-work', "$dir/kept", "$root/examples/$example.tvn");
+	my ($status, $said) = said($batch, @words, '--keep-work', "$dir/kept", "$root/examples/$example.tvn");
 	is($status, 0, 'all are rendered') or diag $said;
 	return ($said, map { get("$dir/kept/$_/$example.png") } 1 .. @sets);
 }

@@ -4,26 +4,13 @@ use strict;
 use warnings;
 use File::Temp 'tempdir';
 use FindBin;
+use lib $FindBin::Bin;
+use ScriptTest qw(put get);
 use Test::More;
 
 my $bin = "$FindBin::Bin/../../installation/mray/bin";
 my $dir = tempdir(CLEANUP => 1);
 delete @ENV{grep { /^TAVRN_/ } keys %ENV};
-
-sub put {
-	my ($path, $text) = @_;
-	open my $file, '>:raw', $path or die "$path: $!";
-	print $file $text;
-	close $file;
-	return $path;
-}
-
-sub get {
-	my ($path) = @_;
-	open my $file, '<:raw', $path or return undef;
-	local $/;
-	return <$file> // '';
-}
 
 sub arg {
 	my ($name, $type, $value, %more) = @_;

@@ -7,6 +7,8 @@ use warnings;
 use File::Copy 'copy';
 use File::Temp 'tempdir';
 use FindBin;
+use lib $FindBin::Bin;
+use ScriptTest qw(put get run);
 use Test::More;
 
 my $batch = $ENV{TAVRIN_BATCH};
@@ -15,33 +17,7 @@ my $dir = tempdir(CLEANUP => 1);
 delete @ENV{grep { /^TAVRN_/ } keys %ENV};
 $ENV{SOURCE_DATE_EPOCH} = 1763461491;
 
-sub put {
-	my ($path, $text) = @_;
-	open my $file, '>:raw', $path or die "$path: $!";
-	print $file $text;
-	close $file;
-}
-
-sub get {
-	my ($path) = @_;
-	open my $file, '<:raw', $path or return '';
-	local $/;
-	return <$file> // '';
-}
-
-# Runs tavrin-batch; gives its status, standard output and standard error.
-sub batch {
-	my (@words) = @_;
-	my $pid = fork // die;
-	if (!$pid) {
-		open STDIN, '<', '/dev/null';
-		open STDOUT, '>', "$dir/stdout";
-		open STDERR, '>', "$dir/stderr";
-		exec $batch, @words;
-	}
-	waitpid $pid, 0;
-	return ($? & 127 ? 'signal' : $? >> 8, get("$dir/stdout"), get("$dir/stderr"));
-}
+sub batch { run($batch, @_) }
 
 # ---------------------------------------------------------------- what there is
 

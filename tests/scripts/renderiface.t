@@ -5,7 +5,9 @@ use warnings;
 use File::Path 'make_path';
 use File::Temp 'tempdir';
 use FindBin;
+use lib $FindBin::Bin;
 use JSON::PP;
+use ScriptTest qw(put get);
 use Test::More;
 
 my $bin = "$FindBin::Bin/../../installation/mray/bin";
@@ -14,21 +16,6 @@ make_path("$dir/lib/glsl", "$dir/work dir");
 my $work = "$dir/work dir";
 delete @ENV{grep { /^TAVRN_/ } keys %ENV};
 @ENV{qw(TAVRN_LIB TAVRN_WORKDIR)} = ("$dir/lib", $work);
-
-sub put {
-	my ($path, $text) = @_;
-	open my $file, '>:raw', $path or die "$path: $!";
-	print $file $text;
-	close $file;
-	return $path;
-}
-
-sub get {
-	my ($path) = @_;
-	open my $file, '<:raw', $path or return undef;
-	local $/;
-	return <$file> // '';
-}
 
 put("$dir/lib/tavrn.def", "ext.shadersource .old\next.shadersource   .glsl # ours\n  ext.compiledshader .spirv\next.renderiface .rif\n");
 put("$dir/lib/glsl/scene.glsl", "in vec3 tvPosition;   // the point\nin vec2 tvUV;\nconst int LAMPS = 4;\n"

@@ -9,9 +9,9 @@
 #include "ui/desk/DeskPane.h"
 #include "ui/sliders/ArgumentEditor.h"
 #include "ui/sliders/ArgumentRow.h"
-#include "ui/sliders/OneLineField.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin {
 namespace {

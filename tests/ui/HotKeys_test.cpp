@@ -92,7 +92,7 @@ class HotKeys : public KeysTest, public testing::WithParamInterface<Place> {
     }
     void Press(const char* key) {
         FocusField();
-        ASSERT_EQ(QApplication::activeWindow(), &Window(GetParam().window));
+        ASSERT_TRUE(WaitUntil([this] { return QApplication::activeWindow() == &Window(GetParam().window); }));
         PressKeys(key);
         Settle();
     }

@@ -14,11 +14,11 @@
 #include "ui/sliders/ArgumentEditor.h"
 #include "ui/sliders/ArgumentRow.h"
 #include "ui/sliders/NumberField.h"
-#include "ui/sliders/OneLineField.h"
 #include "ui/sliders/SliderPane.h"
 #include "ui/support/DocumentsTest.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin {
 namespace {

@@ -13,4 +13,8 @@ inline QString Shown(const std::string& text) {
 // The bytes of a file name as the platform takes it, or of what the user typed.
 inline std::string Bytes(const QString& text) { return text.toStdString(); }
 
+// As the label of a button or a menu item, which would take '&' for the mark of a letter that presses it and
+// a tab for what separates the keys of a command.
+inline QString LiteralLabel(QString text) { return text.replace('&', "&&").replace('\t', ' '); }
+
 }  // namespace tavrin

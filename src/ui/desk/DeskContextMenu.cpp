@@ -35,7 +35,7 @@ QString ItemText(const QMenu& menu, const std::string& text) {
         if (c.category() == QChar::Other_Control) c = ' ';
     }
     const int widest = menu.screen()->availableSize().width() / 2;
-    return menu.fontMetrics().elidedText(shown, Qt::ElideMiddle, widest).replace('&', "&&");
+    return LiteralLabel(menu.fontMetrics().elidedText(shown, Qt::ElideMiddle, widest));
 }
 
 void AddHelp(QMenu& menu, const std::string& help) {

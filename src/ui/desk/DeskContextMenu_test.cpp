@@ -234,14 +234,14 @@ TEST_F(DeskContextMenu, TheMenuKeyOpensTheMenuOfWhatTheCursorIsOn) {
     const COpBox& box = PutLink(200, 300);
     Show();
     Click({20, 20});  // gives it the focus
-    ASSERT_EQ(QApplication::focusWidget(), pane.get());
+    ASSERT_TRUE(test::HasFocus(*pane));
     for (const QPoint& at : {QPoint(20, 20), TitleOf(box)}) {
         const QPoint global = pane->Desk().mapToGlobal(at);
         QCursor::setPos(global);
         ASSERT_TRUE(WaitUntil([&] { return QCursor::pos() == global; }));
         HandleEvents();
         QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5), pane->mapToGlobal(QPoint(5, 5)));
-        QApplication::sendEvent(QApplication::focusWidget(), &key);
+        QApplication::sendEvent(&test::FocusWidget(), &key);
         EXPECT_EQ(OpenMenu() != nullptr, at == TitleOf(box));
     }
     ASSERT_NE(OpenMenu(), nullptr);

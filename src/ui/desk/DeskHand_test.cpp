@@ -515,7 +515,7 @@ TEST_F(DeskHand, AClickTakesTheKeysFromAFieldBesideTheDesk) {
     field->setFocus();
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, pane->Desk().mapTo(&window, QPoint(40, 40)));
     EXPECT_FALSE(field->hasFocus());
-    EXPECT_TRUE(pane->hasFocus());
+    EXPECT_TRUE(test::HasFocus(*pane));
     pane->setParent(nullptr);
 }
 

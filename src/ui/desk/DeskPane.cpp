@@ -19,7 +19,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kWheelStep = 120;    // eighths of a degree in a notch
 constexpr int kNoFontStatus = -1;  // exit status where there is no font to be had
 
 // The wheel zooms wherever it is turned over the pane.
@@ -178,12 +177,9 @@ void DeskPane::Scroll(Qt::Orientation orientation, int sliderAction) {
 
 void DeskPane::wheelEvent(QWheelEvent* event) {
     event->accept();
-    const int turn = event->angleDelta().y();
-    if (turn == 0) return;  // sideways
-    if ((turn > 0) != (m_wheelTurn > 0)) m_wheelTurn = 0;
-    m_wheelTurn += turn;
-    for (; m_wheelTurn >= kWheelStep; m_wheelTurn -= kWheelStep) ViewChanged(m_view.Wheel(1));
-    for (; m_wheelTurn <= -kWheelStep; m_wheelTurn += kWheelStep) ViewChanged(m_view.Wheel(-1));
+    int notches = m_wheel.Turn(*event);
+    for (; notches > 0; --notches) ViewChanged(m_view.Wheel(1));
+    for (; notches < 0; ++notches) ViewChanged(m_view.Wheel(-1));
 }
 
 // The platform asks when the mouse goes down; here the menu comes when it goes up, from the widget.

@@ -15,6 +15,7 @@
 #include "ui/desk/DeskPainter.h"
 #include "ui/desk/DeskWidget.h"
 #include "ui/desk/PlainPen.h"
+#include "ui/windows/WheelNotches.h"
 
 class QScrollBar;
 
@@ -107,7 +108,7 @@ class DeskPane : public QWidget, private DeskView {
     bool m_showScrollBars = true;
     bool m_layoutDirty = true;  // every box is laid out on the next paint
     float m_lastZoom = 0;       // of the last paint
-    int m_wheelTurn = 0;        // eighths of a degree that have not made a step yet
+    WheelNotches m_wheel;
 };
 
 }  // namespace tavrin

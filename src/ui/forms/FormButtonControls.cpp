@@ -4,11 +4,13 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QStyleOptionButton>
 #include <algorithm>
 
+#include "ui/base/DocumentText.h"
+#include "ui/base/Text.h"
 #include "ui/forms/FormEdits.h"
 #include "ui/forms/FormSizes.h"
-#include "ui/sliders/DocumentText.h"
 
 namespace tavrin {
 
@@ -30,14 +32,26 @@ Qt::Alignment AlignmentOf(CFormLabel::Alignment alignment) {
     return Qt::AlignLeft;
 }
 
-// A button would take the sign for the letter that presses it.
-QString Caption(const std::string& text) { return Decoded(text).text.replace('&', "&&"); }
-
+template <typename Button = QPushButton>
 QPushButton* MakeButton(FormControl* control, const std::string& label) {
-    auto* button = new QPushButton(Caption(label), control);
+    auto* button = new Button(LiteralLabel(Decoded(label).text), control);
     button->setAutoDefault(false);
     return button;
 }
+
+// Alight while it is on: pressed alone, a button of a dark desktop looks like the others.
+class LedButton : public QPushButton {
+  public:
+    using QPushButton::QPushButton;
+
+  protected:
+    void initStyleOption(QStyleOptionButton* option) const override {
+        QPushButton::initStyleOption(option);
+        if (!isChecked()) return;
+        option->palette.setColor(QPalette::Button, palette().color(QPalette::Highlight));
+        option->palette.setColor(QPalette::ButtonText, palette().color(QPalette::HighlightedText));
+    }
+};
 
 // As large as its caption asks for, but not too small to be hit.
 QSize SizeOf(const QPushButton& button, const DialogUnits& units) {
@@ -74,7 +88,7 @@ FormButtonControl::FormButtonControl(QWidget* frame, CFormButton& button, const 
 }
 
 FormLedButtonControl::FormLedButtonControl(QWidget* frame, CFormLedButton& button, const FormNeeds& needs)
-    : FormControl(frame, button, needs), m_led(button), m_button(MakeButton(this, button.label)) {
+    : FormControl(frame, button, needs), m_led(button), m_button(MakeButton<LedButton>(this, button.label)) {
     m_button->setCheckable(true);
     m_button->resize(SizeOf(*m_button, Units()));
     connect(m_button, &QPushButton::clicked, this, [this](bool on) { Send(m_led.Click(on, Host())); });

@@ -6,21 +6,20 @@
 #include <QWheelEvent>
 #include <utility>
 
-#include "ui/sliders/DocumentText.h"
-
 namespace tavrin {
 
 FormList::FormList(QWidget* parent, const QString& name, std::function<void(int)> chosen)
     : QComboBox(parent) {
     setAccessibleName(name);
     setFocusPolicy(Qt::StrongFocus);  // not by the wheel
-    auto* view = new QListView(this);
-    view->setUniformItemSizes(true);  // a list may have very many lines
-    setView(view);
     connect(this, &QComboBox::activated, this, std::move(chosen));
 }
 
-void FormList::AddLine(const std::string& line) { addItem(Decoded(line).text); }
+// Without this each of the lines would be measured.
+void FormList::showPopup() {
+    if (auto* list = qobject_cast<QListView*>(view())) list->setUniformItemSizes(true);
+    QComboBox::showPopup();
+}
 
 void FormList::wheelEvent(QWheelEvent* event) {
     if (hasFocus()) {

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <QComboBox>
+#include <QStringListModel>
 #include <functional>
 #include <string>
 
 #include "forms/PresetList.h"
-#include "ui/sliders/OneLineField.h"
+#include "ui/base/DocumentText.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin {
 
@@ -19,16 +21,16 @@ class FormList : public QComboBox {
 
     template <typename Lines>
     void SetLines(const Lines& lines) {
-        for (const std::string& line : lines) AddLine(line);
+        QStringList shown;
+        for (const std::string& line : lines) shown << Decoded(line).text;
+        setModel(new QStringListModel(shown, this));  // a list may have very many lines
     }
+    void showPopup() override;
     // Shows the line of a list of presets that is selected, which is its caption.
     void Show(const PresetList& presets) { setCurrentIndex(presets.Selected()); }
 
   protected:
     void wheelEvent(QWheelEvent* event) override;
-
-  private:
-    void AddLine(const std::string& line);
 };
 
 // An edit box that shows what the option has become, such as "3.0" for "3", when the user leaves it, and not

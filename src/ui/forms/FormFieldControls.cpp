@@ -6,10 +6,11 @@
 #include <QPointer>
 #include <QPushButton>
 
+#include "ui/base/DocumentText.h"
+#include "ui/base/Text.h"
 #include "ui/dialogs/FileDialogs.h"
 #include "ui/forms/FormEdits.h"
 #include "ui/forms/FormSizes.h"
-#include "ui/sliders/DocumentText.h"
 
 namespace tavrin {
 
@@ -83,7 +84,7 @@ void FormXYFieldControl::Read() { m_field.ReadBoxes(m_first->Text(), m_second->T
 FormXYZFieldControl::FormXYZFieldControl(QWidget* frame, CFormXYZField& field, const FormNeeds& needs)
     : FormControl(frame, field, needs), m_field(field) {
     namespace sizes = form_sizes::xyzfield;
-    auto* box = new QGroupBox(Decoded(field.headingLabel).text.replace('&', "&&"), this);
+    auto* box = new QGroupBox(LiteralLabel(Decoded(field.headingLabel).text), this);
     Place(*box, {0, 0, sizes::kWidth, sizes::kHeight});
     for (size_t axis = 0; axis < m_edits.size(); ++axis) {
         const CFormXYZField::Axis& shown = field.axes[axis];

@@ -2,6 +2,7 @@
 #include "ui/forms/RenderOptionsWindow.h"
 
 #include <QAbstractScrollArea>
+#include <QScreen>
 #include <QScrollBar>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -9,13 +10,13 @@
 #include <utility>
 
 #include "ui/forms/FormFrameControl.h"
+#include "ui/windows/WheelNotches.h"
 
 namespace tavrin {
 
 namespace {
 
-constexpr int kLine = 10;        // pixels that a line scrolls
-constexpr int kWheelLine = 120;  // eighths of a degree
+constexpr int kLine = 10;  // pixels that a line scrolls
 
 // Scrolls the form by moving it.
 class FormArea : public QAbstractScrollArea {
@@ -40,15 +41,26 @@ class FormArea : public QAbstractScrollArea {
     void scrollContentsBy(int, int) override {
         m_form->move(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
     }
+    // The Tab key never leads out of sight.
+    bool focusNextPrevChild(bool next) override {
+        if (!QAbstractScrollArea::focusNextPrevChild(next)) return false;
+        const QWidget* focused = window()->focusWidget();
+        if (focused == nullptr || !m_form->isAncestorOf(focused)) return true;
+        const QRect place(focused->mapTo(m_form, QPoint(0, 0)), focused->size());
+        BringIntoView(*horizontalScrollBar(), place.left(), place.right(), viewport()->width());
+        BringIntoView(*verticalScrollBar(), place.top(), place.bottom(), viewport()->height());
+        return true;
+    }
     void wheelEvent(QWheelEvent* event) override {
         event->accept();
-        m_turned += event->angleDelta().y();
-        const int lines = m_turned / kWheelLine;
-        m_turned -= lines * kWheelLine;
-        verticalScrollBar()->setValue(verticalScrollBar()->value() - lines * kLine);
+        verticalScrollBar()->setValue(verticalScrollBar()->value() - m_wheel.Turn(*event) * kLine);
     }
 
   private:
+    // As little as shows the whole span, or its beginning where there is no room for that.
+    static void BringIntoView(QScrollBar& bar, int first, int last, int page) {
+        bar.setValue(std::min(std::max(bar.value(), last + 1 - page), first));
+    }
     void UpdateBars() {
         if (m_form == nullptr) return;
         const auto update = [](QScrollBar& bar, int content, int page) {
@@ -61,14 +73,16 @@ class FormArea : public QAbstractScrollArea {
     }
 
     QWidget* m_form = nullptr;
-    int m_turned = 0;
+    WheelNotches m_wheel;
 };
 
-// What the form asks for, or room for all of it with the bars.
+// What the form asks for, or room for all of it with the bars; never more than the screen has.
 QSize SizeOf(const CRenderOptionsEditor& form, const QWidget& content, const QAbstractScrollArea& area) {
     const int across = content.width() + area.verticalScrollBar()->sizeHint().width();
     const int down = content.height() + area.horizontalScrollBar()->sizeHint().height();
-    return {form.winWidth > 0 ? form.winWidth : across, form.winHeight > 0 ? form.winHeight : down};
+    const QSize wished(form.winWidth > 0 ? form.winWidth : across,
+                       form.winHeight > 0 ? form.winHeight : down);
+    return wished.boundedTo(area.screen()->availableSize());
 }
 
 }  // namespace

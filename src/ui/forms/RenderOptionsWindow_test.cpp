@@ -2,24 +2,22 @@
 // The form in its window: real keys and clicks, what lands in the options and what is sent.
 #include "ui/forms/RenderOptionsWindow.h"
 
-#include <QAbstractItemView>
+#include <gmock/gmock.h>
+
 #include <QAbstractScrollArea>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QLabel>
-#include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
-#include <QTest>
 #include <QWheelEvent>
 #include <memory>
 
 #include "forms/FormTestHost.h"
-#include "ui/base/Text.h"
 #include "ui/forms/FormButtonControls.h"
-#include "ui/forms/FormEdits.h"
 #include "ui/forms/FormFieldControls.h"
 #include "ui/forms/FormFrameControl.h"
-#include "ui/support/Windows.h"
+#include "ui/forms/FormHands.h"
 
 namespace tavrin {
 namespace {
@@ -29,8 +27,9 @@ using test::WaitUntil;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class RenderOptions : public test::FormTest {
+class RenderOptions : public test::FormTest, public test::FormHands {
   protected:
+    QWidget& FormWindow() override { return *window; }
     // The window of a form, with what was stored while it was read out of the way.
     void Show(const std::string& text) {
         EXPECT_TRUE(Read(text)) << sink.LastAlert();
@@ -44,38 +43,6 @@ class RenderOptions : public test::FormTest {
                           sent.push_back(action.to + "/" + action.message + "/" + action.argument);
                       }});
         test::ShowActive(*window);
-    }
-    template <typename Control>
-    std::vector<Control*> All() {
-        std::vector<Control*> all;
-        for (QWidget* widget : window->findChildren<QWidget*>()) {
-            if (auto* control = dynamic_cast<Control*>(widget)) all.push_back(control);
-        }
-        return all;
-    }
-    template <typename Control>
-    Control& The(size_t index = 0) {
-        return *All<Control>().at(index);
-    }
-    QPushButton& Button(const QString& text) {
-        for (QPushButton* button : All<QPushButton>()) {
-            if (button->text() == text && button->isVisible()) return *button;
-        }
-        throw std::logic_error("no button " + Bytes(text));
-    }
-    void TypeOver(QLineEdit& edit, const QString& text) {
-        test::GiveFocus(edit);
-        edit.selectAll();
-        QTest::keyClicks(&edit, text);
-    }
-    // The line of that number in the list that opens, by keys.
-    static void Choose(FormList& list, int index) {
-        test::GiveFocus(list);
-        list.showPopup();
-        ASSERT_TRUE(WaitUntil([&] { return list.view()->isVisible(); }));
-        list.view()->setCurrentIndex(list.model()->index(index, 0));
-        QTest::keyClick(list.view(), Qt::Key_Return);
-        ASSERT_TRUE(WaitUntil([&] { return !list.view()->isVisible(); }));
     }
     void LeaveTo(QWidget& other) { test::GiveFocus(other); }
 
@@ -116,8 +83,8 @@ TEST_F(RenderOptions, TheExampleStoresWhatIsChosenAndSendsItsActions) {
     EXPECT_EQ(host.stored, (Stored{{"RENDER_DEPTH", "4.0"}}));
     EXPECT_EQ(The<FormEdit>(0).text(), "4.0");
     EXPECT_EQ(The<FormList>().currentText(), "Depth");
-    QTest::mouseClick(&Button("Default"), Qt::LeftButton);
-    QTest::mouseClick(&Button("OK"), Qt::LeftButton);
+    Click("Default");
+    Click("OK");
     EXPECT_THAT(sent, ElementsAre("roe/use-defaults/", "form/render/render"));
 }
 
@@ -203,7 +170,7 @@ TEST_F(RenderOptions, InfoShowsTheHelpAsPlainTextUnderTheCaption) {
         "slower.\n\n> Much.\n}\n}\n"
         "xfield {\nenvname B\n}\n}\n");
     test::PressWhenBoxComes("OK");
-    QTest::mouseClick(&Button("Info..."), Qt::LeftButton);
+    Click("Info...");
     EXPECT_THAT(test::BoxesShown(), ElementsAre("Depth: More <b>is</b> slower.\n\n Much."));
     EXPECT_FALSE(All<QPushButton>().back()->isEnabled());  // there is nothing to tell
 }
@@ -219,6 +186,28 @@ TEST_F(RenderOptions, ALedButtonStoresItsStateAndSendsItPlainly) {
     QTest::mouseClick(&led, Qt::LeftButton);
     EXPECT_EQ(host.stored, (Stored{{"L", "yes"}, {"L", "no"}}));
     EXPECT_THAT(sent, ElementsAre("x/m/1", "x/m/0"));
+}
+
+TEST_F(RenderOptions, ALedButtonThatIsOnIsSeenInEveryPalette) {
+    Show(
+        "{\nledbutton {\nenvname A\nbuttonlabel On\nstate 1\n}\nledbutton {\nenvname B\nbuttonlabel "
+        "Off\nstate "
+        "0\n}\n}\n");
+    QPalette dark = window->palette();
+    for (const auto role : {QPalette::Window, QPalette::Button}) dark.setColor(role, QColor(53, 53, 53));
+    dark.setColor(QPalette::ButtonText, Qt::white);
+    for (const QPalette& palette : {window->palette(), dark}) {
+        window->setPalette(palette);
+        const auto ground = [this](const char* button) {
+            const QImage image = Button(button).grab().toImage();
+            return image.pixelColor(image.width() / 2, image.height() / 5);
+        };
+        const QColor on = ground("On");
+        const QColor off = ground("Off");
+        const int distance = std::abs(on.red() - off.red()) + std::abs(on.green() - off.green()) +
+                             std::abs(on.blue() - off.blue());
+        EXPECT_GT(distance, 60) << Bytes(on.name()) << " " << Bytes(off.name());
+    }
 }
 
 TEST_F(RenderOptions, AChooserStoresTheLineAndSendsIt) {
@@ -243,9 +232,9 @@ TEST_F(RenderOptions, AButtonSendsItsActionAndOneWithoutATargetNothing) {
     Show(
         "{\nbutton {\nbuttonlabel Go\nactionto form\nactionmsg render\nactionarg render\n}\nbutton "
         "{\nbuttonlabel Idle\n}\n}\n");
-    QTest::mouseClick(&Button("Idle"), Qt::LeftButton);
+    Click("Idle");
     EXPECT_THAT(sent, IsEmpty());
-    QTest::mouseClick(&Button("Go"), Qt::LeftButton);
+    Click("Go");
     EXPECT_THAT(sent, ElementsAre("form/render/render"));
 }
 
@@ -300,7 +289,7 @@ TEST_F(RenderOptions, AFileIsTakenAndItsDirectoryOfferedNextTime) {
             chooser.selectFile(Shown(files / "one.bmp"));
             QMetaObject::invokeMethod(&chooser, time == 0 ? "accept" : "reject");
         });
-        QTest::mouseClick(&Button("File..."), Qt::LeftButton);
+        Click("File...");
     }
     EXPECT_EQ(filters, QStringList({"All Files (*)", "Bitmap Images (*.bmp)", "SGI Images (*.sgi)"}));
     EXPECT_EQ(Bytes(directory), files.Path());
@@ -339,6 +328,30 @@ TEST_F(RenderOptions, BarsAreAlwaysThereAndScrollByLinesOfTenPixels) {
     EXPECT_EQ(The<FormRootControl>().geometry().bottom() + 1, area.viewport()->height());
 }
 
+TEST_F(RenderOptions, TheTabKeyBringsWhatItReachesIntoView) {
+    std::string text = "{\nwinwidth 150\nwinheight 120\n";
+    for (int i = 0; i < 10; ++i) text += "xfield {\nenvname A" + std::to_string(i) + "\n}\n";
+    Show(text + "}\n");
+    auto& area = *window->findChild<QAbstractScrollArea*>();
+    const auto isInView = [&](const QWidget& control) {
+        const QPoint corner = control.mapTo(area.viewport(), QPoint(0, 0));
+        return area.viewport()->rect().contains(corner) &&
+               area.viewport()->height() >= corner.y() + control.height();
+    };
+    test::GiveFocus(The<FormEdit>(0));
+    int reached = 0;
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+        for (int step = 0; step < 30; ++step) {
+            QWidget* focused = window->focusWidget();
+            QTest::keyClick(focused, key);
+            focused = window->focusWidget();
+            EXPECT_TRUE(isInView(*focused)) << Bytes(focused->accessibleName()) << " " << step;
+            if (focused == &The<FormEdit>(9)) ++reached;
+        }
+    }
+    EXPECT_GE(reached, 2);
+}
+
 TEST_F(RenderOptions, TheWheelScrollsAndChangesAListOnlyWhereItHasTheFocus) {
     std::string text = "{\nwinheight 120\nchooser {\nenvname C\nvalue b\nchoosercontents {\na\nb\nc\n}\n}\n";
     for (int i = 0; i < 20; ++i) text += "xfield {\nenvname A" + std::to_string(i) + "\n}\n";
@@ -359,6 +372,21 @@ TEST_F(RenderOptions, TheWheelScrollsAndChangesAListOnlyWhereItHasTheFocus) {
     turn(list);
     EXPECT_EQ(list.currentText(), "c");
     EXPECT_EQ(host.stored.back().second, "c");
+}
+
+TEST_F(RenderOptions, TheWindowIsNeverLargerThanTheScreen) {
+    Show("{\nwinwidth 1000000000\nwinheight 2147483647\nlabel {\nlabel a\n}\n}\n");
+    const QSize room = window->screen()->availableSize();
+    EXPECT_EQ(window->size(), room);
+    window.reset();
+    form.ClearAll(host);
+    form.winWidth = 0;
+    form.winHeight = 0;
+    Show("{\nlabel {\nlabel a\nresize false\nwidth 30000\nheight 30000\n}\n}\n");
+    EXPECT_EQ(window->size(), room);
+    auto& area = *window->findChild<QAbstractScrollArea*>();
+    EXPECT_EQ(area.horizontalScrollBar()->maximum(),
+              The<FormRootControl>().width() - area.viewport()->width());
 }
 
 TEST_F(RenderOptions, WhatAFailedSectionLeftStandsBelowTheRestOneBelowTheOther) {

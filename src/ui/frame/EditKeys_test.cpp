@@ -48,11 +48,11 @@ class EditKeysTest : public testing::Test {
     // By the Tab key, from whatever has the focus.
     void TabTo(QWidget* widget) {
         for (int press = 0; press < 20 && !widget->hasFocus(); ++press)
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        ASSERT_TRUE(widget->hasFocus());
+            QTest::keyClick(&test::FocusWidget(), Qt::Key_Tab);
+        ASSERT_TRUE(test::HasFocus(*widget));
     }
     // Pressed where the focus is.
-    void Press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+    void Press(Qt::Key key) { QTest::keyClick(&test::FocusWidget(), key); }
     // And it has the focus, somewhere in it.
     void ShowOther(QWidget& other) {
         test::ShowActive(other);

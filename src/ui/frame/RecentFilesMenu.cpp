@@ -6,7 +6,6 @@
 
 #include "app/RecentFiles.h"
 #include "ui/base/Text.h"
-#include "ui/library/OperatorMenus.h"
 
 namespace tavrin {
 
@@ -19,7 +18,7 @@ void RecentFilesMenu::Fill(QMenu& menu, QAction* end) {
     qDeleteAll(std::exchange(m_shown, {}));
     int number = 0;
     for (const std::string& path : m_files.List()) {
-        auto* file = new QAction(QString("&%1 %2").arg(++number).arg(LiteralLabel(path)), &menu);
+        auto* file = new QAction(QString("&%1 %2").arg(++number).arg(LiteralLabel(Shown(path))), &menu);
         QObject::connect(file, &QAction::triggered, &menu, [this, path] { Choose(path); });
         m_shown << file;
     }

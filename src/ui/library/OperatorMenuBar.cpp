@@ -5,6 +5,7 @@
 #include <QMenuBar>
 
 #include "library/OpRegistry.h"
+#include "ui/base/Text.h"
 
 namespace tavrin {
 
@@ -22,7 +23,7 @@ void OperatorMenuBar::Rebuild() {
     m_opMenuCount = 0;
     for (const OpMenuItem& item : m_registry.Root().items) {
         if (item.kind == OpMenuItem::Kind::kSeparator) continue;
-        QMenu* menu = m_bar.addMenu(LiteralLabel(item.label));
+        QMenu* menu = m_bar.addMenu(LiteralLabel(Shown(item.label)));
         if (item.submenu != nullptr) FillOperatorMenu(*menu, *item.submenu, m_choose);
         ++m_opMenuCount;
     }

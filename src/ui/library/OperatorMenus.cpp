@@ -35,10 +35,10 @@ void AddItems(QMenu& menu, const OpMenu& content, const OperatorChooser& choose)
                 menu.addSeparator();
                 break;
             case OpMenuItem::Kind::kSubmenu:
-                FillOperatorMenu(*menu.addMenu(LiteralLabel(item.label)), *item.submenu, choose);
+                FillOperatorMenu(*menu.addMenu(LiteralLabel(Shown(item.label))), *item.submenu, choose);
                 break;
             case OpMenuItem::Kind::kOperator:
-                QObject::connect(menu.addAction(LiteralLabel(item.label)), &QAction::triggered,
+                QObject::connect(menu.addAction(LiteralLabel(Shown(item.label))), &QAction::triggered,
                                  [id = item.id, choose] { SendOperatorCommand(id, choose); });
                 break;
         }
@@ -61,7 +61,5 @@ void FillOperatorMenu(QMenu& menu, const OpMenu& content, OperatorChooser choose
 void SendOperatorCommand(uint32_t id, const OperatorChooser& choose) {
     if (id <= COpRegistry::kLastId) choose(id);
 }
-
-QString LiteralLabel(const std::string& text) { return Shown(text).replace('&', "&&").replace('\t', ' '); }
 
 }  // namespace tavrin

@@ -26,7 +26,4 @@ void FillOperatorMenu(QMenu& menu, const OpMenu& content, OperatorChooser choose
 // Hands a command on. Those above COpRegistry::kLastId reach nobody, from wherever they come.
 void SendOperatorCommand(uint32_t id, const OperatorChooser& choose);
 
-// Text from a file as a menu item or a button shows it: '&' is no mnemonic, a tab separates no shortcut.
-QString LiteralLabel(const std::string& text);
-
 }  // namespace tavrin

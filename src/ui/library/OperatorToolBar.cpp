@@ -7,13 +7,13 @@
 #include <QComboBox>
 #include <QLocale>
 #include <QPushButton>
-#include <QTextDocument>
 #include <QWheelEvent>
 #include <algorithm>
 #include <utility>
 
 #include "library/OpRegistry.h"
 #include "text/Tokens.h"
+#include "ui/base/DocumentText.h"
 #include "ui/base/Text.h"
 #include "ui/library/OperatorMenus.h"
 
@@ -29,11 +29,6 @@ constexpr int kShaderTypeWidth = 75;
 constexpr int kShaderTypeOpenHeight = 200;
 constexpr int kButtonWidth = 100;
 constexpr int kGapWidth = 6;
-
-// Plain text as a tool tip, whatever marks it has in it.
-QString ToolTip(const QString& text) {
-    return Qt::mightBeRichText(text) ? "<qt>" + text.toHtmlEscaped() + "</qt>" : text;
-}
 
 void KeepWhole(QWidget& control, int width) {
     control.setMinimumWidth(std::max(width, control.sizeHint().width()));
@@ -180,8 +175,8 @@ void OperatorToolBar::DestroyOperatorButtons() {
 }
 
 void OperatorToolBar::AddOperatorButton(const COpEntry& entry) {
-    QPushButton* button =
-        AddButton("operator", LiteralLabel(entry.name), ToolTip("Add " + Shown(entry.name) + " to the desk"));
+    QPushButton* button = AddButton("operator", LiteralLabel(Shown(entry.name)),
+                                    PlainToolTip("Add " + Shown(entry.name) + " to the desk"));
     button->setEnabled(!m_locked);
     connect(button, &QPushButton::clicked, this,
             [this, id = entry.id] { SendOperatorCommand(id, m_needs.addOperator); });

@@ -284,8 +284,8 @@ TEST_F(ExportDlg, TheTabKeyGoesRowByRow) {
     Flag(0).setFocus();
     QStringList visited;
     for (int step = 0; step < 25; ++step) {
-        visited << QApplication::focusWidget()->accessibleName();
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        visited << test::FocusWidget().accessibleName();
+        QTest::keyClick(&test::FocusWidget(), Qt::Key_Tab);
     }
     QStringList expected;
     for (const QString& row : kRowNames) expected << row << row + " Path" << row + " File" << row + " Info";

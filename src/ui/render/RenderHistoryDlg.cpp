@@ -6,6 +6,7 @@
 #include <QWheelEvent>
 
 #include "ui/windows/FinderList.h"
+#include "ui/windows/WheelNotches.h"
 
 namespace tavrin {
 
@@ -23,21 +24,16 @@ class HistoryList : public FinderList {
 
   protected:
     void wheelEvent(QWheelEvent* event) override {
-        const int delta = event->angleDelta().y();
-        if (delta == 0) {
+        if (event->angleDelta().y() == 0) {
             FinderList::wheelEvent(event);
             return;
         }
-        if ((delta < 0) != (m_turned < 0)) m_turned = 0;
-        m_turned += delta;  // fine wheels tell of parts of a notch
-        const int notches = m_turned / QWheelEvent::DefaultDeltasPerStep;
-        m_turned -= notches * QWheelEvent::DefaultDeltasPerStep;
-        verticalScrollBar()->setValue(verticalScrollBar()->value() - notches);
+        verticalScrollBar()->setValue(verticalScrollBar()->value() - m_wheel.Turn(*event));
         event->accept();
     }
 
   private:
-    int m_turned = 0;  // eighths of a degree that made no notch yet
+    WheelNotches m_wheel;
 };
 
 }  // namespace

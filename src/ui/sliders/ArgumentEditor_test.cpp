@@ -283,13 +283,13 @@ TEST_F(ArgumentEditor, TabGoesThroughFlagNameAndCommentToTheNextRow) {
     std::vector<QWidget*> way;
     for (int press = 0; press < 5; ++press) {
         test::PressKeys("Tab");
-        way.push_back(QApplication::focusWidget());
+        way.push_back(&test::FocusWidget());
     }
     EXPECT_THAT(way, ElementsAre(&Flag(1), &Name(1), &Comment(1), &Flag(2), &Flag(0)));
     test::PressKeys("Shift+Tab");
-    EXPECT_EQ(QApplication::focusWidget(), &Flag(2));
+    EXPECT_TRUE(test::HasFocus(Flag(2)));
     test::PressKeys("Shift+Tab");
-    EXPECT_EQ(QApplication::focusWidget(), &Comment(1));
+    EXPECT_TRUE(test::HasFocus(Comment(1)));
 }
 
 TEST_F(ArgumentEditor, TabPastTheLastRowInViewScrolls) {
@@ -298,15 +298,15 @@ TEST_F(ArgumentEditor, TabPastTheLastRowInViewScrolls) {
     test::GiveFocus(Flag(0));
     for (size_t row = 1; row < 20; ++row) {
         test::PressKeys("Tab");
-        ASSERT_EQ(QApplication::focusWidget(), &Flag(row));
+        ASSERT_TRUE(test::HasFocus(Flag(row)));
         ASSERT_GE(RowAt(row).y(), 0);
         ASSERT_LE(RowAt(row).geometry().bottom(), Client().rect().bottom());
     }
     test::PressKeys("Tab");
-    EXPECT_EQ(QApplication::focusWidget(), &Flag(0));
+    EXPECT_TRUE(test::HasFocus(Flag(0)));
     EXPECT_EQ(editor.Rows().ScrollTop(), 0);
     test::PressKeys("Shift+Tab");
-    EXPECT_EQ(QApplication::focusWidget(), &Flag(19));
+    EXPECT_TRUE(test::HasFocus(Flag(19)));
     EXPECT_EQ(RowAt(19).Button(), box.inputs[19].get());
     ExpectInStep();
 }
@@ -318,7 +318,7 @@ TEST_F(ArgumentEditor, WhatIsTypedIntoARowOutOfViewBringsItBack) {
     test::GiveFocus(Name(2));
     test::PressKeys("k");
     Bar().setValue(Bar().maximum());
-    EXPECT_TRUE(Name(2).hasFocus()) << "scrolling takes the focus from nobody";
+    EXPECT_TRUE(test::HasFocus(Name(2))) << "scrolling takes the focus from nobody";
     EXPECT_LT(RowAt(2).geometry().bottom(), 0);
     ExpectInStep();
     test::PressKeys("a");
@@ -334,18 +334,18 @@ TEST_F(ArgumentEditor, ArrowsGoDownAndUpTheColumnAndPageKeysScroll) {
     ShowRows(4);
     test::GiveFocus(Name(1));
     test::PressKeys("Down");
-    EXPECT_EQ(QApplication::focusWidget(), &Name(9));
+    EXPECT_TRUE(test::HasFocus(Name(9)));
     EXPECT_EQ(RowAt(9).geometry().bottom(), Client().rect().bottom());
     test::PressKeys("Down");
-    EXPECT_EQ(QApplication::focusWidget(), &Name(9));
+    EXPECT_TRUE(test::HasFocus(Name(9)));
     test::PressKeys("Up");
-    EXPECT_EQ(QApplication::focusWidget(), &Name(1));
+    EXPECT_TRUE(test::HasFocus(Name(1)));
     const int before = editor.Rows().ScrollTop();
     test::PressKeys("PgDown");
     EXPECT_EQ(editor.Rows().ScrollTop(), before + 4 * editor.Rows().RowHeight());
     test::PressKeys("PgUp");
     EXPECT_EQ(editor.Rows().ScrollTop(), before);
-    EXPECT_TRUE(Name(1).hasFocus());
+    EXPECT_TRUE(test::HasFocus(Name(1)));
     ExpectInStep();
 }
 
@@ -369,7 +369,7 @@ class ArgumentTyping : public ArgumentEditor {
         CArgumentRow* row = RowOf(Input());
         ASSERT_NE(row, nullptr);
         auto& name = static_cast<OneLineField&>(row->Control(Field::kName));
-        EXPECT_TRUE(name.hasFocus());
+        EXPECT_TRUE(test::HasFocus(name));
         EXPECT_EQ(name.cursorPosition(), 2);
         test::PressKeys("x");
         EXPECT_EQ(Input().argname, "onxe");
@@ -407,7 +407,7 @@ TEST_F(ArgumentTyping, EachKeyIsAnEditThatCanBeUndoneInTheField) {
 
 TEST_F(ArgumentTyping, AnInputThatIsNoArgumentAnyMoreGivesTheFocusToItsFlag) {
     SetArg(Input(), 0);
-    EXPECT_TRUE(Flag(2).hasFocus());
+    EXPECT_TRUE(test::HasFocus(Flag(2)));
     EXPECT_EQ(Input().argname, "one");
     ExpectInStep();
 }
@@ -427,7 +427,7 @@ TEST_F(ArgumentTyping, ABoxThatGoesIsWrittenToNoMore) {
     }
     ExpectInStep();
     test::PressKeys("Tab");
-    EXPECT_TRUE(Flag(0).hasFocus());
+    EXPECT_TRUE(test::HasFocus(Flag(0)));
 }
 
 TEST_F(ArgumentTyping, AWireIntoItsOwnInputEndsIt) {

@@ -8,10 +8,10 @@
 
 #include "document/TvDoc.h"
 #include "sliders/ArgumentEdits.h"
+#include "ui/base/DocumentText.h"
 #include "ui/base/Text.h"
-#include "ui/sliders/DocumentText.h"
-#include "ui/sliders/OneLineField.h"
 #include "ui/windows/DialogUnits.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin {
 
@@ -105,8 +105,7 @@ void CArgumentRow::Refresh() {
 
 void CArgumentRow::ShowCaption() {
     const QString elided = Elided(*m_flag, m_caption);
-    QString label = elided;
-    label.replace("&", "&&");
+    const QString label = LiteralLabel(elided);
     if (label != m_flag->text()) m_flag->setText(label);
     m_flag->setToolTip(elided == m_caption ? QString() : PlainToolTip(m_caption));
 }

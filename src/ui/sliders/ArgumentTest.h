@@ -12,8 +12,8 @@
 #include "ui/base/Text.h"
 #include "ui/sliders/ArgumentEditor.h"
 #include "ui/sliders/ArgumentRow.h"
-#include "ui/sliders/OneLineField.h"
 #include "ui/support/Windows.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin::test {
 

@@ -149,7 +149,7 @@ TEST_F(ColorPickerWindow, TheTabKeyGoesThroughHueSaturationLightnessRedGreenBlue
     test::GiveFocus(Field("Hue"));
     QStringList names;
     for (int i = 0; i < 8; ++i) {
-        auto* control = QApplication::focusWidget();
+        auto* control = &test::FocusWidget();
         ASSERT_NE(control, nullptr);
         names << (control == &Ok() ? "OK" : control->accessibleName());
         QTest::keyClick(control, Qt::Key_Tab);

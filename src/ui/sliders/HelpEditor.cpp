@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 
 #include "document/TvDoc.h"
-#include "ui/sliders/DocumentText.h"
+#include "ui/base/DocumentText.h"
 
 namespace tavrin {
 

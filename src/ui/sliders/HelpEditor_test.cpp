@@ -73,7 +73,7 @@ TEST_F(HelpEditor, EnterAndTabAreText) {
     QTest::keyClick(edit, Qt::Key_Return, Qt::ShiftModifier);
     QTest::keyClicks(edit, "c");
     EXPECT_EQ(Help(), "a\r\n\tb\r\nc");
-    EXPECT_TRUE(edit->hasFocus());
+    EXPECT_TRUE(test::HasFocus(*edit));
 }
 
 TEST_F(HelpEditor, TheCaretAndTheUndoStepsStayWhenTheTextIsTheSame) {

@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QtMath>
 
-#include "ui/sliders/DocumentText.h"
+#include "ui/base/DocumentText.h"
 
 namespace tavrin {
 

@@ -32,7 +32,7 @@ CNumberSpin::CNumberSpin(QWidget* parent, const QString& name, std::function<voi
     : QWidget(parent), m_callback(std::move(callback)), m_range(range), m_value(range.min) {
     m_field = new NumberField(this, name,
                               {.typed = [this] { ReadText(); },
-                               .left = [this] { Leave(); },
+                               .left = [this] { ShowValue(); },
                                .stepped = [this](double steps) { Step(steps); }});
     setFocusProxy(m_field);
     auto* arrows = new QVBoxLayout;
@@ -101,9 +101,7 @@ void CNumberSpin::wheelEvent(QWheelEvent* event) {
         event->ignore();
         return;
     }
-    m_turned += event->angleDelta().y();
-    const int notches = m_turned / QWheelEvent::DefaultDeltasPerStep;
-    m_turned -= notches * QWheelEvent::DefaultDeltasPerStep;
+    const int notches = m_wheel.Turn(*event);
     event->accept();
     const bool isCoarse = event->modifiers().testFlag(Qt::ShiftModifier);
     if (notches != 0) Step(isCoarse ? notches * kCoarse : notches);
@@ -131,8 +129,6 @@ float CNumberSpin::ValueAt(int position) const {
     const double length = static_cast<double>(m_range.max) - static_cast<double>(m_range.min);
     return static_cast<float>(length * position / m_range.steps + static_cast<double>(m_range.min));
 }
-
-void CNumberSpin::Leave() { ShowValue(); }
 
 void CNumberSpin::ShowValue() { m_field->ShowNumber(m_value); }
 

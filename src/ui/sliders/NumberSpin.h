@@ -6,6 +6,8 @@
 #include <functional>
 #include <utility>
 
+#include "ui/windows/WheelNotches.h"
+
 class QToolButton;
 class QWheelEvent;
 
@@ -47,7 +49,6 @@ class CNumberSpin : public QWidget {
     void Step(double steps);
     int Position() const;
     float ValueAt(int position) const;
-    void Leave();
     void ShowValue();
     void Tell();
 
@@ -55,7 +56,7 @@ class CNumberSpin : public QWidget {
     const SpinRange m_range;
     float m_value;
     NumberField* m_field;  // a child
-    int m_turned = 0;      // eighths of a degree by which the wheel was turned that make no step yet
+    WheelNotches m_wheel;
     bool m_isTelling = false;
 };
 

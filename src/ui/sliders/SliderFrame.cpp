@@ -6,11 +6,12 @@
 #include <QToolButton>
 #include <algorithm>
 
+#include "sliders/ArgumentEdits.h"
+#include "ui/base/DocumentText.h"
 #include "ui/base/Text.h"
 #include "ui/icons/Icons.h"
-#include "ui/sliders/DocumentText.h"
 #include "ui/sliders/NameLabel.h"
-#include "ui/sliders/OneLineField.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin {
 
@@ -151,11 +152,7 @@ void CSliderFrame::StoreComments(const std::string& text) {
     COpButton* button = m_button.Get();
     if (button == nullptr) return;
     m_isReading = true;
-    {
-        const EditScope edit(m_needs.document, "Comment");
-        m_needs.document.edits.ButtonTuned(*button);
-        button->comments = text;
-    }
+    SetComment(m_needs.document, *button, text);
     m_isReading = false;
 }
 

@@ -11,7 +11,6 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kWheelLine = 120;  // eighths of a degree
 constexpr int kLinesToAPage = 8;
 constexpr int kLeastLine = 16;  // pixels
 
@@ -57,10 +56,15 @@ CSliderFrame* SliderPane::BringIntoView(const COpButton& button) {
     if (place < 0) return nullptr;
     const int top = m_tops[static_cast<size_t>(place)];
     const int bottom = m_tops[static_cast<size_t>(place) + 1];
+    ScrollTo(top, bottom);
+    return FrameOf(button);
+}
+
+// As little as brings a span of the content into view; its top, where it is too high for that.
+void SliderPane::ScrollTo(int top, int bottom) {
     QScrollBar& bar = *verticalScrollBar();
     if (bottom > bar.value() + viewport()->height()) bar.setValue(bottom - viewport()->height());
     if (top < bar.value()) bar.setValue(top);
-    return FrameOf(button);
 }
 
 void SliderPane::PlaceFrames() {
@@ -158,14 +162,8 @@ QWidget* SliderPane::TabStopBefore(size_t place) const {
 
 void SliderPane::FollowFocus(QWidget* widget) {
     if (widget == nullptr || !viewport()->isAncestorOf(widget)) return;
-    const int top = widget->mapTo(viewport(), QPoint(0, 0)).y();
-    const int bottom = top + widget->height();
-    QScrollBar& bar = *verticalScrollBar();
-    if (top < 0) {
-        bar.setValue(bar.value() + top);
-    } else if (bottom > viewport()->height()) {
-        bar.setValue(bar.value() + bottom - viewport()->height());
-    }
+    const int top = widget->mapTo(m_content, QPoint(0, 0)).y();
+    ScrollTo(top, top + widget->height());
 }
 
 // The mouse has not moved, so that no frame hears of it.
@@ -204,15 +202,10 @@ void SliderPane::scrollContentsBy(int, int) {
 
 void SliderPane::wheelEvent(QWheelEvent* event) {
     event->accept();
-    const int turn = event->angleDelta().y();
-    if (turn == 0) return;  // sideways
-    if ((turn > 0) != (m_wheelTurn > 0)) m_wheelTurn = 0;
-    m_wheelTurn += turn;
     QScrollBar& bar = *verticalScrollBar();
-    for (; m_wheelTurn >= kWheelLine; m_wheelTurn -= kWheelLine)
-        bar.triggerAction(QAbstractSlider::SliderSingleStepSub);
-    for (; m_wheelTurn <= -kWheelLine; m_wheelTurn += kWheelLine)
-        bar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    int notches = m_wheel.Turn(*event);
+    for (; notches > 0; --notches) bar.triggerAction(QAbstractSlider::SliderSingleStepSub);
+    for (; notches < 0; ++notches) bar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
 }
 
 }  // namespace tavrin

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ui/sliders/SliderFrame.h"
+#include "ui/windows/WheelNotches.h"
 
 namespace tavrin {
 
@@ -44,6 +45,7 @@ class SliderPane : public QAbstractScrollArea, private SliderView {
     size_t PlaceAt(int y) const;
     CSliderFrame& MakeWindow(size_t place);
     QWidget* TabStopBefore(size_t place) const;
+    void ScrollTo(int top, int bottom);
     void FollowFocus(QWidget* widget);
     void ShowHelpUnder(QPoint global);
     void UpdateScrollSizes();
@@ -55,7 +57,7 @@ class SliderPane : public QAbstractScrollArea, private SliderView {
     std::vector<int> m_tops;  // of the frames, and the end of the last; pixels
     std::unordered_map<uint64_t, CSliderFrame*> m_windows;  // by the button's serial number
     QMetaObject::Connection m_focusChanges;
-    int m_wheelTurn = 0;  // eighths of a degree that have not made a line yet
+    WheelNotches m_wheel;
 };
 
 }  // namespace tavrin

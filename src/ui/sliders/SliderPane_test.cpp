@@ -121,25 +121,25 @@ TEST_F(SliderColumn, TabGoesThroughEveryControlInTheOrderOfTheColumn) {
     test::GiveFocus(Comments(*box.inputs.at(0)));
     std::vector<std::string> names;
     for (int i = 0; i < 10; ++i) {
-        names.push_back(Bytes(QApplication::focusWidget()->accessibleName()));
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        names.push_back(Bytes(test::FocusWidget().accessibleName()));
+        QTest::keyClick(&test::FocusWidget(), Qt::Key_Tab);
     }
     EXPECT_THAT(names, ElementsAre("Comments", "Stow", "Pin", "Lock", "Min", "Max", "Value", "", "Value",
                                    "Comments"));
-    EXPECT_TRUE(FrameOf(*box.inputs.at(1)).isAncestorOf(QApplication::focusWidget()));
+    EXPECT_TRUE(FrameOf(*box.inputs.at(1)).isAncestorOf(&test::FocusWidget()));
     // And on through frames that had no window when it began, which come into view.
     for (const auto& input : box.inputs) {
         if (input == box.inputs.at(0) || input == box.inputs.at(1)) continue;
-        for (int i = 0; i < 9; ++i) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QWidget& focus = *QApplication::focusWidget();
+        for (int i = 0; i < 9; ++i) QTest::keyClick(&test::FocusWidget(), Qt::Key_Tab);
+        QWidget& focus = test::FocusWidget();
         CSliderFrame* frame = pane->FrameOf(*input);
         ASSERT_NE(frame, nullptr);
         ASSERT_TRUE(frame->isAncestorOf(&focus)) << input->name;
         ASSERT_TRUE(pane->viewport()->rect().contains(
             QRect(focus.mapTo(pane->viewport(), QPoint(0, 0)), focus.size())));
     }
-    for (int i = 0; i < 9; ++i) QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
-    EXPECT_TRUE(FrameOf(*box.inputs.at(28)).isAncestorOf(QApplication::focusWidget()));
+    for (int i = 0; i < 9; ++i) QTest::keyClick(&test::FocusWidget(), Qt::Key_Backtab);
+    EXPECT_TRUE(FrameOf(*box.inputs.at(28)).isAncestorOf(&test::FocusWidget()));
 }
 
 TEST_F(SliderColumn, TheHelpOfWhatIsUnderTheMouseIsInTheStatusBox) {
@@ -296,7 +296,7 @@ TEST_F(SliderColumn, FramesThatStayKeepTheirWindowsWhateverComesAboveThem) {
     EXPECT_EQ(pane->FrameOf(*box.inputs.at(0)), &frame);
     EXPECT_GT(frame.y(), 0);
     EXPECT_EQ(Comments(*box.inputs.at(0)).cursorPosition(), caret);
-    EXPECT_TRUE(Comments(*box.inputs.at(0)).hasFocus());
+    EXPECT_TRUE(test::HasFocus(Comments(*box.inputs.at(0))));
 }
 
 TEST_F(SliderColumn, ADocumentThatIsReadWhileAFieldIsTypedInTakesTheFramesAlong) {

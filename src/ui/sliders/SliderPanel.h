@@ -59,22 +59,12 @@ class SliderPanel : public QWidget {
     // Does a change of the value as one edit.
     template <typename Work>
     void Edit(Work work) {
-        COpButton* button = Button();
-        if (button == nullptr) return;
-        const Editing editing(*this);
-        const EditScope edit(m_needs.document, kAct);
-        m_needs.document.edits.ButtonTuned(*button);
-        work();
+        EditNoted(&Edits::ButtonTuned, work);
     }
     // Does one that leaves the document unmodified if it was.
     template <typename Work>
     void EditUnmarked(Work work) {
-        COpButton* button = Button();
-        if (button == nullptr) return;
-        const Editing editing(*this);
-        const EditScope edit(m_needs.document, kAct);
-        m_needs.document.edits.ButtonTunedUnmarked(*button);
-        work();
+        EditNoted(&Edits::ButtonTunedUnmarked, work);
     }
     // While a mouse drags, all that is edited is one edit.
     void HoldEdit(bool holds);
@@ -99,6 +89,16 @@ class SliderPanel : public QWidget {
       private:
         SliderPanel& m_panel;
     };
+
+    template <typename Work>
+    void EditNoted(void (Edits::*note)(COpButton&), Work& work) {
+        COpButton* button = Button();
+        if (button == nullptr) return;
+        const Editing editing(*this);
+        const EditScope edit(m_needs.document, kAct);
+        (m_needs.document.edits.*note)(*button);
+        work();
+    }
 
     LiveRef<COpButton> m_button;
     const SliderNeeds& m_needs;

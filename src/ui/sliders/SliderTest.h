@@ -19,10 +19,10 @@
 #include "support/TestHost.h"
 #include "ui/base/Text.h"
 #include "ui/sliders/NumberField.h"
-#include "ui/sliders/OneLineField.h"
 #include "ui/sliders/SliderPane.h"
 #include "ui/sliders/ValueSlider.h"
 #include "ui/support/Windows.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin::test {
 

@@ -11,16 +11,13 @@
 #include "site/Site.h"
 #include "ui/base/Text.h"
 #include "ui/dialogs/FileDialogs.h"
-#include "ui/sliders/OneLineField.h"
+#include "ui/windows/OneLineField.h"
 
 namespace tavrin {
 
 namespace {
 
 constexpr const char* kSeparatorOption = "_SEPARATOR_";
-
-// A menu would take the sign for the letter that chooses the item.
-QString ItemText(const std::string& option) { return Shown(option).replace('&', "&&"); }
 
 std::string WithSlashes(std::string path) {
     std::replace(path.begin(), path.end(), '\\', '/');
@@ -66,7 +63,7 @@ void TextPanel::OpenOptions() {
         if (option == kSeparatorOption) {
             menu.addSeparator();
         } else {
-            menu.addAction(ItemText(option))->setData(QByteArray::fromStdString(option));
+            menu.addAction(LiteralLabel(Shown(option)))->setData(QByteArray::fromStdString(option));
         }
     }
     menu.setSeparatorsCollapsible(false);

@@ -80,8 +80,9 @@ void ClickOnToolBar(QMainWindow& frame, const char* toolBar, QAction& action) {
 }
 
 void PressKeys(const QString& keys) {
+    ASSERT_TRUE(WaitUntil([] { return QGuiApplication::focusWindow() != nullptr; }))
+        << "no window of the program has the focus";
     QWindow* window = QGuiApplication::focusWindow();
-    ASSERT_NE(window, nullptr) << "no window of the program has the focus";
     const QKeySequence sequence(keys);
     ASSERT_EQ(sequence.count(), 1) << Bytes(keys);
     QTest::keyClick(window, sequence[0].key(), sequence[0].keyboardModifiers());

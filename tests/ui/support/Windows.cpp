@@ -17,7 +17,10 @@
 #include <QScreen>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 #include <deque>
+#include <memory>
+#include <stdexcept>
 
 #include "support/Patience.h"
 #include "ui/base/Text.h"
@@ -61,55 +64,6 @@ void OnToolkitMessage(QtMsgType type, const QMessageLogContext&, const QString& 
     ADD_FAILURE() << "the toolkit warns: " << Bytes(message);
 }
 
-// Each test begins and ends without windows, and with the hand off the mouse: the events of the tests after
-// it would say that the button is down.
-class NothingIsLeft : public testing::EmptyTestEventListener {
-    void OnTestStart(const testing::TestInfo&) override {
-        g_answers.clear();
-        g_boxes.clear();
-        QTestPrivate::qtestMouseButtons = Qt::NoButton;
-    }
-    void OnTestEnd(const testing::TestInfo&) override {
-        EXPECT_TRUE(g_answers.empty()) << g_answers.size() << " dialogs that were expected did not come";
-        g_answers.clear();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        for (const QWidget* widget : QApplication::topLevelWidgets()) {
-            if (widget->inherits("QDesktopWidget") || widget->inherits("QTipLabel")) continue;
-            ADD_FAILURE() << "a window was left behind: " << widget->metaObject()->className() << " \""
-                          << Bytes(widget->windowTitle()) << "\"";
-        }
-    }
-};
-
-}  // namespace
-
-void WatchToolkit() {
-    qInstallMessageHandler(OnToolkitMessage);
-    static DialogWatcher watcher;
-    qApp->installEventFilter(&watcher);
-    testing::UnitTest::GetInstance()->listeners().Append(new NothingIsLeft);
-}
-
-bool WaitUntil(const std::function<bool()>& condition) {
-    QElapsedTimer clock;
-    clock.start();
-    QTimer wakeUp;  // a condition may come true without any event
-    wakeUp.start(10);
-    while (!condition()) {
-        if (clock.elapsed() > kPatienceInMs) return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return true;
-}
-
-bool WaitUntilSeen(QWidget& window) { return QTest::qWaitForWindowExposed(&window, kPatienceInMs); }
-
-void HandleEvents() {
-    for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
-}
-
-namespace {
-
 // Asks the window manager for a window to be the active one, again and again until it is.
 class Activation {
   public:
@@ -144,7 +98,93 @@ class Activation {
     std::unique_ptr<QWidget> m_aside;
 };
 
+// Under load the window manager may take the focus from a window and give it back so late that the toolkit
+// takes the program for left; and sometimes it then never hears of the return. Nobody works beside the tests,
+// so the window that had the focus last gets it back, as long as it is there.
+class FocusKeeper : public QObject {
+  public:
+    FocusKeeper() {
+        m_ask.setInterval(kAskAgainInMs);
+        connect(&m_ask, &QTimer::timeout, this, [this] { Ask(); });
+        connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* window) {
+            if (window != nullptr) m_last = QWidget::find(window->winId());
+            if (window == nullptr) m_ask.start();
+        });
+    }
+    void Forget() {
+        m_ask.stop();
+        m_activation.reset();
+        m_last.clear();
+    }
+
+  private:
+    void Ask() {
+        const bool isThere = m_last != nullptr && m_last->isVisible() && !m_last->isMinimized();
+        if (!isThere || (QGuiApplication::focusWindow() != nullptr && m_activation == nullptr)) {
+            m_activation.reset();
+            m_ask.stop();
+            return;
+        }
+        if (m_activation == nullptr) m_activation = std::make_unique<Activation>(*m_last);
+        if (m_activation->IsDone()) m_activation.reset();
+    }
+
+    QPointer<QWidget> m_last;
+    QTimer m_ask;
+    std::unique_ptr<Activation> m_activation;
+};
+FocusKeeper* g_focus = nullptr;
+
+// Each test begins and ends without windows, and with the hand off the mouse: the events of the tests after
+// it would say that the button is down.
+class NothingIsLeft : public testing::EmptyTestEventListener {
+    void OnTestStart(const testing::TestInfo&) override {
+        g_answers.clear();
+        g_boxes.clear();
+        g_focus->Forget();
+        QTestPrivate::qtestMouseButtons = Qt::NoButton;
+    }
+    void OnTestEnd(const testing::TestInfo&) override {
+        EXPECT_TRUE(g_answers.empty()) << g_answers.size() << " dialogs that were expected did not come";
+        g_answers.clear();
+        g_focus->Forget();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        for (const QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->inherits("QDesktopWidget") || widget->inherits("QTipLabel")) continue;
+            ADD_FAILURE() << "a window was left behind: " << widget->metaObject()->className() << " \""
+                          << Bytes(widget->windowTitle()) << "\"";
+        }
+    }
+};
+
 }  // namespace
+
+void WatchToolkit() {
+    qInstallMessageHandler(OnToolkitMessage);
+    static DialogWatcher watcher;
+    qApp->installEventFilter(&watcher);
+    static FocusKeeper focus;
+    g_focus = &focus;
+    testing::UnitTest::GetInstance()->listeners().Append(new NothingIsLeft);
+}
+
+bool WaitUntil(const std::function<bool()>& condition) {
+    QElapsedTimer clock;
+    clock.start();
+    QTimer wakeUp;  // a condition may come true without any event
+    wakeUp.start(10);
+    while (!condition()) {
+        if (clock.elapsed() > kPatienceInMs) return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+bool WaitUntilSeen(QWidget& window) { return QTest::qWaitForWindowExposed(&window, kPatienceInMs); }
+
+void HandleEvents() {
+    for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
+}
 
 void ShowActive(QWidget& window) {
     window.show();
@@ -162,6 +202,16 @@ void GiveFocus(QWidget& widget) {
         widget.setFocus();
         return widget.hasFocus();
     }));
+}
+
+bool HasFocus(const QWidget& widget) {
+    return WaitUntil([&] { return widget.hasFocus(); });
+}
+
+QWidget& FocusWidget() {
+    if (!WaitUntil([] { return QApplication::focusWidget() != nullptr; }))
+        throw std::logic_error("nothing has the focus");
+    return *QApplication::focusWidget();
 }
 
 bool HoverUntil(QWidget& widget, QPoint at, const std::function<bool()>& condition) {

@@ -32,6 +32,12 @@ void ShowActive(QWidget& window);
 // another window may take that away again, so both are asked for until they stand.
 void GiveFocus(QWidget& widget);
 
+// Whether the widget has the focus, or gets it back when late word of the window manager has taken it from
+// the whole program. To be asked of what should have it.
+bool HasFocus(const QWidget& widget);
+// What has the focus, in the same way.
+QWidget& FocusWidget();
+
 // Moves the mouse to a place in the widget from elsewhere in its window, again and again until the condition
 // holds: late word of where the real mouse is, as when a window comes up under it, undoes one such move.
 // False if it does not come to hold.

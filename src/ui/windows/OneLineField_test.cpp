@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/sliders/OneLineField.h"
+#include "ui/windows/OneLineField.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

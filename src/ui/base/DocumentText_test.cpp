@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/sliders/DocumentText.h"
+#include "ui/base/DocumentText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/sliders/OneLineField.h"
+#include "ui/windows/OneLineField.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/sliders/DocumentText.h"
+#include "ui/base/DocumentText.h"
 
 namespace tavrin {
 
