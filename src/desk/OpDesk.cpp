@@ -205,7 +205,8 @@ void COpDesk::FollowSwap(const Change& change) {
     if (isGone(m_selectedButton)) m_selectedButton = nullptr;
     if (isGone(m_mouseButton)) m_mouseButton = nullptr;
     if (!COpBox::IsLive(m_mouseBox)) m_mouseBox = nullptr;
-    std::erase_if(m_selectedConnects, [&](const COpButton* input) { return isGone(input) || input->connections.Empty(); });
+    std::erase_if(m_selectedConnects,
+                  [&](const COpButton* input) { return isGone(input) || input->connections.Empty(); });
 }
 
 // The factor on the anchor is as the desk has always behaved: at a zoom other than 1 a dragged box is seen

@@ -85,7 +85,8 @@ class COpDesk {
                AnyBoxSelected();
     }
 
-    // Through the document's history, if it keeps one; not while an edit goes on. What waits under the mouse is destroyed.
+    // Through the document's history, if it keeps one; not while an edit goes on. What waits under the mouse
+    // is destroyed.
     bool CanUndo() const;
     bool CanRedo() const;
     void Undo();

@@ -98,7 +98,8 @@ void EditHistory::Commit(const Change& change) {
             if (ButtonShadow* shadow = FindShadow(*button)) RecordButton(*shadow, step);
         }
     }
-    if (change.wires || !step.present.empty() || !step.absent.empty() || !step.inputs.empty()) RecordWires(step);
+    if (change.wires || !step.present.empty() || !step.absent.empty() || !step.inputs.empty())
+        RecordWires(step);
     if (change.options) RecordOptions(step);
     if (change.settings) RecordSettings(step);
     m_leavingBoxes.clear();  // those that came and went within the act
@@ -139,8 +140,9 @@ void EditHistory::RecordBox(COpBox& box, Step& step) {
 }
 
 void EditHistory::RecordInputs(COpBox& box, BoxShadow& shadow, Step& step) {
-    const bool isSame = std::equal(box.inputs.begin(), box.inputs.end(), shadow.inputs.begin(), shadow.inputs.end(),
-                                   [](const auto& own, const ButtonShadow& known) { return own.get() == known.button; });
+    const bool isSame =
+        std::equal(box.inputs.begin(), box.inputs.end(), shadow.inputs.begin(), shadow.inputs.end(),
+                   [](const auto& own, const ButtonShadow& known) { return own.get() == known.button; });
     if (isSame) return;
     InputsChange change{&box, {}, {}};
     std::unordered_map<const COpButton*, ButtonShadow> known;
@@ -173,7 +175,8 @@ void EditHistory::RecordWires(Step& step) {
         for (auto* side : {&shadow.inputs, &shadow.outputs}) {
             for (ButtonShadow& button : *side) {
                 const COpButton& now = *button.button;
-                if (now.connections == button.wires.connections && now.NamedBy() == button.wires.namedBy) continue;
+                if (now.connections == button.wires.connections && now.NamedBy() == button.wires.namedBy)
+                    continue;
                 step.wires.push_back({button.button, std::exchange(button.wires, now.Wires())});
             }
         }
@@ -235,7 +238,8 @@ bool EditHistory::Joins(const Step& step) const {
     if (!last.joins || last.act != step.act || last.HasNetwork() || step.HasNetwork()) return false;
     const auto holds = [](const auto& all, const auto& some, auto name) {
         return std::all_of(some.begin(), some.end(), [&](const auto& one) {
-            return std::any_of(all.begin(), all.end(), [&](const auto& other) { return name(other) == name(one); });
+            return std::any_of(all.begin(), all.end(),
+                               [&](const auto& other) { return name(other) == name(one); });
         });
     };
     const auto object = [](const auto& change) { return change.object; };
@@ -260,8 +264,10 @@ void EditHistory::Join(Step& step) {
 }
 
 void EditHistory::DropWhatIsTheSame(Step& step) {
-    std::erase_if(step.boxes, [this](const auto& box) { return FindShadow(*box.object)->state == box.state; });
-    std::erase_if(step.buttons, [this](const auto& button) { return FindShadow(*button.object)->state == button.state; });
+    std::erase_if(step.boxes,
+                  [this](const auto& box) { return FindShadow(*box.object)->state == box.state; });
+    std::erase_if(step.buttons,
+                  [this](const auto& button) { return FindShadow(*button.object)->state == button.state; });
     std::erase_if(step.options, [this](const OptionChange& option) {
         const auto now = m_options.find(option.name);
         return now == m_options.end() ? !option.value : option.value == now->second;
@@ -272,7 +278,8 @@ void EditHistory::DropWhatIsTheSame(Step& step) {
 void EditHistory::KeepLimits() {
     size_t excess = 0;
     size_t bytes = m_bytes;
-    while (m_steps.size() - excess > 1 && (m_steps.size() - excess > m_limits.steps || bytes > m_limits.bytes)) {
+    while (m_steps.size() - excess > 1 &&
+           (m_steps.size() - excess > m_limits.steps || bytes > m_limits.bytes)) {
         bytes -= m_steps[excess].bytes;
         ++excess;
     }
@@ -299,10 +306,13 @@ size_t EditHistory::Step::CountBytes() const {
     total += boxes.size() * sizeof(boxes[0]);
     for (const auto& button : buttons) total += sizeof(button) + ofState(button.state);
     for (const auto& wire : wires)
-        total += sizeof(wire) + (wire.state.connections.Size() + wire.state.namedBy.Size()) * sizeof(COpButton*);
+        total +=
+            sizeof(wire) + (wire.state.connections.Size() + wire.state.namedBy.Size()) * sizeof(COpButton*);
     for (const OptionChange& option : options)
         total += sizeof(option) + option.name.size() + option.value.value_or("").size();
-    if (settings) total += sizeof(*settings) + settings->customshaderhelp.size() + settings->exportOptions.postSaveScript.size();
+    if (settings)
+        total += sizeof(*settings) + settings->customshaderhelp.size() +
+                 settings->exportOptions.postSaveScript.size();
     return total;
 }
 

@@ -23,11 +23,12 @@ struct HistoryLimits {
     size_t bytes = size_t{64} << 20;
 };
 
-// Owned by its document, if that keeps a history; those that are read for a moment, and the batch program's, do not.
-// It holds a shadow of all that may change. At the end of an act it compares what the act has named with the shadow and
-// keeps, as a step, the former state of what differs. To undo is to exchange the two states, and so is to redo: nothing
-// is inverted, and nothing is read from a text. Boxes and inputs that leave the network are parked, and come back as the
-// same objects. Who shows the document hears of both as of any edit. Main thread only; nothing here can fail.
+// Owned by its document, if that keeps a history; those that are read for a moment, and the batch program's,
+// do not. It holds a shadow of all that may change. At the end of an act it compares what the act has named
+// with the shadow and keeps, as a step, the former state of what differs. To undo is to exchange the two
+// states, and so is to redo: nothing is inverted, and nothing is read from a text. Boxes and inputs that
+// leave the network are parked, and come back as the same objects. Who shows the document hears of both as of
+// any edit. Main thread only; nothing here can fail.
 class EditHistory {
   public:
     // Begins with the document as it stands, which counts as saved unless it is modified.
@@ -106,8 +107,8 @@ class EditHistory {
     // The other state of all that differs, before the step while it is done, after it while it is undone.
     struct Step {
         std::string act;
-        bool joins = false;  // of a run, which more may join
-        bool marks = false;  // counts as a change of the document
+        bool joins = false;            // of a run, which more may join
+        bool marks = false;            // counts as a change of the document
         std::vector<COpBox*> present;  // stand in the network now, and not in the other state
         std::vector<ParkedBox> absent;
         std::vector<InputsChange> inputs;

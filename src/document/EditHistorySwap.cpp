@@ -99,7 +99,8 @@ std::vector<COpBox*> EditHistory::BringBack(std::vector<ParkedBox>& boxes, Chang
         COpBox* box = parked->box.get();
         box->Unpark();
         const auto above = places.find(parked->above);
-        stack.insert(above == places.end() ? stack.begin() : std::next(above->second), std::move(parked->box));
+        stack.insert(above == places.end() ? stack.begin() : std::next(above->second),
+                     std::move(parked->box));
         m_shadows.emplace(box, std::move(parked->shadow));
         back.push_back(box);
     }

@@ -61,8 +61,7 @@ void Edits::BoxWent(const COpBox& box, Stood stood) {
         for (const auto* side : {&box.inputs, &box.outputs}) {
             for (const auto& button : *side) {
                 ForgetButton(*button);
-                m_change.wires =
-                    m_change.wires || !button->connections.Empty() || !button->NamedBy().Empty();
+                m_change.wires = m_change.wires || !button->connections.Empty() || !button->NamedBy().Empty();
             }
         }
     });

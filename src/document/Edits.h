@@ -59,11 +59,11 @@ class Edits {
     // The document's boxes are about to be destroyed all at once, to give place to others.
     void ForgetNotes();
 
-    // The act that is open goes on with a run: several of its kind on the same thing, such as keys that are typed, are
-    // one step to undo.
+    // The act that is open goes on with a run: several of its kind on the same thing, such as keys that are
+    // typed, are one step to undo.
     void JoinRun();
-    // The end of what has left the network: the document's history parks it, and without one it is destroyed. BoxWent
-    // or BoxTouched has been said.
+    // The end of what has left the network: the document's history parks it, and without one it is destroyed.
+    // BoxWent or BoxTouched has been said.
     void Leave(std::unique_ptr<COpBox> box);
     void Leave(std::unique_ptr<COpButton> button);
     // For the document's history: tells what an undo or a redo has changed.

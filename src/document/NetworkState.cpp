@@ -19,22 +19,27 @@ bool SameBits(const std::array<float, Count>& one, const std::array<float, Count
 }
 
 ValueState StateOf(const COpValue& value) {
-    return VisitValue(value, ValueCalls{
-                                 [](const COpValueFloat& own) {
-                                     return ValueState{{own.value, own.min, own.max}, own.integer, {}};
-                                 },
-                                 [](const COpValueXyz& own) {
-                                     return ValueState{{own.x, own.y, own.z, own.min, own.max}, own.integer, {}};
-                                 },
-                                 [](const COpValueRgb& own) {
-                                     return ValueState{{own.r, own.g, own.b}, 0, {}};
-                                 },
-                                 [](const COpValueRgba& own) {
-                                     return ValueState{{own.r, own.g, own.b, own.a}, 0, {}};
-                                 },
-                                 [](const COpValueString& own) { return ValueState{{}, 0, own.value}; },
-                                 [](const COpValueGeneric& own) { return ValueState{{}, 0, own.value}; },
-                             });
+    return VisitValue(value,
+                      ValueCalls{
+                          [](const COpValueFloat& own) {
+                              return ValueState{{own.value, own.min, own.max}, own.integer, {}};
+                          },
+                          [](const COpValueXyz& own) {
+                              return ValueState{{own.x, own.y, own.z, own.min, own.max}, own.integer, {}};
+                          },
+                          [](const COpValueRgb& own) {
+                              return ValueState{{own.r, own.g, own.b}, 0, {}};
+                          },
+                          [](const COpValueRgba& own) {
+                              return ValueState{{own.r, own.g, own.b, own.a}, 0, {}};
+                          },
+                          [](const COpValueString& own) {
+                              return ValueState{{}, 0, own.value};
+                          },
+                          [](const COpValueGeneric& own) {
+                              return ValueState{{}, 0, own.value};
+                          },
+                      });
 }
 
 void PutState(const ValueState& state, COpValue& value) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What may change of a network, as plain values that are compared and put back: to the bit, and never through a text.
+// What may change of a network, as plain values that are compared and put back: to the bit, and never through
+// a text.
 #pragma once
 
 #include <array>
@@ -15,7 +16,8 @@ namespace tavrin {
 class COpBox;
 class CTvDoc;
 
-// What is edited of a value. The numbers are those of its class in their order; two that print alike may differ.
+// What is edited of a value. The numbers are those of its class in their order; two that print alike may
+// differ.
 struct ValueState {
     std::array<float, 5> numbers{};
     int integer = 0;
@@ -55,8 +57,8 @@ struct BoxState {
 BoxState StateOf(const COpBox& box);
 void PutState(const BoxState& state, COpBox& box);
 
-// What is edited of a document beside its boxes and render options. The lock of the desk is none of it: it guards what
-// an undo would change.
+// What is edited of a document beside its boxes and render options. The lock of the desk is none of it: it
+// guards what an undo would change.
 struct SettingsState {
     std::vector<std::string> toolbar;
     int showiconimages = 0;

@@ -25,7 +25,9 @@ class ConnectionSet {
     COpButton* Last() const { return m_many.empty() ? m_only : m_many.back(); }
     COpButton* const* begin() const { return m_many.empty() ? &m_only : m_many.data(); }
     COpButton* const* end() const { return begin() + Size(); }
-    bool operator==(const ConnectionSet& other) const { return std::equal(begin(), end(), other.begin(), other.end()); }
+    bool operator==(const ConnectionSet& other) const {
+        return std::equal(begin(), end(), other.begin(), other.end());
+    }
 
   private:
     COpButton* m_only = nullptr;     // while `m_many` is empty

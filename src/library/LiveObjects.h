@@ -10,8 +10,8 @@ namespace tavrin {
 // Base of the classes that are registered. Every constructor enters its object and every destructor
 // removes it. Each object also gets a serial number that is never used again and grows in the order of
 // making: sets ordered by it are the same in every run, unlike sets ordered by address.
-// An object that is kept to be brought back by an undo is parked: for everybody else it has gone, until it is revived
-// as the same object with the same number.
+// An object that is kept to be brought back by an undo is parked: for everybody else it has gone, until it is
+// revived as the same object with the same number.
 template <typename Object>
 class LiveObject {
   public:

@@ -36,9 +36,8 @@ struct BoxLayout {
     float rightColumnWidth = 0;
 };
 
-// Owned by exactly one list: the document's network, the desk's pending or clipboard boxes, or, parked, a step of the
-// document's history.
-// Its definition is read in BoxDefinition.cpp, its code made in BoxCode.cpp.
+// Owned by exactly one list: the document's network, the desk's pending or clipboard boxes, or, parked, a
+// step of the document's history. Its definition is read in BoxDefinition.cpp, its code made in BoxCode.cpp.
 class COpBox : public LiveObject<COpBox> {
   public:
     COpBox() = default;
@@ -81,8 +80,8 @@ class COpBox : public LiveObject<COpBox> {
     const COpButton* FindButton(std::string_view displayName) const;
     // Clones an input right before or right after itself and renumbers; the clone.
     COpButton* CopyButton(COpButton& button, bool above);
-    // Takes an input out and renumbers; null if it is none of the box's. Its wires stand until it is destroyed or
-    // parked.
+    // Takes an input out and renumbers; null if it is none of the box's. Its wires stand until it is
+    // destroyed or parked.
     std::unique_ptr<COpButton> TakeButton(COpButton& button);
     // Destroys it instead.
     void DeleteButton(COpButton& button) { TakeButton(button); }
@@ -93,8 +92,8 @@ class COpBox : public LiveObject<COpBox> {
     int CountInputsNamed(std::string_view name) const;
     void ClearButtons();
 
-    // Cuts all wires of the box and makes it count as gone, with its buttons, until it is revived. Whoever parks it
-    // owns it, in none of the lists above.
+    // Cuts all wires of the box and makes it count as gone, with its buttons, until it is revived. Whoever
+    // parks it owns it, in none of the lists above.
     void Park();
     void Unpark();
 

@@ -120,10 +120,12 @@ class COpButton : public LiveObject<COpButton> {
 
     // Both ends of its wires, as they stand.
     ButtonWires Wires() const { return {connections, m_namedBy}; }
-    // Puts them back as they stood, at this end alone: for who does so with all buttons that are named in them.
+    // Puts them back as they stood, at this end alone: for who does so with all buttons that are named in
+    // them.
     void SetWires(const ButtonWires& wires);
 
-    // Cuts all wires, at both ends of the one-sided ones too, and makes the button count as gone until it is revived.
+    // Cuts all wires, at both ends of the one-sided ones too, and makes the button count as gone until it is
+    // revived.
     void Park();
     void Unpark() { Revive(); }
 

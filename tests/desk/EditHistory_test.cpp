@@ -175,8 +175,9 @@ TEST_F(History, NumbersAreKeptToTheBit) {
     Begin(1);
     COpValue& any = *Box(1).inputs[0]->values[0];
     auto& value = dynamic_cast<COpValueFloat&>(any);
-    for (const float number : {0.1F, -0.0F, 0.0F, std::numeric_limits<float>::denorm_min(),
-                               std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+    for (const float number :
+         {0.1F, -0.0F, 0.0F, std::numeric_limits<float>::denorm_min(), std::numeric_limits<float>::infinity(),
+          std::numeric_limits<float>::quiet_NaN()}) {
         ExpectThereAndBack([&] {
             const EditScope edit(document, "Value");
             document.edits.ButtonTuned(*Box(1).inputs[0]);

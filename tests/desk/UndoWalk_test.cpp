@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A user who does anything anywhere, and takes it back: every place to which an undo or a redo leads is the network that
-// stood there, to the bit.
+// A user who does anything anywhere, and takes it back: every place to which an undo or a redo leads is the
+// network that stood there, to the bit.
 #include <optional>
 
 #include "document/EditHistory.h"

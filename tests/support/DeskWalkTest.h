@@ -65,9 +65,7 @@ class Target {
     uint64_t m_button;  // 0 without a button
 };
 
-class DeskWalkTest : public DocumentTest,
-                     public testing::WithParamInterface<uint32_t>,
-                     public DeskHands {
+class DeskWalkTest : public DocumentTest, public testing::WithParamInterface<uint32_t>, public DeskHands {
   protected:
     DeskWalkTest() {
         host.startsProcesses = false;

@@ -47,9 +47,9 @@ void PutEnds(std::ostream& text, const char* name, const ConnectionSet& ends) {
 
 std::string TextOf(const COpButton& button) {
     std::ostringstream text;
-    text << "  " << button.Serial() << ' ' << button.name << ' ' << button.instance << " arg " << button.arg << " cast "
-         << button.currentcast << ' ' << button.pin << button.lock << button.stow << " \"" << button.argname << "\" \""
-         << button.comments << '"';
+    text << "  " << button.Serial() << ' ' << button.name << ' ' << button.instance << " arg " << button.arg
+         << " cast " << button.currentcast << ' ' << button.pin << button.lock << button.stow << " \""
+         << button.argname << "\" \"" << button.comments << '"';
     for (const auto& value : button.values) {
         text << ' ' << value->type << ' ';
         Put(text, *value);
@@ -79,14 +79,15 @@ std::string PrintNetwork(const CTvDoc& document) {
     std::ostringstream text;
     for (const auto& [serial, box] : boxes) text << box;
     for (const auto& [name, value] : document.m_renderOptions) text << name << '=' << value << '\n';
-    text << document.showiconimages << document.linetype << document.drawlinesoverboxes << document.showvarnames;
+    text << document.showiconimages << document.linetype << document.drawlinesoverboxes
+         << document.showvarnames;
     for (const auto& name : document.toolbar) text << ' ' << name;
     const CExportOptions& options = document.exportOptions;
     text << '\n'
          << options.saveTavrn << options.saveSource << options.saveCompiled << options.saveShaderIface
-         << options.saveRenderIface << options.runPostSave << ' ' << options.tavrnPath << ' ' << options.compiledPath << ' '
-         << options.sourcePath << ' ' << options.shaderIfacePath << ' ' << options.renderIfacePath << ' '
-         << options.postSaveScript << '\n'
+         << options.saveRenderIface << options.runPostSave << ' ' << options.tavrnPath << ' '
+         << options.compiledPath << ' ' << options.sourcePath << ' ' << options.shaderIfacePath << ' '
+         << options.renderIfacePath << ' ' << options.postSaveScript << '\n'
          << document.customshaderhelp << '\n';
     return text.str();
 }

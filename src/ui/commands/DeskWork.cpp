@@ -62,16 +62,19 @@ void DeskWork::AddHistory(CommandActions& commands) {
     };
     commands.On(CommandId::kUndo, {.run = [&desk] { desk.Undo(); },
                                    .enabled = [this, &desk] { return desk.CanUndo() && !IsLocked(); },
-                                   .text = [&history, named] {
-                                       const size_t place = history.Place();
-                                       return named("&Undo", place == 0 ? "" : history.Name(place - 1));
-                                   }});
+                                   .text =
+                                       [&history, named] {
+                                           const size_t place = history.Place();
+                                           return named("&Undo", place == 0 ? "" : history.Name(place - 1));
+                                       }});
     commands.On(CommandId::kRedo, {.run = [&desk] { desk.Redo(); },
                                    .enabled = [this, &desk] { return desk.CanRedo() && !IsLocked(); },
-                                   .text = [&history, named] {
-                                       const size_t place = history.Place();
-                                       return named("&Redo", place == history.Count() ? "" : history.Name(place));
-                                   }});
+                                   .text =
+                                       [&history, named] {
+                                           const size_t place = history.Place();
+                                           return named("&Redo",
+                                                        place == history.Count() ? "" : history.Name(place));
+                                       }});
 }
 
 void DeskWork::AddEdits(CommandActions& commands) {

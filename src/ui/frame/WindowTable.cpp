@@ -7,6 +7,7 @@
 #include "ui/commands/DocumentWork.h"
 #include "ui/commands/OperatorWork.h"
 #include "ui/desk/DeskPane.h"
+#include "ui/desk/UndoHistory.h"
 #include "ui/forms/RenderOptionsWindow.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
@@ -27,6 +28,10 @@ ToolWindow* MakeRenderHistory(const WindowNeeds& needs) {
             return session.History().Entries();
         },
         [&documents = needs.documents](const std::string& entry) { documents.OpenHistoryEntry(entry); });
+}
+
+ToolWindow* MakeUndoHistory(const WindowNeeds& needs) {
+    return new CUndoHistory(&needs.frame, needs.work.document, needs.work.desk);
 }
 
 ToolWindow* MakeBoxFinder(const WindowNeeds& needs) {
@@ -78,6 +83,7 @@ const std::vector<WindowRow>& WindowTable() {
     using Way = WindowRow::Way;
     static const std::vector<WindowRow> table = {
         {Id::kRenderHistory, Way::kToggles, "RenderHistory", true, {1, 1}, MakeRenderHistory},
+        {Id::kUndoHistory, Way::kToggles, "UndoHistory", true, {1, 0.5}, MakeUndoHistory},
         {Id::kBoxFinder, Way::kToggles, "BoxFinder", true, {1, 0}, MakeBoxFinder},
         {Id::kMenuFinder, Way::kToggles, "MenuFinder", true, {0, 0}, MakeMenuFinder},
         {Id::kArgumentEditor, Way::kToggles, "ArgumentEditor", true, {0.5, 0.9}, MakeArgumentEditor},

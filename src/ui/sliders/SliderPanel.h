@@ -97,6 +97,7 @@ class SliderPanel : public QWidget {
         const Editing editing(*this);
         const EditScope edit(m_needs.document, kAct);
         (m_needs.document.edits.*note)(*button);
+        m_needs.document.edits.JoinRun();
         work();
     }
 
