@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/frame/MainFrame.h"
 
+#include <QApplication>
 #include <QMenuBar>
 #include <QScreen>
 #include <QSplitter>
