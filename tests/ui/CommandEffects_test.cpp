@@ -132,6 +132,17 @@ const std::vector<Effect>& Effects() {
          }},
 
         // Edit
+        {"Undo", Id::kUndo, "Edit", "Ctrl+Z", true, [](Bench& t) { t.AddBoxes(2); },
+         [](Bench& t) { EXPECT_EQ(t.BoxCount(), 1); }},
+        {"Redo", Id::kRedo, "Edit", "Ctrl+Shift+Z Ctrl+Y", true,
+         [](Bench& t) {
+             t.AddBoxes(2);
+             t.Do(Id::kUndo);
+             t.Settle();
+         },
+         [](Bench& t) { EXPECT_EQ(t.BoxCount(), 2); }},
+        {"UndoHistory", Id::kUndoHistory, "Edit", "", false, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Undo History")); }},
         {"RenderHistory", Id::kRenderHistory, "Edit Render", "F6", true, Nothing,
          [](Bench& t) { EXPECT_TRUE(t.IsUp("Render History")); }},
         {"Cut", Id::kCut, "Edit", "Ctrl+X Shift+Delete", true, [](Bench& t) { t.AddSelectedBoxes(2); },

@@ -63,6 +63,9 @@ constexpr Rule kRules[] = {
     {32915, "Run Script", "EEEEEEEE----"},
     {32917, "Halt Script", "----------EE"},
     {57665, "Exit", "EEEEEEEE----"},
+    {57643, "Undo", "----E.--...."},
+    {57644, "Redo", "-----.------"},
+    {32941, "Undo History", "EEEEEEEEEEEE"},
     {32906, "Render History", "EEEEEEEEEEEE"},
     {57635, "Cut", "--E---------"},
     {57634, "Copy", "--E---------"},
@@ -122,6 +125,7 @@ struct Check {
 };
 constexpr Check kChecks[] = {
     {32898, "Export Options", false},
+    {32941, "Undo History", false},
     {32906, "Render History", false},
     {32907, "Box Finder", false},
     {32908, "Menu Finder", false},

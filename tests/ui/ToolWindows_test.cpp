@@ -116,6 +116,7 @@ TEST(ToolWindowTable, PlacesAreStoredUnderNamesThatStay) {
         {"MenuFinder", true},           {"ArgumentEditor", true},
         {"RenderOptionsEditor", false}, {"ExportOptionsEditor", false},
         {"HelpEditor", true},           {"Log", true},
+        {"UndoHistory", true},
     };
     std::map<std::string, bool> found;
     for (const WindowRow& row : WindowTable()) found[row.place] = row.keepsSize;
