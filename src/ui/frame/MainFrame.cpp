@@ -92,6 +92,7 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
 }
 
 MainFrame::~MainFrame() {
+    disconnect(qApp, nullptr, this, nullptr);  // windows that go move the focus
     m_queue.OnRan({});
     m_app.SetTitleView(nullptr);
 }
