@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/build.sh release >/dev/null
-for bench in Expansion Generation Documents DeskModel; do build/release/bench/bench_$bench; done
+for bench in Expansion Generation Documents DeskModel Undo; do build/release/bench/bench_$bench; done
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 build/release/bench/bench_Opening "$PWD/installation/mray" "$work"
