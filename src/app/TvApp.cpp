@@ -6,6 +6,8 @@
 
 #include <cerrno>
 
+#include "app/Recovery.h"
+#include "app/RecoveryCopy.h"
 #include "app/SiteFileReader.h"
 #include "app/Version.h"
 #include "base/Files.h"
@@ -194,6 +196,11 @@ bool CTvApp::RemoveWorkDirectory() {
 
 void CTvApp::RestoreWorkDirectory() {
     if (m_ownsWorkDir) MakeDirectory(m_site.directories.workDir);
+}
+
+std::unique_ptr<SafeCopy> CTvApp::PutAside(const std::string& path, std::string_view text,
+                                           std::string& error) {
+    return MakeSafeCopy(StateDirectory(m_site.environment), path, text, error);
 }
 
 void CTvApp::SetVariable(const std::string& name, const std::string& value, bool updateForm) {

@@ -103,6 +103,8 @@ class CTvApp : public DocumentHost, private FormHost {
     const CExportOptions& ExportDefaults() const override { return m_exportDefaults; }
     bool IsUnsavedOption(const std::string& name) const override { return m_unsavedOptions.contains(name); }
     bool UseLibrary(const std::string& name) override;
+    std::unique_ptr<SafeCopy> PutAside(const std::string& path, std::string_view text,
+                                       std::string& error) override;
     std::string DocumentVersion() const override;
 
     const CCodeGen& CodeGen() const { return m_codeGen; }

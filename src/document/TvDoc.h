@@ -21,6 +21,7 @@ namespace tavrin {
 class COpRegistry;
 class DefinitionTexts;
 class DocumentForm;
+class SafeCopy;
 struct Site;
 
 // What a document asks of the application that it belongs to.
@@ -43,6 +44,9 @@ class DocumentHost {
     // Selects the library that a document names and scans its operators. False if the name is no plain
     // name of a directory, so that it could lead out of the installation; nothing is changed then.
     virtual bool UseLibrary(const std::string& name) = 0;
+    // Keeps what is about to be written over a file where the next start finds it, as ReplaceFile wants it.
+    virtual std::unique_ptr<SafeCopy> PutAside(const std::string& path, std::string_view text,
+                                               std::string& error);
     // The short form of the program's version, as documents carry it.
     virtual std::string DocumentVersion() const = 0;
 
