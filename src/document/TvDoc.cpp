@@ -129,6 +129,12 @@ bool CTvDoc::WouldLoseUnread(const std::string& path) const {
     return cut != nullptr && cut->cutShort && IsSameFile(path, cut->path);
 }
 
+// By its name, if it has gone.
+DocumentFile::Now CTvDoc::LookAt(const std::string& path) const {
+    const bool isOwn = IsSameFile(path, Path()) || (!Path().empty() && FullPath(path) == FullPath(Path()));
+    return isOwn ? m_origin.file->Look() : DocumentFile::Now::kAsKnown;
+}
+
 bool CTvDoc::Load(const DocumentForm& form) { return DocumentBuilder(*this, form, m_host).Build(); }
 
 bool CTvDoc::LoadDesk(const DocumentForm& form) { return DocumentBuilder(*this, form, m_host).BuildDesk(); }

@@ -105,6 +105,8 @@ class CTvDoc {
     void BecomeRecovered(const std::string& path, bool wasCutShort, std::optional<ContentMark> held);
     // The same for any path that leads to the file, also once the document has been saved elsewhere.
     bool WouldLoseUnread(const std::string& path) const;
+    // What stands at a path that leads to the document's own file; any other is as known.
+    DocumentFile::Now LookAt(const std::string& path) const;
 
     const std::string& Path() const { return m_origin.file->path; }
     // Whatever stands there is none of the document's. One that was cut short stays so.
