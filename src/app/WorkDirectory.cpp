@@ -29,6 +29,11 @@ bool IsLetterOrDigit(char c) {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
+bool IsOfAnotherUser(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && status.st_uid != ::geteuid();
+}
+
 // As Make gives it.
 bool IsName(std::string_view name) {
     if (!name.starts_with(kPrefix)) return false;
@@ -72,7 +77,7 @@ void WorkDirectory::Restore() {
 }
 
 bool WorkDirectory::Remove(const std::function<void(const std::string&)>& log) {
-    return !m_isOurs || !OpenOwnDirectory(m_path) || RemoveTree(m_path, log);
+    return !m_isOurs || IsOfAnotherUser(m_path) || RemoveTree(m_path, log);
 }
 
 bool WorkDirectory::CanRemove() const { return !m_isOurs || CanRemoveTree(m_path); }
