@@ -74,7 +74,7 @@ sub normal {
     $text =~ s/\Q$work\E/\${WORK}/g;
     $text =~ s/\Q$temporary\E/\${TMP}/g;
     $text =~ s/\Q$source\E/\${SOURCE}/g;
-    $text =~ s/tavrn\.\d+/tavrn.\${PID}/g;
+    $text =~ s/tavrn\.\d+\.\w{8}\b/tavrn.\${PID}/g;
     return $text;
 }
 
@@ -203,7 +203,7 @@ for (lines_of('same')) {
 }
 for my $root ($temporary, grep { -d && !-l } <$work/*>) {
     opendir my $left, $root or next;
-    my @stale = grep { /^tavrn\.\d+$/ } readdir $left;
+    my @stale = grep { /^tavrn\.\d/ } readdir $left;
     push @problems, "the work directory was left behind: $root/@stale" if @stale;
 }
 chdir '/';

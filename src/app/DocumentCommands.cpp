@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "base/Paths.h"
+#include "base/ReplaceFile.h"
 #include "document/DocumentReader.h"
 
 namespace tavrin {
@@ -49,6 +50,7 @@ void DocumentCommands::New() {
 bool DocumentCommands::Open(const std::string& path) {
     if (!m_document.Open(path)) return false;
     m_app.GetSite().directories.docBrowserDir = PathDir(path);
+    ClearAbandonedSavesBeside(path);
     HasBeenOpened(path);
     return true;
 }
@@ -86,6 +88,7 @@ bool DocumentCommands::Merge(const std::string& path, const std::function<void()
 }
 
 bool DocumentCommands::Save(const std::string& path) {
+    ClearAbandonedSavesBeside(path);
     std::string error;
     if (!m_document.Save(path, error)) {
         m_app.GetSite().report.Alert("unable to save %s: %s", path.c_str(), error.c_str());

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/TvApp.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <optional>
 
+#include "app/Recovery.h"
+#include "app/RecoveryCopy.h"
 #include "app/SiteFileReader.h"
 #include "app/Version.h"
 #include "base/Files.h"
@@ -41,11 +39,6 @@ std::string FirstOf(const Environment& environment, std::initializer_list<const 
 bool IsPlainName(const std::string& name) {
     return !name.empty() && name != "." && name != ".." &&
            name.find_first_of("/\\ \t\r\n\"") == std::string::npos;
-}
-
-bool IsOwnDirectory(const std::string& path) {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
 }
 
 }  // namespace
@@ -132,15 +125,11 @@ void CTvApp::LoadSiteDefaults() {
 }
 
 void CTvApp::MakeWorkDirectory(const std::string& temporaryRoot) {
-    MakeDirectory(temporaryRoot);
-    std::string& workDir = m_site.directories.workDir;
-    workDir = JoinPath(temporaryRoot, FormatText("tavrn.%d", static_cast<int>(::getpid())));
+    WorkDirectory::ClearAbandoned(temporaryRoot);
+    const bool isMade = m_workDirectory.Make(temporaryRoot);
+    const std::string& workDir = m_site.directories.workDir = m_workDirectory.Path();
     m_site.commands.SetWorkDir(workDir);
-    const int error = MakeDirectory(workDir);
-    // One that an earlier process of our number left is used; somebody else's is not.
-    m_ownsWorkDir = error == 0 || (error == EEXIST && IsOwnDirectory(workDir));
-    if (m_ownsWorkDir) return;
-    m_site.report.Alert("unable to create work directory %s\n", workDir.c_str());
+    if (!isMade) m_site.report.Alert("unable to create work directory %s\n", workDir.c_str());
 }
 
 void CTvApp::ExportEnvironment(const std::string& temporaryRoot) {
@@ -182,19 +171,14 @@ bool CTvApp::CloseDown(std::chrono::milliseconds grace) {
     return RemoveWorkDirectory();
 }
 
-bool CTvApp::CanRemoveWorkDirectory() const {
-    return !m_ownsWorkDir || CanRemoveTree(m_site.directories.workDir);
-}
-
 bool CTvApp::RemoveWorkDirectory() {
-    const std::string& workDir = m_site.directories.workDir;
-    if (!m_ownsWorkDir) return true;
-    return RemoveTree(workDir,
-                      [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
+    return m_workDirectory.Remove(
+        [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
 }
 
-void CTvApp::RestoreWorkDirectory() {
-    if (m_ownsWorkDir) MakeDirectory(m_site.directories.workDir);
+std::unique_ptr<SafeCopy> CTvApp::PutAside(const std::string& path, std::string_view text,
+                                           std::string& error) {
+    return MakeSafeCopy(StateDirectory(m_site.environment), path, text, error);
 }
 
 void CTvApp::SetVariable(const std::string& name, const std::string& value, bool updateForm) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "app/WorkDirectory.h"
 #include "codegen/CodeGen.h"
 #include "document/TvDoc.h"
 #include "forms/FormHost.h"
@@ -61,12 +62,12 @@ class CTvApp : public DocumentHost, private FormHost {
     // with a log line, if something of it stays.
     bool CloseDown(std::chrono::milliseconds grace);
     // Whether that would leave nothing of the work directory, as far as can be told without doing it.
-    bool CanRemoveWorkDirectory() const;
+    bool CanRemoveWorkDirectory() const { return m_workDirectory.CanRemove(); }
     // Removes the work directory alone, with the same result as CloseDown.
     bool RemoveWorkDirectory();
     // Makes the work directory again where it has been cleared away, as happens to what lies long in a
     // directory of temporary files.
-    void RestoreWorkDirectory();
+    void RestoreWorkDirectory() { m_workDirectory.Restore(); }
 
     // The one document; none while there is no frame.
     void SetDocument(CTvDoc* document) { m_document = document; }
@@ -103,6 +104,8 @@ class CTvApp : public DocumentHost, private FormHost {
     const CExportOptions& ExportDefaults() const override { return m_exportDefaults; }
     bool IsUnsavedOption(const std::string& name) const override { return m_unsavedOptions.contains(name); }
     bool UseLibrary(const std::string& name) override;
+    std::unique_ptr<SafeCopy> PutAside(const std::string& path, std::string_view text,
+                                       std::string& error) override;
     std::string DocumentVersion() const override;
 
     const CCodeGen& CodeGen() const { return m_codeGen; }
@@ -143,7 +146,7 @@ class CTvApp : public DocumentHost, private FormHost {
     TitleView* m_titleView = nullptr;
     std::string m_programDir;
     std::string m_version;
-    bool m_ownsWorkDir = false;
+    WorkDirectory m_workDirectory;
 };
 
 }  // namespace tavrin

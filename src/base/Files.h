@@ -16,13 +16,10 @@ bool ReadWholeFile(const std::string& path, std::string& text, std::string& erro
 // Writes in place, replacing what was there. For work files that can be made again.
 bool WriteWholeFile(const std::string& path, std::string_view text, std::string& error);
 
-// Writes beside `path`, flushes to the disk and renames over it, so that whatever fails the old file is
-// whole. Follows a symbolic link to the file that it names, and keeps that file's permissions.
-// Devices (such as /dev/null) are written in place.
-bool ReplaceFile(const std::string& path, std::string_view text, std::string& error);
-
-// Whether ReplaceFile could write there, as far as can be told without doing it.
-bool CanReplaceFile(const std::string& path, std::string& error);
+// The same for a file of a directory that is this user's own, and below it: `name` may lead through further
+// directories. A directory of somebody else is refused, and links are followed neither there nor from there.
+bool WriteOwnFile(const std::string& directory, const std::string& name, std::string_view text,
+                  std::string& error);
 
 // Creates one directory; 0, or the error number.
 int MakeDirectory(const std::string& path);

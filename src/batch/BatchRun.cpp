@@ -10,6 +10,7 @@
 
 #include "app/Version.h"
 #include "base/Files.h"
+#include "base/ReplaceFile.h"
 #include "batch/Describe.h"
 
 namespace tavrin {

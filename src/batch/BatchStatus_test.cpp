@@ -100,6 +100,75 @@ TEST_F(BatchStatusTest, EveryAlertIsPrintedAsItIsRaised) {
               "ALERT: One: unknown operator name\nALERT: desk is empty\nALERT: Two: unknown operator name\n");
 }
 
+TEST_F(BatchStatusTest, AFileThatSomebodyElseHasChangedMeanwhileIsNotReplacedUnlessForced) {
+    const std::string document = Write("doc.tvn", kDocument);
+    environment.Set("TEST_DOCUMENT", document);
+    Script("renderit", "open my $f, '>', $ENV{TEST_DOCUMENT} or die; print $f \"newer\\n\"; close $f;\n");
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--quiet"}), 1);
+    EXPECT_EQ(log, "ALERT: " + document +
+                       " has changed since it was last read or saved; save under another name, or use "
+                       "--force\n");
+    EXPECT_EQ(Read("doc.tvn"), "newer\n");
+    Write("doc.tvn", kDocument);
+    EXPECT_EQ(Run({document, "--render", "--save", In("copy.tvn"), "--save", In("copy.tvn")}), 0) << log;
+    EXPECT_EQ(Read("doc.tvn"), "newer\n");
+    Write("doc.tvn", kDocument);
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--force"}), 0) << log;
+    EXPECT_THAT(Read("doc.tvn"), HasSubstr("filename Link"));
+}
+
+TEST_F(BatchStatusTest, AFileThatSomebodyElseHasRemovedMeanwhileIsNotMadeAgainUnlessForced) {
+    const std::string document = Write("doc.tvn", kDocument);
+    environment.Set("TEST_DOCUMENT", document);
+    Script("renderit", "unlink $ENV{TEST_DOCUMENT} or die;\n");
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--quiet"}), 1);
+    EXPECT_EQ(log, "ALERT: " + document +
+                       " is gone, which was there when it was last read or saved; save under another name, "
+                       "or use --force\n");
+    EXPECT_FALSE(fs::exists(document));
+    Write("doc.tvn", kDocument);
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--force"}), 0) << log;
+    EXPECT_THAT(Read("doc.tvn"), HasSubstr("filename Link"));
+}
+
+TEST_F(BatchStatusTest, AnExportOverTheOwnFileDoesNotReplaceWhatSomebodyElseWroteThereUnlessForced) {
+    const std::string document =
+        Write("doc.tvn", std::string(kDocument) + "exportoptions\n{\n    tavrndir 1 " + In("") + "\n}\n");
+    const std::string text = Read("doc.tvn");
+    environment.Set("TEST_DOCUMENT", document);
+    Script("renderit", "open my $f, '>', $ENV{TEST_DOCUMENT} or die; print $f \"newer\\n\"; close $f;\n");
+    Script("exportall", "");
+    EXPECT_EQ(Run({document, "--render", "--export-all", "--quiet"}), 1);
+    EXPECT_THAT(log, HasSubstr("has changed since it was last read or saved; export to another directory"));
+    EXPECT_EQ(Read("doc.tvn"), "newer\n");
+    Write("doc.tvn", text);
+    EXPECT_EQ(Run({document, "--render", "--export-all", "--force"}), 0) << log;
+    EXPECT_THAT(Read("doc.tvn"), HasSubstr("filename Link"));
+}
+
+TEST_F(BatchStatusTest, WhatKilledSavesHaveLeftGoesWhenTheDocumentIsOpenedOrSaved) {
+    const std::string document = Write("docs/doc.tvn", kDocument);
+    Write("docs/.tavrin-save-abcdefgh", "half");
+    EXPECT_EQ(Run({document}), 0) << log;
+    EXPECT_FALSE(fs::exists(In("docs/.tavrin-save-abcdefgh")));
+    Write("other/.tavrin-save-abcdefgh", "half");
+    EXPECT_EQ(Run({document, "--save", In("other/doc.tvn")}), 0) << log;
+    EXPECT_FALSE(fs::exists(In("other/.tavrin-save-abcdefgh")));
+}
+
+TEST_F(BatchStatusTest, ADocumentWithTwoNamesKeepsThemWhenItIsSavedAndNoCopyIsLeft) {
+    const std::string document = Write("doc.tvn", kDocument);
+    fs::create_hard_link(document, In("other.tvn"));
+    EXPECT_EQ(Run({document, "--save", document}), 0) << log;
+    EXPECT_TRUE(fs::equivalent(document, In("other.tvn")));
+    EXPECT_THAT(Read("other.tvn"), StartsWith("# Tavrn file written at"));
+    EXPECT_TRUE(fs::is_empty(In("home/.local/state/tavrin/recovery")));
+    environment.Unset("HOME");
+    environment.Unset("XDG_STATE_HOME");
+    EXPECT_EQ(Run({document, "--save", document}), 1);
+    EXPECT_THAT(log, AllOf(HasSubstr("unable to save " + document), HasSubstr("no home directory")));
+}
+
 TEST_F(BatchStatusTest, ADocumentThatWasCutShortIsNotSavedOverItselfUnlessForced) {
     const std::string cut = std::string(kDocument) + "toolbar { nonsense }\nrenderoptions { }\n";
     const std::string document = Write("cut.tvn", cut);

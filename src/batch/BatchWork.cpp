@@ -19,6 +19,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kQueueWait{50};  // between looks at whether a process is left
 constexpr float kGapBesideTheRest = 200;             // desk units between networks
+constexpr const char* kSaveElsewhere = "save under another name";
+constexpr const char* kExportElsewhere = "export to another directory";
 
 ExportKind KindOf(const std::string& word) {
     if (word == export_words::kShaderSource) return ExportKind::kShaderSource;
@@ -36,8 +38,10 @@ BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInt
       m_work(app, DocumentCommands::Announce::kNo),
       m_actions(*this, app.GetSite().commands, app.GetSite().report),
       m_force(force) {
-    m_work.exporter.AskBeforeLoss([this](const std::string& path) {
-        return MayLoseUnread(path, "exporting", "export to another directory");
+    m_work.exporter.AskBeforeLoss(
+        [this](const std::string& path) { return MayLoseUnread(path, "exporting", kExportElsewhere); });
+    m_work.exporter.AskBeforeReplacing([this](const std::string& path, DocumentFile::Now now) {
+        return MayReplace(path, now, kExportElsewhere);
     });
 }
 
@@ -84,9 +88,21 @@ bool BatchWork::MayLoseUnread(const std::string& path, const char* writing, cons
                            wayOut + ", or use --force");
 }
 
+bool BatchWork::MayReplace(const std::string& path, DocumentFile::Now now, const char* wayOut) {
+    if (m_force || now == DocumentFile::Now::kAsKnown) return true;
+    const bool isGone = now == DocumentFile::Now::kGone;
+    return Fail(path +
+                (isGone ? " is gone, which was there when it was last read or saved; "
+                        : " has changed since it was last read or saved; ") +
+                wayOut + ", or use --force");
+}
+
 bool BatchWork::Save(const std::string& path) {
-    if (m_work.document.WouldLoseUnread(path) && !MayLoseUnread(path, "saving", "save under another name"))
+    if (m_work.document.WouldLoseUnread(path)) {
+        if (!MayLoseUnread(path, "saving", kSaveElsewhere)) return false;
+    } else if (!MayReplace(path, m_work.document.LookAt(path), kSaveElsewhere)) {
         return false;
+    }
     return m_work.commands.Save(path);
 }
 

@@ -17,7 +17,8 @@ namespace tavrin {
 class BatchWork : private ActionTarget {
   public:
     // `isInterrupted` tells whether the program is being stopped: waiting ends then. Unless it is forced, the
-    // file that was not read to its end is not replaced, neither by a save nor by an export.
+    // file that was not read to its end is not replaced, neither by a save nor by an export, nor is the
+    // document's own file once somebody else has changed or removed it.
     BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, bool force);
 
     // False if the file cannot be opened. A file that cannot be read to its end is alerted, and the work
@@ -62,6 +63,7 @@ class BatchWork : private ActionTarget {
     Site& GetSite() { return m_app.GetSite(); }
     bool Fail(const std::string& message);
     bool MayLoseUnread(const std::string& path, const char* writing, const char* wayOut);
+    bool MayReplace(const std::string& path, DocumentFile::Now now, const char* wayOut);
     void WaitForProcesses();
     // Drops what was added or merged, to the right of what stands on the desk.
     bool DropBesideTheRest();

@@ -85,7 +85,8 @@ const std::array kSettings = {
            ActOn<&Delegate::Picture>},
     Option{"--library", "NAME", "Start with this library of the installation.", ActOn<&Delegate::Library>},
     Option{"--force", "",
-           "Let --save and --export-all replace a document that could not\nbe read to its end.",
+           "Let --save and --export-all replace a document that could not\nbe read to its end, or that has "
+           "changed or gone since it was read.",
            ActAlone<&Delegate::Force>},
     Option{"--quiet", "", "Do not print the log; alerts are printed all the same.",
            ActAlone<&Delegate::Quiet>},

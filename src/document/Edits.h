@@ -58,6 +58,8 @@ class Edits {
     // The document's boxes are about to be destroyed all at once, to give place to others.
     void ForgetNotes();
 
+    // What was noted and is still to be told.
+    Change Pending() const;
     // Something may have been noted that is still to be told.
     bool IsOpen() const { return m_depth > 0 || m_held; }
     int StrayEdits() const { return m_strayEdits; }
@@ -74,6 +76,7 @@ class Edits {
         }
         void Forget(const Object& object) { m_members.erase(const_cast<Object*>(&object)); }
         bool Has(const Object& object) const { return m_members.contains(const_cast<Object*>(&object)); }
+        std::vector<Object*> All() const;
         // Leaves nothing.
         std::vector<Object*> Take();
 

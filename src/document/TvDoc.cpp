@@ -3,6 +3,7 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/ReplaceFile.h"
 #include "document/DocumentBuilder.h"
 #include "document/DocumentReader.h"
 #include "document/DocumentWriter.h"
@@ -38,6 +39,11 @@ int SwitchOf(const Settings& settings, const char* key) {
 }
 
 }  // namespace
+
+std::unique_ptr<SafeCopy> DocumentHost::PutAside(const std::string&, std::string_view, std::string& error) {
+    error = "there is no place for it";
+    return nullptr;
+}
 
 CTvDoc::CTvDoc(DocumentHost& host) : m_host(host) {
     SetPath({});
@@ -123,6 +129,12 @@ bool CTvDoc::WouldLoseUnread(const std::string& path) const {
     return cut != nullptr && cut->cutShort && IsSameFile(path, cut->path);
 }
 
+// By its name, if it has gone.
+DocumentFile::Now CTvDoc::LookAt(const std::string& path) const {
+    const bool isOwn = IsSameFile(path, Path()) || (!Path().empty() && FullPath(path) == FullPath(Path()));
+    return isOwn ? m_origin.file->Look() : DocumentFile::Now::kAsKnown;
+}
+
 bool CTvDoc::Load(const DocumentForm& form) { return DocumentBuilder(*this, form, m_host).Build(); }
 
 bool CTvDoc::LoadDesk(const DocumentForm& form) { return DocumentBuilder(*this, form, m_host).BuildDesk(); }
@@ -145,7 +157,8 @@ std::string CTvDoc::Snapshot() {
 // Knows afterwards what the document's files hold, and that nothing is left in them to be lost.
 bool CTvDoc::Write(const std::string& path, std::string& error) {
     const std::string text = Store();
-    if (!ReplaceFile(path, text, error)) return false;
+    const auto putAside = [&](std::string& reason) { return m_host.PutAside(path, text, reason); };
+    if (!ReplaceFile(path, text, error, putAside)) return false;
     auto& cut = m_origin.cutFile;
     if (cut != nullptr && IsSameFile(path, cut->path)) {
         cut->cutShort = false;

@@ -21,6 +21,7 @@ namespace tavrin {
 class COpRegistry;
 class DefinitionTexts;
 class DocumentForm;
+class SafeCopy;
 struct Site;
 
 // What a document asks of the application that it belongs to.
@@ -43,6 +44,9 @@ class DocumentHost {
     // Selects the library that a document names and scans its operators. False if the name is no plain
     // name of a directory, so that it could lead out of the installation; nothing is changed then.
     virtual bool UseLibrary(const std::string& name) = 0;
+    // Keeps what is about to be written over a file where the next start finds it, as ReplaceFile wants it.
+    virtual std::unique_ptr<SafeCopy> PutAside(const std::string& path, std::string_view text,
+                                               std::string& error);
     // The short form of the program's version, as documents carry it.
     virtual std::string DocumentVersion() const = 0;
 
@@ -101,6 +105,8 @@ class CTvDoc {
     void BecomeRecovered(const std::string& path, bool wasCutShort, std::optional<ContentMark> held);
     // The same for any path that leads to the file, also once the document has been saved elsewhere.
     bool WouldLoseUnread(const std::string& path) const;
+    // What stands at a path that leads to the document's own file; any other is as known.
+    DocumentFile::Now LookAt(const std::string& path) const;
 
     const std::string& Path() const { return m_origin.file->path; }
     // Whatever stands there is none of the document's. One that was cut short stays so.

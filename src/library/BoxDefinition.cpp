@@ -61,7 +61,7 @@ bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry
     if (ReadDefinition(*archive, site.directories.libDir, site.report)) return true;
     // The message names this file, in which another operator's text may lie by now.
     std::string ignored;
-    if (shared != nullptr) WriteWholeFile(archive->Path(), shared->definition, ignored);
+    if (shared != nullptr) site.WriteWorkFile(PathFile(archive->Path()), shared->definition, ignored);
     return false;
 }
 

@@ -16,6 +16,8 @@ namespace tavrin {
 
 namespace {
 
+constexpr const char* kRenderOptions = "render_options";
+
 std::string JoinLines(const std::vector<std::string>& lines) {
     size_t size = 0;
     for (const std::string& line : lines) size += line.size() + 1;
@@ -77,10 +79,9 @@ bool RenderSession::SaveShader() {
 
 bool RenderSession::WriteCodeFiles(const ShaderText& text) {
     const auto write = [this](const char* name, const std::string& content) {
-        const std::string path = m_site.WorkPath(name);
         std::string error;
-        if (WriteWholeFile(path, content, error)) return true;
-        m_site.report.Alert("%s: %s", path.c_str(), error.c_str());
+        if (m_site.WriteWorkFile(name, content, error)) return true;
+        m_site.report.Alert("%s: %s", m_site.WorkPath(name).c_str(), error.c_str());
         return false;
     };
     if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(text.code))) return false;
@@ -94,12 +95,12 @@ void RenderSession::WriteRenderOptions() {
     for (const auto& [key, value] : m_document.m_renderOptions) {
         text.append("setenv ").append(key).append(" ").append(QuoteString(value)).append("\r\n");
     }
-    const std::string path =
-        m_site.environment.Get("TAVRN_RENOPTS").value_or(m_site.WorkPath("render_options"));
+    const std::string own = m_site.WorkPath(kRenderOptions);
+    const std::string path = m_site.environment.Get("TAVRN_RENOPTS").value_or(own);
     std::string error;
-    if (!WriteWholeFile(path, text, error)) {
-        m_site.report.Alert("%s: unable to open for writing", path.c_str());
-    }
+    const bool written =
+        path == own ? m_site.WriteWorkFile(kRenderOptions, text, error) : WriteWholeFile(path, text, error);
+    if (!written) m_site.report.Alert("%s: unable to open for writing", path.c_str());
 }
 
 bool RenderSession::RunFilter() {
@@ -142,7 +143,8 @@ bool RenderSession::KeepHistory(const std::string& name) {
     MakeDirectory(HistoryDir(m_nextRender));
     const std::string path = HistoryPath(name, m_nextRender);
     std::string error;
-    if (WriteWholeFile(path, m_document.Store(), error)) {
+    const std::string below = JoinPath(std::to_string(m_nextRender), PathFile(path));
+    if (m_site.WriteWorkFile(below, m_document.Store(), error)) {
         m_history.AddEntry(RenderHistory::EntryText(m_nextRender, name), m_document.Origin());
         return true;
     }

@@ -80,6 +80,12 @@ bool ShaderExport::WriteDocument(const std::string& path) {
         }
         if (!m_mayLose(path)) return false;
     }
+    const DocumentFile::Now now = m_document.LookAt(path);
+    if (now != DocumentFile::Now::kAsKnown && (m_mayReplace == nullptr || !m_mayReplace(path, now))) {
+        if (m_mayReplace == nullptr)
+            m_site.report.Alert("%s is no longer what it was when it was last read or saved", path.c_str());
+        return false;
+    }
     std::string error;
     if (m_document.SaveCopy(path, error)) return true;
     m_site.report.Alert("unable to write shader file %s", path.c_str());

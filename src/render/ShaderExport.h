@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "document/DocumentFile.h"
 #include "document/ExportOptions.h"
 
 namespace tavrin {
@@ -31,6 +32,11 @@ class ShaderExport {
     using MayLoseUnread = std::function<bool(const std::string& path)>;
     void AskBeforeLoss(MayLoseUnread mayLose) { m_mayLose = std::move(mayLose); }
 
+    // The same for one that is the document's own file and no longer what it was when it was last read or
+    // saved.
+    using MayReplace = std::function<bool(const std::string& path, DocumentFile::Now now)>;
+    void AskBeforeReplacing(MayReplace mayReplace) { m_mayReplace = std::move(mayReplace); }
+
     // Options that export one kind of file to a path, and the path that the document has for it.
     static CExportOptions OnlyThis(ExportKind kind, const std::string& path);
     std::string DocumentPath(ExportKind kind) const;
@@ -45,6 +51,7 @@ class ShaderExport {
     Site& m_site;
     RenderSession& m_session;
     MayLoseUnread m_mayLose;
+    MayReplace m_mayReplace;
 };
 
 // Gives the document's five export paths its present name and the site's present extensions; their

@@ -162,7 +162,7 @@ void Commands::ReadOutput(Child& child, int pipe) {
 void Commands::KillChildren() {
     const std::lock_guard lock(m_childMutex);
     std::string ignored;
-    for (const int id : m_children) WriteWholeFile(KillFile(id), {}, ignored);
+    for (const int id : m_children) WriteOwnFile(m_workDir, PathFile(KillFile(id)), {}, ignored);
     m_children.clear();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "site/Site.h"
 
+#include "base/Files.h"
 #include "base/Paths.h"
 #include "text/Tokens.h"
 
@@ -9,6 +10,10 @@ namespace tavrin {
 std::string Site::LibraryPath(const std::string& path) const { return ResolvePath(path, directories.libDir); }
 
 std::string Site::WorkPath(const std::string& name) const { return JoinPath(directories.workDir, name); }
+
+bool Site::WriteWorkFile(const std::string& name, std::string_view text, std::string& error) const {
+    return WriteOwnFile(directories.workDir, name, text, error);
+}
 
 void Site::LogFile(const std::string& path) { report.LogRaw(LogText(path)); }
 

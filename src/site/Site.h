@@ -35,6 +35,8 @@ struct Site {
     // The path of a file that is named relative to the library, and of a file in the work directory.
     std::string LibraryPath(const std::string& path) const;
     std::string WorkPath(const std::string& name) const;
+    // Writes a file of the work directory, as WriteOwnFile does.
+    bool WriteWorkFile(const std::string& name, std::string_view text, std::string& error) const;
 
     // Brings a child's error file into the log, its last line completed; nothing if there is none.
     void LogFile(const std::string& path);

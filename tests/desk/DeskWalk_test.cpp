@@ -12,6 +12,7 @@
 
 #include "desk/HitTest.h"
 #include "document/DocumentReader.h"
+#include "document/DocumentSnapshot.h"
 #include "render/RenderSession.h"
 #include "site/Site.h"
 #include "support/ChangeAuditor.h"
@@ -140,6 +141,7 @@ class DeskWalk : public test::DocumentTest,
                        }}};
     test::DeskInvariants invariants{document, desk};
     test::ChangeAuditor auditor{document, desk};
+    DocumentSnapshot snapshot{document, host};
     CCodeGen siteCodeGen;
     std::vector<std::string> operators;
     std::optional<test::DeskWalk> walk;
@@ -313,6 +315,7 @@ void DeskWalk::Look() {
     EXPECT_EQ(invariants.Look(walk->Selected()), "");
     EXPECT_EQ(auditor.Look(), "");
     EXPECT_EQ(document.edits.StrayEdits(), 0);
+    EXPECT_EQ(TextOf(snapshot.Take()), document.Snapshot());
 }
 
 void DeskWalk::LookCloser() {

@@ -55,7 +55,7 @@ class HistoryDocumentTest : public DocumentsTest {
         Settle();
     }
     static std::string Replace(const std::string& path) {
-        return "Warning: " + path + " is there already.  Replace it?";
+        return "Warning: " + path + " has changed since it was last read or saved.  Replace it?";
     }
     void ExpectToAskBeforeSaving(const std::string& path) {
         const std::string before = ReadFile(path);
@@ -148,13 +148,18 @@ TEST_F(HistoryDocumentTest, ADocumentThatHasTakenItsPlaceIsAskedAbout) {
     ExpectToAskBeforeSaving(m_one);
 }
 
-TEST_F(HistoryDocumentTest, WhereTheFileIsGoneItIsMadeAgain) {
+TEST_F(HistoryDocumentTest, AFileThatIsGoneIsAskedAboutBeforeItIsMadeAgain) {
     StartWithEntry();
     fs::remove(m_one);
     OpenEntry();
+    PressWhenBoxComes("No");
+    Save();
+    ExpectBox("Warning: " + m_one +
+              " is gone, which was there when it was last read or saved.  Save it again?");
+    EXPECT_FALSE(fs::exists(m_one));
+    PressWhenBoxComes("Yes");
     Save();
     EXPECT_EQ(BoxesIn(m_one), 1U);
-    EXPECT_THAT(BoxesShown(), IsEmpty());
 }
 
 TEST_F(HistoryDocumentTest, AnEntryOfAnEntryGoesBackToTheSameFile) {

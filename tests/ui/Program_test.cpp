@@ -46,8 +46,18 @@ class ProgramTest : public FrameTest {
         const std::string name = "tavrin/tiny/tavrn.def";
         directory.Write(name, test::ReadFile(directory / name) + more);
     }
+    // Once it is there.
     std::string WorkDirOf(const RunningProgram& run) {
-        return directory / "tmp/tavrn." + std::to_string(run.Id());
+        const std::string prefix = "tavrn." + std::to_string(run.Id()) + ".";
+        std::string path;
+        EXPECT_TRUE(WaitUntil([&] {
+            std::error_code missing;
+            for (const auto& entry : fs::directory_iterator(directory / "tmp", missing)) {
+                if (entry.path().filename().string().starts_with(prefix)) path = entry.path();
+            }
+            return !path.empty() || !run.IsRunning();
+        }));
+        return path;
     }
     // Below the home, directories with a '/' behind.
     std::vector<std::string> Home(const std::string& below = {}, bool recursive = false) {
@@ -212,6 +222,33 @@ TEST_F(ProgramTest, KilledItsWorkIsOfferedUntilItIsDiscarded) {
     EXPECT_EQ(discard.Status(), 0);
     EXPECT_THAT(Home(".local", true),
                 ElementsAre(".local/state/", ".local/state/tavrin/", ".local/state/tavrin/recovery/"));
+}
+
+// None of these ways out asks the program to do anything more.
+TEST_F(ProgramTest, WhateverEndsItsUnsavedWorkIsOffered) {
+    const std::string path = MakeDocument("work");
+    for (const int end : {SIGSEGV, SIGABRT, SIGBUS, 0}) {
+        RunningProgram run = Tavrin({Shown(path)});
+        const std::string work = WorkDirOf(run);
+        ChangeDocument(run, "work.tvn");
+        WaitForCopies(1);
+        if (end == 0) {
+            // The display goes away.
+            EXPECT_TRUE(Ask("xdotool", {"windowkill", run.Window("^work.tvn\\*$")}).ok);
+        } else {
+            run.Send(end);
+        }
+        EXPECT_NE(run.Status(), 0) << end;
+        RunningProgram next = Tavrin();
+        next.Press("^Recover$", "Return");
+        next.WaitForTitle("work.tvn\\*");
+        EXPECT_FALSE(fs::exists(work)) << "the next start clears it away";
+        next.Press("^work.tvn\\*$", "ctrl+s");
+        next.WaitForTitle("work.tvn");
+        WaitForCopies(0);
+        next.Press("^work.tvn$", "alt+F4");
+        EXPECT_EQ(next.Status(), 0);
+    }
 }
 
 TEST_F(ProgramTest, ChangesThatAreDiscardedAtTheEndLeaveNoCopy) {

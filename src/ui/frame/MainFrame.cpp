@@ -36,6 +36,7 @@ namespace {
 constexpr QSize kFirstSize(1280, 860);  // of a frame that was never placed
 constexpr QSize kWindowBorder(16, 48);  // room for what the window manager draws round it
 constexpr int kToolIcon = 20;           // pixels a side
+constexpr int kTimeToRead = 10;         // seconds, of a warning
 
 CStatusBox* MakeStatusBox(QWidget* frame, Site& site) {
     float background[3] = {0.76F, 0.76F, 0.76F};
@@ -142,7 +143,9 @@ void MainFrame::CreateBars() {
 }
 
 void MainFrame::CreateWork() {
-    m_safetyCopies = std::make_unique<SafetyCopies>(*m_work);
+    m_safetyCopies = std::make_unique<SafetyCopies>(*m_work, m_queue, [this](const std::string& failure) {
+        m_statusBox->SetStatus("WARNING: " + failure, kTimeToRead);
+    });
     m_renders = std::make_unique<RenderWork>(RenderWork::Needs{
         *this, *m_work, *m_statusBox, [this] { m_windows->Tell(&ToolWindow::HistoryChanged); }});
     m_documents = std::make_unique<DocumentWork>(
