@@ -117,6 +117,7 @@ void CTvApp::LoadSiteDefaults() {
     settings.GetSettingToken("ext.shadersource", m_site.extShaderSource);
     settings.GetSettingToken("ext.compiledshader", m_site.extCompiledShader);
     settings.GetSettingToken("ext.renderiface", m_site.extRenderIface);
+    m_site.ReadLimits();
 
     const std::string root = FirstOf(m_site.environment, {"TAVRN_TMPDIR", "TEMP"}, kDefaultTemporaryRoot);
     MakeWorkDirectory(root);

@@ -216,7 +216,7 @@ TEST_F(TvAppSiteTest, KillFilesLieInTheWorkDirectory) {
     const std::string perlExec =
         directory.Write("site/bin/PerlExec", "#!/bin/sh\nprintf %s \"$TAVRN_KILLFILE\"\n");
     fs::permissions(perlExec, fs::perms::owner_all);
-    site.commands.RunScriptCommand("script");
+    site.commands.RunScript({"script"}, "");
     for (int tries = 0; site.commands.AnyProcessLeft() && tries < 3000; ++tries) {
         queue.RunPending(std::chrono::milliseconds(10));
     }

@@ -88,6 +88,7 @@ void BatchRun::Version() {
 
 int BatchRun::Run(const std::vector<std::string>& words) {
     ::signal(SIGPIPE, SIG_IGN);  // a reader that goes away must not leave the work directory behind
+    ::signal(SIGXFSZ, SIG_IGN);  // nor a file that may not grow; the write fails
     m_report.SetSink(&m_sink);
     std::string error;
     const bool parsed = CommandLine(*this).Parse(words, error);
@@ -134,6 +135,7 @@ bool BatchRun::Start() {
         m_report.Alert("%s%s", problem->isFatalError ? "Fatal Error: " : "", problem->text.c_str());
         return false;
     }
+    SetTimeLimit();
     const Directories& directories = m_app->GetSite().directories;
     if (!IsDirectory(directories.libDir)) {
         Fail("there is no library " + directories.libName + " in " + directories.tavrnDir);
@@ -143,6 +145,15 @@ bool BatchRun::Start() {
     m_work = std::make_unique<BatchWork>(
         *m_app, m_queue, [this] { return m_interruption->Signal() != 0; }, m_force);
     return true;
+}
+
+void BatchRun::SetTimeLimit() {
+    if (!m_timeLimit) return;
+    Site& site = m_app->GetSite();
+    for (ChildLimits* limits : {&site.renderLimits, &site.compileLimits}) {
+        limits->time = *m_timeLimit;
+        limits->timeSetBy = "--time-limit";
+    }
 }
 
 bool BatchRun::SetTargets() {

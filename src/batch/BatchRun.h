@@ -39,6 +39,7 @@ class BatchRun : private CommandLineDelegate {
     void Library(const std::string& name) override { m_library = name; }
     void Force() override { m_force = true; }
     void Quiet() override { m_sink.SetQuiet(); }
+    void TimeLimit(std::chrono::seconds time) override { m_timeLimit = time; }
     void SaveShader() override;
     void Render() override;
     void Save(const std::string& path) override;
@@ -61,6 +62,7 @@ class BatchRun : private CommandLineDelegate {
     bool Start();
     // Tells children where pictures and work files are to stay. False if they could not be written there.
     bool SetTargets();
+    void SetTimeLimit();
     void CheckPicture();
     void RunSteps();
     void Finish();
@@ -85,6 +87,7 @@ class BatchRun : private CommandLineDelegate {
     bool m_mayRender = false;     // a step may make a picture
     std::optional<std::string> m_library;
     bool m_force = false;
+    std::optional<std::chrono::seconds> m_timeLimit;
     std::optional<std::string> m_printAndEnd;  // the first of --help and --version
     std::vector<std::function<bool()>> m_steps;
 

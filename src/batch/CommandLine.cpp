@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#include "text/Numbers.h"
+
 namespace tavrin {
 
 namespace {
@@ -25,6 +27,7 @@ constexpr std::array<std::string_view, 3> kViewWords = {view_words::kSource, vie
                                                         view_words::kShaderIface};
 constexpr std::string_view kAssignment = "NAME=VALUE";
 constexpr std::string_view kExportTarget = "KIND=PATH";
+constexpr std::string_view kSeconds = "SECONDS";
 
 // Splits an operand at its first '=' and hands both parts on.
 template <void (CommandLineDelegate::*Act)(const std::string&, const std::string&)>
@@ -39,6 +42,11 @@ void ActOn(CommandLineDelegate& delegate, const std::string& operand) {
 template <void (CommandLineDelegate::*Act)()>
 void ActAlone(CommandLineDelegate& delegate, const std::string&) {
     (delegate.*Act)();
+}
+
+// An operand that FaultOf has passed.
+void ActOnTimeLimit(CommandLineDelegate& delegate, const std::string& operand) {
+    delegate.TimeLimit(std::chrono::seconds(FieldScanner(operand).Int().value_or(0)));
 }
 
 using Delegate = CommandLineDelegate;
@@ -90,6 +98,11 @@ const std::array kSettings = {
            ActAlone<&Delegate::Force>},
     Option{"--quiet", "", "Do not print the log; alerts are printed all the same.",
            ActAlone<&Delegate::Quiet>},
+    Option{
+        "--time-limit", kSeconds,
+        "Stop a render, or the script that makes the shader, that takes\nlonger; 0 is no limit. Without this "
+        "the library's site\ndefinitions say so.",
+        ActOnTimeLimit},
     Option{"--help", "", "Print this and end.", ActAlone<&Delegate::Help>},
     Option{"--version", "", "Print the version and end.", ActAlone<&Delegate::Version>},
 };
@@ -112,6 +125,9 @@ std::string FaultOf(const Option& option, const std::string& operand) {
     if (isPair && (equals == 0 || equals == std::string::npos)) {
         return name + " " + operand + ": expected " + std::string(option.operand);
     }
+    const bool isNumber = operand.size() < 10 && operand.find_first_not_of("0123456789") == std::string::npos;
+    if (option.operand == kSeconds && !isNumber)
+        return name + " " + operand + ": expected a number of seconds";
     const std::string word = isPair ? operand.substr(0, equals) : operand;
     if (option.words.empty()) return {};
     if (option.operand == kExportTarget && equals + 1 == operand.size())

@@ -2,6 +2,7 @@
 // The command line of tavrin-batch.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@ class CommandLineDelegate {
     virtual void Library(const std::string& name) = 0;
     virtual void Force() = 0;
     virtual void Quiet() = 0;
+    virtual void TimeLimit(std::chrono::seconds time) = 0;
 
     // Steps on the document, done in their order.
     virtual void SaveShader() = 0;

@@ -22,15 +22,15 @@ constexpr size_t kSortKeyLength = 5;  // of a library file's name, its dot inclu
 std::optional<CArchive> Preprocess(const COpEntry& entry, Site& site) {
     const std::string outputPath = DefinitionTexts::OutputPath(site);
     const std::string errorPath = DefinitionTexts::ErrorPath(site);
-    const std::string commandLine = DefinitionTexts::CommandLine(site, entry, outputPath, errorPath);
+    const ProgramCall call = DefinitionTexts::Call(site, entry, outputPath, errorPath);
     ::unlink(outputPath.c_str());
     ::unlink(errorPath.c_str());
     ProcessInfo process;
-    if (!site.commands.RunCommand(commandLine, true, &process)) return std::nullopt;
+    if (!site.commands.RunCall(call, &process)) return std::nullopt;
 
     site.LogFile(errorPath);
     if (process.exitCode != 0) {
-        site.report.Alert("\"%s\" returned %d", commandLine.c_str(), process.exitCode);
+        site.report.Alert("\"%s\" returned %d", call.shownAs.c_str(), process.exitCode);
         return std::nullopt;
     }
     std::string reason;

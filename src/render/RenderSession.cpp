@@ -27,6 +27,11 @@ std::string JoinLines(const std::vector<std::string>& lines) {
     return text;
 }
 
+bool IsControl(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < ' ' || byte == 0x7F;
+}
+
 // Names that the work directory has for files of its own, numbered history directories among them.
 bool IsWorkFile(const std::string& name) {
     constexpr std::array kFiles = {"",           ".",      "..", "codegenfile", "hintfile", "render_options",
@@ -61,8 +66,9 @@ bool RenderSession::ShaderNameOk() {
     const std::string name = ShaderName();
     if (HasWhitespace(name)) {
         m_site.report.Alert("shader name contains whitespace characters");
-    } else if (name.find('"') != std::string::npos) {
-        m_site.report.Alert("shader name contains a double quote; save the document under another name");
+    } else if (std::any_of(name.begin(), name.end(), IsControl)) {
+        // In a comment of the shader a return would end the comment.
+        m_site.report.Alert("shader name contains control characters; save the document under another name");
     } else if (IsWorkFile(name)) {
         m_site.report.Alert("shader name %s is that of a work file; save the document under another name",
                             name.c_str());
@@ -134,8 +140,11 @@ bool RenderSession::RenderIt() {
     if (m_keepHistory && !KeepHistory(name)) return false;
     const std::string number = std::to_string(m_nextRender);
     ++m_nextRender;
-    m_site.commands.RunScriptCommand(m_site.LibraryPath("bin/renderit") + " \"" + name + "\" " + number,
-                                     "render " + number);
+    const std::string renderit = m_site.LibraryPath("bin/renderit");
+    m_site.commands.RunScript({{renderit, name, number},
+                               renderit + " \"" + name + "\" " + number,
+                               "render " + number,
+                               m_site.renderLimits});
     return true;
 }
 

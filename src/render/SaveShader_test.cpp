@@ -122,12 +122,45 @@ TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
     }
 }
 
-TEST_F(SaveShaderTest, ADoubleQuoteInTheNameIsRefused) {
-    document.SetPath("/x/my\"plastic.tvn");
-    EXPECT_FALSE(session.SaveShader());
-    EXPECT_THAT(Alerts(),
-                ElementsAre("shader name contains a double quote; save the document under another name"));
+TEST_F(SaveShaderTest, ANameOfAnyWordsAndSignsIsOneWordOfTheCommand) {
+    // A path of words that would be arguments, had anybody split it.
+    document.SetPath("/my documents/x\" -c \"y/-c'$(id)`;\".tvn");
+    EXPECT_TRUE(session.SaveShader());
+    const std::string name = "-c'$(id)`;\"";
+    EXPECT_THAT(Read("filter.seen"), testing::StartsWith("<" + name + "><" + InWork(name) + ">"));
+    EXPECT_THAT(Alerts(), IsEmpty());
+}
+
+TEST_F(SaveShaderTest, ControlCharactersInTheNameAreRefused) {
+    for (const char* name : {"/x/a\rb.tvn", "/x/a\x1b[2Jb.tvn", "/x/a\x7f.tvn", "/x/a\vb.tvn"}) {
+        host.Sink().alerts.clear();
+        document.SetPath(name);
+        EXPECT_FALSE(session.SaveShader());
+        EXPECT_THAT(
+            Alerts(),
+            ElementsAre("shader name contains control characters; save the document under another name"));
+    }
     EXPECT_TRUE(fs::is_empty(site.directories.workDir));
+}
+
+TEST_F(SaveShaderTest, AFilterThatTakesTooLongIsStoppedAndTold) {
+    Script("codefilter", "$SIG{TERM} = 'IGNORE'; sleep 1 while 1;\n");
+    site.compileLimits = {std::chrono::seconds(1), 0, "limit.compiletime", ""};
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_THAT(
+        Alerts(),
+        ElementsAre("codefilter was stopped: it took more than 1 second, the limit of limit.compiletime"));
+    EXPECT_EQ(Log(), "save shader command returned 137\r\n");
+}
+
+TEST_F(SaveShaderTest, OfWhatAFilterComplainsWithoutEndTheTwoEndsAreLogged) {
+    Script("codefilter", "print STDERR \"line $_\\n\" for 1 .. 100000;\n");
+    site.commands.SetOutputLimit(1000);
+    EXPECT_TRUE(session.SaveShader());
+    EXPECT_THAT(Log(), testing::StartsWith("line 1\r\nline 2\r\n"));
+    EXPECT_THAT(Log(), testing::HasSubstr(" bytes of output are left out here"));
+    EXPECT_THAT(Log(), testing::EndsWith("line 100000\r\n"));
+    EXPECT_LT(Log().size(), 8000U);
 }
 
 TEST_F(SaveShaderTest, OnlyBlanksTabsAndLineFeedsAreWhiteSpace) {

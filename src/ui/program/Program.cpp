@@ -15,6 +15,7 @@
 #include "app/TvApp.h"
 #include "app/Version.h"
 #include "base/Interruption.h"
+#include "base/Warden.h"
 #include "ui/base/IniProfile.h"
 #include "ui/base/QtQueue.h"
 #include "ui/base/Text.h"
@@ -97,10 +98,11 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
 // Ends the process with everything settled. The toolkit and the display's driver would join their threads and
 // give back their memory piece by piece, which on a busy machine takes long after the window has gone. A text
 // that was copied has still to be handed on by the toolkit, and a sanitizer looks for leaks at the end.
-int End(int status) {
+int End(int status, Warden& warden) {
 #ifndef __SANITIZE_ADDRESS__
     if (!QGuiApplication::clipboard()->ownsClipboard()) {
         std::fflush(nullptr);
+        warden.Dismiss();
         std::_Exit(status);
     }
 #endif
@@ -122,6 +124,8 @@ int RunProgram(int& argc, char** argv) {
         return EXIT_SUCCESS;
     }
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of the write
+    Warden warden;                  // before the toolkit has threads
     Interruption::Block();
     QSurfaceFormat::setDefaultFormat(DeskFormat());
     QApplication application(argc, argv);
@@ -139,7 +143,7 @@ int RunProgram(int& argc, char** argv) {
         ShowStop(nullptr, "Fatal Error", Shown(fault));
         return EXIT_FAILURE;
     }
-    return End(RunWindows(ProgramPath(argv[0]), options.documentPath));
+    return End(RunWindows(ProgramPath(argv[0]), options.documentPath), warden);
 }
 
 }  // namespace tavrin
