@@ -92,6 +92,7 @@ class BatchRun : private CommandLineDelegate {
     Report m_report;
     PlainQueue m_queue;
     bool m_failed = false;
+    bool m_childFailed = false;  // in the present step
     std::unique_ptr<CTvApp> m_app;
     std::unique_ptr<BatchWork> m_work;
     // Last, so that its thread ends before what it interrupts.

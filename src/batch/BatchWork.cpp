@@ -12,6 +12,7 @@
 #include "library/SavedNetwork.h"
 #include "render/NetworkCheck.h"
 #include "text/Archive.h"
+#include "text/NearestNames.h"
 
 namespace tavrin {
 
@@ -90,11 +91,17 @@ bool BatchWork::Save(const std::string& path) {
     return m_work.commands.Save(path);
 }
 
-void BatchWork::Set(const std::string& name, const std::string& value) {
-    if (!m_work.document.m_renderOptions.contains(name)) {
-        GetSite().report.LogLine("WARNING: the library's form has no render option %s", name.c_str());
+bool BatchWork::Set(const std::string& name, const std::string& value) {
+    const auto& options = m_work.document.m_renderOptions;
+    if (!options.contains(name)) {
+        std::vector<std::string> known;
+        for (const auto& option : options) known.push_back(option.first);
+        const std::string nearest = JoinNames(NearestNames(name, known));
+        return Fail("--set " + name + ": the library's form has no such render option" +
+                    (nearest.empty() ? "" : "; there is " + nearest));
     }
     m_app.SetVariable(name, value, true);
+    return true;
 }
 
 bool BatchWork::RunScript(const std::string& path) {

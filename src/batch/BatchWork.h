@@ -31,7 +31,8 @@ class BatchWork : private ActionTarget {
     bool Export(const std::string& kind, const std::string& path);
 
     bool Save(const std::string& path);
-    void Set(const std::string& name, const std::string& value);
+    // False, alerted with the names that come nearest, for an option that no form knows.
+    bool Set(const std::string& name, const std::string& value);
     bool RunScript(const std::string& path);
     bool Merge(const std::string& path);
     bool Add(const std::string& operatorName);

@@ -87,8 +87,10 @@ const std::array kSettings = {
     Option{"--force", "",
            "Let --save and --export-all replace a document that could not\nbe read to its end.",
            ActAlone<&Delegate::Force>},
-    Option{"--quiet", "", "Do not print the log; alerts are printed all the same.",
-           ActAlone<&Delegate::Quiet>},
+    Option{
+        "--quiet", "",
+        "Do not print the log; alerts are printed all the same, and\nwhat the log has to say of a failure.",
+        ActAlone<&Delegate::Quiet>},
     Option{"--help", "", "Print this and end.", ActAlone<&Delegate::Help>},
     Option{"--version", "", "Print the version and end.", ActAlone<&Delegate::Version>},
 };
