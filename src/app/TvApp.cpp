@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "app/SiteFileReader.h"
@@ -11,6 +12,7 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Process.h"
+#include "base/ReadLimit.h"
 #include "forms/FormFrame.h"
 #include "forms/FormParser.h"
 #include "render/ShaderExport.h"
@@ -40,6 +42,14 @@ std::string FirstOf(const Environment& environment, std::initializer_list<const 
 bool IsPlainName(const std::string& name) {
     return !name.empty() && name != "." && name != ".." &&
            name.find_first_of("/\\ \t\r\n\"") == std::string::npos;
+}
+
+// As a site gives it, in megabytes.
+uint64_t ReadLimitOf(const Settings& settings) {
+    constexpr float kMost = 1e6F;
+    float megabytes = 0;
+    if (!settings.GetSettingFloat("maxfilesize", megabytes) || !(megabytes > 0)) return kDefaultReadLimit;
+    return static_cast<uint64_t>(std::min(megabytes, kMost) * static_cast<float>(kMegabyte));
 }
 
 bool IsOwnDirectory(const std::string& path) {
@@ -116,6 +126,7 @@ void CTvApp::LoadSiteDefaults() {
     ReadSiteFiles(targets);
 
     const Settings& settings = m_site.settings;
+    SetReadLimit(ReadLimitOf(settings));
     settings.GetSettingToken("editorcmd", directories.editorCmd);
     settings.GetSettingToken("tavrnbrowser_dir", directories.docBrowserDir);
     settings.GetSettingToken("scriptbrowser_dir", directories.scriptBrowserDir);

@@ -215,6 +215,25 @@ TEST_F(BatchStatusTest, AnOptionThatNoFormKnowsIsAnErrorThatNamesTheNearest) {
     EXPECT_EQ(log, "ALERT: --set COLOUR: the library's form has no such render option\n");
 }
 
+TEST_F(BatchStatusTest, AFileBeyondTheSitesLimitIsRefused) {
+    Write("site/small/tavrn.def", "maxfilesize 0.001\n");
+    const std::string large = Write("large.tvn", kDocument + std::string(2000, ' '));
+    const std::string limit = "larger than the 1048 bytes that are read of a file (setting maxfilesize)";
+    EXPECT_EQ(Run({large, "--list-operators"}), 1);
+    EXPECT_EQ(log, "ALERT: unable to open " + large + " for reading: " + limit + "\n");
+    EXPECT_EQ(Run({"--merge", large}), 1);
+    EXPECT_THAT(log, HasSubstr("ALERT: unable to open " + large + " for reading: " + limit + "\n"));
+    EXPECT_EQ(Run({"--script", large}), 1);
+    EXPECT_EQ(log, "ALERT: " + large + ": " + limit + "\n");
+    Write("site/small/menu/0020.Large", "# " + std::string(2000, 'x') + "\noutput out { float out }\n");
+    EXPECT_EQ(Run({"--add", "Large"}), 1);
+    EXPECT_THAT(log, HasSubstr("0020.Large for reading: " + limit + "\n"));
+    EXPECT_EQ(Run({Write("uses.tvn", "opdesk { opbox { filename Large wid 1 } }\n")}), 1);
+    EXPECT_THAT(log, HasSubstr(limit));
+    EXPECT_EQ(Run({In("doc.tvn")}), 0);
+    EXPECT_EQ(log, "");
+}
+
 TEST_F(BatchStatusTest, ALauncherThatIsMissingIsAFailure) {
     fs::remove(In("site/bin/PerlExec"));
     EXPECT_EQ(Run({In("doc.tvn"), "--render"}), 1);

@@ -13,6 +13,7 @@
 #include "render/NetworkCheck.h"
 #include "text/Archive.h"
 #include "text/NearestNames.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -178,7 +179,10 @@ std::string BatchWork::Check(bool& anyError) {
     }
     const std::vector<Finding> network = CheckNetwork(m_work.document, GetSite().report);
     findings.insert(findings.end(), network.begin(), network.end());
-    m_work.session.Generate();
+    WithinMemory(GetSite().report, "generating the shader " + m_work.session.ShaderName(), [this] {
+        m_work.session.Generate();
+        return true;
+    });
     std::string text;
     for (const Finding& finding : findings) {
         text += finding.Text() + "\n";

@@ -8,6 +8,7 @@
 #include "document/DocumentWriter.h"
 #include "site/Site.h"
 #include "text/Archive.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -74,10 +75,17 @@ bool CTvDoc::Open(const std::string& path) {
         m_host.GetSite().report.Alert("unable to open %s for reading: %s", path.c_str(), error.c_str());
         return false;
     }
-    const DocumentForm form = ReadDocument(std::move(*archive));
+    Report& report = m_host.GetSite().report;
+    std::optional<DocumentForm> form;
+    const bool isRead = WithinMemory(report, "reading " + path, [&] {
+        form.emplace(ReadDocument(std::move(*archive)));
+        return true;
+    });
+    if (!isRead) return false;
     DeleteContents();
-    m_origin.file = FileReadFrom(path, MarkOf(form.Text()));
-    if (!Load(form) || !form.errors.empty()) SetCutShort();
+    m_origin.file = FileReadFrom(path, MarkOf(form->Text()));
+    const bool isLoaded = WithinMemory(report, "opening " + path, [&] { return Load(*form); });
+    if (!isLoaded || !form->errors.empty()) SetCutShort();
     return true;
 }
 

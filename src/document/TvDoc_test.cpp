@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <new>
+
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -178,6 +180,36 @@ TEST_F(TvDoc, AFileThatStopsTheReadingIsOpenWithWhatWasReadAndCutShort) {
     EXPECT_EQ(document.Path(), path);
     EXPECT_TRUE(document.WasCutShort());
     EXPECT_TRUE(document.Open(Write("good.tvn", "")));
+    EXPECT_FALSE(document.WasCutShort());
+}
+
+// Has no memory left for the second box.
+class PoorHost : public test::TestHost {
+  protected:
+    bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts* texts) override {
+        if (++m_boxes == 2) throw std::bad_alloc();
+        return TestHost::LoadDefinition(box, operatorName, texts);
+    }
+
+  private:
+    int m_boxes = 0;
+};
+
+TEST(TvDocMemory, OpeningThatRunsOutOfMemoryIsAlertedAndKeepsTheFileFromBeingReplaced) {
+    PoorHost host;
+    host.startsProcesses = false;
+    host.AddOperator("Link", "output out { float out }");
+    CTvDoc document(host);
+    const std::string path = host.Directory().Write("large.tvn",
+                                                    "opdesk { opbox { filename Link wid 1 } opbox { filename "
+                                                    "Link wid 2 } opbox { filename Link wid 3 } }");
+    EXPECT_TRUE(document.Open(path));
+    EXPECT_THAT(host.Sink().alerts, ElementsAre("not enough memory for opening " + path));
+    EXPECT_TRUE(document.WasCutShort());
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+    document.DeleteContents();
+    EXPECT_TRUE(document.Open(path)) << "now there is enough";
+    EXPECT_THAT(WidsOf(document), ElementsAre(1, 2, 3));
     EXPECT_FALSE(document.WasCutShort());
 }
 

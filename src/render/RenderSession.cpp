@@ -10,6 +10,7 @@
 #include "render/ArgInfo.h"
 #include "render/FilterScript.h"
 #include "site/Site.h"
+#include "text/OutOfMemory.h"
 #include "text/Tokens.h"
 
 namespace tavrin {
@@ -72,7 +73,8 @@ bool RenderSession::ShaderNameOk() {
 
 bool RenderSession::SaveShader() {
     if (!ShaderNameOk()) return false;
-    return WriteCodeFiles(Generate()) && RunFilter();
+    return WithinMemory(m_site.report, "generating the shader " + ShaderName(),
+                        [this] { return WriteCodeFiles(Generate()) && RunFilter(); });
 }
 
 bool RenderSession::WriteCodeFiles(const ShaderText& text) {
