@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "app/Recovery.h"
 #include "app/SiteFileReader.h"
 #include "app/Version.h"
 #include "base/Files.h"
@@ -64,6 +65,7 @@ CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment,
     : m_site(report, std::move(environment), queue),
       m_registry(report),
       m_form(std::make_unique<CRenderOptionsEditor>()),
+      m_trust(StateDirectory(m_site.environment)),
       m_programDir(PathDir(programPath)),
       m_version(VersionText(kProductVersion)) {
     const Environment& env = m_site.environment;

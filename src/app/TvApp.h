@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "app/TrustStore.h"
 #include "codegen/CodeGen.h"
 #include "document/TvDoc.h"
 #include "forms/FormHost.h"
@@ -104,6 +105,11 @@ class CTvApp : public DocumentHost, private FormHost {
     bool IsUnsavedOption(const std::string& name) const override { return m_unsavedOptions.contains(name); }
     bool UseLibrary(const std::string& name) override;
     std::string DocumentVersion() const override;
+    bool IsOwnText(std::string_view text) const override;
+    void NoteOwnText(std::string_view text) override;
+
+    // What the user has agreed to.
+    TrustStore& Trust() { return m_trust; }
 
     const CCodeGen& CodeGen() const { return m_codeGen; }
     CRenderOptionsEditor& RenderOptionsForm() { return *m_form; }
@@ -141,6 +147,7 @@ class CTvApp : public DocumentHost, private FormHost {
     std::unique_ptr<CRenderOptionsEditor> m_form;
     CTvDoc* m_document = nullptr;
     TitleView* m_titleView = nullptr;
+    TrustStore m_trust;
     std::string m_programDir;
     std::string m_version;
     bool m_ownsWorkDir = false;

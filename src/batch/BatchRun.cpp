@@ -138,7 +138,7 @@ bool BatchRun::Start() {
     }
     if (!SetTargets()) return false;
     m_work = std::make_unique<BatchWork>(
-        *m_app, m_queue, [this] { return m_interruption->Signal() != 0; }, m_force);
+        *m_app, m_queue, [this] { return m_interruption->Signal() != 0; }, m_rules);
     return true;
 }
 

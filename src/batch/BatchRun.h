@@ -37,7 +37,8 @@ class BatchRun : private CommandLineDelegate {
     void KeepWork(const std::string& directory) override { m_keepWork = directory; }
     void Picture(const std::string& path) override { m_picture = path; }
     void Library(const std::string& name) override { m_library = name; }
-    void Force() override { m_force = true; }
+    void Force() override { m_rules.force = true; }
+    void TrustExports() override { m_rules.trustExports = true; }
     void Quiet() override { m_sink.SetQuiet(); }
     void SaveShader() override;
     void Render() override;
@@ -84,7 +85,7 @@ class BatchRun : private CommandLineDelegate {
     std::string m_pictureBefore;  // the stamp of what was there
     bool m_mayRender = false;     // a step may make a picture
     std::optional<std::string> m_library;
-    bool m_force = false;
+    BatchRules m_rules;
     std::optional<std::string> m_printAndEnd;  // the first of --help and --version
     std::vector<std::function<bool()>> m_steps;
 

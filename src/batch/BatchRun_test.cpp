@@ -31,8 +31,8 @@ class BatchRunTest : public testing::Test {
   protected:
     BatchRunTest() {
         fs::create_directories(m_directory / "tmp");
-        for (const char* name :
-             {"TAVRN_DIR", "TAVRN_LIB", "TEMP", "homeDrive", "homePath", "SOURCE_DATE_EPOCH"}) {
+        for (const char* name : {"TAVRN_DIR", "TAVRN_LIB", "TEMP", "homeDrive", "homePath",
+                                 "SOURCE_DATE_EPOCH", "XDG_STATE_HOME"}) {
             environment.Unset(name);
         }
         environment.Set("HOME", m_directory / "home");

@@ -79,18 +79,18 @@ TEST_F(BatchStatusTest, ADocumentThatWasCutShortIsNotExportedOverItselfUnlessFor
     const std::string refused = "ALERT: " + document +
                                 " was not read to its end, and exporting would lose the rest; export to "
                                 "another directory, or use --force\n";
-    EXPECT_EQ(Run({document, "--export-all"}), 1);
+    EXPECT_EQ(Run({document, "--trust-exports", "--export-all"}), 1);
     EXPECT_THAT(log, testing::EndsWith(refused));
     EXPECT_EQ(Read("cut.tvn"), cut);
     // Nor by a script, nor once it has been saved elsewhere under its name.
-    EXPECT_EQ(Run({document, "--script", Write("export.tvx", "form export all\n")}), 1);
+    EXPECT_EQ(Run({document, "--trust-exports", "--script", Write("export.tvx", "form export all\n")}), 1);
     EXPECT_THAT(log, testing::EndsWith(refused));
     EXPECT_EQ(Read("cut.tvn"), cut);
-    EXPECT_EQ(Run({document, "--save", In("tmp/cut.tvn"), "--export-all"}), 1);
+    EXPECT_EQ(Run({document, "--save", In("tmp/cut.tvn"), "--trust-exports", "--export-all"}), 1);
     EXPECT_THAT(log, testing::EndsWith(refused));
     EXPECT_EQ(Read("cut.tvn"), cut);
     fs::remove(In("tmp/cut.tvn"));
-    EXPECT_EQ(Run({document, "--export-all", "--force"}), 1);
+    EXPECT_EQ(Run({document, "--export-all", "--force", "--trust-exports"}), 1);
     EXPECT_THAT(log, testing::EndsWith("exported\n"));
     EXPECT_THAT(Read("cut.tvn"), AllOf(HasSubstr("filename Link"), testing::Not(HasSubstr("nonsense"))));
 }

@@ -31,13 +31,15 @@ ExportKind KindOf(const std::string& word) {
 
 }  // namespace
 
-BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, bool force)
+BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted,
+                     const BatchRules& rules)
     : m_app(app),
       m_queue(queue),
       m_isInterrupted(std::move(isInterrupted)),
       m_work(app, DocumentCommands::Announce::kNo),
       m_actions(*this, app.GetSite().commands, app.GetSite().report),
-      m_force(force) {
+      m_rules(rules) {
+    m_work.exporter.AskBeforeForeign([this](const ExportPlan& plan) { return MayFollow(plan); });
     m_work.exporter.AskBeforeLoss([this](const std::string& path) {
         return MayLoseUnread(path, "exporting", "export to another directory");
     });
@@ -64,7 +66,7 @@ bool BatchWork::Render() {
 }
 
 bool BatchWork::ExportAll() {
-    const bool started = m_work.exporter.Export(m_work.document.exportOptions);
+    const bool started = m_work.exporter.ExportAll();
     WaitForProcesses();
     return started;
 }
@@ -81,9 +83,17 @@ void BatchWork::WaitForProcesses() {
     m_queue.RunPending();
 }
 
+bool BatchWork::MayFollow(const ExportPlan& plan) {
+    if (m_rules.trustExports || m_app.Trust().Holds(TrustStore::Kind::kExports, plan.digest)) return true;
+    std::string wishes;
+    for (const std::string& line : plan.lines) wishes += (wishes.empty() ? "" : "; ") + line;
+    return Fail(m_work.document.Path() + " was not saved by you on this machine, and asks to " + wishes +
+                "; use --trust-exports if that may be done");
+}
+
 bool BatchWork::MayLoseUnread(const std::string& path, const char* writing, const char* wayOut) {
-    return m_force || Fail(path + " was not read to its end, and " + writing + " would lose the rest; " +
-                           wayOut + ", or use --force");
+    return m_rules.force || Fail(path + " was not read to its end, and " + writing +
+                                 " would lose the rest; " + wayOut + ", or use --force");
 }
 
 bool BatchWork::Save(const std::string& path) {
@@ -193,9 +203,7 @@ std::string BatchWork::Check(bool& anyError) {
 
 void BatchWork::Command(CommandId command) {
     // Where a window would ask for the path of a single export, the one that it would offer is taken.
-    const auto exportOne = [this](ExportKind kind) {
-        return m_work.exporter.Export(ShaderExport::OnlyThis(kind, m_work.exporter.DocumentPath(kind)));
-    };
+    const auto exportOne = [this](ExportKind kind) { return m_work.exporter.ExportAsDocumentSays(kind); };
     bool done = true;
     switch (command) {
         case CommandId::kRenderIt:
@@ -205,7 +213,7 @@ void BatchWork::Command(CommandId command) {
             m_work.session.StopRender();
             break;
         case CommandId::kExportAll:
-            done = m_work.exporter.Export(m_work.document.exportOptions);
+            done = m_work.exporter.ExportAll();
             break;
         case CommandId::kExportCompiledShader:
             done = exportOne(ExportKind::kCompiledShader);

@@ -12,13 +12,19 @@
 
 namespace tavrin {
 
+// What the command line lets the work do. A plain value.
+struct BatchRules {
+    bool force = false;         // files that were not read to their end may be replaced
+    bool trustExports = false;  // what a document wants exported and run is done, whoever has written it
+};
+
 // The document with everything round it that a window program has in its frame. Made by the run after the
 // application has started. Every operation reports before it returns false.
 class BatchWork : private ActionTarget {
   public:
     // `isInterrupted` tells whether the program is being stopped: waiting ends then. Unless it is forced, the
     // file that was not read to its end is not replaced, neither by a save nor by an export.
-    BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, bool force);
+    BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, const BatchRules& rules);
 
     // False if the file cannot be opened. A file that cannot be read to its end is alerted, and the work
     // goes on with what it gave.
@@ -62,6 +68,7 @@ class BatchWork : private ActionTarget {
 
     Site& GetSite() { return m_app.GetSite(); }
     bool Fail(const std::string& message);
+    bool MayFollow(const ExportPlan& plan);
     bool MayLoseUnread(const std::string& path, const char* writing, const char* wayOut);
     void WaitForProcesses();
     // Drops what was added or merged, to the right of what stands on the desk.
@@ -73,7 +80,7 @@ class BatchWork : private ActionTarget {
     Workspace m_work;
     Actions m_actions;
     std::string m_openedPath;
-    bool m_force;
+    BatchRules m_rules;
     bool m_closing = false;
     bool m_commandFailed = false;  // one that the present script sent
 };

@@ -87,6 +87,10 @@ const std::array kSettings = {
     Option{"--force", "",
            "Let --save and --export-all replace a document that could not\nbe read to its end.",
            ActAlone<&Delegate::Force>},
+    Option{"--trust-exports", "",
+           "Let --export-all and scripts write and run what a document\nasks for that you have not saved "
+           "here.",
+           ActAlone<&Delegate::TrustExports>},
     Option{
         "--quiet", "",
         "Do not print the log; alerts are printed all the same, and\nwhat the log has to say of a failure.",

@@ -18,6 +18,7 @@ class CommandLineDelegate {
     virtual void Picture(const std::string& path) = 0;
     virtual void Library(const std::string& name) = 0;
     virtual void Force() = 0;
+    virtual void TrustExports() = 0;
     virtual void Quiet() = 0;
 
     // Steps on the document, done in their order.

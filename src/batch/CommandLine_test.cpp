@@ -19,6 +19,7 @@ class NotingDelegate : public CommandLineDelegate {
     void Picture(const std::string& path) override { calls.push_back("picture " + path); }
     void Library(const std::string& name) override { calls.push_back("library " + name); }
     void Force() override { calls.emplace_back("force"); }
+    void TrustExports() override { calls.emplace_back("trust-exports"); }
     void Quiet() override { calls.emplace_back("quiet"); }
     void SaveShader() override { calls.emplace_back("save-shader"); }
     void Render() override { calls.emplace_back("render"); }
@@ -74,6 +75,11 @@ TEST_F(CommandLineTest, EveryOptionReachesTheDelegateInItsPlace) {
                             "save b.tvn", "list-operators", "describe Noise", "keep-work work", "force",
                             "help", "version"));
     EXPECT_EQ(error, "");
+}
+
+TEST_F(CommandLineTest, WhatIsTrustedReachesTheDelegateToo) {
+    EXPECT_THAT(Parse({"--trust-exports"}), ElementsAre("trust-exports"));
+    EXPECT_EQ(ErrorOf({"--trust-exports=1"}), "--trust-exports takes no value; see tavrin-batch --help");
 }
 
 TEST_F(CommandLineTest, AnOptionMayCarryItsValueBehindAnEqualsSign) {

@@ -66,6 +66,7 @@ void CTvDoc::DeleteContents() {
     m_modified = false;
     m_differsFromFile = false;
     m_origin.cutFile.reset();
+    m_origin.isForeign = false;
 }
 
 bool CTvDoc::Open(const std::string& path) {
@@ -84,6 +85,7 @@ bool CTvDoc::Open(const std::string& path) {
     if (!isRead) return false;
     DeleteContents();
     m_origin.file = FileReadFrom(path, MarkOf(form->Text()));
+    m_origin.isForeign = !m_host.IsOwnText(form->Text());
     const bool isLoaded = WithinMemory(report, "opening " + path, [&] { return Load(*form); });
     if (!isLoaded || !form->errors.empty()) SetCutShort();
     return true;
@@ -123,7 +125,15 @@ void CTvDoc::BecomeRecovered(const std::string& path, bool wasCutShort, std::opt
     SetPath(path);
     if (wasCutShort) SetCutShort();
     m_origin.file->held = held;
+    // What was never read from a file is the user's own; of the rest that file has to tell.
+    m_origin.isForeign = held.has_value() && !HoldsOwnText(*m_origin.file);
     SetModified();
+}
+
+bool CTvDoc::HoldsOwnText(const DocumentFile& file) const {
+    std::string text;
+    std::string error;
+    return ReadWholeFile(file.path, text, error) && MarkOf(text) == file.held && m_host.IsOwnText(text);
 }
 
 bool CTvDoc::WouldLoseUnread(const std::string& path) const {
@@ -163,6 +173,7 @@ bool CTvDoc::Write(const std::string& path, std::string& error) {
         m_origin.file->held = MarkOf(text);
         m_differsFromFile = false;
     }
+    if (!m_origin.isForeign) m_host.NoteOwnText(text);
     return true;
 }
 

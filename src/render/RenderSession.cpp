@@ -166,6 +166,7 @@ bool RenderSession::LoadHistoryEntry(const std::string& entry) {
         m_document.SetPath(JoinPath(m_site.directories.docBrowserDir, name + m_site.docExt));
     } else if (m_document.WasCutShort()) {
         m_document.SetPath(origin.file->path);
+        m_document.SetForeign(origin.isForeign);
     } else {
         m_document.SetOrigin(origin);
     }

@@ -139,11 +139,8 @@ std::string VisibleOneLine(std::string_view text) {
     VisibleText visible;
     std::string shown;
     for (const char c : text) {
-        if (c == '\n' || c == '\t') {
-            shown += visible.End() + (c == '\n' ? "\\n" : "\\t");
-        } else {
-            shown += visible.Add(std::string_view(&c, 1));
-        }
+        const char* breaks = c == '\n' ? "\\n" : c == '\r' ? "\\r" : c == '\t' ? "\\t" : nullptr;
+        shown += breaks == nullptr ? visible.Add(std::string_view(&c, 1)) : visible.End() + breaks;
     }
     return shown + visible.End();
 }

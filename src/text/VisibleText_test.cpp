@@ -60,6 +60,7 @@ TEST(VisibleText, APercentageMayReplaceOneOnALineOfItsOwn) {
 
 TEST(VisibleText, InOneLineBreaksAreShownToo) {
     EXPECT_EQ(VisibleOneLine("a\nb\tc\r\nd\xe2\x80\xae"), "a\\nb\\tc\\r\\nd\\u{202e}");
+    EXPECT_EQ(VisibleOneLine("\r   5%"), "\\r   5%") << "there is no line whose progress it could be";
 }
 
 }  // namespace

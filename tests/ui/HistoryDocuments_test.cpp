@@ -245,6 +245,7 @@ TEST_F(HistoryDocumentTest, ADocumentWhoseFileSomebodyElseHasChangedAsks) {
 
 TEST_F(HistoryDocumentTest, WhatExportAllHasWrittenIsTheDocumentsOwn) {
     StartWithEntry();
+    Document().SetForeign(false);
     Document().exportOptions.saveTavrn = 1;
     Document().exportOptions.tavrnPath = m_other;
     AddBoxes(1);
@@ -271,6 +272,7 @@ class CutDocumentTest : public HistoryDocumentTest {
                      "loses what was not read.  Save anyway?";
     }
     void ExportAll() {
+        Document().SetForeign(false);
         Document().exportOptions.saveTavrn = 1;
         Document().exportOptions.tavrnPath = m_cut;
         Do(CommandId::kExportAll);
@@ -321,6 +323,7 @@ TEST_F(CutDocumentTest, ItIsExportedOverItsFileOnlyIfThatIsWanted) {
 
 TEST_F(CutDocumentTest, AScriptAsksBeforeItExportsOverIt) {
     OpenCut();
+    Document().SetForeign(false);
     Document().exportOptions.saveTavrn = 1;
     Document().exportOptions.tavrnPath = m_cut;
     PressWhenBoxComes("No");
