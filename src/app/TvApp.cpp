@@ -8,12 +8,12 @@
 #include <cerrno>
 
 #include "app/Recovery.h"
-#include "app/SiteFileReader.h"
 #include "app/Version.h"
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Process.h"
 #include "base/ReadLimit.h"
+#include "forms/FormCommands.h"
 #include "forms/FormFrame.h"
 #include "forms/FormParser.h"
 #include "render/ShaderExport.h"
@@ -119,13 +119,21 @@ void CTvApp::ReloadOperators() {
         m_registry.AddDirectory(m_site.LibraryPath(directory));
 }
 
-void CTvApp::LoadSiteDefaults() {
+void CTvApp::LoadSiteDefaults(LocalCommandsRule rule) {
     Directories& directories = m_site.directories;
     m_site.menuDirs.emplace_back("menu");
     m_site.types.ResetDataTypes();
-    SiteTargets targets{m_site, m_codeGen, m_exportDefaults,
-                        [this](CArchive& archive) { ReadForm(archive, *m_form, *this, m_site.report); }};
+    SiteTargets targets{m_site, m_codeGen, m_exportDefaults, {}};
+    targets.readForm = [this, &targets](CArchive& archive) {
+        const size_t first = m_form->children.size();
+        ReadForm(archive, *m_form, *this, m_site.report);
+        if (!targets.isLocal) return;
+        for (std::string& line : HoldFormCommands(*m_form, first))
+            targets.local.formLines.push_back(std::move(line));
+    };
     ReadSiteFiles(targets);
+    m_localCommands = std::move(targets.local);
+    SettleLocalCommands(rule);
 
     const Settings& settings = m_site.settings;
     SetReadLimit(ReadLimitOf(settings));

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "app/SiteFileReader.h"
 #include "app/TrustStore.h"
 #include "codegen/CodeGen.h"
 #include "document/TvDoc.h"
@@ -34,6 +35,13 @@ class TitleView {
     virtual void ShowTitle(const std::string& title) = 0;
 };
 
+// What becomes of the commands that the site file of the current directory names.
+enum class LocalCommandsRule {
+    kUse,     // the directory was chosen by who started the program
+    kAsk,     // they wait until the user has agreed, which is remembered
+    kRefuse,  // they never count
+};
+
 // One for the process, made by the program before anything else. It has no window and never ends the
 // process: StartUpProblem tells what must end it.
 class CTvApp : public DocumentHost, private FormHost {
@@ -49,7 +57,13 @@ class CTvApp : public DocumentHost, private FormHost {
     // Scans the operators again.
     void ReloadOperators();
     // Reads the site files, makes the work directory and the environment of children, scans the operators.
-    void LoadSiteDefaults();
+    void LoadSiteDefaults(LocalCommandsRule rule = LocalCommandsRule::kUse);
+    // The commands that wait for the user's word: until then nothing runs them. Null for none.
+    const LocalCommands* WaitingCommands() const {
+        return m_localCommands.Any() ? &m_localCommands : nullptr;
+    }
+    // The user's word. Yes is remembered for as long as the file is what it is, No until the program ends.
+    void AnswerForCommands(bool mayRun);
 
     // What must stop the program after its start.
     struct Problem {
@@ -136,6 +150,8 @@ class CTvApp : public DocumentHost, private FormHost {
     void StartEditor(const std::string& path, const std::string& named);
     void MakeWorkDirectory(const std::string& temporaryRoot);
     void ExportEnvironment(const std::string& temporaryRoot);
+    void SettleLocalCommands(LocalCommandsRule rule);
+    void UseLocalCommands();
 
     Site m_site;
     COpRegistry m_registry;
@@ -148,6 +164,7 @@ class CTvApp : public DocumentHost, private FormHost {
     CTvDoc* m_document = nullptr;
     TitleView* m_titleView = nullptr;
     TrustStore m_trust;
+    LocalCommands m_localCommands;  // not in force
     std::string m_programDir;
     std::string m_version;
     bool m_ownsWorkDir = false;

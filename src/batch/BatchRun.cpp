@@ -126,7 +126,7 @@ bool BatchRun::Start() {
         Fail("--library " + *m_library + ": expected the plain name of a directory of the installation");
         return false;
     }
-    m_app->LoadSiteDefaults();
+    m_app->LoadSiteDefaults(m_localCommands);
     if (const auto problem = m_app->StartUpProblem()) {
         m_report.Alert("%s%s", problem->isFatalError ? "Fatal Error: " : "", problem->text.c_str());
         return false;

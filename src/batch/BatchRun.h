@@ -39,6 +39,7 @@ class BatchRun : private CommandLineDelegate {
     void Library(const std::string& name) override { m_library = name; }
     void Force() override { m_rules.force = true; }
     void TrustExports() override { m_rules.trustExports = true; }
+    void NoSiteCommands() override { m_localCommands = LocalCommandsRule::kRefuse; }
     void Quiet() override { m_sink.SetQuiet(); }
     void SaveShader() override;
     void Render() override;
@@ -86,6 +87,7 @@ class BatchRun : private CommandLineDelegate {
     bool m_mayRender = false;     // a step may make a picture
     std::optional<std::string> m_library;
     BatchRules m_rules;
+    LocalCommandsRule m_localCommands = LocalCommandsRule::kUse;
     std::optional<std::string> m_printAndEnd;  // the first of --help and --version
     std::vector<std::function<bool()>> m_steps;
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a run does and does not for documents from elsewhere.
+// What a run does and does not for documents and site files from elsewhere.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -12,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::kDocument;
+using test::kPerl;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -72,6 +74,57 @@ TEST_F(BatchTrustTest, SavingADocumentFromElsewhereGivesItNoTrust) {
     EXPECT_EQ(Run({foreign, "--save", In("own.tvn"), "--export-all"}), 1);
     EXPECT_EQ(log, Refusal(In("own.tvn")));
     EXPECT_EQ(Run({In("own.tvn"), "--export-all"}), 1);
+}
+
+// The site file of the current directory
+
+class BatchSiteCommandsTest : public test::BatchTest {
+  protected:
+    BatchSiteCommandsTest() {
+        Write("here/tavrn.def", "sourcecodeprefilter " + In("filter") + "\nmaxhistory 5\n");
+        Write("filter", kPerl + ("open my $mark, '>', '" + In("ran")) + "';\n");
+        fs::permissions(In("filter"), fs::perms::owner_all);
+        fs::permissions(In("here/tavrn.def"), fs::perms::others_write, fs::perm_options::remove);
+    }
+    int RunHere(std::vector<std::string> words) {
+        fs::remove(In("ran"));
+        environment.Set("HERE", In("here"));
+        return RunShell("cd \"$HERE\" && exec \"$0\" \"$@\"", words);
+    }
+    bool HasRun() const { return fs::exists(In("ran")); }
+    std::string Named(const char* how) const {
+        return "site file " + In("here/tavrn.def") + " names commands, which are " + how +
+               ": sourcecodeprefilter " + In("filter") + "\n";
+    }
+};
+
+TEST_F(BatchSiteCommandsTest, ItsCommandsAreUsedAndNamedInTheLog) {
+    EXPECT_EQ(RunHere({In("doc.tvn"), "--save-shader"}), 0);
+    EXPECT_TRUE(HasRun());
+    EXPECT_EQ(log, Named("used"));
+}
+
+TEST_F(BatchSiteCommandsTest, OnTheUsersWordTheyAreNotUsed) {
+    EXPECT_EQ(RunHere({In("doc.tvn"), "--save-shader", "--no-site-commands"}), 0);
+    EXPECT_FALSE(HasRun());
+    EXPECT_EQ(log, Named("not used"));
+}
+
+TEST_F(BatchSiteCommandsTest, AFileThatOthersCanWriteIsNamedAndNotRead) {
+    fs::permissions(In("here"), fs::perms::others_write, fs::perm_options::add);
+    EXPECT_EQ(RunHere({In("doc.tvn"), "--save-shader"}), 0);
+    EXPECT_FALSE(HasRun());
+    EXPECT_EQ(log, "WARNING: site file " + In("here/tavrn.def") + " is not read: its directory " +
+                       In("here") + " can be written by others\n");
+}
+
+TEST_F(BatchSiteCommandsTest, AFileOfAnotherUserIsNamedAndNotRead) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can give a file to another user";
+    ASSERT_EQ(::chown(In("here/tavrn.def").c_str(), 65534, 65534), 0);
+    EXPECT_EQ(RunHere({In("doc.tvn"), "--save-shader"}), 0);
+    EXPECT_FALSE(HasRun());
+    EXPECT_EQ(log,
+              "WARNING: site file " + In("here/tavrn.def") + " is not read: it belongs to another user\n");
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ class CommandLineDelegate {
     virtual void Library(const std::string& name) = 0;
     virtual void Force() = 0;
     virtual void TrustExports() = 0;
+    virtual void NoSiteCommands() = 0;
     virtual void Quiet() = 0;
 
     // Steps on the document, done in their order.

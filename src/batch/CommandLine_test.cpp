@@ -20,6 +20,7 @@ class NotingDelegate : public CommandLineDelegate {
     void Library(const std::string& name) override { calls.push_back("library " + name); }
     void Force() override { calls.emplace_back("force"); }
     void TrustExports() override { calls.emplace_back("trust-exports"); }
+    void NoSiteCommands() override { calls.emplace_back("no-site-commands"); }
     void Quiet() override { calls.emplace_back("quiet"); }
     void SaveShader() override { calls.emplace_back("save-shader"); }
     void Render() override { calls.emplace_back("render"); }
@@ -78,7 +79,8 @@ TEST_F(CommandLineTest, EveryOptionReachesTheDelegateInItsPlace) {
 }
 
 TEST_F(CommandLineTest, WhatIsTrustedReachesTheDelegateToo) {
-    EXPECT_THAT(Parse({"--trust-exports"}), ElementsAre("trust-exports"));
+    EXPECT_THAT(Parse({"--trust-exports", "--no-site-commands"}),
+                ElementsAre("trust-exports", "no-site-commands"));
     EXPECT_EQ(ErrorOf({"--trust-exports=1"}), "--trust-exports takes no value; see tavrin-batch --help");
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the window asks before it does what documents want that somebody else has written.
+// What the window asks before it does what files from elsewhere want: the commands of the current directory's
+// site file, and the exports of documents that somebody else has written.
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <filesystem>
 
@@ -17,8 +19,10 @@ using test::PressWhenBoxComes;
 using test::WaitUntil;
 using test::WhenDialogComes;
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 class TrustTest : public FrameTest {
@@ -40,6 +44,93 @@ class TrustTest : public FrameTest {
 
     std::string question;
 };
+
+// The site file of the current directory
+
+class SiteCommandsTest : public TrustTest {
+  protected:
+    SiteCommandsTest() {
+        fs::create_directories(directory / "here");
+        directory.Write("odd", test::ReadFile(directory / "editor"));
+        fs::permissions(directory / "odd", fs::perms::owner_all);
+        WriteHere(
+            "editorcmd \"" + (directory / "odd") +
+            " --odd\"\nroe {\nbutton {\nbuttonlabel Publish\nactionto form\nactionmsg system\nactionarg "
+            "touch " +
+            (directory / "published") + "\n}\n}\n");
+        fs::current_path(directory / "here");
+    }
+    ~SiteCommandsTest() override {
+        End();
+        fs::current_path(m_before);
+    }
+    void WriteHere(const std::string& text) const {
+        const std::string path = directory.Write("here/tavrn.def", text);
+        for (const std::string& own : {path, directory / "here"})
+            fs::permissions(own, fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    }
+    std::string Editor() { return App().GetSite().directories.editorCmd; }
+    void PressPublish() {
+        QWidget& form = Frame().Windows().Of(CommandId::kRenderOptions);
+        for (auto* button : form.findChildren<QPushButton*>()) {
+            if (button->text() == "Publish") button->click();
+        }
+        Settle();
+    }
+
+  private:
+    fs::path m_before = fs::current_path();
+};
+
+TEST_F(SiteCommandsTest, TheUserIsShownThemAndNoIsTheDefaultAndHoldsForTheSession) {
+    TakeDefaultOfQuestion();
+    Start();
+    WaitForQuestion();
+    EXPECT_THAT(question, AllOf(HasSubstr(directory / "here/tavrn.def"), HasSubstr("\n  editorcmd \""),
+                                HasSubstr("\n  button Publish: touch " + (directory / "published"))));
+    EXPECT_EQ(Editor(), directory / "editor");
+    PressWhenBoxComes("OK");
+    PressPublish();
+    EXPECT_TRUE(WaitUntil([] { return !BoxesShown().isEmpty(); }));
+    EXPECT_THAT(Bytes(BoxesShown().last()), HasSubstr(" is not run: "));
+    EXPECT_FALSE(fs::exists(directory / "published"));
+    question.clear();
+    TakeDefaultOfQuestion();
+    Start();
+    WaitForQuestion();
+}
+
+TEST_F(SiteCommandsTest, YesIsRememberedUntilTheFileChanges) {
+    PressWhenBoxComes("Yes");
+    Start();
+    EXPECT_TRUE(WaitUntil([] { return BoxesShown().size() == 1; }));
+    EXPECT_EQ(Editor(), (directory / "odd") + " --odd");
+    PressPublish();
+    EXPECT_TRUE(fs::exists(directory / "published"));
+    Start();
+    EXPECT_EQ(Editor(), (directory / "odd") + " --odd");
+    EXPECT_EQ(BoxesShown().size(), 1);
+    WriteHere("editorcmd other\n");
+    TakeDefaultOfQuestion();
+    Start();
+    WaitForQuestion();
+    EXPECT_EQ(Editor(), directory / "editor");
+}
+
+// The broken document's own directory may have brought the site file along.
+TEST_F(SiteCommandsTest, ABrokenDocumentBesideItOpensInTheUsersEditorUntilTheUserHasAgreed) {
+    Make();
+    directory.Write("here/bad.tvn", "opdesk { nonsense");
+    ASSERT_TRUE(Frame().OpenDocumentFile(directory / "here/bad.tvn"));
+    TakeDefaultOfQuestion();
+    PressWhenBoxComes("OK");
+    test::ShowActive(Frame());
+    WaitForQuestion();
+    EXPECT_TRUE(WaitUntil([] { return !BoxesShown().isEmpty(); }));
+    EXPECT_TRUE(WaitUntil([this] { return !EditedFiles().empty(); }));
+    EXPECT_THAT(EditedFiles(), ElementsAre(directory / "here/bad.tvn"));
+    EXPECT_EQ(Editor(), directory / "editor");
+}
 
 // Exports
 
