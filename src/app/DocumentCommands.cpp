@@ -4,8 +4,10 @@
 #include <ctime>
 
 #include "base/Paths.h"
+#include "base/ReadLimit.h"
 #include "base/ReplaceFile.h"
 #include "document/DocumentReader.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -77,14 +79,17 @@ bool DocumentCommands::Merge(const std::string& path, const std::function<void()
     auto archive = CArchive::Open(path, error);
     if (!archive) {
         report.LogLine("unable to open %s for reading", path.c_str());
-        report.Alert("unable to open %s for reading", path.c_str());
+        report.Alert("unable to open %s for reading%s", path.c_str(),
+                     error == TooLarge() ? (": " + error).c_str() : "");
         return false;
     }
     if (opened) opened();
-    CTvDoc scratch(m_app);
-    if (!scratch.LoadDesk(ReadDesk(std::move(*archive)))) return false;
-    m_desk.MergeBoxes(scratch.m_boxes);
-    return true;
+    return WithinMemory(report, "merging " + path, [&] {
+        CTvDoc scratch(m_app);
+        if (!scratch.LoadDesk(ReadDesk(std::move(*archive)))) return false;
+        m_desk.MergeBoxes(scratch.m_boxes);
+        return true;
+    });
 }
 
 bool DocumentCommands::Save(const std::string& path) {

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/TvApp.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "app/Recovery.h"
 #include "app/RecoveryCopy.h"
-#include "app/SiteFileReader.h"
 #include "app/Version.h"
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Process.h"
+#include "base/ReadLimit.h"
+#include "forms/FormCommands.h"
 #include "forms/FormFrame.h"
 #include "forms/FormParser.h"
 #include "render/ShaderExport.h"
@@ -41,6 +43,14 @@ bool IsPlainName(const std::string& name) {
            name.find_first_of("/\\ \t\r\n\"") == std::string::npos;
 }
 
+// As a site gives it, in megabytes.
+uint64_t ReadLimitOf(const Settings& settings) {
+    constexpr float kMost = 1e6F;
+    float megabytes = 0;
+    if (!settings.GetSettingFloat("maxfilesize", megabytes) || !(megabytes > 0)) return kDefaultReadLimit;
+    return static_cast<uint64_t>(std::min(megabytes, kMost) * static_cast<float>(kMegabyte));
+}
+
 }  // namespace
 
 CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment,
@@ -48,6 +58,7 @@ CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment,
     : m_site(report, std::move(environment), queue),
       m_registry(report),
       m_form(std::make_unique<CRenderOptionsEditor>()),
+      m_trust(StateDirectory(m_site.environment)),
       m_programDir(PathDir(programPath)),
       m_version(VersionText(kProductVersion)) {
     const Environment& env = m_site.environment;
@@ -101,15 +112,24 @@ void CTvApp::ReloadOperators() {
         m_registry.AddDirectory(m_site.LibraryPath(directory));
 }
 
-void CTvApp::LoadSiteDefaults() {
+void CTvApp::LoadSiteDefaults(LocalCommandsRule rule) {
     Directories& directories = m_site.directories;
     m_site.menuDirs.emplace_back("menu");
     m_site.types.ResetDataTypes();
-    SiteTargets targets{m_site, m_codeGen, m_exportDefaults,
-                        [this](CArchive& archive) { ReadForm(archive, *m_form, *this, m_site.report); }};
+    SiteTargets targets{m_site, m_codeGen, m_exportDefaults, {}};
+    targets.readForm = [this, &targets](CArchive& archive) {
+        const size_t first = m_form->children.size();
+        ReadForm(archive, *m_form, *this, m_site.report);
+        if (!targets.isLocal) return;
+        for (std::string& line : HoldFormCommands(*m_form, first))
+            targets.local.formLines.push_back(std::move(line));
+    };
     ReadSiteFiles(targets);
+    m_localCommands = std::move(targets.local);
+    SettleLocalCommands(rule);
 
     const Settings& settings = m_site.settings;
+    SetReadLimit(ReadLimitOf(settings));
     settings.GetSettingToken("editorcmd", directories.editorCmd);
     settings.GetSettingToken("tavrnbrowser_dir", directories.docBrowserDir);
     settings.GetSettingToken("scriptbrowser_dir", directories.scriptBrowserDir);

@@ -10,28 +10,34 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <new>
 
 #include "base/FileDescriptor.h"
 #include "base/FileIo.h"
 #include "base/Paths.h"
+#include "base/ReadLimit.h"
 
 namespace tavrin {
 
 namespace {
 
-bool ReadAll(int file, size_t expected, std::string& text) {
+// 0, or the error number: EFBIG where there is more than may be read.
+int ReadAll(int file, size_t expected, std::string& text) {
+    const uint64_t limit = ReadLimit();
+    if (expected > limit) return EFBIG;
     text.resize(expected + 1);
     size_t used = 0;
     for (;;) {
+        if (used > limit) return EFBIG;
         if (used == text.size()) text.resize(text.size() * 2);
         const ssize_t count = ::read(file, text.data() + used, text.size() - used);
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
+        if (count < 0) return errno;
         if (count == 0) break;
         used += static_cast<size_t>(count);
     }
     text.resize(used);
-    return true;
+    return 0;
 }
 
 }  // namespace
@@ -41,17 +47,28 @@ bool ReadWholeFile(const std::string& path, std::string& text, std::string& erro
     // Not blocking, so that opening a pipe without a writer does not wait for ever.
     FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) return FailWith(error, errno);
+    return ReadOpenFile(file.Get(), text, error);
+}
+
+bool ReadOpenFile(int file, std::string& text, std::string& error) {
+    text.clear();
     struct stat status {};
-    if (::fstat(file.Get(), &status) != 0) return FailWith(error, errno);
+    if (::fstat(file, &status) != 0) return FailWith(error, errno);
     if (S_ISDIR(status.st_mode)) return FailWith(error, EISDIR);
     if (!S_ISREG(status.st_mode)) {
         error = "Not a regular file";
         return false;
     }
-    if (ReadAll(file.Get(), static_cast<size_t>(status.st_size), text)) return true;
-    const int number = errno;
-    text.clear();
-    return FailWith(error, number);
+    int number = ENOMEM;
+    try {
+        number = ReadAll(file, static_cast<size_t>(status.st_size), text);
+    } catch (const std::bad_alloc&) {
+    }
+    if (number == 0) return true;
+    text = {};
+    FailWith(error, number);
+    if (number == EFBIG) error = TooLarge();
+    return false;
 }
 
 bool WriteWholeFile(const std::string& path, std::string_view text, std::string& error) {

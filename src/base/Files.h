@@ -10,8 +10,11 @@
 
 namespace tavrin {
 
-// Reads a whole regular file. On failure `error` holds the platform's message and `text` is empty.
+// Reads a whole regular file, of which no more than ReadLimit bytes may be there. On failure `error` holds
+// the platform's message, or that of the limit, and `text` is empty.
 bool ReadWholeFile(const std::string& path, std::string& text, std::string& error);
+// The same of a file that is open and whose beginning comes next; it stays open.
+bool ReadOpenFile(int file, std::string& text, std::string& error);
 
 // Writes in place, replacing what was there. For work files that can be made again.
 bool WriteWholeFile(const std::string& path, std::string_view text, std::string& error);

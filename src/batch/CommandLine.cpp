@@ -96,8 +96,17 @@ const std::array kSettings = {
            "Let --save and --export-all replace a document that could not\nbe read to its end, or that has "
            "changed or gone since it was read.",
            ActAlone<&Delegate::Force>},
-    Option{"--quiet", "", "Do not print the log; alerts are printed all the same.",
-           ActAlone<&Delegate::Quiet>},
+    Option{"--trust-exports", "",
+           "Let --export-all and scripts write and run what a document\nasks for that you have not saved "
+           "here.",
+           ActAlone<&Delegate::TrustExports>},
+    Option{"--no-site-commands", "",
+           "Use no command that tavrn.def of the current directory\nnames; its other settings count.",
+           ActAlone<&Delegate::NoSiteCommands>},
+    Option{
+        "--quiet", "",
+        "Do not print the log; alerts are printed all the same, and\nwhat the log has to say of a failure.",
+        ActAlone<&Delegate::Quiet>},
     Option{
         "--time-limit", kSeconds,
         "Stop a render, or the script that makes the shader, that takes\nlonger; 0 is no limit. Without this "
@@ -253,7 +262,8 @@ std::string CommandLine::HelpText() {
            "\n"
            "Files:\n"
            "  tavrn.def in the library, in the home directory and in the current directory are\n"
-           "  the site definitions, each overriding the one before.\n"
+           "  the site definitions, each overriding the one before. The last is read only where\n"
+           "  nobody but you and root can write it and its directory.\n"
            "\n"
            "Status: 0 if all was done; 1 if something failed (an alert, a finding that is an\n"
            "error, an unknown action, a script that ended with an error); 2 if the command\n"

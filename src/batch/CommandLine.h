@@ -19,6 +19,8 @@ class CommandLineDelegate {
     virtual void Picture(const std::string& path) = 0;
     virtual void Library(const std::string& name) = 0;
     virtual void Force() = 0;
+    virtual void TrustExports() = 0;
+    virtual void NoSiteCommands() = 0;
     virtual void Quiet() = 0;
     virtual void TimeLimit(std::chrono::seconds time) = 0;
 

@@ -19,6 +19,8 @@ class NotingDelegate : public CommandLineDelegate {
     void Picture(const std::string& path) override { calls.push_back("picture " + path); }
     void Library(const std::string& name) override { calls.push_back("library " + name); }
     void Force() override { calls.emplace_back("force"); }
+    void TrustExports() override { calls.emplace_back("trust-exports"); }
+    void NoSiteCommands() override { calls.emplace_back("no-site-commands"); }
     void Quiet() override { calls.emplace_back("quiet"); }
     void TimeLimit(std::chrono::seconds time) override {
         calls.push_back("time-limit " + std::to_string(time.count()));
@@ -77,6 +79,12 @@ TEST_F(CommandLineTest, EveryOptionReachesTheDelegateInItsPlace) {
                             "save b.tvn", "list-operators", "describe Noise", "keep-work work", "force",
                             "help", "version"));
     EXPECT_EQ(error, "");
+}
+
+TEST_F(CommandLineTest, WhatIsTrustedReachesTheDelegateToo) {
+    EXPECT_THAT(Parse({"--trust-exports", "--no-site-commands"}),
+                ElementsAre("trust-exports", "no-site-commands"));
+    EXPECT_EQ(ErrorOf({"--trust-exports=1"}), "--trust-exports takes no value; see tavrin-batch --help");
 }
 
 TEST_F(CommandLineTest, AnOptionMayCarryItsValueBehindAnEqualsSign) {

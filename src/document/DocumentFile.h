@@ -37,6 +37,7 @@ struct DocumentFile {
 struct DocumentOrigin {
     std::shared_ptr<DocumentFile> file;     // null if nobody knows it
     std::shared_ptr<DocumentFile> cutFile;  // what was not read to its end for them; null if they are whole
+    bool isForeign = false;                 // they were read from a file that the user has not written here
 };
 
 }  // namespace tavrin

@@ -9,6 +9,7 @@
 #include "document/DocumentWriter.h"
 #include "site/Site.h"
 #include "text/Archive.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -71,6 +72,7 @@ void CTvDoc::DeleteContents() {
     m_modified = false;
     m_differsFromFile = false;
     m_origin.cutFile.reset();
+    m_origin.isForeign = false;
 }
 
 bool CTvDoc::Open(const std::string& path) {
@@ -80,10 +82,18 @@ bool CTvDoc::Open(const std::string& path) {
         m_host.GetSite().report.Alert("unable to open %s for reading: %s", path.c_str(), error.c_str());
         return false;
     }
-    const DocumentForm form = ReadDocument(std::move(*archive));
+    Report& report = m_host.GetSite().report;
+    std::optional<DocumentForm> form;
+    const bool isRead = WithinMemory(report, "reading " + path, [&] {
+        form.emplace(ReadDocument(std::move(*archive)));
+        return true;
+    });
+    if (!isRead) return false;
     DeleteContents();
-    m_origin.file = FileReadFrom(path, MarkOf(form.Text()));
-    if (!Load(form) || !form.errors.empty()) SetCutShort();
+    m_origin.file = FileReadFrom(path, MarkOf(form->Text()));
+    m_origin.isForeign = !m_host.IsOwnText(form->Text());
+    const bool isLoaded = WithinMemory(report, "opening " + path, [&] { return Load(*form); });
+    if (!isLoaded || !form->errors.empty()) SetCutShort();
     return true;
 }
 
@@ -121,7 +131,15 @@ void CTvDoc::BecomeRecovered(const std::string& path, bool wasCutShort, std::opt
     SetPath(path);
     if (wasCutShort) SetCutShort();
     m_origin.file->held = held;
+    // What was never read from a file is the user's own; of the rest that file has to tell.
+    m_origin.isForeign = held.has_value() && !HoldsOwnText(*m_origin.file);
     SetModified();
+}
+
+bool CTvDoc::HoldsOwnText(const DocumentFile& file) const {
+    std::string text;
+    std::string error;
+    return ReadWholeFile(file.path, text, error) && MarkOf(text) == file.held && m_host.IsOwnText(text);
 }
 
 bool CTvDoc::WouldLoseUnread(const std::string& path) const {
@@ -168,6 +186,7 @@ bool CTvDoc::Write(const std::string& path, std::string& error) {
         m_origin.file->held = MarkOf(text);
         m_differsFromFile = false;
     }
+    if (!m_origin.isForeign) m_host.NoteOwnText(text);
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/ReadLimit.h"
 #include "library/DefinitionReader.h"
 #include "library/DefinitionTexts.h"
 #include "library/OpBox.h"
@@ -35,7 +36,9 @@ std::optional<CArchive> Preprocess(const COpEntry& entry, Site& site) {
     }
     std::string reason;
     auto archive = CArchive::Open(outputPath, reason);
-    if (!archive) site.report.Alert("unable to open %s for reading", outputPath.c_str());
+    if (!archive)
+        site.report.Alert("unable to open %s for reading%s", outputPath.c_str(),
+                          reason == TooLarge() ? (": " + reason).c_str() : "");
     return archive;
 }
 

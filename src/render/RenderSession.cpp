@@ -10,6 +10,7 @@
 #include "render/ArgInfo.h"
 #include "render/FilterScript.h"
 #include "site/Site.h"
+#include "text/OutOfMemory.h"
 #include "text/Tokens.h"
 
 namespace tavrin {
@@ -80,7 +81,8 @@ bool RenderSession::ShaderNameOk() {
 
 bool RenderSession::SaveShader() {
     if (!ShaderNameOk()) return false;
-    return WriteCodeFiles(Generate()) && RunFilter();
+    return WithinMemory(m_site.report, "generating the shader " + ShaderName(),
+                        [this] { return WriteCodeFiles(Generate()) && RunFilter(); });
 }
 
 bool RenderSession::WriteCodeFiles(const ShaderText& text) {
@@ -175,6 +177,7 @@ bool RenderSession::LoadHistoryEntry(const std::string& entry) {
         m_document.SetPath(JoinPath(m_site.directories.docBrowserDir, name + m_site.docExt));
     } else if (m_document.WasCutShort()) {
         m_document.SetPath(origin.file->path);
+        m_document.SetForeign(origin.isForeign);
     } else {
         m_document.SetOrigin(origin);
     }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <new>
 
 #include "render/RenderSession.h"
 #include "site/Site.h"
@@ -67,6 +68,24 @@ TEST_F(SaveShaderTest, TheFilterGetsTheCodeOnItsInputAndTheNameAndPathOfTheShade
     EXPECT_EQ(Read("filter.env"), site.directories.libDir);
     EXPECT_THAT(Alerts(), IsEmpty());
     EXPECT_EQ(Log(), "");
+}
+
+// There is no memory for the line that tells of a circle.
+class PoorSink : public test::CollectingSink {
+  public:
+    void OnLog(std::string_view) override { throw std::bad_alloc(); }
+};
+
+TEST_F(SaveShaderTest, GeneratingThatRunsOutOfMemoryIsAlertedAndRunsNoFilter) {
+    PoorSink poor;
+    site.report.SetSink(&poor);
+    COpBox& box = Add(test::MakeLink("Link", 1));
+    test::Wire(box, 0, box, 0);
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_THAT(poor.alerts, ElementsAre("not enough memory for generating the shader plastic"));
+    EXPECT_FALSE(fs::exists(InWork("redirect.args")));
+    site.report.SetSink(&host.Sink());
+    EXPECT_TRUE(session.SaveShader());
 }
 
 TEST_F(SaveShaderTest, TheCodeFileHoldsTheArgumentsThenTheSource) {

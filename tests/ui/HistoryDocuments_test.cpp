@@ -250,6 +250,7 @@ TEST_F(HistoryDocumentTest, ADocumentWhoseFileSomebodyElseHasChangedAsks) {
 
 TEST_F(HistoryDocumentTest, WhatExportAllHasWrittenIsTheDocumentsOwn) {
     StartWithEntry();
+    Document().SetForeign(false);
     Document().exportOptions.saveTavrn = 1;
     Document().exportOptions.tavrnPath = m_other;
     AddBoxes(1);
@@ -276,6 +277,7 @@ class CutDocumentTest : public HistoryDocumentTest {
                      "loses what was not read.  Save anyway?";
     }
     void ExportAll() {
+        Document().SetForeign(false);
         Document().exportOptions.saveTavrn = 1;
         Document().exportOptions.tavrnPath = m_cut;
         Do(CommandId::kExportAll);
@@ -326,6 +328,7 @@ TEST_F(CutDocumentTest, ItIsExportedOverItsFileOnlyIfThatIsWanted) {
 
 TEST_F(CutDocumentTest, AScriptAsksBeforeItExportsOverIt) {
     OpenCut();
+    Document().SetForeign(false);
     Document().exportOptions.saveTavrn = 1;
     Document().exportOptions.tavrnPath = m_cut;
     PressWhenBoxComes("No");

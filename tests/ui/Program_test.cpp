@@ -22,6 +22,7 @@ using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 // With a home of its own, in which nothing is set but HOME.
@@ -125,6 +126,16 @@ TEST_F(ProgramTest, AMissingDocumentIsToldInABoxAndOnStandardErrorAndEndsIt) {
     EXPECT_EQ(run.Status(), 1);
     EXPECT_THAT(run.Errors(), testing::AllOf(testing::StartsWith("tavrin: "), HasSubstr(path)));
     EXPECT_FALSE(fs::exists(work));
+}
+
+TEST_F(ProgramTest, WhatItPrintsOfANameCannotSteerATerminal) {
+    RunningProgram run = Tavrin({Shown(directory / "gone\x1b[2J\rx.tvn")});
+    run.Press("^Alert$", "Return");
+    EXPECT_EQ(run.Status(), 1);
+    EXPECT_THAT(run.Errors(), testing::AllOf(HasSubstr("gone\\x1b[2J\\rx.tvn"), Not(HasSubstr("\x1b"))));
+    RunningProgram option = Tavrin({Shown("--\x1b[2J")});
+    EXPECT_EQ(option.Status(), 2);
+    EXPECT_THAT(option.Errors(), HasSubstr("unknown option --\\x1b[2J;"));
 }
 
 TEST_F(ProgramTest, ADocumentOpensAndTheWindowTellsItsNameAndShaderType) {

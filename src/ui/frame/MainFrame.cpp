@@ -73,7 +73,7 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
       m_sink(std::make_unique<Sink>(GetSite().report, *m_log, m_idle)) {
     TakePlace();
     auto splash = showSplash ? std::make_unique<Splash>(this, m_app.ProductVersion()) : nullptr;
-    m_app.LoadSiteDefaults();
+    m_app.LoadSiteDefaults(LocalCommandsRule::kAsk);
     m_work = std::make_unique<Workspace>(m_app, DocumentCommands::Announce::kYes);
     CreateClientArea();
     CreateBars();
@@ -160,9 +160,7 @@ void MainFrame::CreateWork() {
 void MainFrame::CreateWindows() {
     m_windows = std::make_unique<FrameWindows>(
         WindowNeeds{*this, *m_work, *m_desk, *m_documents, *m_operators, *m_log,
-                    [this](const FormAction& action) {
-                        ActionDispatch().DoAction(action.to, action.message, action.argument);
-                    }},
+                    [this](const FormAction& action) { Dispatch(action); }},
         m_commands);
     m_windows->OnShownOrHidden([this] { m_idle.Request(); });
     m_scripts = std::make_unique<ScriptWork>(ScriptWork::Needs{
@@ -187,6 +185,7 @@ void MainFrame::StartIdleWork(std::unique_ptr<Splash> splash) {
         close();
     };
     const auto started = [this] {
+        AskAboutCommands();
         const auto settle = [this] { return m_documents->SettleChanges(); };
         m_safetyCopies->OfferLeftovers(*this, settle);
     };

@@ -16,6 +16,7 @@
 #include "app/Version.h"
 #include "base/Interruption.h"
 #include "base/Warden.h"
+#include "text/VisibleText.h"
 #include "ui/base/IniProfile.h"
 #include "ui/base/QtQueue.h"
 #include "ui/base/Text.h"
@@ -40,12 +41,19 @@ std::string ProgramPath(const char* invokedAs) {
     return unknown ? invokedAs : path;
 }
 
+// Names from outside may hold anything, and standard error may be a terminal.
+void PrintError(const std::string& text) {
+    VisibleText visible;
+    const std::string line = visible.Add("tavrin: " + text + "\n");
+    std::fputs(line.c_str(), stderr);
+}
+
 // The document of the command line. If that cannot be opened, the program ends.
 bool OpenNamedDocument(MainFrame& frame, Report& report, const std::string& path) {
     if (path.empty() || frame.OpenDocumentFile(path)) return true;
     const auto alert = report.TakePending();
     const std::string text = alert ? alert->text : "unable to open " + path;
-    std::fprintf(stderr, "tavrin: %s\n", text.c_str());
+    PrintError(text);
     ShowStop(nullptr, "Alert", Shown(text));
     return false;
 }
@@ -131,7 +139,7 @@ int RunProgram(int& argc, char** argv) {
     QApplication application(argc, argv);
     options = ParseProgramOptions({argv + 1, argv + argc});
     if (!options.error.empty()) {
-        std::fprintf(stderr, "tavrin: %s\n", options.error.c_str());
+        PrintError(options.error);
         return kWrongCommandLine;
     }
     QApplication::setApplicationName("tavrin");
@@ -139,7 +147,7 @@ int RunProgram(int& argc, char** argv) {
     QApplication::setWindowIcon(ApplicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
     if (const std::string fault = PlatformFault(); !fault.empty()) {
-        std::fprintf(stderr, "tavrin: %s\n", fault.c_str());
+        PrintError(fault);
         ShowStop(nullptr, "Fatal Error", Shown(fault));
         return EXIT_FAILURE;
     }
