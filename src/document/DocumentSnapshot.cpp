@@ -27,7 +27,7 @@ void DocumentSnapshot::OnChange(const Change& change) {
     if (change.replaced) m_texts.clear();
     for (const GoneBox& box : change.went) m_texts.erase(box.serial);
     for (const auto* boxes : {&change.came, &change.dropped, &change.touched}) {
-        for (const COpBox* box : *boxes) m_texts.erase(box->Serial());
+        for (const COpBox* box : *boxes) ForgetWithWires(*box);
     }
     for (const auto* buttons : {&change.buttons, &change.tuned}) {
         for (const COpButton* button : *buttons) {
@@ -35,8 +35,7 @@ void DocumentSnapshot::OnChange(const Change& change) {
             if (texts != m_texts.end()) texts->second.box.reset();
         }
     }
-    // A wire's line tells numbers, names and places of both its ends.
-    if (change.HasBoxes() || change.wires) {
+    if (change.wires) {
         for (auto& [serial, texts] : m_texts) texts.wires.reset();
     }
     Change edit = change;
@@ -46,20 +45,30 @@ void DocumentSnapshot::OnChange(const Change& change) {
     m_edited = true;
 }
 
-// Whether there was anything to do.
-bool DocumentSnapshot::Refresh(const COpBox& box) {
-    Texts& texts = m_texts[box.Serial()];
-    if (texts.box != nullptr && texts.wires != nullptr) return false;
+// A wire's line tells numbers, names and places of both its ends.
+void DocumentSnapshot::ForgetWithWires(const COpBox& box) {
+    m_texts.erase(box.Serial());
+    for (const auto& input : box.inputs) {
+        for (const COpButton* source : input->connections) {
+            const auto texts = m_texts.find(source->owner->Serial());
+            if (texts != m_texts.end()) texts->second.wires.reset();
+        }
+    }
+}
+
+void DocumentSnapshot::Refresh(const COpBox& box, Texts& texts) {
     if (texts.box == nullptr) texts.box = Share(WriteBox(box));
     if (texts.wires == nullptr) texts.wires = Share(WriteWires(box));
-    return true;
 }
 
 bool DocumentSnapshot::Advance(std::chrono::microseconds time) {
     if (!m_anyLeft) return true;
     const auto end = Clock::now() + time;
     for (const auto& box : m_document.m_boxes) {
-        if (Refresh(*box) && Clock::now() >= end) return false;
+        Texts& texts = m_texts[box->Serial()];
+        if (texts.box != nullptr && texts.wires != nullptr) continue;
+        Refresh(*box, texts);
+        if (Clock::now() >= end) return false;
     }
     m_anyLeft = false;
     return true;
@@ -76,11 +85,11 @@ bool DocumentSnapshot::IsUpToDate() const {
 DocumentSnapshot::Pieces DocumentSnapshot::Take() {
     // An act that goes on, such as a drag, was told to nobody yet.
     OnChange(m_document.edits.Pending());
-    std::vector<const COpBox*> boxes;
+    std::vector<std::pair<int, const COpBox*>> boxes;
     boxes.reserve(m_document.m_boxes.size());
-    for (const auto& box : m_document.m_boxes) boxes.push_back(box.get());
+    for (const auto& box : m_document.m_boxes) boxes.emplace_back(box->wid, box.get());
     std::stable_sort(boxes.begin(), boxes.end(),
-                     [](const COpBox* left, const COpBox* right) { return left->wid < right->wid; });
+                     [](const auto& left, const auto& right) { return left.first < right.first; });
 
     DocumentFrame frame = WriteDocumentFrame(m_document, m_host);
     Pieces pieces;
@@ -88,11 +97,11 @@ DocumentSnapshot::Pieces DocumentSnapshot::Take() {
     pieces.reserve(2 * boxes.size() + 3);
     wires.reserve(boxes.size());
     pieces.push_back(Share(std::move(frame.beforeBoxes)));
-    for (const COpBox* box : boxes) {
-        Refresh(*box);
-        const Texts& texts = m_texts.at(box->Serial());
+    for (const auto& [wid, box] : boxes) {
+        Texts& texts = m_texts[box->Serial()];
+        Refresh(*box, texts);
         pieces.push_back(texts.box);
-        wires.push_back(texts.wires);
+        if (!texts.wires->empty()) wires.push_back(texts.wires);
     }
     pieces.push_back(Share(std::move(frame.beforeWires)));
     pieces.insert(pieces.end(), wires.begin(), wires.end());

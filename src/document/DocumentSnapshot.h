@@ -47,7 +47,8 @@ class DocumentSnapshot {
     };
 
     void OnChange(const Change& change);
-    bool Refresh(const COpBox& box);
+    void ForgetWithWires(const COpBox& box);
+    static void Refresh(const COpBox& box, Texts& texts);
     View PresentView() const;
 
     CTvDoc& m_document;

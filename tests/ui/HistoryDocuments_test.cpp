@@ -54,14 +54,11 @@ class HistoryDocumentTest : public DocumentsTest {
         Do(CommandId::kSave);
         Settle();
     }
-    static std::string Replace(const std::string& path) {
-        return "Warning: " + path + " has changed since it was last read or saved.  Replace it?";
-    }
-    void ExpectToAskBeforeSaving(const std::string& path) {
+    void ExpectToAskBeforeSaving(const std::string& path, const std::string& what) {
         const std::string before = ReadFile(path);
         PressWhenBoxComes("No");
         Save();
-        ExpectBox(Replace(path));
+        ExpectBox("Warning: " + path + what + "  Replace it?");
         EXPECT_EQ(ReadFile(path), before);
         EXPECT_TRUE(IsEnabled(CommandId::kSave));
         PressWhenBoxComes("Yes");
@@ -73,6 +70,7 @@ class HistoryDocumentTest : public DocumentsTest {
         EXPECT_EQ(BoxesShown().size(), boxes);
     }
 
+    static constexpr const char* kHasChanged = " has changed since it was last read or saved.";
     std::string m_one;
     std::string m_other;
     std::string m_sameName;
@@ -130,7 +128,7 @@ TEST_F(HistoryDocumentTest, AFileThatSomebodyElseHasChangedIsAskedAbout) {
     StartWithEntry();
     directory.Write("a/one.tvn", ReadFile(m_other));
     OpenEntry();
-    ExpectToAskBeforeSaving(m_one);
+    ExpectToAskBeforeSaving(m_one, kHasChanged);
 }
 
 TEST_F(HistoryDocumentTest, ADocumentThatHasTakenItsPlaceIsAskedAbout) {
@@ -145,7 +143,7 @@ TEST_F(HistoryDocumentTest, ADocumentThatHasTakenItsPlaceIsAskedAbout) {
     ASSERT_EQ(Document().Path(), m_one);
     ASSERT_EQ(BoxesIn(m_one), 2U);
     OpenEntry();
-    ExpectToAskBeforeSaving(m_one);
+    ExpectToAskBeforeSaving(m_one, kHasChanged);
 }
 
 TEST_F(HistoryDocumentTest, AFileThatIsGoneIsAskedAboutBeforeItIsMadeAgain) {
@@ -219,7 +217,7 @@ TEST_F(HistoryDocumentTest, OfTwoNewDocumentsOneDoesNotReplaceTheOther) {
     Save();
     ASSERT_EQ(BoxesIn(directory / "docs/untitled.tvn"), 2U);
     OpenEntry();
-    ExpectToAskBeforeSaving(Document().Path());
+    ExpectToAskBeforeSaving(Document().Path(), " is there already.");
 }
 
 TEST_F(HistoryDocumentTest, ItsCopyInTheHistoryIsTheEntryByWhateverWayItIsOpened) {
@@ -245,7 +243,7 @@ TEST_F(HistoryDocumentTest, ADocumentWhoseFileSomebodyElseHasChangedAsks) {
     StartWithEntry();
     Change();
     directory.Write("b/other.tvn", ReadFile(m_sameName));
-    ExpectToAskBeforeSaving(m_other);
+    ExpectToAskBeforeSaving(m_other, kHasChanged);
 }
 
 TEST_F(HistoryDocumentTest, WhatExportAllHasWrittenIsTheDocumentsOwn) {

@@ -2,6 +2,7 @@
 // Copies of unsaved work that the frame has made while the user goes on.
 #include "ui/frame/SafetyCopies.h"
 
+#include "ui/frame/StatusBox.h"
 #include "ui/support/DocumentsTest.h"
 
 namespace tavrin {
@@ -74,13 +75,17 @@ TEST_F(SafetyCopiesTest, WhereNoneCanBeWrittenThatIsToldOnceAndAgainWhenTheReaso
 
 TEST_F(SafetyCopiesTest, AFullDiskIsToldAndItWorksAgainOnceThereIsRoom) {
     StartWithDocs();
+    AddBoxes(1);
+    ASSERT_TRUE(CopyComesToHold(1));
+    const std::string before = test::ReadFile(Copies()[0]);
     {
         const test::FileSizeLimit full(100);
-        AddBoxes(1);
+        Change();
         EXPECT_TRUE(WaitUntil([&] { return IsTold(); }));
         EXPECT_NE(Log().find("File too large"), std::string::npos);
+        EXPECT_EQ(test::ReadFile(Copies()[0]), before) << "an older copy stays";
     }
-    EXPECT_TRUE(CopyComesToHold(1));
+    EXPECT_TRUE(WaitUntil([&] { return test::ReadFile(Copies()[0]) != before; }));
 }
 
 }  // namespace
