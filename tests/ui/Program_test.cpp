@@ -335,6 +335,36 @@ TEST_F(ProgramTest, ASignalEndsItsRenderAsWell) {
     EXPECT_FALSE(fs::exists(work));
 }
 
+TEST_F(ProgramTest, KilledItsRenderEndsAsWellWithWhatItStarted) {
+    // The one that the render starts is in a group of its own, and neither heeds a word.
+    fs::permissions(
+        directory.Write(
+            "tavrin/tiny/bin/renderit",
+            "#!/usr/bin/perl\n$SIG{$_} = 'IGNORE' for qw(TERM HUP PIPE);\n"
+            "sub tell { open my $f, '>', \"$ENV{TAVRN_DIR}/../$_[0]\" or die; print $f \"$$\\n\"; }\n"
+            "if (!fork) { setpgrp; tell('inner'); sleep 1 while 1; }\n"
+            "tell('outer'); sleep 1 while 1;\n"),
+        fs::perms::owner_all);
+    const std::string path = MakeDocument("work");
+    RunningProgram run = Tavrin({Shown(path)});
+    run.Press("^work.tvn$", "F1");
+    for (const char* name : {"inner", "outer"}) {
+        ASSERT_TRUE(WaitUntil([&] {
+            return fs::exists(directory / name) && test::ReadFile(directory / name).ends_with('\n');
+        })) << name;
+    }
+    run.Send(SIGKILL);
+    EXPECT_EQ(run.Status(), -1);
+    for (const char* name : {"inner", "outer"}) {
+        const std::string stat =
+            "/proc/" + std::to_string(std::stoi(test::ReadFile(directory / name))) + "/stat";
+        EXPECT_TRUE(WaitUntil([&] {
+            const std::string state = test::ReadFile(stat);
+            return state.empty() || state.find(") Z ") != std::string::npos;
+        })) << name;
+    }
+}
+
 TEST_F(ProgramTest, AFatalStartTellsItsReasonAndEnds) {
     environment.Set("TAVRN_DIR", directory / "nowhere");
     RunningProgram run = Tavrin();
