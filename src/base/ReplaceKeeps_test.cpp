@@ -357,7 +357,9 @@ class AbandonedSaves : public ReplaceKeeps {
             ::kill(m_child, SIGSTOP);
             ::waitpid(m_child, nullptr, WUNTRACED);
             for (const std::string& name : NamesIn(directory.Path())) {
-                if (name != "doc.tvn") return directory / name;
+                // Locked as well, if it has got that far.
+                const bool isBegun = name != "doc.tvn" && fs::file_size(directory / name) > 0;
+                if (isBegun) return directory / name;
             }
             ::kill(m_child, SIGCONT);
             ::usleep(static_cast<useconds_t>(attempt));

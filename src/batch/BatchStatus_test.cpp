@@ -76,11 +76,11 @@ TEST_F(BatchStatusTest, AnExportOverTheOwnFileDoesNotReplaceWhatSomebodyElseWrot
     environment.Set("TEST_DOCUMENT", document);
     Script("renderit", "open my $f, '>', $ENV{TEST_DOCUMENT} or die; print $f \"newer\\n\"; close $f;\n");
     Script("exportall", "");
-    EXPECT_EQ(Run({document, "--render", "--export-all", "--quiet"}), 1);
+    EXPECT_EQ(Run({document, "--render", "--export-all", "--trust-exports", "--quiet"}), 1);
     EXPECT_THAT(log, HasSubstr("has changed since it was last read or saved; export to another directory"));
     EXPECT_EQ(Read("doc.tvn"), "newer\n");
     Write("doc.tvn", text);
-    EXPECT_EQ(Run({document, "--render", "--export-all", "--force"}), 0) << log;
+    EXPECT_EQ(Run({document, "--render", "--export-all", "--trust-exports", "--force"}), 0) << log;
     EXPECT_THAT(Read("doc.tvn"), HasSubstr("filename Link"));
 }
 

@@ -45,7 +45,7 @@ my $network = "tavrn-renderer mray\nopdesk {\n"
 spew("$dir/network.tvn", $network);
 
 # Each version is what one plain run writes.
-my @options = map { ['--set', "VERSION=$_"] } 1, 2;
+my @options = map { ['--set', "MRAY_EXPOSURE=$_"] } 1, 2;
 my %whole;
 for my $version (0, 1) {
 	my $path = "$dir/version$version.tvn";

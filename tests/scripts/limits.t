@@ -119,18 +119,18 @@ like(get('err'), qr/^ALERT: render 1 was stopped: it took more than 1 second, th
 put("$dir/tavrn.def", "limit.rendertime 1\nlimit.compiletime 1\n");
 is(run('demo.tvn', '--quiet', '--render'), 1, 'the same by the site definitions');
 is(get('err'), "ALERT: render 1 was stopped: it took more than 1 second, the limit of limit.rendertime in the site"
-	. " definitions\n", 'is told also to those who want it quiet');
+	. " definitions\nbegun\nscript ended with status 143\n", 'is told also to those who want it quiet');
 put("$site/tiny/bin/codefilter", "#!/usr/bin/perl\nsleep 1 while 1;\n");
 is(run('demo.tvn', '--quiet', '--save-shader'), 1, 'a filter that takes too long');
 is(get('err'), "ALERT: codefilter was stopped: it took more than 1 second, the limit of limit.compiletime in the site"
-	. " definitions\n", 'is told');
+	. " definitions\nsave shader command returned 143\n", 'is told');
 copy("$root/tests/tiny/bin/codefilter", "$site/tiny/bin/codefilter") or die;
 
 put("$dir/tavrn.def", "limit.memory 48\n");
 put("$site/tiny/bin/renderit", "#!/usr/bin/perl\nif (!fork) { my \$x = 'x' x (\$ARGV[1] * 96 << 20); sleep 1 while 1; } wait;\n");
 is(run('demo.tvn', '--quiet', '--render'), 1, 'a render that takes too much memory');
 is(get('err'), "ALERT: render 1 (perl) was stopped: it took more than 48 MB of memory, the limit of limit.memory in the"
-	. " site definitions\n", 'is told');
+	. " site definitions\nscript ended with status 143\n", 'is told');
 
 # ---- output
 

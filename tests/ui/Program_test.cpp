@@ -341,9 +341,9 @@ TEST_F(ProgramTest, KilledItsRenderEndsAsWellWithWhatItStarted) {
         directory.Write(
             "tavrin/tiny/bin/renderit",
             "#!/usr/bin/perl\n$SIG{$_} = 'IGNORE' for qw(TERM HUP PIPE);\n"
-            "sub tell { open my $f, '>', \"$ENV{TAVRN_DIR}/../$_[0]\" or die; print $f \"$$\\n\"; }\n"
-            "if (!fork) { setpgrp; tell('inner'); sleep 1 while 1; }\n"
-            "tell('outer'); sleep 1 while 1;\n"),
+            "sub note { open my $f, '>', \"$ENV{TAVRN_DIR}/../$_[0]\" or die; print $f \"$$\\n\"; }\n"
+            "if (!fork) { setpgrp; note('inner'); sleep 1 while 1; }\n"
+            "note('outer'); sleep 1 while 1;\n"),
         fs::perms::owner_all);
     const std::string path = MakeDocument("work");
     RunningProgram run = Tavrin({Shown(path)});
