@@ -106,7 +106,7 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
 // Ends the process with everything settled. The toolkit and the display's driver would join their threads and
 // give back their memory piece by piece, which on a busy machine takes long after the window has gone. A text
 // that was copied has still to be handed on by the toolkit, and a sanitizer looks for leaks at the end.
-int End(int status, Warden& warden) {
+int End(int status, [[maybe_unused]] Warden& warden) {
 #ifndef __SANITIZE_ADDRESS__
     if (!QGuiApplication::clipboard()->ownsClipboard()) {
         std::fflush(nullptr);
