@@ -217,7 +217,7 @@ TEST_F(RenderItTest, ThreeHundredRendersInOneProcessLeaveNothingBehind) {
     const long descriptors = Entries("/proc/self/fd");
     const long threads = Entries("/proc/self/task");
     const long files = Entries(InWork("").c_str());
-    const size_t memory = ::mallinfo2().uordblks;
+    [[maybe_unused]] const size_t memory = ::mallinfo2().uordblks;
     render(kRenders);
     EXPECT_EQ(Entries("/proc/self/fd"), descriptors);
     EXPECT_LE(Entries("/proc/self/task"), threads + 1) << "one that has ended may still be listed";

@@ -188,7 +188,7 @@ TEST_F(CommandsLimits, WhatTakesTooMuchMemoryIsStoppedAndTheProgramNamed) {
 size_t InUse() { return ::mallinfo2().uordblks; }
 
 TEST_F(CommandsLimits, AChildThatNobodyListensToWaitsAndTakesNoMemoryHere) {
-    const size_t before = InUse();
+    [[maybe_unused]] const size_t before = InUse();
     Start(Prints(5000), {});
     ASSERT_TRUE(UntilTheChildWaits());
     EXPECT_LT(Told("printed"), 5000);
