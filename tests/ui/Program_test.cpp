@@ -289,6 +289,20 @@ TEST_F(ProgramTest, TwoProgramsAtOnceDoNotOfferEachOthersWork) {
     EXPECT_TRUE(first.IsRunning());
 }
 
+// Also while it is still on its way to its document.
+TEST_F(ProgramTest, EndedAtFirstSightItEnds) {
+    const std::string path = MakeDocument("work");
+    for (int round = 0; round < 3; ++round) {
+        RunningProgram closed = Tavrin({Shown(path)});
+        closed.Press("^(Untitled|work).tvn$", "alt+F4");
+        EXPECT_EQ(closed.Status(), 0);
+        RunningProgram signalled = Tavrin({Shown(path)});
+        signalled.Window("^(Untitled|work).tvn$");
+        signalled.Send(SIGTERM);
+        EXPECT_EQ(signalled.Status(), 128 + SIGTERM);
+    }
+}
+
 TEST_F(ProgramTest, EachSignalEndsItWithItsStatus) {
     for (const int signal : {SIGINT, SIGHUP}) {
         RunningProgram run = Tavrin();

@@ -79,7 +79,7 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
     Report report;
     IniProfile profile;
     CTvApp app(report, queue, Environment::FromProcess(), programPath);
-    int status = EXIT_FAILURE;
+    int status = EXIT_SUCCESS;
     {
         MainFrame frame({app, queue, profile}, true);
         // Called on a thread of its own. What is unsaved goes aside before the loop ends.
@@ -90,12 +90,16 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
                 QCoreApplication::exit(EXIT_FAILURE);
             });
         });
-        frame.show();
-        // A long document is opened before the user's eyes.
-        if (!documentPath.empty()) WaitForWindows();
-        // The desk may have failed before there is a loop that could be left.
-        if (OpenNamedDocument(frame, report, documentPath) && !frame.HasFailed())
-            status = QApplication::exec();
+        // Within the loop: whatever ends the program meanwhile has a loop that it can end.
+        const auto start = [&] {
+            frame.show();
+            // A long document is opened before the user's eyes.
+            if (!documentPath.empty()) WaitForWindows();
+            if (frame.IsClosed()) return;
+            if (!OpenNamedDocument(frame, report, documentPath)) QCoreApplication::exit(EXIT_FAILURE);
+        };
+        QMetaObject::invokeMethod(&frame, start, Qt::QueuedConnection);
+        status = QApplication::exec();
         if (frame.HasFailed()) status = frame.ExitStatusOfFailure();
         if (interruption.Signal() != 0) status = kSignalBase + interruption.Signal();
     }
