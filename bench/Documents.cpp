@@ -3,6 +3,7 @@
 // making boxes. The floors: reading the tokens of the text, and copying it.
 #include "bench/BenchNetwork.h"
 #include "document/DocumentReader.h"
+#include "document/DocumentSnapshot.h"
 
 namespace {
 
@@ -45,11 +46,45 @@ void Measure(BenchHost& host, int count) {
     std::printf("write %6d boxes  %8.3f ms  floor (copy) %7.3f ms\n", count, write, copyFloor);
 }
 
+// What a copy of unsaved work costs the thread of the windows: slices of two milliseconds until all texts are
+// made, and handing them over. Of the floor, the whole text at once, none is late.
+void MeasureAside(BenchHost& host, int count) {
+    constexpr std::chrono::microseconds kSlice{2000};
+    CTvDoc document(host);
+    Fill(document, host, count, 10);
+    const double whole = MedianMilliseconds([&] { document.Snapshot(); });
+    std::unique_ptr<DocumentSnapshot> snapshot;
+    DocumentSnapshot::Pieces pieces;
+    double longest = 0;
+    int slices = 0;
+    const auto makeTexts = [&] {
+        snapshot = std::make_unique<DocumentSnapshot>(document, host);
+        slices = 0;
+        for (bool isDone = false; !isDone; ++slices) {
+            const double time = MedianMilliseconds([&] { isDone = snapshot->Advance(kSlice); }, [] {}, 1);
+            longest = std::max(longest, time);
+        }
+    };
+    makeTexts();
+    const double hand = MedianMilliseconds([&] { pieces = snapshot->Take(); }, makeTexts);
+    const auto move = [&] {
+        const EditScope edit(document, "Move");
+        document.edits.BoxTouched(*document.m_boxes.front());
+    };
+    move();
+    const double again = MedianMilliseconds([&] { pieces = snapshot->Take(); }, move);
+    std::printf(
+        "aside %6d boxes  %d slices, the longest %.3f ms, then %.3f ms; after a move %.3f ms  floor (whole) "
+        "%.3f ms\n",
+        count, slices, longest, hand, again, whole);
+}
+
 }  // namespace
 
 int main() {
     BenchHost host;
     for (const int count : {1000, 10000}) Measure(host, count);
+    for (const int count : {1000, 5000}) MeasureAside(host, count);
     PrintPeakMemory();
     return 0;
 }

@@ -104,8 +104,7 @@ double BareRuns(LibraryHost& host) {
         for (size_t i = first; i < host.Operators().size(); i += threads) {
             const std::string file = site.WorkPath("bare." + std::to_string(first));
             SpawnRequest request;
-            request.words = SplitCommandLine(
-                DefinitionTexts::CommandLine(site, *host.Operators()[i], file, file + ".errors"));
+            request.words = DefinitionTexts::Call(site, *host.Operators()[i], file, file + ".errors").words;
             request.environment = site.environment.ToList();
             std::string error;
             WaitForEnd(Spawn(request, error));

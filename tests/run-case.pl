@@ -38,6 +38,7 @@ use POSIX qw(setgid setuid);
 
 # No run may hang, and none needs more than a few seconds; these leave room for slow builds and busy machines.
 use constant { WALL_SECONDS => 60, CPU_SECONDS => 30 };
+umask 022;    # a site file that a group can write is none of the user's own
 
 my $case = abs_path($ARGV[0] // '') or die "usage: run-case.pl FOLDER\n";
 my $source = abs_path(dirname(__FILE__) . '/..');
@@ -74,7 +75,7 @@ sub normal {
     $text =~ s/\Q$work\E/\${WORK}/g;
     $text =~ s/\Q$temporary\E/\${TMP}/g;
     $text =~ s/\Q$source\E/\${SOURCE}/g;
-    $text =~ s/tavrn\.\d+/tavrn.\${PID}/g;
+    $text =~ s/tavrn\.\d+\.\w{8}\b/tavrn.\${PID}/g;
     return $text;
 }
 
@@ -85,7 +86,7 @@ sub copy_tree {
         return if $skip && $relative =~ $skip;
         return make_path("$to$relative") if -d $File::Find::name;
         copy($File::Find::name, "$to$relative") or die "$File::Find::name: $!\n";
-        chmod((stat $File::Find::name)[2] & 0777, "$to$relative");
+        chmod((stat $File::Find::name)[2] & 0755, "$to$relative");
     } }, $from);
 }
 
@@ -203,7 +204,7 @@ for (lines_of('same')) {
 }
 for my $root ($temporary, grep { -d && !-l } <$work/*>) {
     opendir my $left, $root or next;
-    my @stale = grep { /^tavrn\.\d+$/ } readdir $left;
+    my @stale = grep { /^tavrn\.\d/ } readdir $left;
     push @problems, "the work directory was left behind: $root/@stale" if @stale;
 }
 chdir '/';

@@ -69,7 +69,8 @@ void writeTo(const std::string& path, std::FILE* file, int width, int height,
 
 void writePng(const std::string& path, int width, int height, const std::vector<std::uint8_t>& pixels) {
     const std::string aside = path + ".part" + std::to_string(getpid());
-    std::unique_ptr<std::FILE, CloseFile> file(std::fopen(aside.c_str(), "wb"));
+    // One that is there already may be somebody's link.
+    std::unique_ptr<std::FILE, CloseFile> file(std::fopen(aside.c_str(), "wbx"));
     if (!file) {
         fail(path, std::strerror(errno));
     }

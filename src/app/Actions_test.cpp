@@ -68,7 +68,7 @@ class ActionsTest : public testing::Test {
     void CommandsStart(const std::string& text) {
         const std::string path = test.directory.Write("child.sh", text);
         target.onCommand = [this, path](CommandId command) {
-            if (command != CommandId::kStopRender) Runner().RunScriptCommand(path);
+            if (command != CommandId::kStopRender) Runner().RunScript({path}, "");
         };
     }
     // Lets them start a child that ends, and says so, once somebody waits for it.

@@ -4,7 +4,10 @@
 #include <ctime>
 
 #include "base/Paths.h"
+#include "base/ReadLimit.h"
+#include "base/ReplaceFile.h"
 #include "document/DocumentReader.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -49,6 +52,7 @@ void DocumentCommands::New() {
 bool DocumentCommands::Open(const std::string& path) {
     if (!m_document.Open(path)) return false;
     m_app.GetSite().directories.docBrowserDir = PathDir(path);
+    ClearAbandonedSavesBeside(path);
     HasBeenOpened(path);
     return true;
 }
@@ -75,17 +79,21 @@ bool DocumentCommands::Merge(const std::string& path, const std::function<void()
     auto archive = CArchive::Open(path, error);
     if (!archive) {
         report.LogLine("unable to open %s for reading", path.c_str());
-        report.Alert("unable to open %s for reading", path.c_str());
+        report.Alert("unable to open %s for reading%s", path.c_str(),
+                     error == TooLarge() ? (": " + error).c_str() : "");
         return false;
     }
     if (opened) opened();
-    CTvDoc scratch(m_app);
-    if (!scratch.LoadDesk(ReadDesk(std::move(*archive)))) return false;
-    m_desk.MergeBoxes(scratch.m_boxes);
-    return true;
+    return WithinMemory(report, "merging " + path, [&] {
+        CTvDoc scratch(m_app);
+        if (!scratch.LoadDesk(ReadDesk(std::move(*archive)))) return false;
+        m_desk.MergeBoxes(scratch.m_boxes);
+        return true;
+    });
 }
 
 bool DocumentCommands::Save(const std::string& path) {
+    ClearAbandonedSavesBeside(path);
     std::string error;
     if (!m_document.Save(path, error)) {
         m_app.GetSite().report.Alert("unable to save %s: %s", path.c_str(), error.c_str());

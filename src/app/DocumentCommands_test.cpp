@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <new>
+#include <utility>
+
 #include "base/Files.h"
 #include "forms/FormFields.h"
 #include "forms/FormFrame.h"
@@ -45,6 +48,33 @@ class DocumentCommandsTest : public test::SmallAppTest {
     std::unique_ptr<COpDesk> desk;
     std::unique_ptr<DocumentCommands> commands;
 };
+
+// There is no memory for the first alert.
+class PoorSink : public test::CollectingSink {
+  public:
+    void OnAlert(const std::string& text, const std::string& file) override {
+        if (!std::exchange(m_hasThrown, true)) throw std::bad_alloc();
+        CollectingSink::OnAlert(text, file);
+    }
+
+  private:
+    bool m_hasThrown = false;
+};
+
+TEST_F(DocumentCommandsTest, MergingOrAddingThatRunsOutOfMemoryIsAlertedAndPutsNothingUnderTheMouse) {
+    const std::string path =
+        directory.Write("a.tvn", "opdesk { opbox { filename Grain wid 7 } opbox { filename Gone wid 8 } }");
+    PoorSink poor;
+    report.SetSink(&poor);
+    EXPECT_FALSE(commands->Merge(path));
+    EXPECT_THAT(poor.alerts, testing::ElementsAre("not enough memory for merging " + path));
+    EXPECT_TRUE(desk->m_pendingBoxes.empty());
+    PoorSink poorer;
+    report.SetSink(&poorer);
+    desk->AddOperator("Gone");
+    EXPECT_THAT(poorer.alerts, testing::ElementsAre("not enough memory for the operator Gone"));
+    report.SetSink(&sink);
+}
 
 TEST_F(DocumentCommandsTest, ANewDocumentWillBeSavedAsUntitledWhereDialogsOpen) {
     ASSERT_TRUE(commands->Open(SavedDocument("a.tvn", "light")));

@@ -4,11 +4,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <functional>
-#include <string_view>
 
 #include "app/DocumentCommands.h"
 #include "base/Paths.h"
+#include "document/DocumentSnapshot.h"
 #include "document/TvDoc.h"
 #include "site/Settings.h"
 #include "text/Report.h"
@@ -18,19 +17,6 @@ namespace tavrin {
 namespace {
 
 constexpr int kLongestInterval = 24 * 60 * 60;  // seconds
-
-// Without the time of writing, with which a document begins and ends.
-size_t HashOf(const std::string& text) {
-    std::string_view body = text;
-    const size_t lineEnd = body.find('\n');
-    if (lineEnd != std::string_view::npos) {
-        const std::string_view header = body.substr(0, lineEnd + 1);
-        body.remove_prefix(header.size());
-        const size_t last = body.rfind(header);
-        if (last != std::string_view::npos) body = body.substr(0, last);
-    }
-    return std::hash<std::string_view>()(body);
-}
 
 bool IsAbsolute(const std::optional<std::string>& path) { return path && path->starts_with('/'); }
 
@@ -54,14 +40,24 @@ int Recovery::IntervalOf(const Settings& settings) {
     return std::clamp(seconds, 0, kLongestInterval);
 }
 
-Recovery::Recovery(const std::string& stateDirectory, Report& report)
-    : m_path(stateDirectory.empty() ? std::string() : JoinPath(stateDirectory, "recovery")),
-      m_directory(m_path),
-      m_report(report) {}
+Recovery::Recovery(const std::string& stateDirectory, Report& report, MainThreadQueue& queue)
+    : m_report(report),
+      m_session(stateDirectory),
+      m_directory(m_session.Directory()),
+      m_writer(m_session, [this, &queue, alive = std::weak_ptr(m_alive)] {
+          queue.Post([this, alive] {
+              if (!alive.expired()) HeedOutcome();
+          });
+      }) {}
 
-Recovery::~Recovery() {
-    if (!m_session.empty() && !m_hasCopy && m_directory.IsHeld(m_session, m_lock))
-        m_directory.RemoveLock(m_session);
+Recovery::~Recovery() = default;
+
+RecoveryOrigin Recovery::OriginOf(const CTvDoc& document) {
+    RecoveryOrigin origin;
+    if (!document.Path().empty()) origin.documentPath = FullPath(document.Path());
+    origin.wasCutShort = document.WasCutShort();
+    origin.held = document.Origin().file->held;
+    return origin;
 }
 
 bool Recovery::Update(CTvDoc& document) {
@@ -69,68 +65,43 @@ bool Recovery::Update(CTvDoc& document) {
         Discard();
         return true;
     }
+    m_writer.Settle();
+    m_writer.TakeOutcome();
     std::string error;
-    const bool written = WriteAside(document, error);
-    if (!written) LogOnce(error);
-    if (written) m_failureIsLogged = false;
+    const bool written = m_session.Write(OriginOf(document), document.Snapshot(), error);
+    Heed(written ? std::string() : error);
     return written;
 }
 
-void Recovery::LogOnce(const std::string& error) {
-    if (!m_failureIsLogged)
-        m_report.LogLine("WARNING: unsaved work cannot be written aside to %s: %s", m_path.c_str(),
-                         error.c_str());
-    m_failureIsLogged = true;
+void Recovery::UpdateBehind(CTvDoc& document, DocumentSnapshot& snapshot) {
+    m_writer.Give({OriginOf(document), snapshot.Take()});
 }
 
-// A session whose lock somebody has taken away protects nothing any more.
-bool Recovery::HoldSession(std::string& error) {
-    if (!m_session.empty() && m_directory.IsHeld(m_session, m_lock)) return true;
-    if (m_path.empty()) {
-        error = "the user has no home directory";
-        return false;
-    }
-    const std::string old = m_session;
-    if (!m_directory.Prepare(error) || !m_directory.Begin(m_session, m_lock, error)) return false;
-    if (!old.empty()) m_directory.RemoveFiles(old);
-    m_hasCopy = false;
-    return true;
+void Recovery::HeedOutcome() {
+    if (const auto error = m_writer.TakeOutcome()) Heed(*error);
 }
 
-bool Recovery::WriteAside(CTvDoc& document, std::string& error) {
-    if (!HoldSession(error)) return false;
-    RecoveryOrigin origin;
-    if (!document.Path().empty()) origin.documentPath = FullPath(document.Path());
-    origin.wasCutShort = document.WasCutShort();
-    origin.held = document.Origin().file->held;
-    if (m_hasCopy && origin.documentPath != m_origin.documentPath) Discard();
-
-    const std::string text = document.Snapshot();
-    const size_t hash = HashOf(text);
-    std::time_t writtenAt = 0;
-    if (m_hasCopy && hash == m_hash && origin.wasCutShort == m_origin.wasCutShort &&
-        origin.held == m_origin.held && m_directory.HasCopy(m_session, writtenAt))
-        return true;
-    origin.savedAt = std::time(nullptr);
-    // The origin first, so that no copy is ever without it.
-    if (!m_directory.WriteOrigin(m_session, origin, error) || !m_directory.WriteCopy(m_session, text, error))
-        return false;
-    m_hasCopy = true;
-    m_origin = origin;
-    m_hash = hash;
-    return true;
+void Recovery::Heed(const std::string& error) {
+    if (error == m_failure) return;
+    m_failure = error;
+    if (error.empty()) return;
+    const std::string sentence =
+        "unsaved work cannot be written aside to " + m_session.Folder() + ": " + error;
+    m_report.LogLine("WARNING: %s", sentence.c_str());
+    if (m_tellFailure) m_tellFailure(sentence);
 }
 
 void Recovery::Discard() {
-    if (!m_session.empty()) m_directory.RemoveFiles(m_session);
-    m_hasCopy = false;
+    m_writer.Settle();
+    m_session.Discard();
 }
 
 std::vector<Recovery::Found> Recovery::FindLeftovers() {
     std::vector<Found> leftovers;
-    if (m_path.empty()) return leftovers;
+    if (m_session.Folder().empty()) return leftovers;
+    m_writer.Settle();
     for (const auto& [session, halfWritten] : m_directory.Sessions()) {
-        if (session == m_session) continue;
+        if (session == m_session.Name()) continue;
         if (!m_claims.contains(session)) {
             FileDescriptor lock = m_directory.Claim(session);
             if (!lock) continue;
@@ -183,7 +154,7 @@ bool Recovery::Restore(const Found& found, DocumentCommands& commands, CTvDoc& d
     RecoveryOrigin origin{found.documentPath, found.savedAt, found.wasCutShort, found.failures + 1,
                           found.held};
     std::string error;
-    if (!m_directory.WriteOrigin(session, origin, error)) LogOnce(error);
+    if (!m_directory.WriteOrigin(session, origin, error)) Heed(error);
     if (!commands.OpenRecovered(found.copyPath, found.documentPath, found.wasCutShort, found.held)) {
         if (origin.failures >= kFailuresAllowed)
             m_report.LogLine("WARNING: %s could not be read %d times and is offered no more",

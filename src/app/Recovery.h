@@ -3,17 +3,22 @@
 #pragma once
 
 #include <ctime>
+#include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "app/RecoveryDirectory.h"
+#include "app/RecoverySession.h"
+#include "app/RecoveryWriter.h"
 #include "base/Environment.h"
+#include "base/MainThreadQueue.h"
 
 namespace tavrin {
 
 class CTvDoc;
 class DocumentCommands;
+class DocumentSnapshot;
 class Report;
 class Settings;
 
@@ -23,17 +28,17 @@ std::string StateDirectory(const Environment& environment);
 
 // One for the process, called on the main thread. The copy lies in "recovery" below the state directory;
 // the document's own file is never touched. Programs that run at once do not see each other's copies. What
-// fails is logged, once until it works again, and never alerted.
+// fails is logged and told, once until it works again or fails for another reason, and never alerted.
 class Recovery {
   public:
-    static constexpr int kDefaultInterval = 120;  // seconds
-    static constexpr int kFailuresAllowed = 3;    // attempts at reading a copy before it is offered no more
+    static constexpr int kDefaultInterval = 2;  // seconds
+    static constexpr int kFailuresAllowed = 3;  // attempts at reading a copy before it is offered no more
 
     // The site's "autosave.interval" in seconds, at most a day; 0 turns writing aside off.
     static int IntervalOf(const Settings& settings);
 
     // Without a state directory nothing can be written aside.
-    Recovery(const std::string& stateDirectory, Report& report);
+    Recovery(const std::string& stateDirectory, Report& report, MainThreadQueue& queue);
     Recovery(const Recovery&) = delete;
     Recovery& operator=(const Recovery&) = delete;
     // Leaves a copy that was not discarded to the next start.
@@ -43,8 +48,15 @@ class Recovery {
     // away if it is not modified. The document stays as it is. False if it should have been written and
     // could not be; an older copy then stays.
     bool Update(CTvDoc& document);
+    // Has a modified document written aside on another thread, so that neither waits for the other. The text
+    // is the snapshot's, which is brought up to date.
+    void UpdateBehind(CTvDoc& document, DocumentSnapshot& snapshot);
     // Takes the copy away: at a clean end, after New, Open and Save.
     void Discard();
+    // Called with a sentence for the user when unsaved work is no longer in safety.
+    void OnFailure(std::function<void(const std::string&)> tell) { m_tellFailure = std::move(tell); }
+    // The last attempt has failed.
+    bool IsFailing() const { return !m_failure.empty(); }
 
     struct Found {
         std::string copyPath;
@@ -67,22 +79,21 @@ class Recovery {
     bool Restore(const Found& found, DocumentCommands& commands, CTvDoc& document);
 
   private:
-    bool WriteAside(CTvDoc& document, std::string& error);
-    bool HoldSession(std::string& error);
-    void LogOnce(const std::string& error);
+    static RecoveryOrigin OriginOf(const CTvDoc& document);
+    void Heed(const std::string& error);
+    void HeedOutcome();
     // The name of a session that this process has claimed; empty for any other.
     std::string ClaimedSession(const Found& found) const;
 
-    std::string m_path;
-    RecoveryDirectory m_directory;
     Report& m_report;
-    std::string m_session;  // empty until there is something to write
-    FileDescriptor m_lock;
+    RecoverySession m_session;  // the writer's while it writes
+    const RecoveryDirectory& m_directory;
     std::map<std::string, FileDescriptor> m_claims;  // locks of what FindLeftovers gave, by session
-    bool m_hasCopy = false;
-    RecoveryOrigin m_origin;  // of the copy
-    size_t m_hash = 0;        // of what the copy holds
-    bool m_failureIsLogged = false;
+    std::function<void(const std::string&)> m_tellFailure;
+    std::string m_failure;  // as it was told last; empty while all goes well
+    // What the writer posts must not reach an object that is gone.
+    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    RecoveryWriter m_writer;  // last: its thread ends before what it writes to
 };
 
 }  // namespace tavrin

@@ -2,17 +2,17 @@
 #include "app/RecoveryDirectory.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
+#include "base/FileIo.h"
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/ReplaceFile.h"
 #include "text/Archive.h"
 #include "text/Tokens.h"
 
@@ -30,11 +30,6 @@ constexpr int kNameAttempts = 100;
 constexpr off_t kLargestOrigin = 65536;  // bytes; far beyond any path
 constexpr const char* kOriginKeyword = "tavrin-recovery";
 constexpr const char* kOriginVersion = "1";
-
-bool Fail(std::string& error, int number) {
-    error = std::strerror(number);
-    return false;
-}
 
 bool IsOwnFile(const std::string& path, struct stat& status) {
     return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
@@ -79,7 +74,7 @@ std::string SessionOf(std::string_view file) {
 bool RecoveryDirectory::Prepare(std::string& error) const {
     for (size_t end = m_path.find('/', 1);; end = m_path.find('/', end + 1)) {
         const std::string part = m_path.substr(0, end);
-        if (::mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) return Fail(error, errno);
+        if (::mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) return FailWith(error, errno);
         if (end == std::string::npos) break;
     }
     if (!IsOwn()) {
@@ -87,9 +82,9 @@ bool RecoveryDirectory::Prepare(std::string& error) const {
         return false;
     }
     struct stat status {};
-    if (::lstat(m_path.c_str(), &status) != 0) return Fail(error, errno);
+    if (::lstat(m_path.c_str(), &status) != 0) return FailWith(error, errno);
     if ((status.st_mode & 0777) == 0700 || ::chmod(m_path.c_str(), 0700) == 0) return true;
-    return Fail(error, errno);
+    return FailWith(error, errno);
 }
 
 bool RecoveryDirectory::IsOwn() const {
@@ -107,14 +102,14 @@ bool RecoveryDirectory::Begin(std::string& session, FileDescriptor& lock, std::s
     for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
         std::string path = PathOf(std::string(kNamePrefix).append(kRandomLetters, 'X'), kLock);
         FileDescriptor file(::mkostemps(path.data(), static_cast<int>(kLock.size()), O_CLOEXEC));
-        if (!file) return Fail(error, errno);
+        if (!file) return FailWith(error, errno);
         const std::string name = SessionOf(PathFile(path));
-        if (::flock(file.Get(), LOCK_EX | LOCK_NB) != 0) {
+        if (!TryLock(file)) {
             // Another start may be taking it for a leftover, in this very moment.
             if (errno != EWOULDBLOCK) {
                 const int number = errno;
                 ::unlink(path.c_str());
-                return Fail(error, number);
+                return FailWith(error, number);
             }
         } else if (IsHeld(name, file)) {
             if (!IsThere(PathOf(name, kCopy)) && !IsThere(PathOf(name, kOrigin))) {
@@ -132,15 +127,14 @@ bool RecoveryDirectory::Begin(std::string& session, FileDescriptor& lock, std::s
 FileDescriptor RecoveryDirectory::Claim(const std::string& session) const {
     FileDescriptor lock(
         ::open(PathOf(session, kLock).c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600));
-    if (lock && ::flock(lock.Get(), LOCK_EX | LOCK_NB) == 0 && IsHeld(session, lock)) return lock;
+    if (lock && TryLock(lock) && IsHeld(session, lock)) return lock;
     return {};
 }
 
 bool RecoveryDirectory::IsHeld(const std::string& session, const FileDescriptor& lock) const {
-    struct stat there {};
-    struct stat held {};
-    return IsOwnFile(PathOf(session, kLock), there) && ::fstat(lock.Get(), &held) == 0 &&
-           there.st_dev == held.st_dev && there.st_ino == held.st_ino;
+    struct stat status {};
+    const std::string path = PathOf(session, kLock);
+    return IsOwnFile(path, status) && LeadsTo(path, lock);
 }
 
 // What is replaced keeps its permissions: so a new file is made empty first, for the user alone.
@@ -151,7 +145,7 @@ bool RecoveryDirectory::WritePrivate(const std::string& path, std::string_view t
     if (isNew) {
         const FileDescriptor file(
             ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-        if (!file) return Fail(error, errno);
+        if (!file) return FailWith(error, errno);
     } else if (!IsOwnFile(path, status)) {
         error = "Not a file of the user's own";
         return false;
@@ -216,7 +210,9 @@ bool RecoveryDirectory::HasCopy(const std::string& session, std::time_t& written
 std::map<std::string, std::vector<std::string>> RecoveryDirectory::Sessions() const {
     std::map<std::string, std::vector<std::string>> sessions;
     std::vector<DirEntry> entries;
-    if (!IsOwn() || !ListDirectory(m_path, entries)) return sessions;
+    if (!IsOwn()) return sessions;
+    ClearAbandonedSaves(m_path);
+    if (!ListDirectory(m_path, entries)) return sessions;
     for (const DirEntry& entry : entries) {
         const std::string session = SessionOf(entry.name);
         const std::string path = JoinPath(m_path, entry.name);

@@ -54,7 +54,8 @@ class RecoveryDirectory {
     std::string CopyPath(const std::string& session) const;
     // A copy that holds something; `writtenAt` is the time of its file.
     bool HasCopy(const std::string& session, std::time_t& writtenAt) const;
-    // Every session, with the paths of files that a kill left half written.
+    // Every session, with the paths of files that a kill of an earlier release left half written; what later
+    // ones have left so is cleared away.
     std::map<std::string, std::vector<std::string>> Sessions() const;
     // Copy and origin.
     void RemoveFiles(const std::string& session) const;

@@ -40,7 +40,7 @@ class RecoveryRestore : public test::SmallAppTest {
 
     // What a process of this toolbar leaves behind when it dies.
     void LeaveBehind(const std::string& operatorName) {
-        Recovery dying(state, report);
+        Recovery dying(state, report, queue);
         document->toolbar = {operatorName};
         document->SetPath("/there/doc.tvn");
         document->SetModified();
@@ -56,7 +56,7 @@ class RecoveryRestore : public test::SmallAppTest {
     }
     // A start of the program that tries to bring the one leftover back; nothing if none is offered.
     std::optional<bool> Start() {
-        Recovery recovery(state, report);
+        Recovery recovery(state, report, queue);
         const auto leftovers = recovery.FindLeftovers();
         if (leftovers.empty()) return std::nullopt;
         const bool restored = recovery.Restore(leftovers.at(0), *commands, *document);
@@ -74,7 +74,7 @@ class RecoveryRestore : public test::SmallAppTest {
 TEST_F(RecoveryRestore, TheWorkIsTheDocumentAgainAndIsWrittenAsideBeforeTheOldCopyGoes) {
     LeaveBehind("Grain");
     const std::string old = Copies().at(0);
-    Recovery recovery(state, report);
+    Recovery recovery(state, report, queue);
     const auto leftovers = recovery.FindLeftovers();
     ASSERT_THAT(leftovers, SizeIs(1));
     EXPECT_TRUE(recovery.Restore(leftovers[0], *commands, *document));
@@ -92,7 +92,7 @@ TEST_F(RecoveryRestore, TheWorkIsTheDocumentAgainAndIsWrittenAsideBeforeTheOldCo
 TEST_F(RecoveryRestore, TheOldCopyStaysWhileTheWorkCannotBeWrittenAside) {
     LeaveBehind("Grain");
     const std::string old = Copies().at(0);
-    Recovery recovery(state, report);
+    Recovery recovery(state, report, queue);
     const auto leftovers = recovery.FindLeftovers();
     ASSERT_THAT(leftovers, SizeIs(1));
     const std::string moved = state + "/moved";
@@ -110,7 +110,7 @@ TEST_F(RecoveryRestore, WorkOnAFileThatWasCutShortStaysProtectedThroughEveryCras
     LeaveBehind("Grain");
     std::vector<Recovery::Found> leftovers;
     for (int crash = 0; crash < 2; ++crash) {
-        Recovery recovery(state, report);
+        Recovery recovery(state, report, queue);
         leftovers = recovery.FindLeftovers();
         ASSERT_THAT(leftovers, SizeIs(1));
         EXPECT_TRUE(leftovers[0].wasCutShort);
@@ -125,12 +125,12 @@ TEST_F(RecoveryRestore, TheWorkIsSavedUnaskedOverTheFileThatItCameFromAndNoOther
         ASSERT_TRUE(document->Open(path));
         document->SetModified();
         {
-            Recovery dying(state, report);
+            Recovery dying(state, report, queue);
             ASSERT_TRUE(dying.Update(*document));
             document->DeleteContents();
         }
         if (isChanged) directory.Write("own.tvn", "somebody else's");
-        Recovery recovery(state, report);
+        Recovery recovery(state, report, queue);
         const auto leftovers = recovery.FindLeftovers();
         ASSERT_THAT(leftovers, SizeIs(1));
         ASSERT_TRUE(recovery.Restore(leftovers[0], *commands, *document));
@@ -169,7 +169,7 @@ TEST_F(RecoveryRestore, ACopyThatWasMendedInTimeIsReadAndGoes) {
 TEST_F(RecoveryRestore, OnlyWhatWasFoundIsRestored) {
     Recovery::Found forged;
     forged.copyPath = directory.Write("other.tvn", "tavrn-version 1");
-    Recovery recovery(state, report);
+    Recovery recovery(state, report, queue);
     EXPECT_FALSE(recovery.Restore(forged, *commands, *document));
     EXPECT_EQ(sink.log, "");
     EXPECT_TRUE(PathExists(forged.copyPath));

@@ -42,7 +42,8 @@ class OtherProgram {
         EXPECT_EQ(::pipe(ready), 0);
         m_process = ::fork();
         if (m_process == 0) {
-            Recovery recovery(state, report);
+            PlainQueue queue;
+            Recovery recovery(state, report, queue);
             const char answer = recovery.Update(document) ? 'y' : 'n';
             if (::write(ready[1], &answer, 1) == 1) {
                 for (;;) ::pause();
@@ -110,6 +111,7 @@ class RecoveryTest : public test::DocumentTest {
 
     std::string state = host.Directory() / "home/.local/state/tavrin";
     std::string folder = state + "/recovery";
+    PlainQueue queue;
 };
 
 TEST(StateDirectory, LiesWhereTheDesktopSaysOrBelowTheHome) {
@@ -128,9 +130,9 @@ TEST(StateDirectory, LiesWhereTheDesktopSaysOrBelowTheHome) {
 
 TEST(RecoveryInterval, IsTheSitesWithinADay) {
     Settings settings;
-    EXPECT_EQ(Recovery::IntervalOf(settings), 120);
+    EXPECT_EQ(Recovery::IntervalOf(settings), 2);
     for (const auto& [text, seconds] :
-         std::map<std::string, int>{{"30", 30}, {"0", 0}, {"-5", 0}, {"2000000000", 86400}, {"soon", 120}}) {
+         std::map<std::string, int>{{"30", 30}, {"0", 0}, {"-5", 0}, {"2000000000", 86400}, {"soon", 2}}) {
         settings.Store("autosave.interval", text);
         EXPECT_EQ(Recovery::IntervalOf(settings), seconds) << text;
     }
@@ -139,7 +141,7 @@ TEST(RecoveryInterval, IsTheSitesWithinADay) {
 // Writing aside.
 
 TEST_F(RecoveryTest, AModifiedDocumentIsWrittenAsideAsAPlainDocument) {
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_TRUE(recovery.Update(document));
     EXPECT_THAT(Names(), UnorderedElementsAre(MatchesRegex("unsaved-[A-Za-z0-9]{6}\\.tvn"),
                                               MatchesRegex("unsaved-[A-Za-z0-9]{6}\\.origin"),
@@ -154,7 +156,7 @@ TEST_F(RecoveryTest, AModifiedDocumentIsWrittenAsideAsAPlainDocument) {
 TEST_F(RecoveryTest, OnlyTheUserCanReadWhatIsWrittenAside) {
     fs::create_directories(folder);
     fs::permissions(folder, fs::perms::all);
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     const mode_t mask = ::umask(0);
     EXPECT_TRUE(recovery.Update(document));
     document.toolbar = {"new"};
@@ -165,7 +167,7 @@ TEST_F(RecoveryTest, OnlyTheUserCanReadWhatIsWrittenAside) {
 }
 
 TEST_F(RecoveryTest, EveryDirectoryThatIsMadeIsTheUsersAlone) {
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     const mode_t mask = ::umask(0);
     EXPECT_TRUE(recovery.Update(document));
     ::umask(mask);
@@ -175,7 +177,7 @@ TEST_F(RecoveryTest, EveryDirectoryThatIsMadeIsTheUsersAlone) {
 
 TEST_F(RecoveryTest, WithoutAChangeNothingIsWrittenAgain) {
     host.GetSite().environment.Set("SOURCE_DATE_EPOCH", "1000000000");
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     ASSERT_TRUE(recovery.Update(document));
     const std::string copy = Only(".tvn");
     const std::string text = ReadFile(copy);
@@ -189,7 +191,7 @@ TEST_F(RecoveryTest, WithoutAChangeNothingIsWrittenAgain) {
 }
 
 TEST_F(RecoveryTest, ACopyThatSomebodyTookAwayIsWrittenAgain) {
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     ASSERT_TRUE(recovery.Update(document));
     fs::remove(Only(".tvn"));
     EXPECT_TRUE(recovery.Update(document));
@@ -199,7 +201,7 @@ TEST_F(RecoveryTest, ACopyThatSomebodyTookAwayIsWrittenAgain) {
 TEST_F(RecoveryTest, ADocumentThatIsNotModifiedHasNoCopy) {
     document.SetModified(false);
     {
-        Recovery recovery(state, GetReport());
+        Recovery recovery(state, GetReport(), queue);
         EXPECT_TRUE(recovery.Update(document));
         EXPECT_FALSE(fs::exists(folder));
         document.SetModified();
@@ -219,7 +221,7 @@ TEST_F(RecoveryTest, ADocumentThatIsNotModifiedHasNoCopy) {
 TEST_F(RecoveryTest, TheDocumentsOwnFileIsNeverTouched) {
     const std::string path = host.Directory().Write("own.tvn", "as it was");
     document.SetPath(path);
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     ASSERT_TRUE(recovery.Update(document));
     recovery.Discard();
     EXPECT_EQ(ReadFile(path), "as it was");
@@ -227,7 +229,7 @@ TEST_F(RecoveryTest, TheDocumentsOwnFileIsNeverTouched) {
 
 TEST_F(RecoveryTest, AFailureIsLoggedOnceUntilItWorksAgain) {
     host.Directory().Write("home/.local", "no directory");
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_FALSE(recovery.Update(document));
     EXPECT_FALSE(recovery.Update(document));
     const std::string line =
@@ -245,7 +247,7 @@ TEST_F(RecoveryTest, AFailureIsLoggedOnceUntilItWorksAgain) {
 }
 
 TEST_F(RecoveryTest, AFailureLeavesTheLastCopyWhole) {
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     ASSERT_TRUE(recovery.Update(document));
     const std::string copy = Only(".tvn");
     const std::string text = ReadFile(copy);
@@ -258,7 +260,7 @@ TEST_F(RecoveryTest, AFailureLeavesTheLastCopyWhole) {
 }
 
 TEST_F(RecoveryTest, WithoutAHomeThereIsNoRecovery) {
-    Recovery recovery("", GetReport());
+    Recovery recovery("", GetReport(), queue);
     EXPECT_FALSE(recovery.Update(document));
     EXPECT_THAT(host.Sink().log, HasSubstr("no home directory"));
     recovery.Discard();
@@ -270,12 +272,12 @@ TEST_F(RecoveryTest, NothingIsWrittenThroughALink) {
     fs::create_directories(elsewhere);
     fs::create_directories(state);
     fs::create_directory_symlink(elsewhere, folder);
-    Recovery linked(state, GetReport());
+    Recovery linked(state, GetReport(), queue);
     EXPECT_FALSE(linked.Update(document));
     EXPECT_TRUE(fs::is_empty(elsewhere));
     fs::remove(folder);
 
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     ASSERT_TRUE(recovery.Update(document));
     const std::string copy = Only(".tvn");
     const std::string target = host.Directory().Write("target", "as it was");
@@ -293,7 +295,7 @@ TEST_F(RecoveryTest, WhatTheFileHeldIsKnownAfterTheCrash) {
     ASSERT_TRUE(document.Open(path));
     document.SetModified();
     LeaveBehind();
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     const auto leftovers = recovery.FindLeftovers();
     ASSERT_THAT(leftovers, SizeIs(1));
     EXPECT_EQ(leftovers[0].documentPath, path);
@@ -302,7 +304,7 @@ TEST_F(RecoveryTest, WhatTheFileHeldIsKnownAfterTheCrash) {
 
 TEST_F(RecoveryTest, OfAFileThatTheDocumentNeverReadNothingIsKnown) {
     LeaveBehind();
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     const auto leftovers = recovery.FindLeftovers();
     ASSERT_THAT(leftovers, SizeIs(1));
     EXPECT_EQ(leftovers[0].held, std::nullopt);
@@ -311,7 +313,7 @@ TEST_F(RecoveryTest, OfAFileThatTheDocumentNeverReadNothingIsKnown) {
 TEST_F(RecoveryTest, TheWorkOfAKilledProgramIsFoundWithItsOrigin) {
     document.SetCutShort();
     const std::string copy = LeaveBehind();
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     const auto leftovers = recovery.FindLeftovers();
     ASSERT_THAT(leftovers, SizeIs(1));
     EXPECT_EQ(leftovers[0].copyPath, copy);
@@ -332,7 +334,7 @@ TEST_F(RecoveryTest, TheWorkOfAKilledProgramIsFoundWithItsOrigin) {
 
 TEST_F(RecoveryTest, ProgramsThatRunDoNotSeeEachOthersWork) {
     OtherProgram other(state, document, GetReport());
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_TRUE(recovery.Update(document));
     EXPECT_THAT(recovery.FindLeftovers(), IsEmpty());
     EXPECT_THAT(Names(), SizeIs(6));
@@ -342,9 +344,9 @@ TEST_F(RecoveryTest, ProgramsThatRunDoNotSeeEachOthersWork) {
 
 TEST_F(RecoveryTest, WhatOneProgramOffersNoOtherDoesWhileItLives) {
     const std::string copy = LeaveBehind();
-    Recovery second(state, GetReport());
+    Recovery second(state, GetReport(), queue);
     {
-        Recovery first(state, GetReport());
+        Recovery first(state, GetReport(), queue);
         const auto leftovers = first.FindLeftovers();
         ASSERT_THAT(leftovers, SizeIs(1));
         EXPECT_THAT(second.FindLeftovers(), IsEmpty());
@@ -356,21 +358,21 @@ TEST_F(RecoveryTest, WhatOneProgramOffersNoOtherDoesWhileItLives) {
 
 TEST_F(RecoveryTest, AnEndWithoutDiscardingLeavesTheWorkToTheNextStart) {
     {
-        Recovery recovery(state, GetReport());
+        Recovery recovery(state, GetReport(), queue);
         ASSERT_TRUE(recovery.Update(document));
     }
-    Recovery next(state, GetReport());
+    Recovery next(state, GetReport(), queue);
     EXPECT_THAT(Titles(next.FindLeftovers()), ElementsAre("doc.tvn"));
 }
 
 TEST_F(RecoveryTest, ALockThatSomebodyTookAwayIsReplacedWithAllThatItGuards) {
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     ASSERT_TRUE(recovery.Update(document));
     const std::string first = Only(".tvn");
     fs::remove(Only(".lock"));
     EXPECT_TRUE(recovery.Update(document));
     EXPECT_NE(Only(".tvn"), first);
-    Recovery other(state, GetReport());
+    Recovery other(state, GetReport(), queue);
     EXPECT_THAT(other.FindLeftovers(), IsEmpty());
 }
 
@@ -388,7 +390,7 @@ TEST_F(RecoveryTest, TheNewestComesFirst) {
                 << "tavrin-recovery 1\ndocument /there/" << title << "\nsaved " << time << "\n";
         }
     }
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     const auto leftovers = recovery.FindLeftovers();
     EXPECT_THAT(Titles(leftovers), ElementsAre("new", "middle", "old"));
     EXPECT_EQ(leftovers.at(0).savedAt, 300);
@@ -398,7 +400,7 @@ TEST_F(RecoveryTest, AnOwnFileThatWasWrittenLaterIsTold) {
     document.SetPath(host.Directory().Write("own.tvn", ""));
     LeaveBehind();
     fs::last_write_time(document.Path(), fs::file_time_type::clock::now() + std::chrono::hours(1));
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_TRUE(recovery.FindLeftovers().at(0).documentIsNewer);
 }
 
@@ -409,14 +411,14 @@ TEST_F(RecoveryTest, PathsOfAnyBytesComeBack) {
     }
     document.SetPath(path);
     LeaveBehind();
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_EQ(recovery.FindLeftovers().at(0).documentPath, path);
 }
 
 TEST_F(RecoveryTest, ARelativePathIsKeptInFullAndNoneAsNone) {
     document.SetPath("doc.tvn");
     LeaveBehind();
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     const auto leftovers = recovery.FindLeftovers();
     EXPECT_EQ(leftovers.at(0).documentPath, FullPath("doc.tvn"));
     recovery.Remove(leftovers[0]);
@@ -434,7 +436,7 @@ TEST_F(RecoveryTest, ACopyWhoseOriginIsBrokenIsThatOfAnUntitledDocument) {
              "", "rubbish", "tavrin-recovery 2\ndocument /a\n", "tavrin-recovery 1\ndocument a.tvn\n",
              std::string("tavrin-recovery 1\ndocument \"/a\0b\"\n", 34), huge}) {
         std::ofstream(origin, std::ios::binary) << text;
-        Recovery recovery(state, GetReport());
+        Recovery recovery(state, GetReport(), queue);
         const auto leftovers = recovery.FindLeftovers();
         ASSERT_THAT(leftovers, SizeIs(1)) << text.substr(0, 40);
         EXPECT_EQ(leftovers[0].documentPath, "");
@@ -445,7 +447,7 @@ TEST_F(RecoveryTest, ACopyWhoseOriginIsBrokenIsThatOfAnUntitledDocument) {
     }
     fs::remove(origin);
     fs::create_symlink(host.Directory().Write("x", "tavrin-recovery 1\ndocument /a\n"), origin);
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_EQ(recovery.FindLeftovers().at(0).documentPath, "");
 }
 
@@ -456,7 +458,7 @@ TEST_F(RecoveryTest, WhatKilledProgramsLeaveBesideTheirCopiesIsClearedAway) {
     for (const char* name :
          {"unsaved-aaaaaa.lock", "unsaved-bbbbbb.origin", "unsaved-cccccc.tvn", ".unsaved-dddddd.tvn.abc123"})
         host.Directory().Write(std::string("home/.local/state/tavrin/recovery/") + name, "");
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_THAT(recovery.FindLeftovers(), SizeIs(1));
     EXPECT_THAT(Names(),
                 UnorderedElementsAre(PathFile(copy), PathFile(Only(".origin")), PathFile(Only(".lock"))));
@@ -477,7 +479,7 @@ TEST_F(RecoveryTest, FilesOfOthersAreNeitherOfferedNorRemoved) {
     std::ofstream(folder + "/unsaved-eeeeee.tvn") << "tavrn-version 1";
     fs::create_symlink(target, folder + "/unsaved-eeeeee.lock");
     const auto before = Names();
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_THAT(recovery.FindLeftovers(), IsEmpty());
     EXPECT_THAT(Names(), testing::UnorderedElementsAreArray(before));
     EXPECT_EQ(ReadFile(target), "as it was");
@@ -489,8 +491,8 @@ TEST_F(RecoveryTest, FilesOfOthersAreNeitherOfferedNorRemoved) {
 
 TEST_F(RecoveryTest, ACopyWithoutALockIsOfferedToOneProgram) {
     host.Directory().Write("home/.local/state/tavrin/recovery/unsaved-abcdef.tvn", "tavrn-version 1");
-    Recovery first(state, GetReport());
-    Recovery second(state, GetReport());
+    Recovery first(state, GetReport(), queue);
+    Recovery second(state, GetReport(), queue);
     EXPECT_THAT(first.FindLeftovers(), SizeIs(1));
     EXPECT_THAT(second.FindLeftovers(), IsEmpty());
 }
@@ -500,7 +502,7 @@ TEST_F(RecoveryTest, ADirectoryThatIsALinkIsNotLookedInto) {
     const std::string elsewhere = host.Directory() / "elsewhere";
     fs::rename(folder, elsewhere);
     fs::create_directory_symlink(elsewhere, folder);
-    Recovery recovery(state, GetReport());
+    Recovery recovery(state, GetReport(), queue);
     EXPECT_THAT(recovery.FindLeftovers(), IsEmpty());
     EXPECT_TRUE(fs::exists(JoinPath(elsewhere, PathFile(copy))));
 }

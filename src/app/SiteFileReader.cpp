@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/SiteFileReader.h"
 
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+#include "app/LocalSiteFile.h"
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/Sha256.h"
 #include "codegen/CodeGen.h"
 #include "document/ExportOptions.h"
 #include "site/Site.h"
+#include "text/VisibleText.h"
 
 namespace tavrin {
 
@@ -14,6 +21,8 @@ namespace {
 constexpr const char* kSiteFile = "tavrn.def";
 constexpr std::string_view kCodegenPrefix = "codegen.";
 constexpr std::string_view kCodeformatPrefix = "codeformat.";
+// Settings whose value is a program that is run.
+constexpr std::array<std::string_view, 2> kCommandSettings = {"editorcmd", "sourcecodeprefilter"};
 
 // The directory of the user's own site file; empty if the environment names none.
 std::string PersonalDirectory(const Environment& environment) {
@@ -23,14 +32,45 @@ std::string PersonalDirectory(const Environment& environment) {
     return environment.Get("HOME").value_or("");
 }
 
+// What it names to be run stays in `local`, unless it is a file that has been read already.
+void ReadLocalFile(SiteTargets& targets, const std::string& library, const std::string& personal) {
+    const std::string path = std::string(".") + Separator(kNativeStyle) + kSiteFile;
+    LocalSiteFile file = ReadLocalSiteFile(path, library, personal);
+    if (file.path.empty()) return;
+    if (!file.problem.empty()) {
+        targets.site.report.LogLine("WARNING: site file %s is not read: %s", file.path.c_str(),
+                                    file.problem.c_str());
+        return;
+    }
+    targets.isLocal = file.isOther;
+    targets.local.path = file.path;
+    targets.local.digest = Sha256Hex(file.path + '\0' + file.text);
+    CArchive archive = CArchive::FromText(path, std::move(file.text));
+    SiteFileReader(archive, targets).Read();
+    targets.isLocal = false;
+}
+
 }  // namespace
+
+std::vector<std::string> LocalCommands::Lines() const {
+    std::vector<std::string> lines;
+    for (const auto& [key, value] : settings) lines.push_back(VisibleOneLine(key + " " + value));
+    if (postSave) lines.push_back(VisibleOneLine("postsavescript " + postSave->second));
+    for (const std::string& line : formLines) lines.push_back(VisibleOneLine(line));
+    return lines;
+}
 
 void ReadSiteFiles(SiteTargets& targets) {
     targets.site.settingsLibrary = targets.site.directories.libName;
-    if (!targets.site.directories.libDir.empty()) ReadSiteFile(targets.site.LibraryPath(kSiteFile), targets);
-    const std::string personal = PersonalDirectory(targets.site.environment);
-    if (!personal.empty()) ReadSiteFile(personal + Separator(kNativeStyle) + kSiteFile, targets);
-    ReadSiteFile(std::string(".") + Separator(kNativeStyle) + kSiteFile, targets);
+    std::string library;
+    if (!targets.site.directories.libDir.empty()) library = targets.site.LibraryPath(kSiteFile);
+    if (!library.empty()) ReadSiteFile(library, targets);
+    std::string personal = PersonalDirectory(targets.site.environment);
+    if (!personal.empty()) {
+        personal += std::string(1, Separator(kNativeStyle)) + kSiteFile;
+        ReadSiteFile(personal, targets);
+    }
+    ReadLocalFile(targets, library, personal);
 }
 
 void ReadSiteFile(const std::string& path, SiteTargets& targets) {
@@ -70,7 +110,7 @@ bool SiteFileReader::ReadClause(const std::string& keyword) {
     } else if (keyword == "wordtranslate.clear") {
         m_site.types.ClearWords();
     } else if (keyword == "exportoptions") {
-        ReadExportOptions(m_archive, m_targets.exportDefaults, m_report);
+        ReadExports();
     } else if (keyword == "wordtranslate.add") {
         ReadWordTranslation();
     } else if (keyword == "menudir.add") {
@@ -86,9 +126,29 @@ bool SiteFileReader::ReadClause(const std::string& keyword) {
     } else if (keyword == "ext.shaderiface") {
         return ReadShaderIface();
     } else if (!keyword.empty()) {
-        m_site.settings.Store(keyword, RestOfLine());
+        ReadSetting(keyword);
     }
     return true;
+}
+
+void SiteFileReader::ReadSetting(const std::string& key) {
+    const bool isCommand =
+        std::find(kCommandSettings.begin(), kCommandSettings.end(), key) != kCommandSettings.end();
+    if (m_targets.isLocal && isCommand) {
+        m_targets.local.settings.emplace_back(key, RestOfLine());
+    } else {
+        m_site.settings.Store(key, RestOfLine());
+    }
+}
+
+void SiteFileReader::ReadExports() {
+    CExportOptions& options = m_targets.exportDefaults;
+    const std::pair before(options.runPostSave, options.postSaveScript);
+    ReadExportOptions(m_archive, options, m_report);
+    const std::pair after(options.runPostSave, options.postSaveScript);
+    if (!m_targets.isLocal || after == before) return;
+    m_targets.local.postSave = after;
+    std::tie(options.runPostSave, options.postSaveScript) = before;
 }
 
 void SiteFileReader::SkipBlock() {

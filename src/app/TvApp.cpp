@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/TvApp.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
+#include <algorithm>
 #include <optional>
 
-#include "app/SiteFileReader.h"
+#include "app/Recovery.h"
+#include "app/RecoveryCopy.h"
 #include "app/Version.h"
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Process.h"
+#include "base/ReadLimit.h"
+#include "forms/FormCommands.h"
 #include "forms/FormFrame.h"
 #include "forms/FormParser.h"
 #include "render/ShaderExport.h"
@@ -43,9 +43,12 @@ bool IsPlainName(const std::string& name) {
            name.find_first_of("/\\ \t\r\n\"") == std::string::npos;
 }
 
-bool IsOwnDirectory(const std::string& path) {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+// As a site gives it, in megabytes.
+uint64_t ReadLimitOf(const Settings& settings) {
+    constexpr float kMost = 1e6F;
+    float megabytes = 0;
+    if (!settings.GetSettingFloat("maxfilesize", megabytes) || !(megabytes > 0)) return kDefaultReadLimit;
+    return static_cast<uint64_t>(std::min(megabytes, kMost) * static_cast<float>(kMegabyte));
 }
 
 }  // namespace
@@ -55,6 +58,7 @@ CTvApp::CTvApp(Report& report, MainThreadQueue& queue, Environment environment,
     : m_site(report, std::move(environment), queue),
       m_registry(report),
       m_form(std::make_unique<CRenderOptionsEditor>()),
+      m_trust(StateDirectory(m_site.environment)),
       m_programDir(PathDir(programPath)),
       m_version(VersionText(kProductVersion)) {
     const Environment& env = m_site.environment;
@@ -108,15 +112,24 @@ void CTvApp::ReloadOperators() {
         m_registry.AddDirectory(m_site.LibraryPath(directory));
 }
 
-void CTvApp::LoadSiteDefaults() {
+void CTvApp::LoadSiteDefaults(LocalCommandsRule rule) {
     Directories& directories = m_site.directories;
     m_site.menuDirs.emplace_back("menu");
     m_site.types.ResetDataTypes();
-    SiteTargets targets{m_site, m_codeGen, m_exportDefaults,
-                        [this](CArchive& archive) { ReadForm(archive, *m_form, *this, m_site.report); }};
+    SiteTargets targets{m_site, m_codeGen, m_exportDefaults, {}};
+    targets.readForm = [this, &targets](CArchive& archive) {
+        const size_t first = m_form->children.size();
+        ReadForm(archive, *m_form, *this, m_site.report);
+        if (!targets.isLocal) return;
+        for (std::string& line : HoldFormCommands(*m_form, first))
+            targets.local.formLines.push_back(std::move(line));
+    };
     ReadSiteFiles(targets);
+    m_localCommands = std::move(targets.local);
+    SettleLocalCommands(rule);
 
     const Settings& settings = m_site.settings;
+    SetReadLimit(ReadLimitOf(settings));
     settings.GetSettingToken("editorcmd", directories.editorCmd);
     settings.GetSettingToken("tavrnbrowser_dir", directories.docBrowserDir);
     settings.GetSettingToken("scriptbrowser_dir", directories.scriptBrowserDir);
@@ -124,6 +137,7 @@ void CTvApp::LoadSiteDefaults() {
     settings.GetSettingToken("ext.shadersource", m_site.extShaderSource);
     settings.GetSettingToken("ext.compiledshader", m_site.extCompiledShader);
     settings.GetSettingToken("ext.renderiface", m_site.extRenderIface);
+    m_site.ReadLimits();
 
     const std::string root = FirstOf(m_site.environment, {"TAVRN_TMPDIR", "TEMP"}, kDefaultTemporaryRoot);
     MakeWorkDirectory(root);
@@ -132,15 +146,11 @@ void CTvApp::LoadSiteDefaults() {
 }
 
 void CTvApp::MakeWorkDirectory(const std::string& temporaryRoot) {
-    MakeDirectory(temporaryRoot);
-    std::string& workDir = m_site.directories.workDir;
-    workDir = JoinPath(temporaryRoot, FormatText("tavrn.%d", static_cast<int>(::getpid())));
+    WorkDirectory::ClearAbandoned(temporaryRoot);
+    const bool isMade = m_workDirectory.Make(temporaryRoot);
+    const std::string& workDir = m_site.directories.workDir = m_workDirectory.Path();
     m_site.commands.SetWorkDir(workDir);
-    const int error = MakeDirectory(workDir);
-    // One that an earlier process of our number left is used; somebody else's is not.
-    m_ownsWorkDir = error == 0 || (error == EEXIST && IsOwnDirectory(workDir));
-    if (m_ownsWorkDir) return;
-    m_site.report.Alert("unable to create work directory %s\n", workDir.c_str());
+    if (!isMade) m_site.report.Alert("unable to create work directory %s\n", workDir.c_str());
 }
 
 void CTvApp::ExportEnvironment(const std::string& temporaryRoot) {
@@ -182,19 +192,14 @@ bool CTvApp::CloseDown(std::chrono::milliseconds grace) {
     return RemoveWorkDirectory();
 }
 
-bool CTvApp::CanRemoveWorkDirectory() const {
-    return !m_ownsWorkDir || CanRemoveTree(m_site.directories.workDir);
-}
-
 bool CTvApp::RemoveWorkDirectory() {
-    const std::string& workDir = m_site.directories.workDir;
-    if (!m_ownsWorkDir) return true;
-    return RemoveTree(workDir,
-                      [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
+    return m_workDirectory.Remove(
+        [this](const std::string& line) { m_site.report.LogLine("%s", line.c_str()); });
 }
 
-void CTvApp::RestoreWorkDirectory() {
-    if (m_ownsWorkDir) MakeDirectory(m_site.directories.workDir);
+std::unique_ptr<SafeCopy> CTvApp::PutAside(const std::string& path, std::string_view text,
+                                           std::string& error) {
+    return MakeSafeCopy(StateDirectory(m_site.environment), path, text, error);
 }
 
 void CTvApp::SetVariable(const std::string& name, const std::string& value, bool updateForm) {

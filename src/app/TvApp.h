@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "app/SiteFileReader.h"
+#include "app/TrustStore.h"
+#include "app/WorkDirectory.h"
 #include "codegen/CodeGen.h"
 #include "document/TvDoc.h"
 #include "forms/FormHost.h"
@@ -33,6 +36,13 @@ class TitleView {
     virtual void ShowTitle(const std::string& title) = 0;
 };
 
+// What becomes of the commands that the site file of the current directory names.
+enum class LocalCommandsRule {
+    kUse,     // the directory was chosen by who started the program
+    kAsk,     // they wait until the user has agreed, which is remembered
+    kRefuse,  // they never count
+};
+
 // One for the process, made by the program before anything else. It has no window and never ends the
 // process: StartUpProblem tells what must end it.
 class CTvApp : public DocumentHost, private FormHost {
@@ -48,7 +58,13 @@ class CTvApp : public DocumentHost, private FormHost {
     // Scans the operators again.
     void ReloadOperators();
     // Reads the site files, makes the work directory and the environment of children, scans the operators.
-    void LoadSiteDefaults();
+    void LoadSiteDefaults(LocalCommandsRule rule = LocalCommandsRule::kUse);
+    // The commands that wait for the user's word: until then nothing runs them. Null for none.
+    const LocalCommands* WaitingCommands() const {
+        return m_localCommands.Any() ? &m_localCommands : nullptr;
+    }
+    // The user's word. Yes is remembered for as long as the file is what it is, No until the program ends.
+    void AnswerForCommands(bool mayRun);
 
     // What must stop the program after its start.
     struct Problem {
@@ -61,12 +77,12 @@ class CTvApp : public DocumentHost, private FormHost {
     // with a log line, if something of it stays.
     bool CloseDown(std::chrono::milliseconds grace);
     // Whether that would leave nothing of the work directory, as far as can be told without doing it.
-    bool CanRemoveWorkDirectory() const;
+    bool CanRemoveWorkDirectory() const { return m_workDirectory.CanRemove(); }
     // Removes the work directory alone, with the same result as CloseDown.
     bool RemoveWorkDirectory();
     // Makes the work directory again where it has been cleared away, as happens to what lies long in a
     // directory of temporary files.
-    void RestoreWorkDirectory();
+    void RestoreWorkDirectory() { m_workDirectory.Restore(); }
 
     // The one document; none while there is no frame.
     void SetDocument(CTvDoc* document) { m_document = document; }
@@ -103,7 +119,14 @@ class CTvApp : public DocumentHost, private FormHost {
     const CExportOptions& ExportDefaults() const override { return m_exportDefaults; }
     bool IsUnsavedOption(const std::string& name) const override { return m_unsavedOptions.contains(name); }
     bool UseLibrary(const std::string& name) override;
+    std::unique_ptr<SafeCopy> PutAside(const std::string& path, std::string_view text,
+                                       std::string& error) override;
     std::string DocumentVersion() const override;
+    bool IsOwnText(std::string_view text) const override;
+    void NoteOwnText(std::string_view text) override;
+
+    // What the user has agreed to.
+    TrustStore& Trust() { return m_trust; }
 
     const CCodeGen& CodeGen() const { return m_codeGen; }
     CRenderOptionsEditor& RenderOptionsForm() { return *m_form; }
@@ -130,6 +153,8 @@ class CTvApp : public DocumentHost, private FormHost {
     void StartEditor(const std::string& path, const std::string& named);
     void MakeWorkDirectory(const std::string& temporaryRoot);
     void ExportEnvironment(const std::string& temporaryRoot);
+    void SettleLocalCommands(LocalCommandsRule rule);
+    void UseLocalCommands();
 
     Site m_site;
     COpRegistry m_registry;
@@ -141,9 +166,11 @@ class CTvApp : public DocumentHost, private FormHost {
     std::unique_ptr<CRenderOptionsEditor> m_form;
     CTvDoc* m_document = nullptr;
     TitleView* m_titleView = nullptr;
+    TrustStore m_trust;
+    LocalCommands m_localCommands;  // not in force
     std::string m_programDir;
     std::string m_version;
-    bool m_ownsWorkDir = false;
+    WorkDirectory m_workDirectory;
 };
 
 }  // namespace tavrin

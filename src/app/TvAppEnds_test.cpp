@@ -149,7 +149,7 @@ TEST_F(TvAppEndsTest, TheEndWaitsForChildrenThatHeedTheirKillFile) {
     const std::string script = directory.Write("child.pl",
                                                "$| = 1; print 'started '; select undef, undef, undef, 0.01 "
                                                "until -e $ENV{TAVRN_KILLFILE}; print 'stopped';");
-    Load().GetSite().commands.RunScriptCommand(script);
+    Load().GetSite().commands.RunScript({script}, "");
     for (int tries = 0; sink.log.empty() && tries < 3000; ++tries)
         queue.RunPending(std::chrono::milliseconds(10));
     EXPECT_TRUE(app->CloseDown(test::kPatience));

@@ -10,19 +10,19 @@
 
 namespace tavrin {
 
-// Reads a whole regular file. On failure `error` holds the platform's message and `text` is empty.
+// Reads a whole regular file, of which no more than ReadLimit bytes may be there. On failure `error` holds
+// the platform's message, or that of the limit, and `text` is empty.
 bool ReadWholeFile(const std::string& path, std::string& text, std::string& error);
+// The same of a file that is open and whose beginning comes next; it stays open.
+bool ReadOpenFile(int file, std::string& text, std::string& error);
 
 // Writes in place, replacing what was there. For work files that can be made again.
 bool WriteWholeFile(const std::string& path, std::string_view text, std::string& error);
 
-// Writes beside `path`, flushes to the disk and renames over it, so that whatever fails the old file is
-// whole. Follows a symbolic link to the file that it names, and keeps that file's permissions.
-// Devices (such as /dev/null) are written in place.
-bool ReplaceFile(const std::string& path, std::string_view text, std::string& error);
-
-// Whether ReplaceFile could write there, as far as can be told without doing it.
-bool CanReplaceFile(const std::string& path, std::string& error);
+// The same for a file of a directory that is this user's own, and below it: `name` may lead through further
+// directories. A directory of somebody else is refused, and links are followed neither there nor from there.
+bool WriteOwnFile(const std::string& directory, const std::string& name, std::string_view text,
+                  std::string& error);
 
 // Creates one directory; 0, or the error number.
 int MakeDirectory(const std::string& path);

@@ -4,12 +4,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <map>
 
+#include "base/ReadLimit.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -53,6 +57,45 @@ TEST(ReadWholeFile, ReadsLargeFilesWhole) {
     std::string error;
     ASSERT_TRUE(ReadWholeFile(directory.Write("large", text), read, error));
     EXPECT_TRUE(read == text);
+}
+
+TEST(ReadWholeFile, AFileBeyondTheLimitIsRefusedAndOneOfThatSizeIsRead) {
+    const TempDir directory;
+    const std::string path = directory.Write("large", std::string(1001, 'x'));
+    std::string read;
+    std::string error;
+    SetReadLimit(1000);
+    EXPECT_FALSE(ReadWholeFile(path, read, error));
+    EXPECT_EQ(error, "larger than the 1000 bytes that are read of a file (setting maxfilesize)");
+    EXPECT_EQ(read, "");
+    SetReadLimit(1001);
+    EXPECT_TRUE(ReadWholeFile(path, read, error));
+    SetReadLimit(3);
+    EXPECT_FALSE(ReadWholeFile("/proc/self/stat", read, error)) << "it does not tell its size";
+    SetReadLimit(kDefaultReadLimit);
+    EXPECT_EQ(TooLarge(), "larger than the 256 MB that are read of a file (setting maxfilesize)");
+}
+
+// A file may be larger than all memory without holding anything.
+TEST(ReadWholeFile, AFileForWhichThereIsNoMemoryIsRefused) {
+    const TempDir directory;
+    const std::string path = directory.Write("huge", "");
+    std::string read;
+    std::string error;
+    if (::truncate(path.c_str(), off_t{1} << 42) != 0) GTEST_SKIP() << "the disk has no files of this size";
+    EXPECT_FALSE(ReadWholeFile(path, read, error));
+    EXPECT_EQ(error, TooLarge());
+#ifndef __SANITIZE_ADDRESS__
+    SetReadLimit(uint64_t{1} << 50);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_AS, &before), 0);
+    const rlimit small{rlim_t{1} << 36, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_AS, &small), 0);
+    EXPECT_FALSE(ReadWholeFile(path, read, error));
+    EXPECT_EQ(error, std::strerror(ENOMEM));
+    ::setrlimit(RLIMIT_AS, &before);
+    SetReadLimit(kDefaultReadLimit);
+#endif
 }
 
 TEST(ReadWholeFile, AMissingFileSaysSoAndEmptiesTheText) {

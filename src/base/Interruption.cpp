@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <ctime>
+#include <system_error>
 
 namespace tavrin {
 
@@ -37,10 +38,16 @@ void Interruption::Block() {
 
 Interruption::Interruption(std::function<void(int)> onSignal) : m_onSignal(std::move(onSignal)) {
     Block();
-    m_thread = std::thread([this] { Wait(); });
+    try {
+        m_thread = std::thread([this] { Wait(); });
+    } catch (const std::system_error&) {
+        const sigset_t set = Signals();
+        ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    }
 }
 
 Interruption::~Interruption() {
+    if (!m_thread.joinable()) return;
     m_ending = true;
     ::pthread_kill(m_thread.native_handle(), kWakeUp);
     m_thread.join();

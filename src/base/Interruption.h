@@ -9,8 +9,9 @@
 namespace tavrin {
 
 // Blocks the signals in the thread that makes it, which must be the first, and waits for them on a thread
-// of its own. On one of them `onSignal` is called there with the way to go on: SIGTERM at once and, as
-// long as the program has not ended, SIGKILL some time later. A second signal skips that time.
+// of its own. Where there is no thread to be had they are not blocked, and end the program as ever. On one of
+// them `onSignal` is called there with the way to go on: SIGTERM at once and, as long as the program has not
+// ended, SIGKILL some time later. A second signal skips that time.
 class Interruption {
   public:
     // Blocks the signals in this thread and those that it starts, for a program that has threads before it

@@ -10,6 +10,7 @@
 
 #include "base/FileDescriptor.h"
 #include "base/Process.h"
+#include "support/NoRoom.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -124,6 +125,22 @@ TEST_F(InterruptionTest, ASignalThatTheStarterWantsIgnoredStaysIgnored) {
     Send(SIGTERM);
     EXPECT_EQ(NextReport(), 'T');
     EXPECT_EQ(End(), SIGTERM);
+}
+
+TEST(Interruption, WithoutAThreadTheSignalEndsTheProgramAsEver) {
+    EXPECT_EQ(test::WhereNothingCanBeStarted([] {
+                  const Interruption interruption([](int) {});
+                  ::raise(SIGTERM);
+                  return 0;
+              }),
+              128 + SIGTERM);
+    EXPECT_EQ(test::WhereNothingCanBeStarted([] {
+                  {
+                      const Interruption interruption([](int) {});
+                  }
+                  return 7;
+              }),
+              7);
 }
 
 }  // namespace

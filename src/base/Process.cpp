@@ -2,14 +2,21 @@
 #include "base/Process.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <thread>
+
+#include "base/FileDescriptor.h"
+#include "base/ProcessTag.h"
 
 namespace tavrin {
 
@@ -17,6 +24,7 @@ namespace {
 
 constexpr int kSignalStatusBase = 128;
 constexpr int kStatusUnknown = 127;
+constexpr std::chrono::milliseconds kLookStep{5};  // where the system cannot tell of an end
 
 // Owns the two attribute objects of posix_spawn.
 class SpawnSetup {
@@ -27,6 +35,7 @@ class SpawnSetup {
         Redirect(request.standardInput, STDIN_FILENO);
         Redirect(request.standardOutput, STDOUT_FILENO);
         Redirect(request.standardError, STDERR_FILENO);
+        Redirect(request.tag, kTagDescriptor);
         sigset_t none;
         sigset_t all;
         sigemptyset(&none);
@@ -150,6 +159,28 @@ void AwaitExit(pid_t child) {
     siginfo_t information{};
     while (::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0 &&
            errno == EINTR) {
+    }
+}
+
+bool HasExited(pid_t child) {
+    siginfo_t information{};
+    const int result = ::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOHANG | WNOWAIT);
+    return result != 0 || information.si_pid == child;
+}
+
+void AwaitAnyExit(const std::vector<pid_t>& children, std::chrono::milliseconds time) {
+    std::vector<FileDescriptor> watched;
+    std::vector<pollfd> waits;
+    bool canWatch = true;
+    for (const pid_t child : children) {
+        watched.emplace_back(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+        waits.push_back({watched.back().Get(), POLLIN, 0});
+        canWatch = canWatch && watched.back();
+    }
+    if (canWatch) {
+        ::poll(waits.data(), waits.size(), static_cast<int>(time.count()));
+    } else if (std::none_of(children.begin(), children.end(), HasExited)) {
+        std::this_thread::sleep_for(std::min(time, kLookStep));
     }
 }
 

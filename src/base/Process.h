@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,7 @@ struct SpawnRequest {
     int standardInput = -1;
     int standardOutput = -1;
     int standardError = -1;
+    int tag = -1;  // what MakeTag gave, for the child to carry
 };
 
 // Starts the program in a process group of its own, so that it does not get our terminal's signals, and
@@ -44,6 +46,12 @@ pid_t Spawn(const SpawnRequest& request, std::string& error);
 
 // Returns when a child has ended, which leaves it to be reaped: its number stays its own until then.
 void AwaitExit(pid_t child);
+
+// Whether that is so.
+bool HasExited(pid_t child);
+
+// Returns when one of the children, of which there is one at least, has ended, or the time is over.
+void AwaitAnyExit(const std::vector<pid_t>& children, std::chrono::milliseconds time);
 
 // Waits for the end of a child. Its exit code, or 128 plus the number of the signal that ended it; 127 if
 // it cannot be waited for.

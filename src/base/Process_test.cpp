@@ -210,6 +210,7 @@ TEST(Spawn, TheChildLeadsAProcessGroupOfItsOwn) {
 
 TEST(Spawn, SignalsThatWeIgnoreOrBlockAreFreeInTheChild) {
     const auto handler = std::signal(SIGINT, SIG_IGN);
+    const auto ofSize = std::signal(SIGXFSZ, SIG_IGN);
     sigset_t blocked;
     sigset_t before;
     sigemptyset(&blocked);
@@ -218,6 +219,7 @@ TEST(Spawn, SignalsThatWeIgnoreOrBlockAreFreeInTheChild) {
     const std::string masks = OutcomeOf({"sed", "-n", "s/^Sig[BI][lg][kn]://p", "/proc/self/status"}).output;
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     std::signal(SIGINT, handler);
+    std::signal(SIGXFSZ, ofSize);
     std::istringstream fields(masks);
     unsigned long long blockedThere = 1;
     unsigned long long ignoredThere = 1;

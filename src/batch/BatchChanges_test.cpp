@@ -19,7 +19,7 @@ class BatchChanges : public test::SmallAppTest {
         MakeApp();
         app->LoadSiteDefaults();
         work = std::make_unique<BatchWork>(
-            *app, queue, [] { return false; }, false);
+            *app, queue, [] { return false; }, BatchRules{});
         listener = work->Document().edits.Observe(
             [this](const Change& change) { heard.push_back(test::TextOf(change)); });
     }

@@ -72,6 +72,7 @@ class BatchInterruptedTest : public testing::Test {
                           "opdesk\n{\n    opbox\n    {\n        filename Link\n        wid 1\n    }\n}\n");
         for (const char* name : {"TEMP", "homeDrive", "homePath"}) m_environment.Unset(name);
         m_environment.Set("HOME", In("home"));
+        m_environment.Unset("XDG_STATE_HOME");
         m_environment.Set("TAVRN_DIR", In("site"));
         m_environment.Set("TAVRN_LIB", "/small");
         m_environment.Set("TAVRN_TMPDIR", In("tmp"));

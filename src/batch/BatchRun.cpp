@@ -10,6 +10,7 @@
 
 #include "app/Version.h"
 #include "base/Files.h"
+#include "base/ReplaceFile.h"
 #include "batch/Describe.h"
 
 namespace tavrin {
@@ -45,10 +46,7 @@ void BatchRun::Save(const std::string& path) {
     AddStep([this, path] { return m_work->Save(path); });
 }
 void BatchRun::Set(const std::string& name, const std::string& value) {
-    AddStep([this, name, value] {
-        m_work->Set(name, value);
-        return true;
-    });
+    AddStep([this, name, value] { return m_work->Set(name, value); });
 }
 void BatchRun::ListOperators() {
     AddStep([this] {
@@ -87,6 +85,7 @@ void BatchRun::Version() {
 
 int BatchRun::Run(const std::vector<std::string>& words) {
     ::signal(SIGPIPE, SIG_IGN);  // a reader that goes away must not leave the work directory behind
+    ::signal(SIGXFSZ, SIG_IGN);  // nor a file that may not grow; the write fails
     m_report.SetSink(&m_sink);
     std::string error;
     const bool parsed = CommandLine(*this).Parse(words, error);
@@ -123,16 +122,18 @@ bool BatchRun::Start() {
         m_failed = true;
         m_sink.EndLine();
         m_report.LogLine("script ended with status %d", exitCode);
+        m_childFailed = true;
     });
     if (m_library && !m_app->SelectLibrary(*m_library)) {
         Fail("--library " + *m_library + ": expected the plain name of a directory of the installation");
         return false;
     }
-    m_app->LoadSiteDefaults();
+    m_app->LoadSiteDefaults(m_localCommands);
     if (const auto problem = m_app->StartUpProblem()) {
         m_report.Alert("%s%s", problem->isFatalError ? "Fatal Error: " : "", problem->text.c_str());
         return false;
     }
+    SetTimeLimit();
     const Directories& directories = m_app->GetSite().directories;
     if (!IsDirectory(directories.libDir)) {
         Fail("there is no library " + directories.libName + " in " + directories.tavrnDir);
@@ -140,8 +141,17 @@ bool BatchRun::Start() {
     }
     if (!SetTargets()) return false;
     m_work = std::make_unique<BatchWork>(
-        *m_app, m_queue, [this] { return m_interruption->Signal() != 0; }, m_force);
+        *m_app, m_queue, [this] { return m_interruption->Signal() != 0; }, m_rules);
     return true;
+}
+
+void BatchRun::SetTimeLimit() {
+    if (!m_timeLimit) return;
+    Site& site = m_app->GetSite();
+    for (ChildLimits* limits : {&site.renderLimits, &site.compileLimits}) {
+        limits->time = *m_timeLimit;
+        limits->timeSetBy = "--time-limit";
+    }
 }
 
 bool BatchRun::SetTargets() {
@@ -172,12 +182,16 @@ void BatchRun::CheckPicture() {
 }
 
 void BatchRun::RunSteps() {
-    if (!m_documentPath.empty() && !m_work->Open(m_documentPath)) return;
+    const bool isOpen = m_documentPath.empty() || m_work->Open(m_documentPath);
+    m_sink.EndStep(!isOpen);
+    if (!isOpen) return;
     for (const auto& step : m_steps) {
         if (m_interruption->Signal() != 0 || m_work->IsClosing()) return;
         m_report.TakePending();
-        if (!step()) m_failed = true;
-        m_sink.EndLine();
+        m_childFailed = false;
+        const bool done = step();
+        m_failed = m_failed || !done;
+        m_sink.EndStep(!done || m_childFailed);
     }
 }
 
@@ -189,17 +203,29 @@ bool BatchRun::DoDescribe(const std::string& operatorName) {
 
 bool BatchRun::DoView(const std::string& kind) {
     const auto text = m_work->View(kind);
-    if (text) Print(*text);
-    return text.has_value();
+    if (!text) return false;
+    // Data for whoever reads it, but not for a terminal, which it could steer.
+    if (::isatty(STDOUT_FILENO) == 1) {
+        PrintCleaned(*text);
+    } else {
+        Print(*text);
+    }
+    return true;
 }
 
 bool BatchRun::DoCheck() {
     bool anyError = false;
     PrintCleaned(m_work->Check(anyError));
+    m_sink.ForgetKept();  // the findings have said it
     return !anyError;
 }
 
-void BatchRun::PrintCleaned(const std::string& text) { Print(TerminalSink(STDOUT_FILENO).Cleaned(text)); }
+void BatchRun::PrintCleaned(const std::string& text) {
+    TerminalSink output(STDOUT_FILENO);
+    std::string cleaned = output.Cleaned(text);
+    cleaned += output.Rest();
+    Print(cleaned);
+}
 
 void BatchRun::Print(const std::string& text) {
     std::string_view left = text;
@@ -228,7 +254,9 @@ void BatchRun::Finish() {
             Fail("unable to copy the work directory to " + *m_keepWork + ": " + error);
         }
     }
-    if (!m_app->CloseDown(std::chrono::milliseconds(0))) m_failed = true;
+    const bool isClosed = m_app->CloseDown(std::chrono::milliseconds(0));
+    m_failed = m_failed || !isClosed;
+    m_sink.EndStep(!isClosed);
 }
 
 int BatchRun::Status() const {

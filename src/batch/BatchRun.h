@@ -37,8 +37,11 @@ class BatchRun : private CommandLineDelegate {
     void KeepWork(const std::string& directory) override { m_keepWork = directory; }
     void Picture(const std::string& path) override { m_picture = path; }
     void Library(const std::string& name) override { m_library = name; }
-    void Force() override { m_force = true; }
+    void Force() override { m_rules.force = true; }
+    void TrustExports() override { m_rules.trustExports = true; }
+    void NoSiteCommands() override { m_localCommands = LocalCommandsRule::kRefuse; }
     void Quiet() override { m_sink.SetQuiet(); }
+    void TimeLimit(std::chrono::seconds time) override { m_timeLimit = time; }
     void SaveShader() override;
     void Render() override;
     void Save(const std::string& path) override;
@@ -61,6 +64,7 @@ class BatchRun : private CommandLineDelegate {
     bool Start();
     // Tells children where pictures and work files are to stay. False if they could not be written there.
     bool SetTargets();
+    void SetTimeLimit();
     void CheckPicture();
     void RunSteps();
     void Finish();
@@ -84,7 +88,9 @@ class BatchRun : private CommandLineDelegate {
     std::string m_pictureBefore;  // the stamp of what was there
     bool m_mayRender = false;     // a step may make a picture
     std::optional<std::string> m_library;
-    bool m_force = false;
+    std::optional<std::chrono::seconds> m_timeLimit;
+    BatchRules m_rules;
+    LocalCommandsRule m_localCommands = LocalCommandsRule::kUse;
     std::optional<std::string> m_printAndEnd;  // the first of --help and --version
     std::vector<std::function<bool()>> m_steps;
 
@@ -92,6 +98,7 @@ class BatchRun : private CommandLineDelegate {
     Report m_report;
     PlainQueue m_queue;
     bool m_failed = false;
+    bool m_childFailed = false;  // in the present step
     std::unique_ptr<CTvApp> m_app;
     std::unique_ptr<BatchWork> m_work;
     // Last, so that its thread ends before what it interrupts.

@@ -31,8 +31,8 @@ class BatchRunTest : public testing::Test {
   protected:
     BatchRunTest() {
         fs::create_directories(m_directory / "tmp");
-        for (const char* name :
-             {"TAVRN_DIR", "TAVRN_LIB", "TEMP", "homeDrive", "homePath", "SOURCE_DATE_EPOCH"}) {
+        for (const char* name : {"TAVRN_DIR", "TAVRN_LIB", "TEMP", "homeDrive", "homePath",
+                                 "SOURCE_DATE_EPOCH", "XDG_STATE_HOME"}) {
             environment.Unset(name);
         }
         environment.Set("HOME", m_directory / "home");
@@ -160,11 +160,13 @@ TEST_F(BatchRunTest, StepsAreDoneInTheirOrder) {
     EXPECT_THAT(Read("after.tvn"), HasSubstr("    setenv MRAY_SIZE \"1,2\"\r\n"));
 }
 
-TEST_F(BatchRunTest, AnOptionThatTheFormDoesNotHaveIsSetWithAWarning) {
+TEST_F(BatchRunTest, AnOptionThatTheFormDoesNotHaveIsAnErrorWithTheNearestName) {
     const Outcome run = Run({"--set", "MARY_SIZE=1,2", "--save", In("new.tvn")});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.log, "WARNING: the library's form has no render option MARY_SIZE\n");
-    EXPECT_THAT(Read("new.tvn"), HasSubstr("    setenv MARY_SIZE \"1,2\"\r\n"));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.log,
+                StartsWith("ALERT: --set MARY_SIZE: the library's form has no such render option; there "
+                           "is MRAY_SIZE"));
+    EXPECT_THAT(Read("new.tvn"), Not(HasSubstr("MARY_SIZE")));
 }
 
 TEST_F(BatchRunTest, TheOperatorsOfTheLibraryAreListed) {

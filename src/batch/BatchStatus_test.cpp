@@ -1,87 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 // What fails in a run of the program, how it is told, and what is left.
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include "base/FileDescriptor.h"
 #include "base/Process.h"
+#include "batch/BatchTest.h"
+#include "support/Terminal.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+using test::kDocument;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr const char* kDocument =
-    "opdesk\n{\n    opbox\n    {\n        filename Link\n        wid 1\n    }\n}\n";
-constexpr const char* kPerl = "#!/usr/bin/perl\n";
-
-// An installation with the library "small": one operator, and scripts that a test may replace.
-class BatchStatusTest : public testing::Test {
-  protected:
-    BatchStatusTest() {
-        for (const char* directory : {"tmp", "site/bin", "site/small/bin"})
-            fs::create_directories(In(directory));
-        fs::copy(test::SourcePath("installation/bin/PerlExec"), In("site/bin"));
-        fs::copy(test::SourcePath("installation/mray/bin/redirect.pl"), In("site/small/bin"));
-        fs::copy(test::SourcePath("installation/mray/bin/spp"), In("site/small/bin"));
-        Write("site/small/menu/0010.Link", "input in { float { 0 0 1 0 %g } }\noutput out { float out }\n");
-        Script("codefilter", "");
-        Script("renderit", "print \"rendered @ARGV\\n\";\n");
-        Write("doc.tvn", kDocument);
-        for (const char* name : {"TEMP", "homeDrive", "homePath"}) environment.Unset(name);
-        environment.Set("HOME", In("home"));
-        environment.Set("TAVRN_DIR", In("site"));
-        environment.Set("TAVRN_LIB", "/small");
-        environment.Set("TAVRN_TMPDIR", In("tmp"));
-        environment.Set("TEST_GONE", In("gone"));
-    }
-
-    std::string In(const std::string& name) const { return m_directory / name; }
-    std::string Write(const std::string& name, const std::string& text) const {
-        return m_directory.Write(name, text);
-    }
-    std::string Read(const std::string& name) const { return test::ReadFile(In(name)); }
-    void Script(const std::string& name, const std::string& text) const {
-        fs::permissions(Write("site/small/bin/" + name, kPerl + text), fs::perms::owner_all);
-    }
-
-    // Runs the program with its streams redirected by a shell; its status.
-    int Run(const std::vector<std::string>& words, const std::string& redirections = {}) {
-        return RunShell("exec \"$0\" \"$@\" " + redirections, words);
-    }
-    // Runs a command of the shell, to which "$0" "$@" are the program and its words; its status.
-    int RunShell(const std::string& command, const std::vector<std::string>& words) {
-        std::vector<std::string> all = {"/bin/sh", "-c", command, test::BuildPath("bin/tavrin-batch")};
-        all.insert(all.end(), words.begin(), words.end());
-        const auto open = [this](const char* name) {
-            return FileDescriptor(::open(In(name).c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-        };
-        const FileDescriptor output = open("data");
-        const FileDescriptor errors = open("log");
-        std::string error;
-        const pid_t process = Spawn({all, environment.ToList(), -1, output.Get(), errors.Get()}, error);
-        EXPECT_GE(process, 0) << error;
-        const int status = WaitForEnd(process);
-        data = Read("data");
-        log = Read("log");
-        return status;
-    }
-    bool NothingIsLeft() const { return fs::is_empty(In("tmp")); }
-
-    Environment environment = Environment::FromProcess();
-    std::string data;  // standard output of the last run
-    std::string log;   // its standard error
-
-  private:
-    test::TempDir m_directory;
-};
+class BatchStatusTest : public test::BatchTest {};
 
 TEST_F(BatchStatusTest, AMissingDocumentStopsBeforeTheFirstStep) {
     EXPECT_EQ(Run({In("missing.tvn"), "--save", In("new.tvn"), "--list-operators"}), 1);
@@ -98,6 +36,75 @@ TEST_F(BatchStatusTest, EveryAlertIsPrintedAsItIsRaised) {
     EXPECT_EQ(Run({"--describe", "One", "--render", "--describe", "Two"}), 1);
     EXPECT_EQ(log,
               "ALERT: One: unknown operator name\nALERT: desk is empty\nALERT: Two: unknown operator name\n");
+}
+
+TEST_F(BatchStatusTest, AFileThatSomebodyElseHasChangedMeanwhileIsNotReplacedUnlessForced) {
+    const std::string document = Write("doc.tvn", kDocument);
+    environment.Set("TEST_DOCUMENT", document);
+    Script("renderit", "open my $f, '>', $ENV{TEST_DOCUMENT} or die; print $f \"newer\\n\"; close $f;\n");
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--quiet"}), 1);
+    EXPECT_EQ(log, "ALERT: " + document +
+                       " has changed since it was last read or saved; save under another name, or use "
+                       "--force\n");
+    EXPECT_EQ(Read("doc.tvn"), "newer\n");
+    Write("doc.tvn", kDocument);
+    EXPECT_EQ(Run({document, "--render", "--save", In("copy.tvn"), "--save", In("copy.tvn")}), 0) << log;
+    EXPECT_EQ(Read("doc.tvn"), "newer\n");
+    Write("doc.tvn", kDocument);
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--force"}), 0) << log;
+    EXPECT_THAT(Read("doc.tvn"), HasSubstr("filename Link"));
+}
+
+TEST_F(BatchStatusTest, AFileThatSomebodyElseHasRemovedMeanwhileIsNotMadeAgainUnlessForced) {
+    const std::string document = Write("doc.tvn", kDocument);
+    environment.Set("TEST_DOCUMENT", document);
+    Script("renderit", "unlink $ENV{TEST_DOCUMENT} or die;\n");
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--quiet"}), 1);
+    EXPECT_EQ(log, "ALERT: " + document +
+                       " is gone, which was there when it was last read or saved; save under another name, "
+                       "or use --force\n");
+    EXPECT_FALSE(fs::exists(document));
+    Write("doc.tvn", kDocument);
+    EXPECT_EQ(Run({document, "--render", "--save", document, "--force"}), 0) << log;
+    EXPECT_THAT(Read("doc.tvn"), HasSubstr("filename Link"));
+}
+
+TEST_F(BatchStatusTest, AnExportOverTheOwnFileDoesNotReplaceWhatSomebodyElseWroteThereUnlessForced) {
+    const std::string document =
+        Write("doc.tvn", std::string(kDocument) + "exportoptions\n{\n    tavrndir 1 " + In("") + "\n}\n");
+    const std::string text = Read("doc.tvn");
+    environment.Set("TEST_DOCUMENT", document);
+    Script("renderit", "open my $f, '>', $ENV{TEST_DOCUMENT} or die; print $f \"newer\\n\"; close $f;\n");
+    Script("exportall", "");
+    EXPECT_EQ(Run({document, "--render", "--export-all", "--trust-exports", "--quiet"}), 1);
+    EXPECT_THAT(log, HasSubstr("has changed since it was last read or saved; export to another directory"));
+    EXPECT_EQ(Read("doc.tvn"), "newer\n");
+    Write("doc.tvn", text);
+    EXPECT_EQ(Run({document, "--render", "--export-all", "--trust-exports", "--force"}), 0) << log;
+    EXPECT_THAT(Read("doc.tvn"), HasSubstr("filename Link"));
+}
+
+TEST_F(BatchStatusTest, WhatKilledSavesHaveLeftGoesWhenTheDocumentIsOpenedOrSaved) {
+    const std::string document = Write("docs/doc.tvn", kDocument);
+    Write("docs/.tavrin-save-abcdefgh", "half");
+    EXPECT_EQ(Run({document}), 0) << log;
+    EXPECT_FALSE(fs::exists(In("docs/.tavrin-save-abcdefgh")));
+    Write("other/.tavrin-save-abcdefgh", "half");
+    EXPECT_EQ(Run({document, "--save", In("other/doc.tvn")}), 0) << log;
+    EXPECT_FALSE(fs::exists(In("other/.tavrin-save-abcdefgh")));
+}
+
+TEST_F(BatchStatusTest, ADocumentWithTwoNamesKeepsThemWhenItIsSavedAndNoCopyIsLeft) {
+    const std::string document = Write("doc.tvn", kDocument);
+    fs::create_hard_link(document, In("other.tvn"));
+    EXPECT_EQ(Run({document, "--save", document}), 0) << log;
+    EXPECT_TRUE(fs::equivalent(document, In("other.tvn")));
+    EXPECT_THAT(Read("other.tvn"), StartsWith("# Tavrn file written at"));
+    EXPECT_TRUE(fs::is_empty(In("home/.local/state/tavrin/recovery")));
+    environment.Unset("HOME");
+    environment.Unset("XDG_STATE_HOME");
+    EXPECT_EQ(Run({document, "--save", document}), 1);
+    EXPECT_THAT(log, AllOf(HasSubstr("unable to save " + document), HasSubstr("no home directory")));
 }
 
 TEST_F(BatchStatusTest, ADocumentThatWasCutShortIsNotSavedOverItselfUnlessForced) {
@@ -141,18 +148,18 @@ TEST_F(BatchStatusTest, ADocumentThatWasCutShortIsNotExportedOverItselfUnlessFor
     const std::string refused = "ALERT: " + document +
                                 " was not read to its end, and exporting would lose the rest; export to "
                                 "another directory, or use --force\n";
-    EXPECT_EQ(Run({document, "--export-all"}), 1);
+    EXPECT_EQ(Run({document, "--trust-exports", "--export-all"}), 1);
     EXPECT_THAT(log, testing::EndsWith(refused));
     EXPECT_EQ(Read("cut.tvn"), cut);
     // Nor by a script, nor once it has been saved elsewhere under its name.
-    EXPECT_EQ(Run({document, "--script", Write("export.tvx", "form export all\n")}), 1);
+    EXPECT_EQ(Run({document, "--trust-exports", "--script", Write("export.tvx", "form export all\n")}), 1);
     EXPECT_THAT(log, testing::EndsWith(refused));
     EXPECT_EQ(Read("cut.tvn"), cut);
-    EXPECT_EQ(Run({document, "--save", In("tmp/cut.tvn"), "--export-all"}), 1);
+    EXPECT_EQ(Run({document, "--save", In("tmp/cut.tvn"), "--trust-exports", "--export-all"}), 1);
     EXPECT_THAT(log, testing::EndsWith(refused));
     EXPECT_EQ(Read("cut.tvn"), cut);
     fs::remove(In("tmp/cut.tvn"));
-    EXPECT_EQ(Run({document, "--export-all", "--force"}), 1);
+    EXPECT_EQ(Run({document, "--export-all", "--force", "--trust-exports"}), 1);
     EXPECT_THAT(log, testing::EndsWith("exported\n"));
     EXPECT_THAT(Read("cut.tvn"), AllOf(HasSubstr("filename Link"), testing::Not(HasSubstr("nonsense"))));
 }
@@ -215,7 +222,84 @@ TEST_F(BatchStatusTest, ARenderThatFailsIsToldInTheLog) {
     Script("renderit", "print \"half \"; exit 4;\n");
     EXPECT_EQ(Run({In("doc.tvn"), "--render"}), 1);
     EXPECT_EQ(log, "half \nscript ended with status 4\n");
-    EXPECT_EQ(Run({In("doc.tvn"), "--render", "--quiet"}), 1);
+}
+
+TEST_F(BatchStatusTest, AQuietRunSaysWhyItHasFailed) {
+    Script("renderit", "print \"half\\n\"; print STDERR \"no lamp\\n\"; exit 4;\n");
+    EXPECT_EQ(Run({In("doc.tvn"), "--save-shader", "--quiet", "--render"}), 1);
+    EXPECT_THAT(log, AllOf(HasSubstr("no lamp\n"), testing::EndsWith("script ended with status 4\n")));
+    Script("codefilter", "print STDERR \"no such type\\n\"; exit 3;\n");
+    EXPECT_EQ(Run({In("doc.tvn"), "--quiet", "--save-shader"}), 1);
+    EXPECT_EQ(log, "no such type\nsave shader command returned 3\n");
+    Script("codefilter", "print STDERR \"a remark\\n\";\n");
+    Script("exportall", "print STDERR \"no disk\\n\"; exit 5;\n");
+    EXPECT_EQ(Run({In("doc.tvn"), "--quiet", "--save-shader", "--export", "shaderSource=" + In("x")}), 1);
+    EXPECT_EQ(log, "a remark\nno disk\nscript ended with status 5\n");
+    Script("guiprefilter", "print STDERR \"no form\\n\"; exit 6;\n");
+    EXPECT_EQ(Run({In("doc.tvn"), "--quiet", "--view", "shaderiface"}), 1);
+    EXPECT_THAT(log, AllOf(HasSubstr("ALERT: "), HasSubstr("\na remark\nno form\n")));
+    EXPECT_EQ(Run({"--quiet", "--script", Write("odd.tvx", "form sing\n")}), 1);
+    EXPECT_EQ(log, "unknown action: form sing \n");
+    Script("spp", "print STDERR \"no include\\n\"; exit 7;\n");
+    EXPECT_EQ(Run({In("doc.tvn"), "--quiet", "--list-operators"}), 1);
+    EXPECT_THAT(log, AllOf(StartsWith("ALERT: "), HasSubstr("\nno include\n")));
+    EXPECT_THAT(data, StartsWith("Link\t"));
+}
+
+TEST_F(BatchStatusTest, AQuietRunThatSucceedsSaysNothing) {
+    Script("codefilter", "print STDERR \"a remark\\n\";\n");
+    EXPECT_EQ(Run({In("doc.tvn"), "--quiet", "--render", "--check"}), 0);
+    EXPECT_EQ(log, "");
+}
+
+TEST_F(BatchStatusTest, AViewShowsOnATerminalWhatWouldSteerIt) {
+    Script("guiprefilter", "open my $out, '>', $ARGV[1]; print $out \"a\\e[2J\\r\\xe2\\x80\\xaeb\\n\";\n");
+    test::Terminal terminal;
+    std::string error;
+    const pid_t process =
+        Spawn({{test::BuildPath("bin/tavrin-batch"), In("doc.tvn"), "--view", "shaderiface"},
+               environment.ToList(),
+               -1,
+               terminal.Side(),
+               terminal.Side()},
+              error);
+    ASSERT_GE(process, 0) << error;
+    EXPECT_EQ(WaitForEnd(process), 0);
+    EXPECT_EQ(terminal.Seen(), "a\\x1b[2J\\r\\u{202e}b\n");
+    EXPECT_EQ(Run({In("doc.tvn"), "--view", "shaderiface"}), 0);
+    EXPECT_EQ(data,
+              "a\x1b[2J\r\xe2\x80\xae"
+              "b\n")
+        << "data for another program is as it is";
+}
+
+TEST_F(BatchStatusTest, AnOptionThatNoFormKnowsIsAnErrorThatNamesTheNearest) {
+    Write("site/small/tavrn.def",
+          "roe {\nxfield {\nenvname SIZE_X\nvalue 4\n}\nxfield {\nenvname SIZE_Y\nvalue 4\n}\n}\n");
+    EXPECT_EQ(Run({"--set", "SIZE=1", "--set", "SIZE_X=2", "--save", In("new.tvn")}), 1);
+    EXPECT_EQ(log,
+              "ALERT: --set SIZE: the library's form has no such render option; there is SIZE_X or SIZE_Y\n");
+    EXPECT_THAT(Read("new.tvn"), AllOf(HasSubstr("setenv SIZE_X \"2\""), testing::Not(HasSubstr("SIZE \""))));
+    EXPECT_EQ(Run({"--set", "COLOUR=1"}), 1);
+    EXPECT_EQ(log, "ALERT: --set COLOUR: the library's form has no such render option\n");
+}
+
+TEST_F(BatchStatusTest, AFileBeyondTheSitesLimitIsRefused) {
+    Write("site/small/tavrn.def", "maxfilesize 0.001\n");
+    const std::string large = Write("large.tvn", kDocument + std::string(2000, ' '));
+    const std::string limit = "larger than the 1048 bytes that are read of a file (setting maxfilesize)";
+    EXPECT_EQ(Run({large, "--list-operators"}), 1);
+    EXPECT_EQ(log, "ALERT: unable to open " + large + " for reading: " + limit + "\n");
+    EXPECT_EQ(Run({"--merge", large}), 1);
+    EXPECT_THAT(log, HasSubstr("ALERT: unable to open " + large + " for reading: " + limit + "\n"));
+    EXPECT_EQ(Run({"--script", large}), 1);
+    EXPECT_EQ(log, "ALERT: " + large + ": " + limit + "\n");
+    Write("site/small/menu/0020.Large", "# " + std::string(2000, 'x') + "\noutput out { float out }\n");
+    EXPECT_EQ(Run({"--add", "Large"}), 1);
+    EXPECT_THAT(log, HasSubstr("0020.Large for reading: " + limit + "\n"));
+    EXPECT_EQ(Run({Write("uses.tvn", "opdesk { opbox { filename Large wid 1 } }\n")}), 1);
+    EXPECT_THAT(log, HasSubstr(limit));
+    EXPECT_EQ(Run({In("doc.tvn")}), 0);
     EXPECT_EQ(log, "");
 }
 

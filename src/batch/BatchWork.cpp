@@ -12,6 +12,8 @@
 #include "library/SavedNetwork.h"
 #include "render/NetworkCheck.h"
 #include "text/Archive.h"
+#include "text/NearestNames.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -19,6 +21,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kQueueWait{50};  // between looks at whether a process is left
 constexpr float kGapBesideTheRest = 200;             // desk units between networks
+constexpr const char* kSaveElsewhere = "save under another name";
+constexpr const char* kExportElsewhere = "export to another directory";
 
 ExportKind KindOf(const std::string& word) {
     if (word == export_words::kShaderSource) return ExportKind::kShaderSource;
@@ -29,15 +33,19 @@ ExportKind KindOf(const std::string& word) {
 
 }  // namespace
 
-BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, bool force)
+BatchWork::BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted,
+                     const BatchRules& rules)
     : m_app(app),
       m_queue(queue),
       m_isInterrupted(std::move(isInterrupted)),
       m_work(app, DocumentCommands::Announce::kNo),
       m_actions(*this, app.GetSite().commands, app.GetSite().report),
-      m_force(force) {
-    m_work.exporter.AskBeforeLoss([this](const std::string& path) {
-        return MayLoseUnread(path, "exporting", "export to another directory");
+      m_rules(rules) {
+    m_work.exporter.AskBeforeForeign([this](const ExportPlan& plan) { return MayFollow(plan); });
+    m_work.exporter.AskBeforeLoss(
+        [this](const std::string& path) { return MayLoseUnread(path, "exporting", kExportElsewhere); });
+    m_work.exporter.AskBeforeReplacing([this](const std::string& path, DocumentFile::Now now) {
+        return MayReplace(path, now, kExportElsewhere);
     });
 }
 
@@ -62,7 +70,7 @@ bool BatchWork::Render() {
 }
 
 bool BatchWork::ExportAll() {
-    const bool started = m_work.exporter.Export(m_work.document.exportOptions);
+    const bool started = m_work.exporter.ExportAll();
     WaitForProcesses();
     return started;
 }
@@ -79,22 +87,48 @@ void BatchWork::WaitForProcesses() {
     m_queue.RunPending();
 }
 
+bool BatchWork::MayFollow(const ExportPlan& plan) {
+    if (m_rules.trustExports || m_app.Trust().Holds(TrustStore::Kind::kExports, plan.digest)) return true;
+    std::string wishes;
+    for (const std::string& line : plan.lines) wishes += (wishes.empty() ? "" : "; ") + line;
+    return Fail(m_work.document.Path() + " was not saved by you on this machine, and asks to " + wishes +
+                "; use --trust-exports if that may be done");
+}
+
 bool BatchWork::MayLoseUnread(const std::string& path, const char* writing, const char* wayOut) {
-    return m_force || Fail(path + " was not read to its end, and " + writing + " would lose the rest; " +
-                           wayOut + ", or use --force");
+    return m_rules.force || Fail(path + " was not read to its end, and " + writing +
+                                 " would lose the rest; " + wayOut + ", or use --force");
+}
+
+bool BatchWork::MayReplace(const std::string& path, DocumentFile::Now now, const char* wayOut) {
+    if (m_rules.force || now == DocumentFile::Now::kAsKnown) return true;
+    const bool isGone = now == DocumentFile::Now::kGone;
+    return Fail(path +
+                (isGone ? " is gone, which was there when it was last read or saved; "
+                        : " has changed since it was last read or saved; ") +
+                wayOut + ", or use --force");
 }
 
 bool BatchWork::Save(const std::string& path) {
-    if (m_work.document.WouldLoseUnread(path) && !MayLoseUnread(path, "saving", "save under another name"))
+    if (m_work.document.WouldLoseUnread(path)) {
+        if (!MayLoseUnread(path, "saving", kSaveElsewhere)) return false;
+    } else if (!MayReplace(path, m_work.document.LookAt(path), kSaveElsewhere)) {
         return false;
+    }
     return m_work.commands.Save(path);
 }
 
-void BatchWork::Set(const std::string& name, const std::string& value) {
-    if (!m_work.document.m_renderOptions.contains(name)) {
-        GetSite().report.LogLine("WARNING: the library's form has no render option %s", name.c_str());
+bool BatchWork::Set(const std::string& name, const std::string& value) {
+    const auto& options = m_work.document.m_renderOptions;
+    if (!options.contains(name)) {
+        std::vector<std::string> known;
+        for (const auto& option : options) known.push_back(option.first);
+        const std::string nearest = JoinNames(NearestNames(name, known));
+        return Fail("--set " + name + ": the library's form has no such render option" +
+                    (nearest.empty() ? "" : "; there is " + nearest));
     }
     m_app.SetVariable(name, value, true);
+    return true;
 }
 
 bool BatchWork::RunScript(const std::string& path) {
@@ -171,7 +205,10 @@ std::string BatchWork::Check(bool& anyError) {
     }
     const std::vector<Finding> network = CheckNetwork(m_work.document, GetSite().report);
     findings.insert(findings.end(), network.begin(), network.end());
-    m_work.session.Generate();
+    WithinMemory(GetSite().report, "generating the shader " + m_work.session.ShaderName(), [this] {
+        m_work.session.Generate();
+        return true;
+    });
     std::string text;
     for (const Finding& finding : findings) {
         text += finding.Text() + "\n";
@@ -182,9 +219,7 @@ std::string BatchWork::Check(bool& anyError) {
 
 void BatchWork::Command(CommandId command) {
     // Where a window would ask for the path of a single export, the one that it would offer is taken.
-    const auto exportOne = [this](ExportKind kind) {
-        return m_work.exporter.Export(ShaderExport::OnlyThis(kind, m_work.exporter.DocumentPath(kind)));
-    };
+    const auto exportOne = [this](ExportKind kind) { return m_work.exporter.ExportAsDocumentSays(kind); };
     bool done = true;
     switch (command) {
         case CommandId::kRenderIt:
@@ -194,7 +229,7 @@ void BatchWork::Command(CommandId command) {
             m_work.session.StopRender();
             break;
         case CommandId::kExportAll:
-            done = m_work.exporter.Export(m_work.document.exportOptions);
+            done = m_work.exporter.ExportAll();
             break;
         case CommandId::kExportCompiledShader:
             done = exportOne(ExportKind::kCompiledShader);

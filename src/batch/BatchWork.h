@@ -12,13 +12,20 @@
 
 namespace tavrin {
 
+// What the command line lets the work do. A plain value.
+struct BatchRules {
+    bool force = false;         // files that were not read to their end may be replaced
+    bool trustExports = false;  // what a document wants exported and run is done, whoever has written it
+};
+
 // The document with everything round it that a window program has in its frame. Made by the run after the
 // application has started. Every operation reports before it returns false.
 class BatchWork : private ActionTarget {
   public:
     // `isInterrupted` tells whether the program is being stopped: waiting ends then. Unless it is forced, the
-    // file that was not read to its end is not replaced, neither by a save nor by an export.
-    BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, bool force);
+    // file that was not read to its end is not replaced, neither by a save nor by an export, nor is the
+    // document's own file once somebody else has changed or removed it.
+    BatchWork(CTvApp& app, PlainQueue& queue, std::function<bool()> isInterrupted, const BatchRules& rules);
 
     // False if the file cannot be opened. A file that cannot be read to its end is alerted, and the work
     // goes on with what it gave.
@@ -31,7 +38,8 @@ class BatchWork : private ActionTarget {
     bool Export(const std::string& kind, const std::string& path);
 
     bool Save(const std::string& path);
-    void Set(const std::string& name, const std::string& value);
+    // False, alerted with the names that come nearest, for an option that no form knows.
+    bool Set(const std::string& name, const std::string& value);
     bool RunScript(const std::string& path);
     bool Merge(const std::string& path);
     bool Add(const std::string& operatorName);
@@ -61,7 +69,9 @@ class BatchWork : private ActionTarget {
 
     Site& GetSite() { return m_app.GetSite(); }
     bool Fail(const std::string& message);
+    bool MayFollow(const ExportPlan& plan);
     bool MayLoseUnread(const std::string& path, const char* writing, const char* wayOut);
+    bool MayReplace(const std::string& path, DocumentFile::Now now, const char* wayOut);
     void WaitForProcesses();
     // Drops what was added or merged, to the right of what stands on the desk.
     bool DropBesideTheRest();
@@ -72,7 +82,7 @@ class BatchWork : private ActionTarget {
     Workspace m_work;
     Actions m_actions;
     std::string m_openedPath;
-    bool m_force;
+    BatchRules m_rules;
     bool m_closing = false;
     bool m_commandFailed = false;  // one that the present script sent
 };

@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#include "text/Numbers.h"
+
 namespace tavrin {
 
 namespace {
@@ -25,6 +27,7 @@ constexpr std::array<std::string_view, 3> kViewWords = {view_words::kSource, vie
                                                         view_words::kShaderIface};
 constexpr std::string_view kAssignment = "NAME=VALUE";
 constexpr std::string_view kExportTarget = "KIND=PATH";
+constexpr std::string_view kSeconds = "SECONDS";
 
 // Splits an operand at its first '=' and hands both parts on.
 template <void (CommandLineDelegate::*Act)(const std::string&, const std::string&)>
@@ -39,6 +42,11 @@ void ActOn(CommandLineDelegate& delegate, const std::string& operand) {
 template <void (CommandLineDelegate::*Act)()>
 void ActAlone(CommandLineDelegate& delegate, const std::string&) {
     (delegate.*Act)();
+}
+
+// An operand that FaultOf has passed.
+void ActOnTimeLimit(CommandLineDelegate& delegate, const std::string& operand) {
+    delegate.TimeLimit(std::chrono::seconds(FieldScanner(operand).Int().value_or(0)));
 }
 
 using Delegate = CommandLineDelegate;
@@ -85,10 +93,25 @@ const std::array kSettings = {
            ActOn<&Delegate::Picture>},
     Option{"--library", "NAME", "Start with this library of the installation.", ActOn<&Delegate::Library>},
     Option{"--force", "",
-           "Let --save and --export-all replace a document that could not\nbe read to its end.",
+           "Let --save and --export-all replace a document that could not\nbe read to its end, or that has "
+           "changed or gone since it was read.",
            ActAlone<&Delegate::Force>},
-    Option{"--quiet", "", "Do not print the log; alerts are printed all the same.",
-           ActAlone<&Delegate::Quiet>},
+    Option{"--trust-exports", "",
+           "Let --export-all and scripts write and run what a document\nasks for that you have not saved "
+           "here.",
+           ActAlone<&Delegate::TrustExports>},
+    Option{"--no-site-commands", "",
+           "Use no command that tavrn.def of the current directory\nnames; its other settings count.",
+           ActAlone<&Delegate::NoSiteCommands>},
+    Option{
+        "--quiet", "",
+        "Do not print the log; alerts are printed all the same, and\nwhat the log has to say of a failure.",
+        ActAlone<&Delegate::Quiet>},
+    Option{
+        "--time-limit", kSeconds,
+        "Stop a render, or the script that makes the shader, that takes\nlonger; 0 is no limit. Without this "
+        "the library's site\ndefinitions say so.",
+        ActOnTimeLimit},
     Option{"--help", "", "Print this and end.", ActAlone<&Delegate::Help>},
     Option{"--version", "", "Print the version and end.", ActAlone<&Delegate::Version>},
 };
@@ -111,6 +134,9 @@ std::string FaultOf(const Option& option, const std::string& operand) {
     if (isPair && (equals == 0 || equals == std::string::npos)) {
         return name + " " + operand + ": expected " + std::string(option.operand);
     }
+    const bool isNumber = operand.size() < 10 && operand.find_first_not_of("0123456789") == std::string::npos;
+    if (option.operand == kSeconds && !isNumber)
+        return name + " " + operand + ": expected a number of seconds";
     const std::string word = isPair ? operand.substr(0, equals) : operand;
     if (option.words.empty()) return {};
     if (option.operand == kExportTarget && equals + 1 == operand.size())
@@ -236,7 +262,8 @@ std::string CommandLine::HelpText() {
            "\n"
            "Files:\n"
            "  tavrn.def in the library, in the home directory and in the current directory are\n"
-           "  the site definitions, each overriding the one before.\n"
+           "  the site definitions, each overriding the one before. The last is read only where\n"
+           "  nobody but you and root can write it and its directory.\n"
            "\n"
            "Status: 0 if all was done; 1 if something failed (an alert, a finding that is an\n"
            "error, an unknown action, a script that ended with an error); 2 if the command\n"

@@ -2,6 +2,7 @@
 // The command line of tavrin-batch.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,10 @@ class CommandLineDelegate {
     virtual void Picture(const std::string& path) = 0;
     virtual void Library(const std::string& name) = 0;
     virtual void Force() = 0;
+    virtual void TrustExports() = 0;
+    virtual void NoSiteCommands() = 0;
     virtual void Quiet() = 0;
+    virtual void TimeLimit(std::chrono::seconds time) = 0;
 
     // Steps on the document, done in their order.
     virtual void SaveShader() = 0;

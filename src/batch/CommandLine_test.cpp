@@ -19,7 +19,12 @@ class NotingDelegate : public CommandLineDelegate {
     void Picture(const std::string& path) override { calls.push_back("picture " + path); }
     void Library(const std::string& name) override { calls.push_back("library " + name); }
     void Force() override { calls.emplace_back("force"); }
+    void TrustExports() override { calls.emplace_back("trust-exports"); }
+    void NoSiteCommands() override { calls.emplace_back("no-site-commands"); }
     void Quiet() override { calls.emplace_back("quiet"); }
+    void TimeLimit(std::chrono::seconds time) override {
+        calls.push_back("time-limit " + std::to_string(time.count()));
+    }
     void SaveShader() override { calls.emplace_back("save-shader"); }
     void Render() override { calls.emplace_back("render"); }
     void Save(const std::string& path) override { calls.push_back("save " + path); }
@@ -76,6 +81,12 @@ TEST_F(CommandLineTest, EveryOptionReachesTheDelegateInItsPlace) {
     EXPECT_EQ(error, "");
 }
 
+TEST_F(CommandLineTest, WhatIsTrustedReachesTheDelegateToo) {
+    EXPECT_THAT(Parse({"--trust-exports", "--no-site-commands"}),
+                ElementsAre("trust-exports", "no-site-commands"));
+    EXPECT_EQ(ErrorOf({"--trust-exports=1"}), "--trust-exports takes no value; see tavrin-batch --help");
+}
+
 TEST_F(CommandLineTest, AnOptionMayCarryItsValueBehindAnEqualsSign) {
     EXPECT_THAT(Parse({"--save=b=c.tvn", "--keep-work=w", "--picture=p.png", "--library=glass",
                        "--describe=Noise", "--set=A=1"}),
@@ -109,6 +120,17 @@ TEST_F(CommandLineTest, AMissingValueIsNamed) {
 TEST_F(CommandLineTest, AValueBehindAnOptionThatTakesNoneIsAnError) {
     EXPECT_EQ(ErrorOf({"--render=now"}), "--render takes no value; see tavrin-batch --help");
     EXPECT_EQ(ErrorOf({"--quiet="}), "--quiet takes no value; see tavrin-batch --help");
+}
+
+TEST_F(CommandLineTest, ALimitOfTimeIsANumberOfSeconds) {
+    EXPECT_THAT(Parse({"--time-limit", "90", "--time-limit=0"}),
+                ElementsAre("time-limit 90", "time-limit 0"));
+    for (const char* word : {"-1", "1.5", "soon", "9999999999"}) {
+        EXPECT_EQ(
+            ErrorOf({"--time-limit", word}),
+            "--time-limit " + std::string(word) + ": expected a number of seconds; see tavrin-batch --help");
+    }
+    EXPECT_EQ(ErrorOf({"--time-limit"}), "--time-limit needs SECONDS behind it; see tavrin-batch --help");
 }
 
 TEST_F(CommandLineTest, AnUnknownOptionIsAnErrorAndWhatFollowsIsNotHeard) {
@@ -148,7 +170,7 @@ TEST_F(CommandLineTest, TheHelpTellsOfEveryOptionAndOfTheStatus) {
     for (const char* option :
          {"--save-shader ", "--render ", "--save FILE.tvn ", "--set NAME=VALUE ", "--list-operators ",
           "--describe OPERATOR ", "--keep-work DIR ", "--picture FILE ", "--library NAME ", "--force ",
-          "--quiet ", "--help ", "--version "}) {
+          "--quiet ", "--time-limit SECONDS", "--help ", "--version "}) {
         EXPECT_THAT(help, HasSubstr(std::string("\n  ") + option));
     }
     for (const char* variable : {"TAVRN_DIR", "TAVRN_LIB", "TAVRN_TMPDIR", "SOURCE_DATE_EPOCH"}) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Warden.h"
 #include "batch/BatchRun.h"
 
 namespace {
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
     FillMissingStreams();
     std::error_code unknown;
     const std::string program = std::filesystem::read_symlink("/proc/self/exe", unknown).string();
+    const tavrin::Warden warden;
     const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
     return tavrin::BatchRun(unknown ? argv[0] : program).Run(words);
 }

@@ -7,8 +7,12 @@
 
 namespace tavrin {
 
+TerminalSink::TerminalSink(int descriptor)
+    : m_descriptor(descriptor), m_isTerminal(::isatty(descriptor) == 1) {}
+
 void TerminalSink::OnAlert(const std::string& text, const std::string&) {
     m_anyAlert = true;
+    m_anyAlertInStep = true;
     if (m_silent) return;
     EndLine();
     std::string line = "ALERT: " + text;
@@ -17,16 +21,50 @@ void TerminalSink::OnAlert(const std::string& text, const std::string&) {
 }
 
 void TerminalSink::OnLog(std::string_view text) {
-    if (m_quiet || m_silent) return;
+    if (m_silent) return;
+    if (m_quiet) return Keep(text);
     Print(Cleaned(text));
 }
 
 void TerminalSink::EndLine() {
     m_pendingReturn = false;
-    if (!m_atLineStart) Print("\n");
+    Print(m_visible.End());
+    if (!m_atLineStart) Print(Cleaned("\n"));
+}
+
+// What comes last says more of a failure than what came first.
+void TerminalSink::Keep(std::string_view text) {
+    m_kept.append(text);
+    if (m_kept.size() <= 2 * kMostKept) return;
+    size_t excess = m_kept.size() - kMostKept;
+    if (const size_t lineEnd = m_kept.find('\n', excess); lineEnd != std::string::npos) excess = lineEnd + 1;
+    m_kept.erase(0, excess);
+    m_dropped += excess;
+}
+
+void TerminalSink::ShowKept() {
+    const std::string text = std::move(m_kept);
+    const size_t dropped = m_dropped;
+    ForgetKept();
+    if (m_silent) return;
+    if (dropped > 0) Print("(" + std::to_string(dropped) + " bytes of the log before this are left out)\n");
+    Print(Cleaned(text));
+}
+
+void TerminalSink::ForgetKept() {
+    m_kept.clear();
+    m_dropped = 0;
+}
+
+void TerminalSink::EndStep(bool hasFailed) {
+    if (hasFailed || m_anyAlertInStep) ShowKept();
+    ForgetKept();
+    m_anyAlertInStep = false;
+    EndLine();
 }
 
 std::string TerminalSink::Cleaned(std::string_view text) {
+    if (m_isTerminal) return m_visible.Add(text);
     std::string result;
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);

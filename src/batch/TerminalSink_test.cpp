@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "base/FileDescriptor.h"
+#include "support/Terminal.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -134,6 +135,57 @@ TEST_F(TerminalSinkTest, TheEndLeavesTheCursorAtTheStartOfALine) {
     sink->OnLog("open");
     sink.reset();
     EXPECT_EQ(Printed(), "open\n");
+}
+
+TEST(TerminalSinkOnATerminal, WhatWouldSteerItIsShown) {
+    test::Terminal terminal;
+    {
+        TerminalSink sink(terminal.Side());
+        sink.OnLog("safe\r\n\x1b[2J\rhidden\xe2\x80");
+        sink.OnLog("\xae|\r\n\r   5%\r");
+        sink.OnLog("  10%\r\n");
+        sink.OnAlert(
+            "in \x9b"
+            "1m\rfine",
+            "");
+        sink.OnLog("open\r");
+        sink.OnAlert("last", "");
+        sink.OnLog("\xe2\x80");
+    }
+    EXPECT_EQ(terminal.Seen(),
+              "safe\n\\x1b[2J\\rhidden\\u{202e}|\n\r   5%\r  10%\nALERT: in \\x9b1m\\rfine\n"
+              "open\\r\nALERT: last\n\xe2\x80\n");
+}
+
+TEST_F(TerminalSinkTest, AQuietTerminalShowsTheLogOfAStepThatHasFailed) {
+    sink->SetQuiet();
+    sink->OnLog("a step\r\n");
+    sink->EndStep(false);
+    sink->OnLog("no such\a file\r\n");
+    sink->EndStep(true);
+    sink->OnLog("because of this\r\n");
+    sink->OnAlert("trouble", "");
+    sink->EndStep(false);
+    sink->OnLog("told elsewhere\r\n");
+    sink->ForgetKept();
+    sink->EndStep(true);
+    EXPECT_EQ(Printed(), "no such? file\nALERT: trouble\nbecause of this\n");
+}
+
+TEST_F(TerminalSinkTest, OfALongLogTheEndIsKeptAndTheRestCounted) {
+    sink->SetQuiet();
+    std::string line = std::string(99, 'x') + "\n";
+    constexpr size_t kLines = 10 * TerminalSink::kMostKept / 100;
+    for (size_t i = 0; i < kLines; ++i) sink->OnLog(line);
+    sink->OnLog("the reason\n");
+    sink->EndStep(true);
+    const std::string printed = Printed();
+    EXPECT_LE(printed.size(), 2 * TerminalSink::kMostKept + 100);
+    EXPECT_TRUE(printed.ends_with("x\nthe reason\n"));
+    const size_t lineEnd = printed.find('\n');
+    const std::string dropped = std::to_string(kLines * 100 + 11 - (printed.size() - lineEnd - 1));
+    EXPECT_EQ(printed.substr(0, lineEnd), "(" + dropped + " bytes of the log before this are left out)");
+    EXPECT_EQ(printed[lineEnd + 1], 'x');
 }
 
 TEST_F(TerminalSinkTest, ATerminalThatIsGoneIsNoTrouble) {

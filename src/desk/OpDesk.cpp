@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "base/ReadLimit.h"
 #include "document/DocumentReader.h"
 #include "library/OpRegistry.h"
 #include "library/SavedNetwork.h"
 #include "site/Site.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -34,7 +36,10 @@ void COpDesk::AddOperator(const std::string& name) {
     const EditScope edit(m_document, "Add Operator");
     ClearSelections();
     DeletePending();
-    BringOperator(name);
+    WithinMemory(m_host.GetSite().report, "the operator " + name, [&] {
+        BringOperator(name);
+        return true;
+    });
 }
 
 void COpDesk::BringOperator(const std::string& name) {
@@ -47,7 +52,8 @@ void COpDesk::BringOperator(const std::string& name) {
     std::string reason;
     auto archive = CArchive::Open(entry->path, reason);
     if (!archive) {
-        report.Alert("unable to open %s for reading", entry->path.c_str());
+        report.Alert("unable to open %s for reading%s", entry->path.c_str(),
+                     reason == TooLarge() ? (": " + reason).c_str() : "");
         return;
     }
     switch (KindOf(*archive)) {

@@ -9,12 +9,20 @@ namespace tavrin {
 
 ContentMark MarkOf(std::string_view text) { return std::hash<std::string_view>()(text); }
 
-// A directory cannot be replaced, so nothing of it is lost.
-bool DocumentFile::HoldsOther() const {
-    if (!PathExists(path) || IsDirectory(path)) return false;
+// Not by its time: one that was only touched, or written again as it was, holds nothing that could be lost.
+DocumentFile::Now DocumentFile::Look() const {
+    if (!PathExists(path)) return held ? Now::kGone : Now::kAsKnown;
+    if (IsDirectory(path)) return Now::kAsKnown;
+    if (!held) return Now::kUnknown;
     std::string text;
     std::string unreadable;
-    return !held || !ReadWholeFile(path, text, unreadable) || MarkOf(text) != *held;
+    const bool isSame = ReadWholeFile(path, text, unreadable) && MarkOf(text) == *held;
+    return isSame ? Now::kAsKnown : Now::kChanged;
+}
+
+bool DocumentFile::HoldsOther() const {
+    const Now now = Look();
+    return now == Now::kUnknown || now == Now::kChanged;
 }
 
 }  // namespace tavrin

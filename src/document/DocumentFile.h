@@ -21,6 +21,14 @@ struct DocumentFile {
     std::optional<ContentMark> held;  // when it was read or written last; nothing before that
     bool cutShort = false;            // an error kept part of it from being read, which is still there
 
+    // What stands at the path now. A directory cannot be replaced, so it counts as nothing new.
+    enum class Now {
+        kAsKnown,  // what was read or written last, or nothing where nothing was
+        kUnknown,  // something that was never read
+        kChanged,  // somebody has written something else there since
+        kGone,     // somebody has removed it since
+    };
+    Now Look() const;
     // What is there is neither what was read from it nor what was written to it: saving would lose it.
     bool HoldsOther() const;
 };
@@ -29,6 +37,7 @@ struct DocumentFile {
 struct DocumentOrigin {
     std::shared_ptr<DocumentFile> file;     // null if nobody knows it
     std::shared_ptr<DocumentFile> cutFile;  // what was not read to its end for them; null if they are whole
+    bool isForeign = false;                 // they were read from a file that the user has not written here
 };
 
 }  // namespace tavrin

@@ -21,6 +21,7 @@ class DocumentFileTest : public test::DocumentTest {
         return host.Directory().Write(name, text);
     }
     bool HoldsOther() const { return document.Origin().file->HoldsOther(); }
+    DocumentFile::Now Look() const { return document.Origin().file->Look(); }
     bool Save(const std::string& to) { return document.Save(to, error); }
 
     std::string path = host.Directory() / "doc.tvn";
@@ -30,8 +31,10 @@ class DocumentFileTest : public test::DocumentTest {
 TEST_F(DocumentFileTest, WhatIsThereAndWasNeverReadIsAnother) {
     document.SetPath(path);
     EXPECT_FALSE(HoldsOther());
+    EXPECT_EQ(Look(), DocumentFile::Now::kAsKnown) << "nothing is where nothing was";
     Write("doc.tvn", "");
     EXPECT_TRUE(HoldsOther());
+    EXPECT_EQ(Look(), DocumentFile::Now::kUnknown);
     document.SetPath("");
     EXPECT_FALSE(HoldsOther());
 }
@@ -43,10 +46,28 @@ TEST_F(DocumentFileTest, WhatWasReadIsKnownUntilSomebodyChangesIt) {
     EXPECT_FALSE(HoldsOther()) << "it holds the same";
     Write("doc.tvn", "toolbar {  }\n");
     EXPECT_TRUE(HoldsOther());
+    EXPECT_EQ(Look(), DocumentFile::Now::kChanged);
     fs::remove(path);
     EXPECT_FALSE(HoldsOther()) << "nothing is left to be lost";
+    EXPECT_EQ(Look(), DocumentFile::Now::kGone);
     fs::create_directory(path);
+    EXPECT_EQ(Look(), DocumentFile::Now::kAsKnown);
     EXPECT_FALSE(HoldsOther()) << "a directory is not replaced";
+}
+
+TEST_F(DocumentFileTest, EveryWayToTheOwnFileTellsWhatBecameOfIt) {
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar { }\n")));
+    fs::create_symlink("doc.tvn", host.Directory() / "link.tvn");
+    Write("copy.tvn", "somebody else's");
+    Write("doc.tvn", "toolbar {  }\n");
+    for (const char* way : {"doc.tvn", "link.tvn", "none/../doc.tvn"}) {
+        fs::create_directory(host.Directory() / "none");
+        EXPECT_EQ(document.LookAt(host.Directory() / way), DocumentFile::Now::kChanged) << way;
+    }
+    EXPECT_EQ(document.LookAt(host.Directory() / "copy.tvn"), DocumentFile::Now::kAsKnown);
+    fs::remove(path);
+    EXPECT_EQ(document.LookAt(path), DocumentFile::Now::kGone);
+    EXPECT_EQ(document.LookAt(host.Directory() / "none/../doc.tvn"), DocumentFile::Now::kGone);
 }
 
 TEST_F(DocumentFileTest, WhatWasWrittenIsKnownUntilSomebodyChangesIt) {

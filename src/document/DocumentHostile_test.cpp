@@ -187,7 +187,7 @@ TEST_F(DocumentHostile, AWordOfAnyLengthIsRead) {
     EXPECT_FALSE(Load("opdesk { " + word + " }"));
     EXPECT_FALSE(Load("opdesk { opbox { filename " + word + " } }"));
     EXPECT_FALSE(Load("opdesk { opbox { filename op opbutton.vinput v v1 { currentcast float { " + word));
-    EXPECT_THAT(host.Sink().LastAlert(), HasSubstr(word));
+    EXPECT_THAT(host.Sink().LastAlert(), HasSubstr(word.substr(0, 10000))) << "its beginning";
 }
 
 TEST_F(DocumentHostile, FormatCharactersInAFileAreText) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <clocale>
 #include <ctime>
+#include <utility>
 
 #include "document/DocumentLayout.h"
 #include "document/TvDoc.h"
@@ -40,59 +41,15 @@ std::string GenericWords(const std::string& type) {
     return std::string(type_words::kGeneric) + " " + type.substr(kGenericPrefix.size());
 }
 
-// Builds the text line by line.
-class Writer : private DocumentLayout {
+// What belongs to one box, line by line.
+class BoxWriter : private DocumentLayout {
   public:
-    Writer(const CTvDoc& document, DocumentHost& host) : m_document(document), m_host(host) {}
+    explicit BoxWriter(std::string before = {}) { m_text = std::move(before); }
 
-    std::string Write() {
-        const std::string header =
-            "# Tavrn file written at " + TimeText(m_host.GetSite().environment) + "\r\n\r\n";
-        m_text = header;
-        PutVersion(m_host.DocumentVersion());
-        PutLibrary(m_host.GetSite().directories.libName);
-        WriteToolbar();
-        WriteDesk();
-        WriteRenderOptions();
-        BeginSection("exportoptions");
-        Put(ExportOptionLines(m_document.exportOptions));
-        EndSection();
-        PutHelp(m_document.customshaderhelp);
-        m_text += header;
-        return std::move(m_text);
-    }
+    std::string Take() { return std::move(m_text); }
+    using DocumentLayout::Put;
 
-  private:
-    void WriteToolbar() {
-        BeginSection("toolbar");
-        for (size_t i = 0; i < m_document.toolbar.size(); ++i) PutToolButton(i, m_document.toolbar[i]);
-        EndSection();
-    }
-
-    void WriteDesk() {
-        BeginSection("opdesk");
-        BeginBoxes();
-        for (const auto& box : m_document.m_boxes) WriteBox(*box);
-        WriteConnections();
-        WriteSwitch("drawlinesoverboxes", m_document.drawlinesoverboxes);
-        WriteSwitch("showvarnames", m_document.showvarnames);
-        WriteSwitch("lock", m_document.lock);
-        WriteSwitch("showiconimages", m_document.showiconimages);
-        PutDeskKeyword("linetype");
-        Line(m_document.linetype == 1 ? "trace" : "direct");
-        PutDeskKeyword("offsetxy");
-        Line(Fixed(m_document.offset[0]), " ", Fixed(m_document.offset[1]));
-        PutDeskKeyword("zoomxyf");
-        Line(Fixed(m_document.zoom[0]), " ", Fixed(m_document.zoom[1]), " ", Fixed(m_document.zoomFactor));
-        EndSection();
-    }
-
-    void WriteSwitch(std::string_view keyword, int value) {
-        PutDeskKeyword(keyword);
-        Line(value != 0);
-    }
-
-    void WriteBox(const COpBox& box) {
+    void PutBox(const COpBox& box) {
         BeginBox(box.BoxTitleWid());
         Line("        filename ", box.filename);
         Line("        wid ", box.wid);
@@ -103,6 +60,21 @@ class Writer : private DocumentLayout {
         EndBox();
     }
 
+    // An output's wires are written in the order of what they lead to, so that the file does not depend on
+    // the order in which they were made.
+    void PutWires(const COpBox& box) {
+        for (size_t output = 0; output < box.outputs.size(); ++output) {
+            std::vector<const COpButton*> inputs(box.outputs[output]->connections.begin(),
+                                                 box.outputs[output]->connections.end());
+            std::stable_sort(inputs.begin(), inputs.end(), [](const COpButton* left, const COpButton* right) {
+                if (left->owner->wid != right->owner->wid) return left->owner->wid < right->owner->wid;
+                return left->owner->IndexOfButton(*left) < right->owner->IndexOfButton(*right);
+            });
+            for (const COpButton* input : inputs) WriteConnection(box, output, *input);
+        }
+    }
+
+  private:
     void WriteButton(const COpButton& button) {
         BeginButton(button.KindText(), button.name, button.DisplayName(), button.CurrentType());
         Line("                    pin ", button.pin);
@@ -135,31 +107,71 @@ class Writer : private DocumentLayout {
         Line(GenericWords(v.type), " ", QuoteString(OneLine(v.value)));
     }
 
-    // An output's wires are written in the order of what they lead to, so that the file does not depend on
-    // the order in which they were made.
-    void WriteConnections() {
-        BeginConnections();
-        for (const auto& box : m_document.m_boxes) {
-            for (size_t output = 0; output < box->outputs.size(); ++output) {
-                std::vector<const COpButton*> inputs(box->outputs[output]->connections.begin(),
-                                                     box->outputs[output]->connections.end());
-                std::stable_sort(
-                    inputs.begin(), inputs.end(), [](const COpButton* left, const COpButton* right) {
-                        if (left->owner->wid != right->owner->wid)
-                            return left->owner->wid < right->owner->wid;
-                        return left->owner->IndexOfButton(*left) < right->owner->IndexOfButton(*right);
-                    });
-                for (const COpButton* input : inputs) WriteConnection(*box, output, *input);
-            }
-        }
-        EndConnections();
-    }
-
     void WriteConnection(const COpBox& box, size_t output, const COpButton& input) {
         const COpBox& target = *input.owner;
         PutConnection(
             {box.filename, box.wid, box.outputs[output]->name, static_cast<int>(output)},
             {target.filename, target.wid, input.name, static_cast<int>(target.IndexOfButton(input))});
+    }
+};
+
+// What stands round boxes and wires.
+class FrameWriter : private DocumentLayout {
+  public:
+    enum class Losses { kNamed, kUnsaid };
+
+    FrameWriter(const CTvDoc& document, DocumentHost& host, Losses losses)
+        : m_document(document), m_host(host), m_losses(losses) {}
+
+    DocumentFrame Write() {
+        DocumentFrame frame;
+        const std::string header =
+            "# Tavrn file written at " + TimeText(m_host.GetSite().environment) + "\r\n\r\n";
+        Put(header);
+        PutVersion(m_host.DocumentVersion());
+        PutLibrary(m_host.GetSite().directories.libName);
+        WriteToolbar();
+        BeginSection("opdesk");
+        BeginBoxes();
+        frame.beforeBoxes = std::exchange(m_text, {});
+        BeginConnections();
+        frame.beforeWires = std::exchange(m_text, {});
+        EndConnections();
+        WriteDeskState();
+        EndSection();
+        WriteRenderOptions();
+        BeginSection("exportoptions");
+        Put(ExportOptionLines(m_document.exportOptions));
+        EndSection();
+        PutHelp(m_document.customshaderhelp);
+        Put(header);
+        frame.behindWires = std::exchange(m_text, {});
+        return frame;
+    }
+
+  private:
+    void WriteToolbar() {
+        BeginSection("toolbar");
+        for (size_t i = 0; i < m_document.toolbar.size(); ++i) PutToolButton(i, m_document.toolbar[i]);
+        EndSection();
+    }
+
+    void WriteDeskState() {
+        WriteSwitch("drawlinesoverboxes", m_document.drawlinesoverboxes);
+        WriteSwitch("showvarnames", m_document.showvarnames);
+        WriteSwitch("lock", m_document.lock);
+        WriteSwitch("showiconimages", m_document.showiconimages);
+        PutDeskKeyword("linetype");
+        Line(m_document.linetype == 1 ? "trace" : "direct");
+        PutDeskKeyword("offsetxy");
+        Line(Fixed(m_document.offset[0]), " ", Fixed(m_document.offset[1]));
+        PutDeskKeyword("zoomxyf");
+        Line(Fixed(m_document.zoom[0]), " ", Fixed(m_document.zoom[1]), " ", Fixed(m_document.zoomFactor));
+    }
+
+    void WriteSwitch(std::string_view keyword, int value) {
+        PutDeskKeyword(keyword);
+        Line(value != 0);
     }
 
     void WriteRenderOptions() {
@@ -168,7 +180,8 @@ class Writer : private DocumentLayout {
             if (m_host.IsUnsavedOption(key)) continue;
             if (IsBareToken(key)) {
                 PutRenderOption(key, value);
-            } else if (!m_host.AppVariables().contains(key)) {  // of its own options the form has told
+            } else if (m_losses == Losses::kNamed &&
+                       !m_host.AppVariables().contains(key)) {  // of its own options the form has told
                 m_host.GetSite().report.LogLine(
                     "WARNING: render option \"%s\" is not saved: a document cannot hold this name",
                     key.c_str());
@@ -179,12 +192,35 @@ class Writer : private DocumentLayout {
 
     const CTvDoc& m_document;
     DocumentHost& m_host;
+    Losses m_losses;
 };
 
 }  // namespace
 
+DocumentFrame WriteDocumentFrame(const CTvDoc& document, DocumentHost& host) {
+    return FrameWriter(document, host, FrameWriter::Losses::kUnsaid).Write();
+}
+
+std::string WriteBox(const COpBox& box) {
+    BoxWriter writer;
+    writer.PutBox(box);
+    return writer.Take();
+}
+
+std::string WriteWires(const COpBox& box) {
+    BoxWriter writer;
+    writer.PutWires(box);
+    return writer.Take();
+}
+
 std::string WriteDocument(const CTvDoc& document, DocumentHost& host) {
-    return Writer(document, host).Write();
+    DocumentFrame frame = FrameWriter(document, host, FrameWriter::Losses::kNamed).Write();
+    BoxWriter writer(std::move(frame.beforeBoxes));
+    for (const auto& box : document.m_boxes) writer.PutBox(*box);
+    writer.Put(frame.beforeWires);
+    for (const auto& box : document.m_boxes) writer.PutWires(*box);
+    writer.Put(frame.behindWires);
+    return writer.Take();
 }
 
 }  // namespace tavrin

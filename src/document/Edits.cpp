@@ -16,12 +16,19 @@ constexpr const char* kUnnamedAct = "Edit";
 
 // One that has gone may have left its address to another that came later.
 template <typename Object>
-std::vector<Object*> Edits::Noted<Object>::Take() {
-    std::vector<Object*> taken;
-    taken.reserve(m_members.size());
+std::vector<Object*> Edits::Noted<Object>::All() const {
+    auto members = m_members;
+    std::vector<Object*> all;
+    all.reserve(members.size());
     for (Object* object : m_order) {
-        if (m_members.erase(object) != 0) taken.push_back(object);
+        if (members.erase(object) != 0) all.push_back(object);
     }
+    return all;
+}
+
+template <typename Object>
+std::vector<Object*> Edits::Noted<Object>::Take() {
+    std::vector<Object*> taken = All();
     m_order.clear();
     m_members.clear();
     return taken;
@@ -181,6 +188,16 @@ void Edits::Begin(const std::string& act) {
 
 void Edits::End() {
     if (--m_depth == 0 && (!m_held || m_change.act != *m_held)) TellNoted();
+}
+
+Change Edits::Pending() const {
+    Change change = m_change;
+    change.came = m_came.All();
+    change.dropped = m_dropped.All();
+    change.touched = m_touched.All();
+    change.buttons = m_buttons.All();
+    change.tuned = m_tuned.All();
+    return change;
 }
 
 void Edits::TellNoted() {

@@ -69,6 +69,8 @@ class Edits {
     // For the document's history: tells what an undo or a redo has changed.
     void TellSwapped(const Change& change) { m_listeners.Tell(change); }
 
+    // What was noted and is still to be told.
+    Change Pending() const;
     // Something may have been noted that is still to be told.
     bool IsOpen() const { return m_depth > 0 || m_held; }
     int StrayEdits() const { return m_strayEdits; }
@@ -85,6 +87,7 @@ class Edits {
         }
         void Forget(const Object& object) { m_members.erase(const_cast<Object*>(&object)); }
         bool Has(const Object& object) const { return m_members.contains(const_cast<Object*>(&object)); }
+        std::vector<Object*> All() const;
         // Leaves nothing.
         std::vector<Object*> Take();
 

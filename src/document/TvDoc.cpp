@@ -3,11 +3,13 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/ReplaceFile.h"
 #include "document/DocumentBuilder.h"
 #include "document/DocumentReader.h"
 #include "document/DocumentWriter.h"
 #include "site/Site.h"
 #include "text/Archive.h"
+#include "text/OutOfMemory.h"
 
 namespace tavrin {
 
@@ -39,6 +41,11 @@ int SwitchOf(const Settings& settings, const char* key) {
 
 }  // namespace
 
+std::unique_ptr<SafeCopy> DocumentHost::PutAside(const std::string&, std::string_view, std::string& error) {
+    error = "there is no place for it";
+    return nullptr;
+}
+
 CTvDoc::CTvDoc(DocumentHost& host) : m_host(host) {
     SetPath({});
     DeleteContents();
@@ -67,6 +74,7 @@ void CTvDoc::DeleteContents() {
     m_modifiedBeside = false;
     m_differsFromFile = false;
     m_origin.cutFile.reset();
+    m_origin.isForeign = false;
 }
 
 bool CTvDoc::Open(const std::string& path) {
@@ -76,10 +84,18 @@ bool CTvDoc::Open(const std::string& path) {
         m_host.GetSite().report.Alert("unable to open %s for reading: %s", path.c_str(), error.c_str());
         return false;
     }
-    const DocumentForm form = ReadDocument(std::move(*archive));
+    Report& report = m_host.GetSite().report;
+    std::optional<DocumentForm> form;
+    const bool isRead = WithinMemory(report, "reading " + path, [&] {
+        form.emplace(ReadDocument(std::move(*archive)));
+        return true;
+    });
+    if (!isRead) return false;
     DeleteContents();
-    m_origin.file = FileReadFrom(path, MarkOf(form.Text()));
-    if (!Load(form) || !form.errors.empty()) SetCutShort();
+    m_origin.file = FileReadFrom(path, MarkOf(form->Text()));
+    m_origin.isForeign = !m_host.IsOwnText(form->Text());
+    const bool isLoaded = WithinMemory(report, "opening " + path, [&] { return Load(*form); });
+    if (!isLoaded || !form->errors.empty()) SetCutShort();
     return true;
 }
 
@@ -117,6 +133,8 @@ void CTvDoc::BecomeRecovered(const std::string& path, bool wasCutShort, std::opt
     SetPath(path);
     if (wasCutShort) SetCutShort();
     m_origin.file->held = held;
+    // What was never read from a file is the user's own; of the rest that file has to tell.
+    m_origin.isForeign = held.has_value() && !HoldsOwnText(*m_origin.file);
     SetModified();
     m_modifiedBeside = true;
 }
@@ -126,9 +144,21 @@ void CTvDoc::ViewMoved() {
     m_modifiedBeside = true;
 }
 
+bool CTvDoc::HoldsOwnText(const DocumentFile& file) const {
+    std::string text;
+    std::string error;
+    return ReadWholeFile(file.path, text, error) && MarkOf(text) == file.held && m_host.IsOwnText(text);
+}
+
 bool CTvDoc::WouldLoseUnread(const std::string& path) const {
     const auto& cut = m_origin.cutFile;
     return cut != nullptr && cut->cutShort && IsSameFile(path, cut->path);
+}
+
+// By its name, if it has gone.
+DocumentFile::Now CTvDoc::LookAt(const std::string& path) const {
+    const bool isOwn = IsSameFile(path, Path()) || (!Path().empty() && FullPath(path) == FullPath(Path()));
+    return isOwn ? m_origin.file->Look() : DocumentFile::Now::kAsKnown;
 }
 
 bool CTvDoc::Load(const DocumentForm& form) { return DocumentBuilder(*this, form, m_host).Build(); }
@@ -153,7 +183,8 @@ std::string CTvDoc::Snapshot() {
 // Knows afterwards what the document's files hold, and that nothing is left in them to be lost.
 bool CTvDoc::Write(const std::string& path, std::string& error) {
     const std::string text = Store();
-    if (!ReplaceFile(path, text, error)) return false;
+    const auto putAside = [&](std::string& reason) { return m_host.PutAside(path, text, reason); };
+    if (!ReplaceFile(path, text, error, putAside)) return false;
     auto& cut = m_origin.cutFile;
     if (cut != nullptr && IsSameFile(path, cut->path)) {
         cut->cutShort = false;
@@ -163,6 +194,7 @@ bool CTvDoc::Write(const std::string& path, std::string& error) {
         m_origin.file->held = MarkOf(text);
         m_differsFromFile = false;
     }
+    if (!m_origin.isForeign) m_host.NoteOwnText(text);
     return true;
 }
 

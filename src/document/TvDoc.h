@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/Listeners.h"
@@ -22,6 +23,7 @@ namespace tavrin {
 class COpRegistry;
 class DefinitionTexts;
 class DocumentForm;
+class SafeCopy;
 struct Site;
 
 // What a document asks of the application that it belongs to.
@@ -44,8 +46,16 @@ class DocumentHost {
     // Selects the library that a document names and scans its operators. False if the name is no plain
     // name of a directory, so that it could lead out of the installation; nothing is changed then.
     virtual bool UseLibrary(const std::string& name) = 0;
+    // Keeps what is about to be written over a file where the next start finds it, as ReplaceFile wants it.
+    virtual std::unique_ptr<SafeCopy> PutAside(const std::string& path, std::string_view text,
+                                               std::string& error);
     // The short form of the program's version, as documents carry it.
     virtual std::string DocumentVersion() const = 0;
+    // Whether this is what a file holds that this user's program has written here, of a document that was the
+    // user's own. Who keeps no account of that takes every file for one.
+    virtual bool IsOwnText(std::string_view /*text*/) const { return true; }
+    // A document of the user's own was written to a file as this text.
+    virtual void NoteOwnText(std::string_view /*text*/) {}
 
   protected:
     // Overridden where no process may be started for it.
@@ -102,6 +112,8 @@ class CTvDoc {
     void BecomeRecovered(const std::string& path, bool wasCutShort, std::optional<ContentMark> held);
     // The same for any path that leads to the file, also once the document has been saved elsewhere.
     bool WouldLoseUnread(const std::string& path) const;
+    // What stands at a path that leads to the document's own file; any other is as known.
+    DocumentFile::Now LookAt(const std::string& path) const;
 
     const std::string& Path() const { return m_origin.file->path; }
     // Whatever stands there is none of the document's. One that was cut short stays so.
@@ -112,6 +124,10 @@ class CTvDoc {
     // File name, "Untitled.tvn" without a path.
     std::string Title() const { return TitleOf(Path()); }
     static std::string TitleOf(const std::string& path);
+    // It was read from a file that the user has not written here: what it says is to be exported, and which
+    // command is to be run after that, is the wish of somebody else. Saving does not change that.
+    bool IsForeign() const { return m_origin.isForeign; }
+    void SetForeign(bool isForeign) { m_origin.isForeign = isForeign; }
     // Nobody has changed the document, but it is not what its file holds: an earlier version of it, which may
     // be saved. Until it is, or the document gives place to another.
     bool DiffersFromFile() const { return m_differsFromFile; }
@@ -162,6 +178,7 @@ class CTvDoc {
     std::shared_ptr<DocumentFile> NewFile(const std::string& path);
     std::shared_ptr<DocumentFile> FileReadFrom(const std::string& path, ContentMark mark);
     bool Write(const std::string& path, std::string& error);
+    bool HoldsOwnText(const DocumentFile& file) const;
 
     DocumentHost& m_host;
     std::vector<std::weak_ptr<DocumentFile>> m_files;  // every one since the start that is still needed

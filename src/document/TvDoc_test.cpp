@@ -6,6 +6,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+#include <new>
+#include <set>
+
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -179,6 +183,114 @@ TEST_F(TvDoc, AFileThatStopsTheReadingIsOpenWithWhatWasReadAndCutShort) {
     EXPECT_TRUE(document.WasCutShort());
     EXPECT_TRUE(document.Open(Write("good.tvn", "")));
     EXPECT_FALSE(document.WasCutShort());
+}
+
+// Has no memory left for the second box.
+class PoorHost : public test::TestHost {
+  protected:
+    bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts* texts) override {
+        if (++m_boxes == 2) throw std::bad_alloc();
+        return TestHost::LoadDefinition(box, operatorName, texts);
+    }
+
+  private:
+    int m_boxes = 0;
+};
+
+TEST(TvDocMemory, OpeningThatRunsOutOfMemoryIsAlertedAndKeepsTheFileFromBeingReplaced) {
+    PoorHost host;
+    host.startsProcesses = false;
+    host.AddOperator("Link", "output out { float out }");
+    CTvDoc document(host);
+    const std::string path = host.Directory().Write("large.tvn",
+                                                    "opdesk { opbox { filename Link wid 1 } opbox { filename "
+                                                    "Link wid 2 } opbox { filename Link wid 3 } }");
+    EXPECT_TRUE(document.Open(path));
+    EXPECT_THAT(host.Sink().alerts, ElementsAre("not enough memory for opening " + path));
+    EXPECT_TRUE(document.WasCutShort());
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+    document.DeleteContents();
+    EXPECT_TRUE(document.Open(path)) << "now there is enough";
+    EXPECT_THAT(WidsOf(document), ElementsAre(1, 2, 3));
+    EXPECT_FALSE(document.WasCutShort());
+}
+
+// Knows the texts of its own by heart.
+class RememberingHost : public test::TestHost {
+  public:
+    bool IsOwnText(std::string_view text) const override { return texts.contains(std::string(text)); }
+    void NoteOwnText(std::string_view text) override { texts.emplace(text); }
+
+    std::set<std::string> texts;
+};
+
+class ForeignDocument : public testing::Test {
+  protected:
+    std::string Stranger() const {
+        return host.Directory().Write("stranger.tvn", "toolbar { button 0=A }\n");
+    }
+    std::string Path(const std::string& name) const { return host.Directory() / name; }
+    void Save(const std::string& name) {
+        std::string error;
+        ASSERT_TRUE(document.Save(Path(name), error)) << error;
+    }
+
+    RememberingHost host;
+    CTvDoc document{host};
+};
+
+TEST_F(ForeignDocument, ANewOneIsTheUsersOwnAndSoItIsWhenItWasSavedAndIsOpenedAgain) {
+    EXPECT_FALSE(document.IsForeign());
+    Save("own.tvn");
+    std::filesystem::rename(Path("own.tvn"), Path("moved.tvn"));
+    ASSERT_TRUE(document.Open(Path("moved.tvn")));
+    EXPECT_FALSE(document.IsForeign());
+}
+
+TEST_F(ForeignDocument, OneThatSomebodyElseHasWrittenIsForeignAndSavingDoesNotMakeItOwn) {
+    ASSERT_TRUE(document.Open(Stranger()));
+    EXPECT_TRUE(document.IsForeign());
+    Save("saved.tvn");
+    EXPECT_TRUE(document.IsForeign());
+    ASSERT_TRUE(document.Open(Path("saved.tvn")));
+    EXPECT_TRUE(document.IsForeign());
+    document.SetForeign(false);
+    Save("agreed.tvn");
+    ASSERT_TRUE(document.Open(Path("agreed.tvn")));
+    EXPECT_FALSE(document.IsForeign());
+}
+
+TEST_F(ForeignDocument, WhatTakesItsPlaceIsForeignOrNotByItself) {
+    Save("own.tvn");
+    ASSERT_TRUE(document.Open(Stranger()));
+    document.DeleteContents();
+    EXPECT_FALSE(document.IsForeign());
+    ASSERT_TRUE(document.Open(Stranger()));
+    ASSERT_TRUE(document.Open(Path("own.tvn")));
+    EXPECT_FALSE(document.IsForeign());
+}
+
+TEST_F(ForeignDocument, ACopyThatWasExportedIsTheUsersOwnToo) {
+    std::string error;
+    ASSERT_TRUE(document.SaveCopy(Path("copy.tvn"), error));
+    ASSERT_TRUE(document.Open(Path("copy.tvn")));
+    EXPECT_FALSE(document.IsForeign());
+}
+
+TEST_F(ForeignDocument, UnsavedWorkThatIsRecoveredIsWhatItsDocumentWas) {
+    Save("own.tvn");
+    const auto held = document.Origin().file->held;
+    ASSERT_TRUE(held);
+    ASSERT_TRUE(document.Open(Stranger()));
+    const auto strange = document.Origin().file->held;
+    document.BecomeRecovered(Path("own.tvn"), false, held);
+    EXPECT_FALSE(document.IsForeign());
+    document.BecomeRecovered(Path("stranger.tvn"), false, strange);
+    EXPECT_TRUE(document.IsForeign());
+    document.BecomeRecovered("", false, std::nullopt);
+    EXPECT_FALSE(document.IsForeign()) << "it never had a file";
+    document.BecomeRecovered(Path("gone.tvn"), false, held);
+    EXPECT_TRUE(document.IsForeign());
 }
 
 TEST_F(TvDoc, ANewDocumentIsNotCutShort) {

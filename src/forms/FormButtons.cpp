@@ -12,7 +12,7 @@ namespace tavrin {
 FormAction CFormLedButton::Click(bool on, FormHost& host) {
     state = on;
     if (!envname.empty()) host.SetVariable(envname, StateValue());
-    return {action.to, action.message, on ? "1" : "0"};
+    return {action.to, action.message, on ? "1" : "0", action.isHeld};
 }
 
 // The form may give the state only as "1" or "0", unlike the values that reach the button later.
@@ -45,7 +45,7 @@ FormAction CFormChooser::Choose(int index, FormHost& host) {
     const std::string line = lines[static_cast<size_t>(index)];
     Read(line, host);
     if (selected != index) Refresh();
-    return {action.to, action.message, line};
+    return {action.to, action.message, line, action.isHeld};
 }
 
 // The toolbar's rows come first, so that the option finds its row there when it is stored.

@@ -28,6 +28,7 @@ struct FormAction {
     std::string to;
     std::string message;
     std::string argument;
+    bool isHeld = false;  // it runs a command that the user has not agreed to: see FormCommands.h
 
     bool IsSet() const { return !to.empty(); }
 };

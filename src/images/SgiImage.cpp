@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "base/FileDescriptor.h"
+#include "base/ReadLimit.h"
 
 namespace tavrin {
 
@@ -38,6 +39,7 @@ const char* const kNotBytes = "expecting byte-per-channel data";
 const char* const kNotRgb = "expecting RGB or RGBA data";
 const char* const kBadTables = "error reading row offset data";
 const char* const kBadPixels = "error reading pixel data";
+const char* const kTooLarge = "the file is larger than the setting maxfilesize allows";
 
 uint32_t BigEndian(std::span<const uint8_t> bytes) {
     uint32_t value = 0;
@@ -55,6 +57,8 @@ class SgiFile {
         m_size = static_cast<uint64_t>(status.st_size);
         return true;
     }
+
+    bool IsTooLarge() const { return m_size > ReadLimit(); }
 
     bool Holds(uint64_t offset, uint64_t count) const { return offset <= m_size && count <= m_size - offset; }
 
@@ -101,6 +105,7 @@ class SgiReader {
   public:
     const char* Read(const std::string& path) {
         if (!m_file.Open(path)) return kCannotOpen;
+        if (m_file.IsTooLarge()) return kTooLarge;
         for (const auto step : {&SgiReader::ReadHeader, &SgiReader::ReadTables, &SgiReader::ReadRows}) {
             if (const char* reason = (this->*step)()) return reason;
         }

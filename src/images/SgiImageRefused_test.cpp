@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "base/ReadLimit.h"
 #include "images/SgiImage.h"
 #include "images/SgiTestFile.h"
 #include "support/TestSite.h"
@@ -57,6 +58,13 @@ std::string RefusalOfRow(const std::string& code) {
 }
 
 // The file
+
+TEST(SgiImageRefused, AFileBeyondTheLimitIsNotRead) {
+    SetReadLimit(600);
+    EXPECT_EQ(RefusalOf(Sound()), "the file is larger than the setting maxfilesize allows");
+    SetReadLimit(kDefaultReadLimit);
+    EXPECT_EQ(RefusalOf(Sound()), "read");
+}
 
 TEST(SgiRefused, TheWarningNamesTheFileAndGoesToTheLog) {
     std::vector<std::string> log;

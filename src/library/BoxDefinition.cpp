@@ -5,6 +5,7 @@
 
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "base/ReadLimit.h"
 #include "library/DefinitionReader.h"
 #include "library/DefinitionTexts.h"
 #include "library/OpBox.h"
@@ -22,20 +23,22 @@ constexpr size_t kSortKeyLength = 5;  // of a library file's name, its dot inclu
 std::optional<CArchive> Preprocess(const COpEntry& entry, Site& site) {
     const std::string outputPath = DefinitionTexts::OutputPath(site);
     const std::string errorPath = DefinitionTexts::ErrorPath(site);
-    const std::string commandLine = DefinitionTexts::CommandLine(site, entry, outputPath, errorPath);
+    const ProgramCall call = DefinitionTexts::Call(site, entry, outputPath, errorPath);
     ::unlink(outputPath.c_str());
     ::unlink(errorPath.c_str());
     ProcessInfo process;
-    if (!site.commands.RunCommand(commandLine, true, &process)) return std::nullopt;
+    if (!site.commands.RunCall(call, &process)) return std::nullopt;
 
     site.LogFile(errorPath);
     if (process.exitCode != 0) {
-        site.report.Alert("\"%s\" returned %d", commandLine.c_str(), process.exitCode);
+        site.report.Alert("\"%s\" returned %d", call.shownAs.c_str(), process.exitCode);
         return std::nullopt;
     }
     std::string reason;
     auto archive = CArchive::Open(outputPath, reason);
-    if (!archive) site.report.Alert("unable to open %s for reading", outputPath.c_str());
+    if (!archive)
+        site.report.Alert("unable to open %s for reading%s", outputPath.c_str(),
+                          reason == TooLarge() ? (": " + reason).c_str() : "");
     return archive;
 }
 
@@ -61,7 +64,7 @@ bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry
     if (ReadDefinition(*archive, site.directories.libDir, site.report)) return true;
     // The message names this file, in which another operator's text may lie by now.
     std::string ignored;
-    if (shared != nullptr) WriteWholeFile(archive->Path(), shared->definition, ignored);
+    if (shared != nullptr) site.WriteWorkFile(PathFile(archive->Path()), shared->definition, ignored);
     return false;
 }
 

@@ -33,10 +33,10 @@ bool DefinitionTexts::AreShared() const {
 std::string DefinitionTexts::OutputPath(const Site& site) { return site.WorkPath("boxdef.tmp"); }
 std::string DefinitionTexts::ErrorPath(const Site& site) { return site.WorkPath("errors.txt"); }
 
-std::string DefinitionTexts::CommandLine(const Site& site, const COpEntry& entry,
-                                         const std::string& outputPath, const std::string& errorPath) {
-    return "perl " + site.LibraryPath("bin/redirect.pl") + " - " + outputPath + " " + errorPath + " " +
-           site.LibraryPath("bin/spp") + " " + entry.path;
+ProgramCall DefinitionTexts::Call(const Site& site, const COpEntry& entry, const std::string& outputPath,
+                                  const std::string& errorPath) {
+    return CallOf({"perl", site.LibraryPath("bin/redirect.pl"), "-", outputPath, errorPath,
+                   site.LibraryPath("bin/spp"), entry.path});
 }
 
 void DefinitionTexts::Expect(const std::vector<std::string_view>& operatorNames) {
@@ -68,7 +68,7 @@ size_t DefinitionTexts::Enqueue(const COpEntry& entry) {
     run.errorPath = m_site.WorkPath(name + ".errors");
     ::unlink(run.outputPath.c_str());
     ::unlink(run.errorPath.c_str());
-    return m_queue->Add(CommandLine(m_site, entry, run.outputPath, run.errorPath));
+    return m_queue->Add(Call(m_site, entry, run.outputPath, run.errorPath).words);
 }
 
 void DefinitionTexts::Finish(size_t number) {
@@ -81,7 +81,7 @@ void DefinitionTexts::Finish(size_t number) {
     Text text;
     std::string reason;
     if (exitCode != 0 || !ReadWholeFile(OutputPath(m_site), text.definition, reason)) return;
-    text.log = Site::LogText(ErrorPath(m_site));
+    text.log = m_site.LogText(ErrorPath(m_site));
     run.text = std::move(text);
 }
 

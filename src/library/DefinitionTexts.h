@@ -14,6 +14,7 @@ namespace tavrin {
 class COpRegistry;
 class CommandQueue;
 struct COpEntry;
+struct ProgramCall;
 struct Site;
 
 // Owned by one opening, merge or insertion of a saved network and gone with it, so that an edited definition
@@ -47,9 +48,9 @@ class DefinitionTexts {
     // Forgets everything: another library is in use.
     void Clear();
 
-    // The command line of a run that leaves its output and its errors in two files.
-    static std::string CommandLine(const Site& site, const COpEntry& entry, const std::string& outputPath,
-                                   const std::string& errorPath);
+    // What starts a run that leaves its output and its errors in two files.
+    static ProgramCall Call(const Site& site, const COpEntry& entry, const std::string& outputPath,
+                            const std::string& errorPath);
     // Where the output and the errors of the last definition lie that was read.
     static std::string OutputPath(const Site& site);
     static std::string ErrorPath(const Site& site);

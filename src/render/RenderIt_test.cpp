@@ -2,6 +2,7 @@
 // Renders: what must hold before one starts, its history entry, its command, and stopping it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <chrono>
 #include <filesystem>
@@ -60,6 +61,8 @@ class RenderItTest : public test::DocumentTest {
     bool WaitForEnd() const {
         return WaitUntil([this] { return !site.commands.AnyProcessLeft(); });
     }
+    // What children have posted.
+    void RunPending() { host.RunPending(); }
     std::string Words() const { return test::ReadFile(InWork("render.words")); }
     std::string WordsOf(const std::string& name, int number) const {
         return "<" + site.directories.libDir + "/bin/renderit><" + name + "><" + std::to_string(number) + ">";
@@ -192,6 +195,38 @@ TEST_F(RenderItTest, AfterStoppingTheNextRenderMayStartAtOnce) {
 TEST_F(RenderItTest, StoppingWithNothingRunningLeavesNoFile) {
     session.StopRender();
     EXPECT_TRUE(fs::is_empty(site.directories.workDir));
+}
+
+long Entries(const char* directory) {
+    return std::distance(fs::directory_iterator(directory), fs::directory_iterator());
+}
+
+TEST_F(RenderItTest, ThreeHundredRendersInOneProcessLeaveNothingBehind) {
+    constexpr int kWarmUp = 20;
+    constexpr int kRenders = 300;
+    LetGo();
+    session.m_keepHistory = false;  // what the user wants kept is no growth
+    const auto render = [this](int count) {
+        for (int i = 0; i < count; ++i) {
+            ASSERT_TRUE(session.RenderIt());
+            ASSERT_TRUE(WaitForEnd());
+            RunPending();
+        }
+    };
+    render(kWarmUp);
+    const long descriptors = Entries("/proc/self/fd");
+    const long threads = Entries("/proc/self/task");
+    const long files = Entries(InWork("").c_str());
+    [[maybe_unused]] const size_t memory = ::mallinfo2().uordblks;
+    render(kRenders);
+    EXPECT_EQ(Entries("/proc/self/fd"), descriptors);
+    EXPECT_LE(Entries("/proc/self/task"), threads + 1) << "one that has ended may still be listed";
+    EXPECT_EQ(Entries(InWork("").c_str()), files);
+    EXPECT_EQ(session.m_nextRender, kWarmUp + kRenders + 1);
+    EXPECT_THAT(Alerts(), IsEmpty());
+#ifndef __SANITIZE_ADDRESS__  // which keeps what was freed for a while
+    EXPECT_LT(::mallinfo2().uordblks, memory + kRenders * 64);
+#endif
 }
 
 }  // namespace

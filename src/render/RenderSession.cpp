@@ -10,11 +10,14 @@
 #include "render/ArgInfo.h"
 #include "render/FilterScript.h"
 #include "site/Site.h"
+#include "text/OutOfMemory.h"
 #include "text/Tokens.h"
 
 namespace tavrin {
 
 namespace {
+
+constexpr const char* kRenderOptions = "render_options";
 
 std::string JoinLines(const std::vector<std::string>& lines) {
     size_t size = 0;
@@ -23,6 +26,11 @@ std::string JoinLines(const std::vector<std::string>& lines) {
     text.reserve(size);
     for (const std::string& line : lines) text.append(line).append("\n");
     return text;
+}
+
+bool IsControl(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < ' ' || byte == 0x7F;
 }
 
 // Names that the work directory has for files of its own, numbered history directories among them.
@@ -59,8 +67,9 @@ bool RenderSession::ShaderNameOk() {
     const std::string name = ShaderName();
     if (HasWhitespace(name)) {
         m_site.report.Alert("shader name contains whitespace characters");
-    } else if (name.find('"') != std::string::npos) {
-        m_site.report.Alert("shader name contains a double quote; save the document under another name");
+    } else if (std::any_of(name.begin(), name.end(), IsControl)) {
+        // In a comment of the shader a return would end the comment.
+        m_site.report.Alert("shader name contains control characters; save the document under another name");
     } else if (IsWorkFile(name)) {
         m_site.report.Alert("shader name %s is that of a work file; save the document under another name",
                             name.c_str());
@@ -72,15 +81,15 @@ bool RenderSession::ShaderNameOk() {
 
 bool RenderSession::SaveShader() {
     if (!ShaderNameOk()) return false;
-    return WriteCodeFiles(Generate()) && RunFilter();
+    return WithinMemory(m_site.report, "generating the shader " + ShaderName(),
+                        [this] { return WriteCodeFiles(Generate()) && RunFilter(); });
 }
 
 bool RenderSession::WriteCodeFiles(const ShaderText& text) {
     const auto write = [this](const char* name, const std::string& content) {
-        const std::string path = m_site.WorkPath(name);
         std::string error;
-        if (WriteWholeFile(path, content, error)) return true;
-        m_site.report.Alert("%s: %s", path.c_str(), error.c_str());
+        if (m_site.WriteWorkFile(name, content, error)) return true;
+        m_site.report.Alert("%s: %s", m_site.WorkPath(name).c_str(), error.c_str());
         return false;
     };
     if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(text.code))) return false;
@@ -94,12 +103,12 @@ void RenderSession::WriteRenderOptions() {
     for (const auto& [key, value] : m_document.m_renderOptions) {
         text.append("setenv ").append(key).append(" ").append(QuoteString(value)).append("\r\n");
     }
-    const std::string path =
-        m_site.environment.Get("TAVRN_RENOPTS").value_or(m_site.WorkPath("render_options"));
+    const std::string own = m_site.WorkPath(kRenderOptions);
+    const std::string path = m_site.environment.Get("TAVRN_RENOPTS").value_or(own);
     std::string error;
-    if (!WriteWholeFile(path, text, error)) {
-        m_site.report.Alert("%s: unable to open for writing", path.c_str());
-    }
+    const bool written =
+        path == own ? m_site.WriteWorkFile(kRenderOptions, text, error) : WriteWholeFile(path, text, error);
+    if (!written) m_site.report.Alert("%s: unable to open for writing", path.c_str());
 }
 
 bool RenderSession::RunFilter() {
@@ -133,8 +142,11 @@ bool RenderSession::RenderIt() {
     if (m_keepHistory && !KeepHistory(name)) return false;
     const std::string number = std::to_string(m_nextRender);
     ++m_nextRender;
-    m_site.commands.RunScriptCommand(m_site.LibraryPath("bin/renderit") + " \"" + name + "\" " + number,
-                                     "render " + number);
+    const std::string renderit = m_site.LibraryPath("bin/renderit");
+    m_site.commands.RunScript({{renderit, name, number},
+                               renderit + " \"" + name + "\" " + number,
+                               "render " + number,
+                               m_site.renderLimits});
     return true;
 }
 
@@ -142,7 +154,8 @@ bool RenderSession::KeepHistory(const std::string& name) {
     MakeDirectory(HistoryDir(m_nextRender));
     const std::string path = HistoryPath(name, m_nextRender);
     std::string error;
-    if (WriteWholeFile(path, m_document.Store(), error)) {
+    const std::string below = JoinPath(std::to_string(m_nextRender), PathFile(path));
+    if (m_site.WriteWorkFile(below, m_document.Store(), error)) {
         m_history.AddEntry(RenderHistory::EntryText(m_nextRender, name), m_document.Origin());
         return true;
     }
@@ -164,6 +177,7 @@ bool RenderSession::LoadHistoryEntry(const std::string& entry) {
         m_document.SetPath(JoinPath(m_site.directories.docBrowserDir, name + m_site.docExt));
     } else if (m_document.WasCutShort()) {
         m_document.SetPath(origin.file->path);
+        m_document.SetForeign(origin.isForeign);
     } else {
         m_document.SetOrigin(origin);
     }

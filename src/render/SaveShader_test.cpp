@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <new>
 
 #include "render/RenderSession.h"
 #include "site/Site.h"
@@ -69,6 +70,24 @@ TEST_F(SaveShaderTest, TheFilterGetsTheCodeOnItsInputAndTheNameAndPathOfTheShade
     EXPECT_EQ(Log(), "");
 }
 
+// There is no memory for the line that tells of a circle.
+class PoorSink : public test::CollectingSink {
+  public:
+    void OnLog(std::string_view) override { throw std::bad_alloc(); }
+};
+
+TEST_F(SaveShaderTest, GeneratingThatRunsOutOfMemoryIsAlertedAndRunsNoFilter) {
+    PoorSink poor;
+    site.report.SetSink(&poor);
+    COpBox& box = Add(test::MakeLink("Link", 1));
+    test::Wire(box, 0, box, 0);
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_THAT(poor.alerts, ElementsAre("not enough memory for generating the shader plastic"));
+    EXPECT_FALSE(fs::exists(InWork("redirect.args")));
+    site.report.SetSink(&host.Sink());
+    EXPECT_TRUE(session.SaveShader());
+}
+
 TEST_F(SaveShaderTest, TheCodeFileHoldsTheArgumentsThenTheSource) {
     COpBox& box = Add(test::MakeBox(
         "Paint", "input Ks { float { 0.5 0 1 0 %g } }\ncodegen.main-body append\nCi = Ks;\n<<EOT>>\n", 2));
@@ -122,12 +141,45 @@ TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
     }
 }
 
-TEST_F(SaveShaderTest, ADoubleQuoteInTheNameIsRefused) {
-    document.SetPath("/x/my\"plastic.tvn");
-    EXPECT_FALSE(session.SaveShader());
-    EXPECT_THAT(Alerts(),
-                ElementsAre("shader name contains a double quote; save the document under another name"));
+TEST_F(SaveShaderTest, ANameOfAnyWordsAndSignsIsOneWordOfTheCommand) {
+    // A path of words that would be arguments, had anybody split it.
+    document.SetPath("/my documents/x\" -c \"y/-c'$(id)`;\".tvn");
+    EXPECT_TRUE(session.SaveShader());
+    const std::string name = "-c'$(id)`;\"";
+    EXPECT_THAT(Read("filter.seen"), testing::StartsWith("<" + name + "><" + InWork(name) + ">"));
+    EXPECT_THAT(Alerts(), IsEmpty());
+}
+
+TEST_F(SaveShaderTest, ControlCharactersInTheNameAreRefused) {
+    for (const char* name : {"/x/a\rb.tvn", "/x/a\x1b[2Jb.tvn", "/x/a\x7f.tvn", "/x/a\vb.tvn"}) {
+        host.Sink().alerts.clear();
+        document.SetPath(name);
+        EXPECT_FALSE(session.SaveShader());
+        EXPECT_THAT(
+            Alerts(),
+            ElementsAre("shader name contains control characters; save the document under another name"));
+    }
     EXPECT_TRUE(fs::is_empty(site.directories.workDir));
+}
+
+TEST_F(SaveShaderTest, AFilterThatTakesTooLongIsStoppedAndTold) {
+    Script("codefilter", "$SIG{TERM} = 'IGNORE'; sleep 1 while 1;\n");
+    site.compileLimits = {std::chrono::seconds(1), 0, "limit.compiletime", ""};
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_THAT(
+        Alerts(),
+        ElementsAre("codefilter was stopped: it took more than 1 second, the limit of limit.compiletime"));
+    EXPECT_EQ(Log(), "save shader command returned 137\r\n");
+}
+
+TEST_F(SaveShaderTest, OfWhatAFilterComplainsWithoutEndTheTwoEndsAreLogged) {
+    Script("codefilter", "print STDERR \"line $_\\n\" for 1 .. 100000;\n");
+    site.commands.SetOutputLimit(1000);
+    EXPECT_TRUE(session.SaveShader());
+    EXPECT_THAT(Log(), testing::StartsWith("line 1\r\nline 2\r\n"));
+    EXPECT_THAT(Log(), testing::HasSubstr(" bytes of output are left out here"));
+    EXPECT_THAT(Log(), testing::EndsWith("line 100000\r\n"));
+    EXPECT_LT(Log().size(), 8000U);
 }
 
 TEST_F(SaveShaderTest, OnlyBlanksTabsAndLineFeedsAreWhiteSpace) {

@@ -2,11 +2,15 @@
 #include "render/ShaderExport.h"
 
 #include <algorithm>
+#include <array>
 
+#include "base/Files.h"
 #include "base/Paths.h"
+#include "base/Sha256.h"
 #include "document/TvDoc.h"
 #include "render/RenderSession.h"
 #include "site/Site.h"
+#include "text/VisibleText.h"
 
 namespace tavrin {
 
@@ -30,6 +34,18 @@ KindFields FieldsOf(ExportKind kind) {
     }
     return {&CExportOptions::saveRenderIface, &CExportOptions::renderIfacePath};
 }
+
+// The files, in the order in which the script is told of them.
+struct Target {
+    int CExportOptions::*flag;
+    std::string CExportOptions::*path;
+};
+constexpr std::array<Target, 5> kTargets = {
+    {{&CExportOptions::saveTavrn, &CExportOptions::tavrnPath},
+     {&CExportOptions::saveSource, &CExportOptions::sourcePath},
+     {&CExportOptions::saveCompiled, &CExportOptions::compiledPath},
+     {&CExportOptions::saveShaderIface, &CExportOptions::shaderIfacePath},
+     {&CExportOptions::saveRenderIface, &CExportOptions::renderIfacePath}}};
 
 std::string TargetWord(int flag, const std::string& path) { return flag != 0 && !path.empty() ? path : "-"; }
 
@@ -80,18 +96,93 @@ bool ShaderExport::WriteDocument(const std::string& path) {
         }
         if (!m_mayLose(path)) return false;
     }
+    const DocumentFile::Now now = m_document.LookAt(path);
+    if (now != DocumentFile::Now::kAsKnown && (m_mayReplace == nullptr || !m_mayReplace(path, now))) {
+        if (m_mayReplace == nullptr)
+            m_site.report.Alert("%s is no longer what it was when it was last read or saved", path.c_str());
+        return false;
+    }
     std::string error;
     if (m_document.SaveCopy(path, error)) return true;
     m_site.report.Alert("unable to write shader file %s", path.c_str());
     return false;
 }
 
-bool ShaderExport::Export(const CExportOptions& options) {
+// Each path is a word of its own on its way to the script; but logs and the script's own messages are lines.
+bool ShaderExport::IsFreeOfControls(const char* what, const std::string& text) {
+    const auto isControl = [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte < ' ' || byte == 0x7F;
+    };
+    if (std::none_of(text.begin(), text.end(), isControl)) return true;
+    m_site.report.Alert("%s \"%s\" contains a control character", what, VisibleOneLine(text).c_str());
+    return false;
+}
+
+bool ShaderExport::TextsOk(const CExportOptions& options) {
+    for (const Target& target : kTargets) {
+        if (options.*target.flag != 0 && !IsFreeOfControls("export file path", options.*target.path))
+            return false;
+    }
+    std::string command = options.runPostSave != 0 ? options.postSaveScript : std::string();
+    std::replace(command.begin(), command.end(), '\t', ' ');  // which parts words, as a blank does
+    return IsFreeOfControls("post save command", command);
+}
+
+bool ShaderExport::Check(const CExportOptions& options) {
     if (m_document.m_boxes.empty()) {
         m_site.report.Alert("desk is empty");
         return false;
     }
-    if (!PathsOk(options) || !PostSaveOk(options)) return false;
+    return PathsOk(options) && TextsOk(options) && PostSaveOk(options);
+}
+
+bool ShaderExport::Export(const CExportOptions& options) { return Check(options) && Start(options); }
+
+bool ShaderExport::ExportAll() { return ExportForDocument(m_document.exportOptions); }
+
+bool ShaderExport::ExportAsDocumentSays(ExportKind kind) {
+    return ExportForDocument(OnlyThis(kind, DocumentPath(kind)));
+}
+
+bool ShaderExport::ExportForDocument(const CExportOptions& options) {
+    if (!Check(options)) return false;
+    const ExportPlan plan = PlanOf(options);
+    if (m_document.IsForeign() && !plan.lines.empty()) {
+        if (m_mayFollow == nullptr) {
+            m_site.report.Alert("%s was not saved here: what it wants exported is not done",
+                                m_document.Path().c_str());
+            return false;
+        }
+        const CExportOptions asked = options;  // the document may change while the question is open
+        return m_mayFollow(plan) && Start(asked);
+    }
+    return Start(options);
+}
+
+ExportPlan ShaderExport::PlanOf(const CExportOptions& options) const {
+    ExportPlan plan;
+    std::string all = FullPath(m_document.Path()) + '\0';
+    for (const Target& target : kTargets) {
+        const std::string& path = options.*target.path;
+        if (options.*target.flag == 0 || path.empty()) {
+            all += '\0';
+            continue;
+        }
+        const std::string full = FullPath(path);
+        all += full + '\0';
+        plan.lines.push_back("write " + VisibleOneLine(full) +
+                             (PathExists(full) ? ", which replaces the file there" : ""));
+    }
+    if (options.runPostSave != 0 && !options.postSaveScript.empty()) {
+        all += options.postSaveScript;
+        plan.lines.push_back("run " + VisibleOneLine(options.postSaveScript));
+    }
+    plan.digest = Sha256Hex(all);
+    return plan;
+}
+
+bool ShaderExport::Start(const CExportOptions& options) {
     const bool writesDocument = options.saveTavrn != 0 && !options.tavrnPath.empty();
     if (writesDocument && !WriteDocument(options.tavrnPath)) return false;
     if (!m_session.SaveShader()) return false;

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <set>
 #include <thread>
 
 #include "render/RenderSession.h"
@@ -241,6 +242,137 @@ TEST_F(ShaderExportTest, EachFlagButThatOfTheShaderInterfaceChecksOnePathForBlan
             }
         }
     }
+}
+
+TEST_F(ShaderExportTest, AControlCharacterInAnyPathThatIsUsedStopsTheExportAndIsShown) {
+    const std::vector<Pair> targets = {{&CExportOptions::saveTavrn, &CExportOptions::tavrnPath},
+                                       {&CExportOptions::saveSource, &CExportOptions::sourcePath},
+                                       {&CExportOptions::saveCompiled, &CExportOptions::compiledPath},
+                                       {&CExportOptions::saveShaderIface, &CExportOptions::shaderIfacePath},
+                                       {&CExportOptions::saveRenderIface, &CExportOptions::renderIfacePath}};
+    const CExportOptions good = options;
+    for (const Pair& target : targets) {
+        options = good;
+        options.*target.flag = 1;
+        options.*target.path = Out("a\x1b[2J\rb");
+        host.Sink().alerts.clear();
+        EXPECT_TRUE(Refuses());
+        EXPECT_THAT(Alerts(), ElementsAre("export file path \"" + Out("a\\x1b[2J\\rb") +
+                                          "\" contains a control character"));
+        options.*target.flag = 0;
+        EXPECT_EQ(Targets(), "<-><-><-><-><->") << "a path that is not used is not looked at";
+    }
+}
+
+TEST_F(ShaderExportTest, AControlCharacterInThePostSaveCommandStopsTheExport) {
+    options.runPostSave = 1;
+    for (const char* command : {"notify\rtouch x", "notify\ntouch", "notify \x7f", "notify \x01"}) {
+        options.postSaveScript = command;
+        EXPECT_TRUE(Refuses());
+        EXPECT_THAT(host.Sink().LastAlert(), testing::EndsWith("\" contains a control character"));
+    }
+    options.postSaveScript = "notify\tall";
+    EXPECT_EQ(Targets(), "<-><-><-><-><notify\tall>");
+}
+
+// Documents that somebody else has written
+
+class ForeignExportTest : public ShaderExportTest {
+  protected:
+    ForeignExportTest() {
+        document.exportOptions = options;
+        document.SetForeign(true);
+    }
+    void Ask(bool answer) {
+        exporter.AskBeforeForeign([this, answer](const ExportPlan& plan) {
+            plans.push_back(plan);
+            return answer;
+        });
+    }
+    bool IsDone() {
+        fs::remove(site.WorkPath("words"));
+        const bool started = exporter.ExportAll();
+        WaitForEnd();
+        return started && fs::exists(site.WorkPath("words"));
+    }
+
+    CExportOptions& wishes = document.exportOptions;
+    std::vector<ExportPlan> plans;
+};
+
+TEST_F(ForeignExportTest, WhatOneWantsIsShownBeforeAnythingIsWritten) {
+    wishes.saveTavrn = wishes.saveSource = wishes.runPostSave = 1;
+    wishes.postSaveScript = "touch \"/tmp/a b\"";
+    host.Directory().Write("out/plastic.src", "precious");
+    Ask(false);
+    EXPECT_FALSE(IsDone());
+    ASSERT_EQ(plans.size(), 1U);
+    EXPECT_THAT(plans[0].lines, ElementsAre("write " + Out("plastic.tvn"),
+                                            "write " + Out("plastic.src") + ", which replaces the file there",
+                                            "run touch \"/tmp/a b\""));
+    EXPECT_FALSE(fs::exists(Out("plastic.tvn")));
+    EXPECT_FALSE(IsSaved());
+    EXPECT_EQ(test::ReadFile(Out("plastic.src")), "precious");
+    Ask(true);
+    EXPECT_TRUE(IsDone());
+    EXPECT_TRUE(fs::exists(Out("plastic.tvn")));
+}
+
+TEST_F(ForeignExportTest, WithNobodyToAskItIsRefused) {
+    wishes.saveSource = 1;
+    EXPECT_FALSE(IsDone());
+    EXPECT_THAT(Alerts(),
+                ElementsAre("/documents/plastic.tvn was not saved here: what it wants exported is not done"));
+    EXPECT_FALSE(IsSaved());
+}
+
+TEST_F(ForeignExportTest, OneThatWantsNothingIsNotAskedAbout) {
+    Ask(false);
+    EXPECT_TRUE(IsDone());
+    EXPECT_TRUE(plans.empty());
+}
+
+TEST_F(ForeignExportTest, TheUsersOwnDocumentIsNotAskedAbout) {
+    wishes.saveSource = 1;
+    document.SetForeign(false);
+    Ask(false);
+    EXPECT_TRUE(IsDone());
+    EXPECT_TRUE(plans.empty());
+}
+
+TEST_F(ForeignExportTest, APathThatTheUserHasChosenIsNotAskedAboutAndOneOfTheDocumentsIs) {
+    Ask(false);
+    EXPECT_TRUE(exporter.Export(ShaderExport::OnlyThis(ExportKind::kCompiledShader, Out("mine.bin"))));
+    WaitForEnd();
+    EXPECT_TRUE(plans.empty());
+    EXPECT_FALSE(exporter.ExportAsDocumentSays(ExportKind::kCompiledShader));
+    ASSERT_EQ(plans.size(), 1U);
+    EXPECT_THAT(plans[0].lines, ElementsAre("write " + Out("plastic.bin")));
+}
+
+TEST_F(ForeignExportTest, WhatIsAgreedToIsThatAndNothingElse) {
+    Ask(false);
+    const auto digest = [this] {
+        exporter.ExportAll();
+        return plans.back().digest;
+    };
+    wishes.saveSource = 1;
+    std::set<std::string> digests = {digest()};
+    EXPECT_EQ(digest(), *digests.begin()) << "the same again";
+    wishes.sourcePath = Out("plastic.other");
+    digests.insert(digest());
+    wishes.saveSource = 0;
+    wishes.saveCompiled = 1;
+    wishes.compiledPath = Out("plastic.other");
+    digests.insert(digest());
+    wishes.runPostSave = 1;
+    digests.insert(digest());
+    wishes.postSaveScript += " now";
+    digests.insert(digest());
+    document.SetPath("/elsewhere/plastic.tvn");
+    document.SetForeign(true);
+    digests.insert(digest());
+    EXPECT_EQ(digests.size(), 6U);
 }
 
 TEST_F(ShaderExportTest, BlanksStopTheExportBeforeAnythingIsWrittenAndTheFirstIsAlerted) {

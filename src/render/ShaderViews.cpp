@@ -12,6 +12,7 @@ namespace tavrin {
 namespace {
 
 constexpr int kNotStarted = -1;  // the runner has alerted
+constexpr const char* kArgInfo = "arginfo";
 
 }  // namespace
 
@@ -31,9 +32,9 @@ std::optional<std::string> ShaderViews::ViewRenderInterface() {
 
 std::optional<std::string> ShaderViews::ViewShaderInterface() {
     if (!m_session.SaveShader()) return std::nullopt;
-    const std::string argInfo = m_site.WorkPath("arginfo");
+    const std::string argInfo = m_site.WorkPath(kArgInfo);
     std::string error;
-    if (!WriteWholeFile(argInfo, WriteArgInfo(m_document, m_site.report), error)) {
+    if (!m_site.WriteWorkFile(kArgInfo, WriteArgInfo(m_document, m_site.report), error)) {
         m_site.report.Alert("unable to open %s for writing", argInfo.c_str());
         return std::nullopt;
     }

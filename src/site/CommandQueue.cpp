@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "base/Process.h"
 #include "site/Commands.h"
 
 namespace tavrin {
@@ -17,8 +18,8 @@ CommandQueue::~CommandQueue() {
     for (const size_t number : m_running) m_commands.EndCommand(m_jobs[number].process);
 }
 
-size_t CommandQueue::Add(std::string commandLine) {
-    m_jobs.emplace_back().commandLine = std::move(commandLine);
+size_t CommandQueue::Add(std::vector<std::string> words) {
+    m_jobs.emplace_back().words = std::move(words);
     return m_jobs.size() - 1;
 }
 
@@ -41,7 +42,7 @@ std::optional<int> CommandQueue::Result(size_t number) {
 
 void CommandQueue::Start(size_t number) {
     Job& job = m_jobs[number];
-    job.process = m_commands.StartCommand(job.commandLine);
+    job.process = m_commands.StartCommand(job.words);
     job.state = job.process < 0 ? Job::State::kEnded : Job::State::kRunning;
     if (job.state == Job::State::kRunning) m_running.push_back(number);
 }
@@ -49,7 +50,7 @@ void CommandQueue::Start(size_t number) {
 void CommandQueue::CollectEnded() {
     std::erase_if(m_running, [this](size_t number) {
         Job& job = m_jobs[number];
-        if (!Commands::HasEnded(job.process)) return false;
+        if (!HasExited(job.process)) return false;
         job.exitCode = m_commands.CollectCommand(job.process);
         job.state = Job::State::kEnded;
         return true;

@@ -23,7 +23,7 @@ class CommandQueue {
     ~CommandQueue();
 
     // Starts nothing yet. The number by which the result is asked for, counted from 0.
-    size_t Add(std::string commandLine);
+    size_t Add(std::vector<std::string> words);
     // Starts what there is room for, and returns at once.
     void Continue();
     // Waits for the command to end. Its exit code; nothing, unreported, if it could not be started.
@@ -33,7 +33,7 @@ class CommandQueue {
     struct Job {
         enum class State { kWaiting, kRunning, kEnded };
         State state = State::kWaiting;
-        std::string commandLine;
+        std::vector<std::string> words;
         int process = -1;
         std::optional<int> exitCode;
     };

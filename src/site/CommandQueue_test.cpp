@@ -31,11 +31,11 @@ class CommandQueueTest : public testing::Test {
     // writes what it says to "said".
     size_t Add(CommandQueue& queue, const std::string& script) {
         const std::string name = "script." + std::to_string(++m_scripts);
-        return queue.Add("sh " +
-                         directory.Write(name, "D=" + directory.Path() +
-                                                   "\nawait() { until [ -e $D/$1 ]; do sleep 0.01; done; }\n"
-                                                   "say() { echo $1 >> $D/said; }\n" +
-                                                   script));
+        return queue.Add(
+            {"sh", directory.Write(name, "D=" + directory.Path() +
+                                             "\nawait() { until [ -e $D/$1 ]; do sleep 0.01; done; }\n"
+                                             "say() { echo $1 >> $D/said; }\n" +
+                                             script)});
     }
     std::string Said() const { return ReadFile(directory / "said"); }
     bool Has(const std::string& name) const { return PathExists(directory / name); }
@@ -94,8 +94,8 @@ TEST_F(CommandQueueTest, OneThatIsAskedForBeforeItsTurnStartsNext) {
 
 TEST_F(CommandQueueTest, ACommandThatCannotStartHasNoResultAndTheOthersHave) {
     CommandQueue queue(commands, 1);
-    const size_t missing = queue.Add("/no/such/program");
-    const size_t there = queue.Add("true");
+    const size_t missing = queue.Add({"/no/such/program"});
+    const size_t there = queue.Add({"true"});
     EXPECT_EQ(queue.Result(missing), std::nullopt);
     EXPECT_EQ(queue.Result(there), 0);
     EXPECT_THAT(sink.alerts, IsEmpty());

@@ -2,14 +2,14 @@
 // Commands that are waited for, and such as are let go.
 #include "site/Commands.h"
 
-#include <poll.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 
 #include "base/Process.h"
+#include "base/ProcessTag.h"
 #include "site/CommandsChild.h"
 #include "text/Report.h"
 
@@ -19,6 +19,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kTellStep{100};  // between two words on how long a wait lasts
+constexpr std::chrono::milliseconds kForEver{std::chrono::hours(1)};
 
 }  // namespace
 
@@ -31,70 +32,81 @@ Commands::~Commands() {
 }
 
 bool Commands::RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo) {
-    return Run(SplitCommandLine(command), command, wait, processInfo);
+    std::vector<std::string> words = SplitCommandLine(command);
+    if (!wait) return StartProgram(words, command);
+    return RunCall({std::move(words), command, {}, {}}, processInfo);
 }
 
 bool Commands::StartProgram(const std::vector<std::string>& words, const std::string& shownAs) {
-    return Run(words, shownAs, false, nullptr);
+    const int child = Launch(words, false);
+    if (child >= 0) {
+        m_unwatched.insert(child);
+    } else {
+        FailToStart(shownAs);
+    }
+    return child >= 0;
 }
 
-bool Commands::Run(const std::vector<std::string>& words, const std::string& shownAs, bool wait,
-                   ProcessInfo* processInfo) {
-    const int child = Launch(words, wait);
+bool Commands::RunCall(const ProgramCall& call, ProcessInfo* processInfo) {
+    const int child = Launch(call.words, true);
     if (child < 0) {
-        if (!IsInterrupted()) m_report.Alert("command failed: %s", shownAs.c_str());
+        FailToStart(call.shownAs);
         return false;
     }
-    if (!wait) {
-        m_unwatched.insert(child);
-        return true;
-    }
-    WaitForOne({child});
+    ChildWatch watch(call.name, TagName(::getpid(), m_lastTag), call.limits);
+    std::optional<std::string> told;
+    WaitUntilOneEnds(
+        {child},
+        [&] {
+            if (auto text = watch.Look(child)) told = std::move(text);
+        },
+        watch.IsNeeded() ? ChildWatch::kStep : kForEver);
     const int exitCode = CollectCommand(child);
+    if (told) m_report.Alert("%s", told->c_str());
     if (processInfo != nullptr) processInfo->exitCode = exitCode;
     return true;
 }
 
+void Commands::FailToStart(const std::string& shownAs) {
+    if (!IsInterrupted()) m_report.Alert("command failed: %s", shownAs.c_str());
+}
+
+// What is waited for carries a tag, so that nothing of it outlives the program.
 int Commands::Launch(const std::vector<std::string>& words, bool isWaitedFor) {
     ReapUnwatched();
     SpawnRequest request;
     request.words = words;
     request.environment = m_environment.ToList();
     request.standardOutput = m_commandOutput;
+    FileDescriptor tag;
+    if (isWaitedFor) tag = MakeTag(TagName(::getpid(), ++m_lastTag));
+    request.tag = tag.Get();
     std::string error;
     const std::lock_guard lock(m_waitedMutex);
     if (m_interrupted) return -1;
     const pid_t child = Spawn(request, error);
-    if (child >= 0 && isWaitedFor) m_waitedFor.insert(child);
+    if (child >= 0 && isWaitedFor) m_waitedFor.emplace(child, TagName(::getpid(), m_lastTag));
     return child;
 }
 
-int Commands::StartCommand(const std::string& command) { return Launch(SplitCommandLine(command), true); }
+int Commands::StartCommand(const std::vector<std::string>& words) { return Launch(words, true); }
 
 void Commands::WaitForOne(const std::vector<int>& processes) const {
-    std::vector<FileDescriptor> watched;
-    std::vector<pollfd> waits;
-    bool canWatch = true;
-    for (const int process : processes) {
-        watched.emplace_back(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
-        waits.push_back({watched.back().Get(), POLLIN, 0});
-        canWatch = canWatch && watched.back();
-    }
+    WaitUntilOneEnds(
+        processes, [] {}, kForEver);
+}
+
+void Commands::WaitUntilOneEnds(const std::vector<int>& processes, const std::function<void()>& eachStep,
+                                std::chrono::milliseconds step) const {
     const auto start = Clock::now();
-    const int step = m_waitObserver ? static_cast<int>(kTellStep.count()) : -1;
+    if (m_waitObserver) step = std::min(step, kTellStep);
     do {
         if (m_waitObserver)
             m_waitObserver(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start));
-    } while (canWatch && ::poll(waits.data(), waits.size(), step) <= 0);
-    // Where the system has no such descriptors the wait goes on for the first of them, untold.
-    if (!canWatch) AwaitExit(processes.front());
+        eachStep();
+        AwaitAnyExit(processes, step);
+    } while (std::none_of(processes.begin(), processes.end(), HasExited));
     if (m_waitObserver) m_waitObserver(std::nullopt);
-}
-
-bool Commands::HasEnded(int process) {
-    siginfo_t information{};
-    const int result = ::waitid(P_PID, static_cast<id_t>(process), &information, WEXITED | WNOHANG | WNOWAIT);
-    return result != 0 || information.si_pid == process;
 }
 
 int Commands::CollectCommand(int process) {
@@ -103,7 +115,7 @@ int Commands::CollectCommand(int process) {
     AwaitExit(process);
     const std::lock_guard lock(m_waitedMutex);
     // What an interrupted command leaves behind in its group goes with it.
-    if (m_interrupted) ::kill(-process, SIGKILL);
+    if (m_interrupted) SignalChild(process, m_waitedFor[process], SIGKILL);
     m_waitedFor.erase(process);
     return WaitForEnd(process);
 }
@@ -116,7 +128,13 @@ void Commands::EndCommand(int process) {
 void Commands::InterruptCommand(int signal) {
     const std::lock_guard lock(m_waitedMutex);
     m_interrupted = true;
-    for (const int process : m_waitedFor) ::kill(-process, signal);
+    for (const auto& [process, tag] : m_waitedFor) {
+        if (signal == SIGKILL) {
+            SignalChild(process, tag, signal);
+        } else {
+            ::kill(-process, signal);
+        }
+    }
 }
 
 bool Commands::IsInterrupted() const {

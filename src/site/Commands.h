@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -18,6 +19,9 @@
 #include "base/FileDescriptor.h"
 #include "base/MainThreadQueue.h"
 #include "site/ChildLog.h"
+#include "site/ChildOutput.h"
+#include "site/ChildWatch.h"
+#include "site/ProgramCall.h"
 
 namespace tavrin {
 
@@ -34,8 +38,9 @@ class Commands {
   public:
     // Output of a child is posted to the main thread in pieces of at most this many bytes.
     static constexpr size_t kPieceSize = 31;
-    // What a child that is asked to end by a signal has for it.
-    static constexpr std::chrono::milliseconds kTimeToHeed{500};
+    // Of what a child writes this much goes into the log, unless the site says otherwise.
+    static constexpr uint64_t kMostOutput = 64ULL << 20;
+    static constexpr uint64_t kAnyOutput = 1ULL << 62;
 
     Commands(Report& report, const Environment& environment, MainThreadQueue& queue);
     ~Commands();
@@ -52,23 +57,29 @@ class Commands {
     using WaitObserver = std::function<void(std::optional<std::chrono::milliseconds>)>;
     void OnWait(WaitObserver observer) { m_waitObserver = std::move(observer); }
 
-    // Starts a command line, split by blanks and double quotes, without a shell. With `wait` it returns
-    // when the process has ended, its exit code in `processInfo`. A command that cannot start is alerted
-    // as "command failed: COMMAND"; false.
+    // How many bytes of a child's output, and of a file of errors, go into the log.
+    void SetOutputLimit(uint64_t bytes) { m_outputLimit = bytes; }
+    uint64_t OutputLimit() const { return m_outputLimit; }
+
+    // Starts a command that the author of a script or a site wrote, split by blanks and double quotes,
+    // without a shell. With `wait` it returns when the process has ended, its exit code in `processInfo`. A
+    // command that cannot start is alerted as "command failed: COMMAND"; false.
     bool RunCommand(const std::string& command, bool wait, ProcessInfo* processInfo = nullptr);
 
-    // Starts a program with these words, whatever they hold, and lets it go. In the alert of one that cannot
-    // start it is called `shownAs`.
+    // The same, waiting, for what the program composes. A limit that it breaks ends it, and is alerted.
+    bool RunCall(const ProgramCall& call, ProcessInfo* processInfo = nullptr);
+
+    // Starts a program with these words, whatever they hold, and lets it go: it may outlive this one. In the
+    // alert of one that cannot start it is called `shownAs`.
     bool StartProgram(const std::vector<std::string>& words, const std::string& shownAs);
 
-    // RunCommand in pieces, for who has several commands run beside each other (CommandQueue). Each process
-    // that is started is to be collected or ended; both let it go.
+    // RunCall in pieces, for who has several commands run beside each other (CommandQueue). Each process that
+    // is started is to be collected or ended; both let it go.
 
-    // Starts a command line; its process, or -1, unreported, if it cannot start or the program is to end.
-    int StartCommand(const std::string& command);
+    // Starts a program; its process, or -1, unreported, if it cannot start or the program is to end.
+    int StartCommand(const std::vector<std::string>& words);
     // Returns when one of the processes has ended, of which there is one at least.
     void WaitForOne(const std::vector<int>& processes) const;
-    static bool HasEnded(int process);
     // Waits for the end; the exit code.
     int CollectCommand(int process);
     // Ends the process and those of its group at once.
@@ -79,12 +90,14 @@ class Commands {
     void InterruptCommand(int signal);
     bool IsInterrupted() const;
 
-    // Starts "PerlExec COMMAND" with its output going to the log, and returns at once. The child counts as
-    // running until its output has closed, also on the side of its own children. Where children with labels
-    // run at the same time, each one's lines stand behind its label.
-    void RunScriptCommand(const std::string& command, const std::string& label = {});
-    // The same with the words as they are, whatever they hold.
-    void RunScript(const std::vector<std::string>& words, const std::string& label);
+    // Starts "PerlExec" with the words of the call and its output going to the log, and returns at once. The
+    // child counts as running until its output has closed, also on the side of its own children. Where
+    // children with names run at the same time, each one's lines stand behind its name. A limit that it
+    // breaks ends it, and is alerted; so is a child for which there is no thread.
+    void RunScript(ProgramCall call);
+    void RunScript(const std::vector<std::string>& words, const std::string& name) {
+        RunScript(CallOf(words, name));
+    }
 
     // Called on the main thread with the exit code when a child's process has ended.
     void OnChildEnd(std::function<void(int exitCode)> observer) { m_childEnd = std::move(observer); }
@@ -107,13 +120,15 @@ class Commands {
     struct Start;
 
     int Launch(const std::vector<std::string>& words, bool isWaitedFor);
-    bool Run(const std::vector<std::string>& words, const std::string& shownAs, bool wait,
-             ProcessInfo* processInfo);
-    void StartChild(std::vector<std::string> words, std::string commandLine, const std::string& label);
+    void FailToStart(const std::string& shownAs);
+    void WaitUntilOneEnds(const std::vector<int>& processes, const std::function<void()>& eachStep,
+                          std::chrono::milliseconds step) const;
     void Post(std::function<void()> work);
     void Work(Child& child, const Start& start);
     void RunUntilOutputCloses(Child& child, const Start& start);
     void ReadOutput(Child& child, int pipe);
+    bool PostPiece(Child& child, OutputBound& bound, std::string_view piece);
+    bool MayGoOn(Child& child);
     void ForgetRunning(const Child& child);
     int Reap(Child& child);
     void ReapUnwatched();
@@ -128,13 +143,15 @@ class Commands {
     MainThreadQueue& m_queue;
     std::string m_workDir;
     int m_commandOutput = -1;
+    uint64_t m_outputLimit = kMostOutput;
+    int m_lastTag = 0;
     std::function<void(int)> m_childEnd;
     WaitObserver m_waitObserver;
 
     mutable std::mutex m_waitedMutex;
     bool m_interrupted = false;
-    std::set<int> m_waitedFor;  // processes that are to be collected
-    std::set<int> m_unwatched;  // processes started without waiting, to be reaped when they end
+    std::map<int, std::string> m_waitedFor;  // processes that are to be collected, and their tags
+    std::set<int> m_unwatched;               // processes started without waiting, to be reaped when they end
 
     mutable std::mutex m_childMutex;
     std::set<int> m_children;  // identifiers of running children
@@ -142,6 +159,7 @@ class Commands {
     std::list<std::unique_ptr<Child>> m_workers;
     int m_lastId = 0;
     ChildLog m_childLog;
+    OutputBrake m_brake;
     // Closed workers must not reach an object that is gone: posted work holds this.
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
 };

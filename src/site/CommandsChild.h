@@ -8,7 +8,12 @@ namespace tavrin {
 
 // Owned by Commands. Its thread owns the pipes and ends when the process has been reaped.
 struct Commands::Child {
-    int id = 0;
+    Child(int number, ChildWatch childWatch, std::string childTag)
+        : id(number), watch(std::move(childWatch)), tag(std::move(childTag)) {}
+
+    const int id;
+    ChildWatch watch;  // of the thread
+    const std::string tag;
     int pid = -1;                        // guarded by m_childMutex; -1 where there is no process to signal
     std::atomic<bool> finished = false;  // the process has been reaped and the thread is about to end
     FileDescriptor wake;                 // readable: stop reading

@@ -8,10 +8,12 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <system_error>
 
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/Process.h"
+#include "base/ProcessTag.h"
 #include "site/CommandsChild.h"
 #include "text/Report.h"
 
@@ -42,45 +44,44 @@ struct ChildPipes {
 }  // namespace
 
 struct Commands::Start {
-    std::string commandLine;
+    std::string shownAs;
     SpawnRequest request;
 };
 
 std::string Commands::KillFile(int id) const { return JoinPath(m_workDir, FormatText("kill.%d", id)); }
 
-void Commands::RunScriptCommand(const std::string& command, const std::string& label) {
-    const std::string commandLine = "PerlExec " + command;
-    StartChild(SplitCommandLine(commandLine), commandLine, label);
-}
-
-void Commands::RunScript(const std::vector<std::string>& words, const std::string& label) {
-    std::vector<std::string> all = {"PerlExec"};
-    all.insert(all.end(), words.begin(), words.end());
-    StartChild(all, JoinCommandLine(all), label);
-}
-
-void Commands::StartChild(std::vector<std::string> words, std::string commandLine, const std::string& label) {
+void Commands::RunScript(ProgramCall call) {
     JoinFinished();
-    auto child = std::make_unique<Child>();
-    child->id = ++m_lastId;
+    const int id = ++m_lastId;
+    const std::string tag = TagName(::getpid(), ++m_lastTag);
+    auto child = std::make_unique<Child>(id, ChildWatch(call.name, tag, call.limits), tag);
     child->wake = FileDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    const std::string killFile = KillFile(child->id);
+    const std::string killFile = KillFile(id);
     ::unlink(killFile.c_str());
 
     Start start;
-    start.commandLine = std::move(commandLine);
-    start.request.words = std::move(words);
+    start.shownAs = "PerlExec " + call.shownAs;
+    start.request.words = std::move(call.words);
+    start.request.words.insert(start.request.words.begin(), "PerlExec");
     Environment environment = m_environment;
     environment.Set("TAVRN_KILLFILE", killFile);
     start.request.environment = environment.ToList();
     {
         const std::lock_guard lock(m_childMutex);
-        m_children.insert(child->id);
+        m_children.insert(id);
     }
-    m_childLog.Begin(child->id, label);
+    m_childLog.Begin(id, call.name);
     Child& worker = *child;
     m_workers.push_back(std::move(child));
-    worker.thread = std::thread([this, &worker, start = std::move(start)] { Work(worker, start); });
+    try {
+        worker.thread = std::thread([this, &worker, start] { Work(worker, start); });
+    } catch (const std::system_error& error) {
+        m_report.Alert("unable to start a thread for \"%s\": %s", start.shownAs.c_str(),
+                       error.code().message().c_str());
+        m_childLog.End(id);
+        ForgetRunning(worker);
+        m_workers.pop_back();
+    }
 }
 
 void Commands::Post(std::function<void()> work) {
@@ -103,23 +104,26 @@ void Commands::Work(Child& child, const Start& start) {
 
 void Commands::RunUntilOutputCloses(Child& child, const Start& start) {
     ChildPipes pipes = ChildPipes::Open();
+    FileDescriptor tag = MakeTag(child.tag);
     SpawnRequest request = start.request;
     request.standardInput = pipes.childInput.Get();
     request.standardOutput = pipes.childOutput.Get();
     request.standardError = pipes.childOutput.Get();
+    request.tag = tag.Get();
     bool hasStarted = false;
     {
         const std::lock_guard lock(m_childMutex);
         if (m_ending) return;  // without a word: nobody waits for it any more
         std::string error;
-        if (pipes.areWhole) child.pid = Spawn(request, error);
+        if (pipes.areWhole && child.wake) child.pid = Spawn(request, error);
         hasStarted = child.pid >= 0;
     }
     // What is left open here would keep the output from closing.
     pipes.childInput.Close();
     pipes.childOutput.Close();
+    tag.Close();
     if (hasStarted) return ReadOutput(child, pipes.reader.Get());
-    Post([this, id = child.id, line = start.commandLine] {
+    Post([this, id = child.id, line = start.shownAs] {
         m_childLog.Append(id, FormatText("CreateProcess failed: \"%s\"", line.c_str()));
     });
 }
@@ -133,36 +137,65 @@ void Commands::ForgetRunning(const Child& child) {
 int Commands::Reap(Child& child) {
     const int process = child.pid;  // nobody but this thread changes it
     if (process < 0) return kCannotStart;
+    while (child.watch.IsNeeded() && !HasExited(process)) {
+        MayGoOn(child);
+        AwaitAnyExit({process}, ChildWatch::kStep);
+    }
     AwaitExit(process);
     const std::lock_guard lock(m_childMutex);
-    // What the child leaves behind in its group goes with it; not yet reaped, it still holds the number.
-    if (m_ending) ::kill(-process, SIGKILL);
+    // What the child leaves behind goes with it; not yet reaped, it still holds the number of its group.
+    if (m_ending) SignalChild(process, child.tag, SIGKILL);
     child.pid = -1;
     return WaitForEnd(process);
 }
 
 void Commands::ReadOutput(Child& child, int pipe) {
     ::fcntl(pipe, F_SETFL, O_NONBLOCK);
+    OutputBound bound(m_outputLimit);
+    const int step = child.watch.IsNeeded() ? static_cast<int>(ChildWatch::kStep.count()) : -1;
     char piece[kPieceSize];
-    for (;;) {
+    while (MayGoOn(child)) {
         const ssize_t count = ::read(pipe, piece, sizeof piece);
         if (count > 0) {
-            Post([this, id = child.id, text = std::string(piece, static_cast<size_t>(count))] {
-                m_childLog.Append(id, text);
-            });
+            if (!PostPiece(child, bound, {piece, static_cast<size_t>(count)})) break;
             continue;
         }
-        if (count == 0 || (errno != EAGAIN && errno != EINTR)) return;
+        if (count == 0 || (errno != EAGAIN && errno != EINTR)) break;
         pollfd waits[2] = {{pipe, POLLIN, 0}, {child.wake.Get(), POLLIN, 0}};
-        ::poll(waits, 2, -1);
-        if ((waits[1].revents & POLLIN) != 0) return;
+        ::poll(waits, 2, step);
+        if ((waits[1].revents & POLLIN) != 0) break;
     }
+    if (std::string rest = bound.Rest(); !rest.empty())
+        Post([this, id = child.id, rest = std::move(rest)] { m_childLog.Append(id, rest); });
+}
+
+// Holds the child to its limits; false if it has been ended, so that nothing of it is worth waiting for.
+bool Commands::MayGoOn(Child& child) {
+    if (const auto told = child.watch.Look(child.pid))
+        Post([this, text = *told] { m_report.Alert("%s", text.c_str()); });
+    return !child.watch.IsOver();
+}
+
+// Waits while too much is on the way, and so does the child in the end.
+bool Commands::PostPiece(Child& child, OutputBound& bound, std::string_view piece) {
+    if (!bound.Passes(piece)) return true;
+    while (!m_brake.Take(ChildWatch::kStep)) {
+        if (!MayGoOn(child)) return false;
+        if (!m_brake.IsOff()) continue;
+        bound.LeaveOut(piece);
+        return true;
+    }
+    Post([this, id = child.id, text = std::string(piece)] {
+        m_brake.Give();
+        m_childLog.Append(id, text);
+    });
+    return true;
 }
 
 void Commands::KillChildren() {
     const std::lock_guard lock(m_childMutex);
     std::string ignored;
-    for (const int id : m_children) WriteWholeFile(KillFile(id), {}, ignored);
+    for (const int id : m_children) WriteOwnFile(m_workDir, PathFile(KillFile(id)), {}, ignored);
     m_children.clear();
 }
 
@@ -197,7 +230,7 @@ void Commands::SignalChildren(int signal) {
     const std::lock_guard lock(m_childMutex);
     for (const auto& worker : m_workers) {
         if (worker->pid < 0) continue;
-        ::kill(-worker->pid, signal);
+        SignalChild(worker->pid, worker->tag, signal);
         ::kill(worker->pid, signal);  // in case it has left its group
     }
 }
@@ -207,6 +240,7 @@ void Commands::EndChildren(std::chrono::milliseconds grace, std::chrono::millise
         const std::lock_guard lock(m_childMutex);
         m_ending = true;
     }
+    m_brake.SetOff(true);
     KillChildren();
     bool areGone = WaitForWorkers(grace);
     if (!areGone) {
@@ -218,6 +252,7 @@ void Commands::EndChildren(std::chrono::milliseconds grace, std::chrono::millise
         StopReading();
     }
     ReapUnwatched();
+    m_brake.SetOff(false);
     const std::lock_guard lock(m_childMutex);
     m_ending = false;
 }

@@ -58,7 +58,7 @@ class CommandsChildren : public testing::Test {
 
     // Starts a child that runs this shell text.
     void Start(const std::string& text) {
-        commands.RunScriptCommand(directory.Write("script." + std::to_string(++scripts), text));
+        commands.RunScript({directory.Write("script." + std::to_string(++scripts), text)}, "");
     }
 
     // Lets posted work run until the condition holds; false if that takes far too long.
@@ -147,14 +147,14 @@ TEST_F(CommandsChildren, AChildSeesTheEndOfItsInputAtOnce) {
 
 TEST_F(CommandsChildren, TheWordsOfTheCommandFollowPerlExec) {
     ::chmod(directory.Write("bin/PerlExec", "#!/bin/sh\nprintf '<%s>' \"$@\"\n").c_str(), 0755);
-    commands.RunScriptCommand("/lib/bin/renderit \"a b\" $HOME;x");
+    commands.RunScript({"/lib/bin/renderit", "a b", "$HOME;x", "say \"hi\"", "-c", "", "two\nlines"}, "");
     ASSERT_TRUE(PumpToTheEnd());
-    EXPECT_EQ(sink.log, "</lib/bin/renderit><a b><$HOME;x>");
+    EXPECT_EQ(sink.log, "</lib/bin/renderit><a b><$HOME;x><say \"hi\"><-c><><two\nlines>");
 }
 
 TEST_F(CommandsChildren, LongCommandsStayWhole) {
     ::chmod(directory.Write("bin/PerlExec", "#!/bin/sh\nprintf %s \"$1\"\n").c_str(), 0755);
-    commands.RunScriptCommand(std::string(1000, 'x'));
+    commands.RunScript({std::string(1000, 'x')}, "");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(sink.log, std::string(1000, 'x'));
 }
@@ -255,9 +255,9 @@ TEST_F(CommandsChildren, LinesOfChildrenThatRunTogetherAreWholeAndTellWhoseTheyA
 }
 
 TEST_F(CommandsChildren, AChildThatCannotStartIsToldBehindItsLabel) {
-    commands.RunScriptCommand(directory.Write("script", kUntilKillFile), "render 1");
+    commands.RunScript({directory.Write("script", kUntilKillFile)}, "render 1");
     environment.Set("PATH", work);
-    commands.RunScriptCommand("bin/renderit \"a b\" 2", "render 2");
+    commands.RunScript({{"bin/renderit", "a b", "2"}, "bin/renderit \"a b\" 2", "render 2", {}});
     EXPECT_TRUE(PumpUntilLogged("2\"\n"));
     EXPECT_EQ(sink.log, "[render 2] CreateProcess failed: \"PerlExec bin/renderit \"a b\" 2\"\n");
     commands.KillChildren();
@@ -286,7 +286,7 @@ TEST_F(CommandsChildren, AChildThatCannotStartSaysSoInTheLog) {
     int told = -1;
     commands.OnChildEnd([&told](int exitCode) { told = exitCode; });
     environment.Set("PATH", work);
-    commands.RunScriptCommand("bin/renderit 100%s");
+    commands.RunScript({"bin/renderit", "100%s"}, "");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(sink.log, "CreateProcess failed: \"PerlExec bin/renderit 100%s\"");
     EXPECT_FALSE(commands.AnyChildRunning());

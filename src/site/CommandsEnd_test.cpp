@@ -52,7 +52,7 @@ class CommandsEnd : public testing::Test {
 
     // Starts a child that runs this shell text, and waits for it to have written `ready`.
     void Start(const std::string& text, const std::string& ready) {
-        commands->RunScriptCommand(directory.Write("script", text));
+        commands->RunScript({directory.Write("script", text)}, "");
         ASSERT_TRUE(PumpUntil([&] { return sink.log.find(ready) != std::string::npos; }));
     }
     bool PumpUntil(const std::function<bool()>& condition) {

@@ -149,24 +149,29 @@ std::string Unescaped(std::string_view text) {
     return result;
 }
 
+struct ExecWord {
+    std::string text;
+    bool isQuoted = false;  // some of it
+};
+
 // Words are parted by blanks; in double quotes a backslash takes the next character as it is.
-std::vector<std::string> ExecWords(std::string_view exec) {
-    std::vector<std::string> words;
-    std::string word;
+std::vector<ExecWord> ExecWords(std::string_view exec) {
+    std::vector<ExecWord> words;
+    ExecWord word;
     bool begun = false;
     bool inQuotes = false;
     for (size_t i = 0; i < exec.size(); ++i) {
         const char c = exec[i];
         if (c == '"') {
             inQuotes = !inQuotes;
-            begun = true;
+            begun = word.isQuoted = true;
         } else if (inQuotes && c == '\\' && i + 1 < exec.size()) {
-            word += exec[++i];
+            word.text += exec[++i];
         } else if (!inQuotes && (c == ' ' || c == '\t' || c == '\n')) {
             if (begun) words.push_back(std::exchange(word, {}));
             begun = false;
         } else {
-            word += c;
+            word.text += c;
             begun = true;
         }
     }
@@ -199,16 +204,22 @@ std::string FilledIn(const std::string& word, const std::string& file, const std
     return result;
 }
 
+// None for an entry that is no way to start a program on a file of any name.
 std::vector<std::string> WordsFor(const Keys& keys, const std::string& path, const std::string& file) {
+    constexpr size_t kCodeLength = 2;
     std::vector<std::string> words;
     bool hasFile = false;
-    for (const std::string& word : ExecWords(Unescaped(ValueOf(keys, "Exec")))) {
+    for (const auto& [word, isQuoted] : ExecWords(Unescaped(ValueOf(keys, "Exec")))) {
         if (word == "%i") {
             const std::string icon = ValueOf(keys, "Icon");
             if (!icon.empty()) words.insert(words.end(), {"--icon", icon});
             continue;
         }
+        const bool hadFile = std::exchange(hasFile, false);
         std::string filled = FilledIn(word, file, path, keys, hasFile);
+        // A text of several words, as a shell takes one: the file's name would be part of the command.
+        if (isQuoted && hasFile && word.size() > kCodeLength) return {};
+        hasFile = hasFile || hadFile;
         // A word that was a field code alone goes with it.
         if (!filled.empty() || word.find('%') == std::string::npos) words.push_back(std::move(filled));
     }

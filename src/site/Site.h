@@ -35,11 +35,16 @@ struct Site {
     // The path of a file that is named relative to the library, and of a file in the work directory.
     std::string LibraryPath(const std::string& path) const;
     std::string WorkPath(const std::string& name) const;
+    // Writes a file of the work directory, as WriteOwnFile does.
+    bool WriteWorkFile(const std::string& name, std::string_view text, std::string& error) const;
 
     // Brings a child's error file into the log, its last line completed; nothing if there is none.
     void LogFile(const std::string& path);
-    // The text that LogFile logs.
-    static std::string LogText(const std::string& path);
+    // The text that LogFile logs, of a file beyond the limit of output its two ends.
+    std::string LogText(const std::string& path) const;
+
+    // Takes the limits of scripts from the settings.
+    void ReadLimits();
 
     // The library in use has said that what its preprocessor makes of an operator depends on files alone.
     bool PreprocessIsPure() const;
@@ -49,6 +54,9 @@ struct Site {
     Commands commands;
     Directories directories;
     Settings settings;
+    ChildLimits renderLimits;  // of a render
+    ChildLimits
+        compileLimits;  // of the scripts that make the shader's source and its views, and what they run
     std::string settingsLibrary;  // the library whose site file is in the settings
     TypeTables types;
     std::vector<std::string> menuDirs;

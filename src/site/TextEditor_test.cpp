@@ -54,6 +54,15 @@ class TextEditorTest : public testing::Test {
 
 // Editors that are named
 
+TEST_F(TextEditorTest, AnEntryThatPutsTheFileIntoATextForAShellIsPassedOver) {
+    Program("sh");
+    Program("pad");
+    Entry("shell.desktop", "Exec=sh -c \"pad %f\"\n");
+    Entry("pad.desktop", "Exec=pad \"%f\"\n");
+    Cache("shell.desktop;pad.desktop;");
+    EXPECT_THAT(DesktopsWords(), ElementsAre("pad", kPath));
+}
+
 TEST_F(TextEditorTest, TheNameIsSplitOnceAndThePathIsOneWord) {
     EXPECT_THAT(Words("edit -w \"my rc\""), ElementsAre("edit", "-w", "my rc", kPath));
     EXPECT_TRUE(start.isAsNamed);

@@ -20,6 +20,16 @@ __attribute__((format(printf, 1, 0))) std::string FormatList(const char* format,
     return text;
 }
 
+// What stands in files can be of any length, and so could the messages that quote it.
+std::string Bounded(std::string text, size_t most) {
+    if (text.size() <= most) return text;
+    size_t end = most;
+    while (end > 0 && (text[end] & 0xC0) == 0x80) --end;  // not within a character
+    const size_t leftOut = text.size() - end;
+    text.resize(end);
+    return text + " ... (" + std::to_string(leftOut) + " bytes are left out here)";
+}
+
 }  // namespace
 
 std::string FormatText(const char* format, ...) {
@@ -55,7 +65,7 @@ void Report::LogLine(const char* format, ...) {
     va_start(arguments, format);
     std::string text = FormatList(format, arguments);
     va_end(arguments);
-    LogRaw(text + "\r\n");
+    LogRaw(Bounded(std::move(text), kLongestLine) + "\r\n");
 }
 
 void Report::LogRaw(std::string_view text) {
@@ -71,7 +81,7 @@ std::optional<Report::Pending> Report::TakePending() {
 }
 
 void Report::Raise(std::string text, std::string file) {
-    m_alertText = std::move(text);
+    m_alertText = Bounded(std::move(text), kLongestAlert);
     m_alertFile = std::move(file);
     if (m_sink != nullptr) m_sink->OnAlert(m_alertText, m_alertFile);
 }

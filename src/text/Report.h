@@ -24,6 +24,10 @@ class ReportSink {
 // One for the process, made before all that reports. Main thread only.
 class Report {
   public:
+    // Longer ones, in bytes, are cut, and say so at their end.
+    static constexpr size_t kLongestAlert = 16384;
+    static constexpr size_t kLongestLine = 65536;
+
     // The sink must outlive its use here; without one, reports are dropped but the pending alert is kept.
     void SetSink(ReportSink* sink) { m_sink = sink; }
 

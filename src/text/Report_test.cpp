@@ -125,5 +125,24 @@ TEST(FormatText, PrintsAsPrintfDoes) {
     EXPECT_EQ(FormatText("%s", std::string(3000, 'x').c_str()).size(), 3000U);
 }
 
+TEST_F(ReportTest, AnAlertOfAnyLengthIsCutAndSaysSo) {
+    report.Alert("%s", std::string(1'000'000, 'x').c_str());
+    EXPECT_EQ(sink.LastAlert(), std::string(Report::kLongestAlert, 'x') + " ... (" +
+                                    std::to_string(1'000'000 - Report::kLongestAlert) +
+                                    " bytes are left out here)");
+    EXPECT_EQ(report.TakePending()->text, sink.LastAlert());
+    const std::string whole(Report::kLongestAlert, 'y');
+    report.Alert("%s", whole.c_str());
+    EXPECT_EQ(sink.LastAlert(), whole);
+}
+
+TEST_F(ReportTest, ALineOfTheLogIsCutBetweenCharacters) {
+    std::string line = "x";
+    while (line.size() < 100'000) line += "\u20ac";
+    report.LogLine("%s", line.c_str());
+    const std::string shown = sink.log.substr(0, sink.log.find(" ... ("));
+    EXPECT_EQ(shown, line.substr(0, 1 + (Report::kLongestLine - 1) / 3 * 3));
+}
+
 }  // namespace
 }  // namespace tavrin

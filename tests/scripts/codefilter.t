@@ -403,6 +403,69 @@ is(system("$filter demo 2>$dir/err </dev/null") >> 8, 2, 'a missing word');
 choose(undef);
 unlink "$base.frag";
 
+# ---- other files
+
+# A compiler opens what #include names before it complains, and quotes from it. Values bring any text into a shader.
+{
+	put('secret.txt', "zebracorn zebracorn\n");
+	POSIX::mkfifo("$dir/pipe", 0600) or die "$dir/pipe: $!";
+	my $asks = '#extension GL_GOOGLE_include_directive : enable';
+	my @ways = (
+		"#include \"../secret.txt\"",
+		"$asks\n#include \"../secret.txt\"",
+		"$asks\n  #  include\t<../secret.txt>",
+		"# /* in\nbetween */ include \"../secret.txt\"",
+		"#/**/include \"../secret.txt\"",
+		"#inc\\\nlude \"../secret.txt\"",
+		"#\\\ninclude \"../secret.txt\"",
+		"#/\\\n*x*\\\n/include \"../secret.txt\"",
+		"// a comment that ends here \\\n#include \"../secret.txt\"",
+		"\"/*\"\n#include \"../secret.txt\"\n// */",
+		"/* */ #include \"../secret.txt\"",
+		"\r#include \"../secret.txt\"",
+		"#\x0b\x0cinclude \"../secret.txt\"",
+		"#include \"../pipe\"",
+		"#if 0\n#include \"../pipe\"\n#endif",
+		"#extension all : warn\n#include \"../secret.txt\"",
+		"#include_next \"../secret.txt\"",
+	);
+	put('lib/glsl/given.glsl', "out vec4 tvColor;\n");
+	for my $way (@ways) {
+		for my $type (qw(surface module)) {
+			choose($type);
+			(my $shown = $way) =~ s/([^ -~])/sprintf '\\x%02x', ord $1/ge;
+			my $text = shader([], "    tvColor = vec4(1.0);\n$way\n") =~ s{^out vec4 tvColor;}{//\@prelude given}mr;
+			is(run(section([]) . $text), 1, "$type: $shown");
+			like($err, qr{line \d+.*: #include is refused}, 'is refused by name');
+			unlike($err, qr{zebracorn|secret}, 'and nothing of the file is told');
+			ok(!-e "$base.spv", 'nor compiled');
+		}
+	}
+	choose(undef);
+	unlink "$base.frag";
+	is(run(section([]) . shader([], "#extension GL_ARB_shading_language_include : require")), 1,
+		'an extension for it');
+	like($err, qr{^demo: line 8 \(box Noise_1\): #extension GL_ARB_shading_language_include is refused}m,
+		'is refused with its box');
+	my $words = join '', map { "$_\n" } '#version 330 core', '/*', '*' x 72, 'Use it by #include "demo"', '*' x 72, '*/';
+	is(run(section(['Use it by #include "demo"']) . (shader([], @good) =~ s/^#version.*\n/$words/r)), 0,
+		'a help text may speak of it') or diag $err;
+	is(run(section([]) . shader([], '#extension GL_ARB_gpu_shader5 : enable', @good)), 0, 'other extensions pass')
+		or diag $err;
+	is(run(section([]) . shader([], '#line 7 "../secret.txt"', @good)), 1, 'names in #line');
+	unlike($err, qr{zebracorn}, 'are only names');
+}
+
+# Names that the compiler takes for its configuration.
+{
+	my $keep = $base;
+	$base = "$dir/scratch/demo.conf";
+	is(run(section([]) . shader([], @good)), 0, 'a shader whose name ends in .conf') or diag $err;
+	ok(-s "$base.spv", 'is compiled');
+	unlink glob "$dir/scratch/demo.conf*";
+	$base = $keep;
+}
+
 # ---- the checker
 
 {

@@ -125,6 +125,25 @@ is(run('demo', "there/a \"b\" c.frag", ('-') x 4), 0, 'quotes in a path');
 ok(-s "$dir/there/a \"b\" c.frag", 'are part of it');
 unlink "$dir/there/a \"b\" c.frag";
 
+# ---- files of others beside a target
+
+my $precious = put("$dir/precious", 'precious');
+for my $i (1 .. 4) {
+	my @targets = ('-') x 5;
+	$targets[$i - 1] = "$dir/there/planted";
+	my $pid = open(my $said, '-|') // die;
+	if (!$pid) {
+		symlink $precious, "$dir/there/planted.$$.new" or die;
+		open STDERR, '>&', \*STDOUT;
+		exec "$installation/bin/PerlExec", "$bin/exportall", 'demo', @targets;
+	}
+	is(finish($pid, $said), 0, "a link in the way of file $i") or diag($text);
+	ok(-s "$dir/there/planted" && !-l "$dir/there/planted", 'is none of the export');
+	is(get($precious), 'precious', 'and what it leads to is as it was');
+	unlink "$dir/there/planted";
+}
+is(left_over(), '', 'and nothing is left over');
+
 make('module');
 is(run('demo', 'there/demo.frag', '-', 'there/demo.mif', '-', '-'), 0, 'two files of a module');
 is($text, "wrote there/demo.frag\nwrote there/demo.mif\n", 'are all that is told');

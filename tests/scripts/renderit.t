@@ -362,7 +362,9 @@ subtest 'a picture to compare with is opened, too' => sub {
     is(($noted->(1, MRAY_SHOW => '1'))[0], "$work/15/Ball.png", 'one where none is named');
 
     put("$dir/run.desktop", "[Desktop Entry]\nExec=rm\n");
+    put("$dir/page.html", "GIF89a<script>alert(1)</script>\n");
     for my $case (["$dir/none.png", 'no such file or directory'], ["$dir/run.desktop", 'it is no picture'],
+                  ["$dir/page.html", 'its name is not that of a picture'],
                   [$dir, 'it is no file']) {
         my ($file, $why) = @$case;
         my ($seen, $text) = $noted->(1, MRAY_REFERENCE => $file);

@@ -11,6 +11,7 @@
 
 #include "desk/HitTest.h"
 #include "document/DocumentReader.h"
+#include "document/DocumentSnapshot.h"
 #include "render/RenderSession.h"
 #include "site/Site.h"
 #include "support/ChangeAuditor.h"
@@ -131,6 +132,7 @@ class DeskWalkTest : public DocumentTest, public testing::WithParamInterface<uin
                        }}};
     DeskInvariants invariants{document, desk};
     ChangeAuditor auditor{document, desk};
+    DocumentSnapshot snapshot{document, host};
     CCodeGen siteCodeGen;
     std::vector<std::string> operators;
     std::optional<DeskWalk> walk;
@@ -304,6 +306,7 @@ inline void DeskWalkTest::Look() {
     EXPECT_EQ(invariants.Look(walk->Selected()), "");
     EXPECT_EQ(auditor.Look(), "");
     EXPECT_EQ(document.edits.StrayEdits(), 0);
+    EXPECT_EQ(TextOf(snapshot.Take()), document.Snapshot());
 }
 
 inline void DeskWalkTest::LookCloser() {

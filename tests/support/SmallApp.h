@@ -36,6 +36,7 @@ class SmallAppTest : public testing::Test {
         environment.Set("TAVRN_LIB", "/small");
         environment.Set("TAVRN_TMPDIR", directory.Path());
         environment.Set("HOME", directory.Path());
+        environment.Set("XDG_STATE_HOME", directory / "state");
         app = std::make_unique<CTvApp>(report, queue, environment, "/nowhere/bin/tavrin");
     }
 

@@ -38,6 +38,11 @@ class TestHost : public DocumentHost {
                             const std::string& library = "mini");
 
     CollectingSink& Sink() { return m_test.sink; }
+    // What other threads have posted to the main one.
+    void RunPending() {
+        while (m_test.queue.RunPending()) {
+        }
+    }
     const TempDir& Directory() const { return m_test.directory; }
 
     std::map<std::string, std::string> appVariables;

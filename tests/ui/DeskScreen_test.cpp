@@ -60,6 +60,7 @@ class StoringOnScreen : public DeskScreenTest, public testing::WithParamInterfac
 TEST_P(StoringOnScreen, TheBoxThatIsSeenIsTheOneThatAClickMeets) {
     StartWithHiddenBox();
     const QImage before = Screen();
+    Document().SetForeign(false);
     Document().exportOptions.saveTavrn = 1;
     Document().exportOptions.tavrnPath = directory / "export.tvn";
     Do(GetParam().command);

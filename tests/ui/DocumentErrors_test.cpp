@@ -170,6 +170,7 @@ TEST_F(FailingSaveTest, WhereADirectoryHasTheNameNothingIsLost) {
 TEST_F(FailingSaveTest, WhereTheDirectoryIsGoneNothingIsLost) {
     StartWithChanges();
     fs::remove_all(directory / "docs");
+    PressWhenBoxComes("Yes");  // it is gone, and to be saved again
     ExpectFailure("No such file or directory");
     ExpectSavedElsewhere();
 }

@@ -56,6 +56,55 @@ TEST_F(DocumentsTest, ANewDocumentAsksBeforeItTakesThePlaceOfAnEarlierUntitledOn
     EXPECT_EQ(BoxesIn(directory / "docs/untitled.tvn"), 2U);
 }
 
+TEST_F(DocumentsTest, AFileThatAnotherProgramHasSavedMeanwhileIsAskedAbout) {
+    StartWithDocs();
+    const std::string path = WriteDocument("docs/a", 1);
+    Open(path);
+    AddBoxes(1);
+    WriteDocument("docs/a", 3);
+    PressWhenBoxComes("No");
+    Do(CommandId::kSave);
+    ExpectBox("Warning: " + path + " has changed since it was last read or saved.  Replace it?");
+    EXPECT_EQ(BoxesIn(path), 3U);
+    EXPECT_TRUE(Document().IsModified());
+    PressWhenBoxComes("Yes");
+    Do(CommandId::kSave);
+    EXPECT_EQ(BoxesIn(path), 2U);
+    AddBoxes(1);
+    Do(CommandId::kSave);  // as it knows it
+    EXPECT_EQ(BoxesShown().size(), 2);
+}
+
+TEST_F(DocumentsTest, AFileThatAnotherProgramHasRemovedMeanwhileIsAskedAbout) {
+    StartWithDocs();
+    const std::string path = WriteDocument("docs/a", 1);
+    Open(path);
+    AddBoxes(1);
+    fs::remove(path);
+    PressWhenBoxComes("No");
+    Do(CommandId::kSave);
+    ExpectBox("Warning: " + path +
+              " is gone, which was there when it was last read or saved.  Save it again?");
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_TRUE(Document().IsModified());
+    PressWhenBoxComes("Yes");
+    Do(CommandId::kSave);
+    EXPECT_EQ(BoxesIn(path), 2U);
+}
+
+TEST_F(DocumentsTest, AFileWithTwoNamesKeepsThem) {
+    StartWithDocs();
+    const std::string path = WriteDocument("docs/a", 1);
+    fs::create_hard_link(path, directory / "docs/other.tvn");
+    Open(path);
+    AddBoxes(1);
+    Do(CommandId::kSave);
+    EXPECT_FALSE(Document().IsModified());
+    EXPECT_TRUE(fs::equivalent(path, directory / "docs/other.tvn"));
+    EXPECT_EQ(BoxesIn(directory / "docs/other.tvn"), 2U);
+    EXPECT_TRUE(fs::is_empty(directory / "state/tavrin/recovery"));
+}
+
 TEST_F(DocumentsTest, TheDocumentOfTheStartAsksWhereItIsToBeSaved) {
     StartWithDocs();
     AddBoxes(1);

@@ -65,6 +65,7 @@ class ExportsTest : public test::FrameTest {
     void StartWithMarble() {
         Start();
         ASSERT_TRUE(Frame().OpenDocumentFile(WriteDocument("marble", 1)));
+        Document().SetForeign(false);
         CExportOptions& options = Options();
         for (std::string* path : {&options.tavrnPath, &options.sourcePath, &options.compiledPath,
                                   &options.shaderIfacePath, &options.renderIfacePath}) {

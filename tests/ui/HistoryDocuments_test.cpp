@@ -54,14 +54,11 @@ class HistoryDocumentTest : public DocumentsTest {
         Do(CommandId::kSave);
         Settle();
     }
-    static std::string Replace(const std::string& path) {
-        return "Warning: " + path + " is there already.  Replace it?";
-    }
-    void ExpectToAskBeforeSaving(const std::string& path) {
+    void ExpectToAskBeforeSaving(const std::string& path, const std::string& what) {
         const std::string before = ReadFile(path);
         PressWhenBoxComes("No");
         Save();
-        ExpectBox(Replace(path));
+        ExpectBox("Warning: " + path + what + "  Replace it?");
         EXPECT_EQ(ReadFile(path), before);
         EXPECT_TRUE(IsEnabled(CommandId::kSave));
         PressWhenBoxComes("Yes");
@@ -73,6 +70,7 @@ class HistoryDocumentTest : public DocumentsTest {
         EXPECT_EQ(BoxesShown().size(), boxes);
     }
 
+    static constexpr const char* kHasChanged = " has changed since it was last read or saved.";
     std::string m_one;
     std::string m_other;
     std::string m_sameName;
@@ -130,7 +128,7 @@ TEST_F(HistoryDocumentTest, AFileThatSomebodyElseHasChangedIsAskedAbout) {
     StartWithEntry();
     directory.Write("a/one.tvn", ReadFile(m_other));
     OpenEntry();
-    ExpectToAskBeforeSaving(m_one);
+    ExpectToAskBeforeSaving(m_one, kHasChanged);
 }
 
 TEST_F(HistoryDocumentTest, ADocumentThatHasTakenItsPlaceIsAskedAbout) {
@@ -145,16 +143,21 @@ TEST_F(HistoryDocumentTest, ADocumentThatHasTakenItsPlaceIsAskedAbout) {
     ASSERT_EQ(Document().Path(), m_one);
     ASSERT_EQ(BoxesIn(m_one), 2U);
     OpenEntry();
-    ExpectToAskBeforeSaving(m_one);
+    ExpectToAskBeforeSaving(m_one, kHasChanged);
 }
 
-TEST_F(HistoryDocumentTest, WhereTheFileIsGoneItIsMadeAgain) {
+TEST_F(HistoryDocumentTest, AFileThatIsGoneIsAskedAboutBeforeItIsMadeAgain) {
     StartWithEntry();
     fs::remove(m_one);
     OpenEntry();
+    PressWhenBoxComes("No");
+    Save();
+    ExpectBox("Warning: " + m_one +
+              " is gone, which was there when it was last read or saved.  Save it again?");
+    EXPECT_FALSE(fs::exists(m_one));
+    PressWhenBoxComes("Yes");
     Save();
     EXPECT_EQ(BoxesIn(m_one), 1U);
-    EXPECT_THAT(BoxesShown(), IsEmpty());
 }
 
 TEST_F(HistoryDocumentTest, AnEntryOfAnEntryGoesBackToTheSameFile) {
@@ -214,7 +217,7 @@ TEST_F(HistoryDocumentTest, OfTwoNewDocumentsOneDoesNotReplaceTheOther) {
     Save();
     ASSERT_EQ(BoxesIn(directory / "docs/untitled.tvn"), 2U);
     OpenEntry();
-    ExpectToAskBeforeSaving(Document().Path());
+    ExpectToAskBeforeSaving(Document().Path(), " is there already.");
 }
 
 TEST_F(HistoryDocumentTest, ItsCopyInTheHistoryIsTheEntryByWhateverWayItIsOpened) {
@@ -240,11 +243,12 @@ TEST_F(HistoryDocumentTest, ADocumentWhoseFileSomebodyElseHasChangedAsks) {
     StartWithEntry();
     Change();
     directory.Write("b/other.tvn", ReadFile(m_sameName));
-    ExpectToAskBeforeSaving(m_other);
+    ExpectToAskBeforeSaving(m_other, kHasChanged);
 }
 
 TEST_F(HistoryDocumentTest, WhatExportAllHasWrittenIsTheDocumentsOwn) {
     StartWithEntry();
+    Document().SetForeign(false);
     Document().exportOptions.saveTavrn = 1;
     Document().exportOptions.tavrnPath = m_other;
     AddBoxes(1);
@@ -271,6 +275,7 @@ class CutDocumentTest : public HistoryDocumentTest {
                      "loses what was not read.  Save anyway?";
     }
     void ExportAll() {
+        Document().SetForeign(false);
         Document().exportOptions.saveTavrn = 1;
         Document().exportOptions.tavrnPath = m_cut;
         Do(CommandId::kExportAll);
@@ -321,6 +326,7 @@ TEST_F(CutDocumentTest, ItIsExportedOverItsFileOnlyIfThatIsWanted) {
 
 TEST_F(CutDocumentTest, AScriptAsksBeforeItExportsOverIt) {
     OpenCut();
+    Document().SetForeign(false);
     Document().exportOptions.saveTavrn = 1;
     Document().exportOptions.tavrnPath = m_cut;
     PressWhenBoxComes("No");

@@ -22,6 +22,7 @@ using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 // With a home of its own, in which nothing is set but HOME.
@@ -46,8 +47,18 @@ class ProgramTest : public FrameTest {
         const std::string name = "tavrin/tiny/tavrn.def";
         directory.Write(name, test::ReadFile(directory / name) + more);
     }
+    // Once it is there.
     std::string WorkDirOf(const RunningProgram& run) {
-        return directory / "tmp/tavrn." + std::to_string(run.Id());
+        const std::string prefix = "tavrn." + std::to_string(run.Id()) + ".";
+        std::string path;
+        EXPECT_TRUE(WaitUntil([&] {
+            std::error_code missing;
+            for (const auto& entry : fs::directory_iterator(directory / "tmp", missing)) {
+                if (entry.path().filename().string().starts_with(prefix)) path = entry.path();
+            }
+            return !path.empty() || !run.IsRunning();
+        }));
+        return path;
     }
     // Below the home, directories with a '/' behind.
     std::vector<std::string> Home(const std::string& below = {}, bool recursive = false) {
@@ -115,6 +126,16 @@ TEST_F(ProgramTest, AMissingDocumentIsToldInABoxAndOnStandardErrorAndEndsIt) {
     EXPECT_EQ(run.Status(), 1);
     EXPECT_THAT(run.Errors(), testing::AllOf(testing::StartsWith("tavrin: "), HasSubstr(path)));
     EXPECT_FALSE(fs::exists(work));
+}
+
+TEST_F(ProgramTest, WhatItPrintsOfANameCannotSteerATerminal) {
+    RunningProgram run = Tavrin({Shown(directory / "gone\x1b[2J\rx.tvn")});
+    run.Press("^Alert$", "Return");
+    EXPECT_EQ(run.Status(), 1);
+    EXPECT_THAT(run.Errors(), testing::AllOf(HasSubstr("gone\\x1b[2J\\rx.tvn"), Not(HasSubstr("\x1b"))));
+    RunningProgram option = Tavrin({Shown("--\x1b[2J")});
+    EXPECT_EQ(option.Status(), 2);
+    EXPECT_THAT(option.Errors(), HasSubstr("unknown option --\\x1b[2J;"));
 }
 
 TEST_F(ProgramTest, ADocumentOpensAndTheWindowTellsItsNameAndShaderType) {
@@ -214,6 +235,33 @@ TEST_F(ProgramTest, KilledItsWorkIsOfferedUntilItIsDiscarded) {
                 ElementsAre(".local/state/", ".local/state/tavrin/", ".local/state/tavrin/recovery/"));
 }
 
+// None of these ways out asks the program to do anything more.
+TEST_F(ProgramTest, WhateverEndsItsUnsavedWorkIsOffered) {
+    const std::string path = MakeDocument("work");
+    for (const int end : {SIGSEGV, SIGABRT, SIGBUS, 0}) {
+        RunningProgram run = Tavrin({Shown(path)});
+        const std::string work = WorkDirOf(run);
+        ChangeDocument(run, "work.tvn");
+        WaitForCopies(1);
+        if (end == 0) {
+            // The display goes away.
+            EXPECT_TRUE(Ask("xdotool", {"windowkill", run.Window("^work.tvn\\*$")}).ok);
+        } else {
+            run.Send(end);
+        }
+        EXPECT_NE(run.Status(), 0) << end;
+        RunningProgram next = Tavrin();
+        next.Press("^Recover$", "Return");
+        next.WaitForTitle("work.tvn\\*");
+        EXPECT_FALSE(fs::exists(work)) << "the next start clears it away";
+        next.Press("^work.tvn\\*$", "ctrl+s");
+        next.WaitForTitle("work.tvn");
+        WaitForCopies(0);
+        next.Press("^work.tvn$", "alt+F4");
+        EXPECT_EQ(next.Status(), 0);
+    }
+}
+
 TEST_F(ProgramTest, ChangesThatAreDiscardedAtTheEndLeaveNoCopy) {
     RunningProgram run = Tavrin();
     ChangeDocument(run, "Untitled.tvn");
@@ -239,6 +287,20 @@ TEST_F(ProgramTest, TwoProgramsAtOnceDoNotOfferEachOthersWork) {
     EXPECT_EQ(second.Status(), 128 + SIGTERM);
     EXPECT_THAT(Copies(), SizeIs(2));
     EXPECT_TRUE(first.IsRunning());
+}
+
+// Also while it is still on its way to its document.
+TEST_F(ProgramTest, EndedAtFirstSightItEnds) {
+    const std::string path = MakeDocument("work");
+    for (int round = 0; round < 3; ++round) {
+        RunningProgram closed = Tavrin({Shown(path)});
+        closed.Press("^(Untitled|work).tvn$", "alt+F4");
+        EXPECT_EQ(closed.Status(), 0);
+        RunningProgram signalled = Tavrin({Shown(path)});
+        signalled.Window("^(Untitled|work).tvn$");
+        signalled.Send(SIGTERM);
+        EXPECT_EQ(signalled.Status(), 128 + SIGTERM);
+    }
 }
 
 TEST_F(ProgramTest, EachSignalEndsItWithItsStatus) {
@@ -285,6 +347,36 @@ TEST_F(ProgramTest, ASignalEndsItsRenderAsWell) {
     EXPECT_EQ(run.Status(), 128 + SIGTERM);
     EXPECT_NE(::kill(child, 0), 0);
     EXPECT_FALSE(fs::exists(work));
+}
+
+TEST_F(ProgramTest, KilledItsRenderEndsAsWellWithWhatItStarted) {
+    // The one that the render starts is in a group of its own, and neither heeds a word.
+    fs::permissions(
+        directory.Write(
+            "tavrin/tiny/bin/renderit",
+            "#!/usr/bin/perl\n$SIG{$_} = 'IGNORE' for qw(TERM HUP PIPE);\n"
+            "sub note { open my $f, '>', \"$ENV{TAVRN_DIR}/../$_[0]\" or die; print $f \"$$\\n\"; }\n"
+            "if (!fork) { setpgrp; note('inner'); sleep 1 while 1; }\n"
+            "note('outer'); sleep 1 while 1;\n"),
+        fs::perms::owner_all);
+    const std::string path = MakeDocument("work");
+    RunningProgram run = Tavrin({Shown(path)});
+    run.Press("^work.tvn$", "F1");
+    for (const char* name : {"inner", "outer"}) {
+        ASSERT_TRUE(WaitUntil([&] {
+            return fs::exists(directory / name) && test::ReadFile(directory / name).ends_with('\n');
+        })) << name;
+    }
+    run.Send(SIGKILL);
+    EXPECT_EQ(run.Status(), -1);
+    for (const char* name : {"inner", "outer"}) {
+        const std::string stat =
+            "/proc/" + std::to_string(std::stoi(test::ReadFile(directory / name))) + "/stat";
+        EXPECT_TRUE(WaitUntil([&] {
+            const std::string state = test::ReadFile(stat);
+            return state.empty() || state.find(") Z ") != std::string::npos;
+        })) << name;
+    }
 }
 
 TEST_F(ProgramTest, AFatalStartTellsItsReasonAndEnds) {

@@ -220,6 +220,35 @@ sub function_name {
 	return $name =~ /^[A-Za-z]/ && !defined taken($name) ? $name : "shader_$name";
 }
 
+# ---------------------------------------------------------------- other files
+
+# The places where a shader would have the compiler read another file, as pairs of
+# a line number and the directive. The compiler opens what #include names before it
+# complains of anything, and quotes from it, so this has to find more than it
+# accepts: a directive in any place of a line, over continued lines, with comments
+# and odd blanks in it, within comments and strings. $help tells of a line, counted
+# from 0, whether it is one of the document's help text, which a comment of ours
+# holds for certain; words about directives may stand there.
+sub other_files {
+	my ($text, $help) = @_;
+	$text =~ s/\\(?:\r\n|\n|\r)/\x01/g;
+	my $gap = qr{(?:[\x00-\x09\x0b\x0c\x0e-\x20\x7f]|/\x01*\*.*?\*\x01*/)*}s;
+	my $letters = sub { join '\x01*', split //, $_[0] };
+	my $include = $letters->('include');
+	my $extension = $letters->('extension');
+	my @found;
+	while ($text =~ /(?=#$gap(?:$include|$extension$gap(\w(?:[\w\x01])*)))/g) {
+		my ($at, $name) = ($-[0], $1);
+		if (defined $name) {
+			$name =~ tr/\x01//d;
+			next if $name !~ /include/i;
+		}
+		my $line = substr($text, 0, $at) =~ tr/\n\x01//;
+		push @found, [$line + 1, defined $name ? "#extension $name" : '#include'] if !$help->($line);
+	}
+	return @found;
+}
+
 # ---------------------------------------------------------------- files
 
 # The lines of a file, without their line ends.

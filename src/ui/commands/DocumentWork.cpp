@@ -26,6 +26,8 @@ constexpr const char* kExtension = "tvn";
 
 DocumentWork::DocumentWork(Needs needs) : m_needs(std::move(needs)), m_work(m_needs.work) {
     m_work.exporter.AskBeforeLoss([this](const std::string& path) { return MayLoseUnread(path); });
+    m_work.exporter.AskBeforeReplacing(
+        [this](const std::string& path, DocumentFile::Now now) { return MayReplaceWhatIsThere(path, now); });
 }
 
 void DocumentWork::AddTo(CommandActions& commands) {
@@ -125,8 +127,23 @@ bool DocumentWork::SaveTo(const std::string& path, bool asNew) {
 
 bool DocumentWork::MayReplace(const std::string& path, bool wasChosen) {
     if (m_work.document.WouldLoseUnread(path)) return MayLoseUnread(path);
-    if (wasChosen || !m_work.document.Origin().file->HoldsOther()) return true;
-    return AskWarning(&m_needs.frame, Shown(path + " is there already.  Replace it?"));
+    return wasChosen || MayReplaceWhatIsThere(path, m_work.document.Origin().file->Look());
+}
+
+bool DocumentWork::MayReplaceWhatIsThere(const std::string& path, DocumentFile::Now now) {
+    switch (now) {
+        case DocumentFile::Now::kAsKnown:
+            return true;
+        case DocumentFile::Now::kUnknown:
+            return AskWarning(&m_needs.frame, Shown(path + " is there already.  Replace it?"));
+        case DocumentFile::Now::kChanged:
+            return AskWarning(&m_needs.frame, Shown(path + " has changed since it was last read or saved."
+                                                           "  Replace it?"));
+        case DocumentFile::Now::kGone:
+            break;
+    }
+    return AskWarning(&m_needs.frame, Shown(path + " is gone, which was there when it was last read or saved."
+                                                   "  Save it again?"));
 }
 
 bool DocumentWork::MayLoseUnread(const std::string& path) {

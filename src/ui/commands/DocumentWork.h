@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "document/DocumentFile.h"
+
 class QWidget;
 
 namespace tavrin {
@@ -54,6 +56,7 @@ class DocumentWork {
     // asked about there.
     bool MayReplace(const std::string& path, bool wasChosen);
     bool MayLoseUnread(const std::string& path);
+    bool MayReplaceWhatIsThere(const std::string& path, DocumentFile::Now now);
 
     Needs m_needs;
     Workspace& m_work;

@@ -34,7 +34,8 @@ std::string ShortcutTarget(const std::string& path) {
 void OpenDocumentation(Site& site) {
     const std::string path = JoinPath(site.directories.tavrnDir, "Readme.url");
     const std::string target = ShortcutTarget(path);
-    if (!target.empty() && site.commands.RunCommand("xdg-open \"" + target + "\"", false)) return;
+    if (!target.empty() && site.commands.StartProgram({"xdg-open", target}, "xdg-open \"" + target + "\""))
+        return;
     site.report.Alert("unable to open %s", path.c_str());
 }
 

@@ -7,8 +7,10 @@
 
 #include "app/Workspace.h"
 #include "base/Paths.h"
+#include "text/VisibleText.h"
 #include "ui/base/Text.h"
 #include "ui/commands/CommandActions.h"
+#include "ui/dialogs/Messages.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/render/SelectLocation.h"
 
@@ -43,6 +45,7 @@ RenderWork::RenderWork(Needs needs) : m_needs(std::move(needs)), m_work(m_needs.
     m_forget.setInterval(kForget);
     m_forget.callOnTimeout([this] { m_needs.statusBox.SetActivity({}); });
     Commands& commands = m_work.app.GetSite().commands;
+    m_work.exporter.AskBeforeForeign([this](const ExportPlan& plan) { return MayFollow(plan); });
     commands.OnWait([this](auto elapsed) { OnWait(elapsed); });
     commands.OnChildEnd([this](int exitCode) { OnChildEnd(exitCode); });
 }
@@ -122,9 +125,22 @@ void RenderWork::ExportAll() {
     m_work.app.RestoreWorkDirectory();
     const QString name = Shown(m_work.session.ShaderName());
     const Step step(*this, "Saving shader " + name);
-    if (m_work.exporter.Export(m_work.document.exportOptions)) {
+    if (m_work.exporter.ExportAll()) {
         StartWatching("Exporting " + name, "Exported " + name);
     }
+}
+
+bool RenderWork::MayFollow(const ExportPlan& plan) {
+    TrustStore& trust = m_work.app.Trust();
+    if (trust.Holds(TrustStore::Kind::kExports, plan.digest)) return true;
+    std::string text = VisibleOneLine(m_work.document.Path()) +
+                       " was not saved by you on this machine.  What it wants exported will\n";
+    for (const std::string& line : plan.lines) text += "\n  " + line;
+    if (!AskWarning(&m_needs.frame, Shown(text + "\n\nExport?"))) return false;
+    trust.Add(TrustStore::Kind::kExports, plan.digest);
+    // What the user changes of it from here on is the user's own.
+    m_work.document.SetForeign(false);
+    return true;
 }
 
 void RenderWork::ExportOne(ExportKind kind) {

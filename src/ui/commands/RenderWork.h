@@ -62,6 +62,8 @@ class RenderWork {
   private:
     void AddExports(CommandActions& commands);
     void AddViews(CommandActions& commands);
+    // Shows what a document from elsewhere wants, and asks, unless the user has agreed to that before.
+    bool MayFollow(const ExportPlan& plan);
     void OpenView(const QString& step, const std::function<std::optional<std::string>()>& view);
     void StartWatching(const QString& doing, const QString& done);
     void Watch();

@@ -6,9 +6,12 @@
 #include <QMimeData>
 #include <QSplitter>
 #include <QTimer>
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
+#include "forms/FormWidget.h"
+#include "text/VisibleText.h"
 #include "ui/base/Text.h"
 #include "ui/commands/DeskWork.h"
 #include "ui/commands/DocumentWork.h"
@@ -56,6 +59,30 @@ void MainFrame::OnChange(const Change& change) {
     m_windows->Tell(&ToolWindow::Follow, change);
     SetLocked(m_work->document.lock != 0);
     m_idle.Request();
+}
+
+void MainFrame::AskAboutCommands() {
+    constexpr size_t kMostLines = 20;
+    const LocalCommands* commands = m_app.WaitingCommands();
+    if (commands == nullptr) return;
+    std::string text = "The site file " + VisibleOneLine(commands->path) + " names commands:\n";
+    const std::vector<std::string> lines = commands->Lines();
+    for (size_t i = 0; i < std::min(lines.size(), kMostLines); ++i) text += "\n  " + lines[i];
+    if (lines.size() > kMostLines)
+        text += "\n  and " + std::to_string(lines.size() - kMostLines) + " more, which the file shows";
+    text += "\n\nMay they be run?  You are asked once, until the file changes.";
+    m_app.AnswerForCommands(AskWarning(this, Shown(text)));
+}
+
+void MainFrame::Dispatch(const FormAction& action) {
+    if (action.isHeld) {
+        GetSite().report.Alert(
+            "%s is not run: the site file of the current directory names it, and you have "
+            "not agreed to its commands",
+            action.argument.c_str());
+        return;
+    }
+    ActionDispatch().DoAction(action.to, action.message, action.argument);
 }
 
 void MainFrame::LibraryChanged() {

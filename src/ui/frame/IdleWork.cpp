@@ -38,7 +38,10 @@ bool IdleWork::CheckStart() {
     m_startupChecked = true;
     const auto problem = m_app.StartUpProblem();
     if (!problem) {
+        // It may ask: an alert that waits comes behind its questions.
+        m_isShowing = true;
         m_needs.started();
+        m_isShowing = false;
         return true;
     }
     if (problem->isFatalError) {

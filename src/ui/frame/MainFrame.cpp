@@ -37,6 +37,7 @@ namespace {
 constexpr QSize kFirstSize(1280, 860);  // of a frame that was never placed
 constexpr QSize kWindowBorder(16, 48);  // room for what the window manager draws round it
 constexpr int kToolIcon = 20;           // pixels a side
+constexpr int kTimeToRead = 10;         // seconds, of a warning
 
 CStatusBox* MakeStatusBox(QWidget* frame, Site& site) {
     float background[3] = {0.76F, 0.76F, 0.76F};
@@ -73,7 +74,7 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
       m_sink(std::make_unique<Sink>(GetSite().report, *m_log, m_idle)) {
     TakePlace();
     auto splash = showSplash ? std::make_unique<Splash>(this, m_app.ProductVersion()) : nullptr;
-    m_app.LoadSiteDefaults();
+    m_app.LoadSiteDefaults(LocalCommandsRule::kAsk);
     m_work = std::make_unique<Workspace>(m_app, DocumentCommands::Announce::kYes);
     m_work->document.KeepHistory();
     CreateClientArea();
@@ -147,7 +148,9 @@ void MainFrame::CreateBars() {
 }
 
 void MainFrame::CreateWork() {
-    m_safetyCopies = std::make_unique<SafetyCopies>(*m_work);
+    m_safetyCopies = std::make_unique<SafetyCopies>(*m_work, m_queue, [this](const std::string& failure) {
+        m_statusBox->SetStatus("WARNING: " + failure, kTimeToRead);
+    });
     m_renders = std::make_unique<RenderWork>(RenderWork::Needs{
         *this, *m_work, *m_statusBox, [this] { m_windows->Tell(&ToolWindow::HistoryChanged); }});
     m_documents = std::make_unique<DocumentWork>(
@@ -162,9 +165,7 @@ void MainFrame::CreateWork() {
 void MainFrame::CreateWindows() {
     m_windows = std::make_unique<FrameWindows>(
         WindowNeeds{*this, *m_work, *m_desk, *m_documents, *m_operators, *m_log,
-                    [this](const FormAction& action) {
-                        ActionDispatch().DoAction(action.to, action.message, action.argument);
-                    }},
+                    [this](const FormAction& action) { Dispatch(action); }},
         m_commands);
     m_windows->OnShownOrHidden([this] { m_idle.Request(); });
     m_scripts = std::make_unique<ScriptWork>(ScriptWork::Needs{
@@ -189,6 +190,7 @@ void MainFrame::StartIdleWork(std::unique_ptr<Splash> splash) {
         close();
     };
     const auto started = [this] {
+        AskAboutCommands();
         const auto settle = [this] { return m_documents->SettleChanges(); };
         m_safetyCopies->OfferLeftovers(*this, settle);
     };

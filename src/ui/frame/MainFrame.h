@@ -28,6 +28,7 @@ class CStatusBox;
 class DeskPane;
 class DeskWork;
 class DocumentWork;
+struct FormAction;
 class OperatorToolBar;
 class OperatorWork;
 class OptionWork;
@@ -98,6 +99,11 @@ class MainFrame : public QMainWindow, private TitleView {
     void AddCommands();
     void StartIdleWork(std::unique_ptr<Splash> splash);
 
+    // Whether the commands of the current directory's site file may be run; No unless the user says
+    // otherwise.
+    void AskAboutCommands();
+    // What a widget of the form sends.
+    void Dispatch(const FormAction& action);
     void OnChange(const Change& change);
     void LibraryChanged();
     void SetLocked(bool locked);

@@ -13,6 +13,8 @@ namespace tavrin {
 
 namespace {
 
+constexpr std::chrono::microseconds kSlice{2000};  // of the time between two frames
+
 enum class Answer { kRecover, kDiscard, kLater };
 
 Answer AskAbout(QWidget& frame, const Recovery::Found& found) {
@@ -35,16 +37,50 @@ Answer AskAbout(QWidget& frame, const Recovery::Found& found) {
 
 }  // namespace
 
-SafetyCopies::SafetyCopies(Workspace& work)
-    : m_work(work), m_recovery(StateDirectory(work.app.GetSite().environment), work.app.GetSite().report) {
-    const int interval = Recovery::IntervalOf(work.app.GetSite().settings);
-    m_timer.callOnTimeout([this] { Update(); });
-    if (interval > 0) m_timer.start(std::chrono::seconds(interval));
+SafetyCopies::SafetyCopies(Workspace& work, MainThreadQueue& queue,
+                           std::function<void(const std::string&)> tell)
+    : m_work(work),
+      m_recovery(StateDirectory(work.app.GetSite().environment), work.app.GetSite().report, queue),
+      m_snapshot(work.document, work.app) {
+    m_recovery.OnFailure(std::move(tell));
+    m_look.callOnTimeout([this] { Look(); });
+    m_prepare.callOnTimeout([this] { Prepare(); });
+    // The other half is for making the text and writing it.
+    const std::chrono::seconds interval(Recovery::IntervalOf(work.app.GetSite().settings));
+    if (interval.count() > 0) m_look.start(std::chrono::milliseconds(interval) / 2);
 }
 
-void SafetyCopies::Update() { m_recovery.Update(m_work.document); }
+bool SafetyCopies::IsInSafety() const { return m_hasCopy && m_snapshot.IsUpToDate(); }
 
-void SafetyCopies::Discard() { m_recovery.Discard(); }
+void SafetyCopies::Look() {
+    if (!m_work.document.IsModified()) {
+        if (m_hasCopy) Discard();
+    } else if (!m_prepare.isActive() && (!IsInSafety() || m_recovery.IsFailing())) {
+        m_patience = QDeadlineTimer(m_look.intervalAsDuration() / 2);
+        m_prepare.start(0);
+    }
+}
+
+// Edits that come thick and fast do not put it off for ever.
+void SafetyCopies::Prepare() {
+    if (!m_snapshot.Advance(kSlice) && !m_patience.hasExpired()) return;
+    m_prepare.stop();
+    if (!m_work.document.IsModified()) return;
+    m_recovery.UpdateBehind(m_work.document, m_snapshot);
+    m_hasCopy = true;
+}
+
+void SafetyCopies::Update() {
+    m_prepare.stop();
+    m_recovery.Update(m_work.document);
+    m_hasCopy = true;
+}
+
+void SafetyCopies::Discard() {
+    m_prepare.stop();
+    m_recovery.Discard();
+    m_hasCopy = false;
+}
 
 void SafetyCopies::OfferLeftovers(QWidget& frame, const std::function<bool()>& settleChanges) {
     for (const Recovery::Found& found : m_recovery.FindLeftovers()) {
@@ -53,6 +89,7 @@ void SafetyCopies::OfferLeftovers(QWidget& frame, const std::function<bool()>& s
                 // One document holds one copy; the others are offered by the next start.
                 if (!settleChanges()) return;
                 m_recovery.Restore(found, m_work.commands, m_work.document);
+                m_hasCopy = true;
                 return;
             case Answer::kDiscard:
                 m_recovery.Remove(found);

@@ -2,11 +2,12 @@
 // Copies of unsaved work, written aside now and then, and offered after a start that follows a crash.
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QTimer>
 #include <functional>
-#include <memory>
 
 #include "app/Recovery.h"
+#include "document/DocumentSnapshot.h"
 
 class QWidget;
 
@@ -14,10 +15,12 @@ namespace tavrin {
 
 struct Workspace;
 
-// Belongs to the frame.
+// Belongs to the frame. The text is made in idle moments, a slice at a time, and written by another thread: a
+// copy of a long document holds up no gesture, and the end of the main thread holds up no copy.
 class SafetyCopies {
   public:
-    explicit SafetyCopies(Workspace& work);
+    // `tell` is for the user, when copies cannot be written.
+    SafetyCopies(Workspace& work, MainThreadQueue& queue, std::function<void(const std::string&)> tell);
 
     // What is unsaved goes aside now.
     void Update();
@@ -28,9 +31,17 @@ class SafetyCopies {
     void OfferLeftovers(QWidget& frame, const std::function<bool()>& settleChanges);
 
   private:
+    bool IsInSafety() const;
+    void Look();
+    void Prepare();
+
     Workspace& m_work;
     Recovery m_recovery;
-    QTimer m_timer;
+    DocumentSnapshot m_snapshot;
+    QTimer m_look;     // whether there is something to copy
+    QTimer m_prepare;  // runs while there is, whenever the program is idle
+    QDeadlineTimer m_patience;
+    bool m_hasCopy = false;  // there may be one
 };
 
 }  // namespace tavrin

@@ -7,7 +7,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-#include "base/Files.h"
+#include "base/ReplaceFile.h"
 #include "ui/base/Text.h"
 #include "ui/dialogs/FileDialogs.h"
 #include "ui/dialogs/Messages.h"

@@ -15,6 +15,8 @@
 #include "app/TvApp.h"
 #include "app/Version.h"
 #include "base/Interruption.h"
+#include "base/Warden.h"
+#include "text/VisibleText.h"
 #include "ui/base/IniProfile.h"
 #include "ui/base/QtQueue.h"
 #include "ui/base/Text.h"
@@ -39,12 +41,19 @@ std::string ProgramPath(const char* invokedAs) {
     return unknown ? invokedAs : path;
 }
 
+// Names from outside may hold anything, and standard error may be a terminal.
+void PrintError(const std::string& text) {
+    VisibleText visible;
+    const std::string line = visible.Add("tavrin: " + text + "\n");
+    std::fputs(line.c_str(), stderr);
+}
+
 // The document of the command line. If that cannot be opened, the program ends.
 bool OpenNamedDocument(MainFrame& frame, Report& report, const std::string& path) {
     if (path.empty() || frame.OpenDocumentFile(path)) return true;
     const auto alert = report.TakePending();
     const std::string text = alert ? alert->text : "unable to open " + path;
-    std::fprintf(stderr, "tavrin: %s\n", text.c_str());
+    PrintError(text);
     ShowStop(nullptr, "Alert", Shown(text));
     return false;
 }
@@ -70,7 +79,7 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
     Report report;
     IniProfile profile;
     CTvApp app(report, queue, Environment::FromProcess(), programPath);
-    int status = EXIT_FAILURE;
+    int status = EXIT_SUCCESS;
     {
         MainFrame frame({app, queue, profile}, true);
         // Called on a thread of its own. What is unsaved goes aside before the loop ends.
@@ -81,12 +90,16 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
                 QCoreApplication::exit(EXIT_FAILURE);
             });
         });
-        frame.show();
-        // A long document is opened before the user's eyes.
-        if (!documentPath.empty()) WaitForWindows();
-        // The desk may have failed before there is a loop that could be left.
-        if (OpenNamedDocument(frame, report, documentPath) && !frame.HasFailed())
-            status = QApplication::exec();
+        // Within the loop: whatever ends the program meanwhile has a loop that it can end.
+        const auto start = [&] {
+            frame.show();
+            // A long document is opened before the user's eyes.
+            if (!documentPath.empty()) WaitForWindows();
+            if (frame.IsClosed()) return;
+            if (!OpenNamedDocument(frame, report, documentPath)) QCoreApplication::exit(EXIT_FAILURE);
+        };
+        QMetaObject::invokeMethod(&frame, start, Qt::QueuedConnection);
+        status = QApplication::exec();
         if (frame.HasFailed()) status = frame.ExitStatusOfFailure();
         if (interruption.Signal() != 0) status = kSignalBase + interruption.Signal();
     }
@@ -97,10 +110,11 @@ int RunWindows(const std::string& programPath, const std::string& documentPath) 
 // Ends the process with everything settled. The toolkit and the display's driver would join their threads and
 // give back their memory piece by piece, which on a busy machine takes long after the window has gone. A text
 // that was copied has still to be handed on by the toolkit, and a sanitizer looks for leaks at the end.
-int End(int status) {
+int End(int status, [[maybe_unused]] Warden& warden) {
 #ifndef __SANITIZE_ADDRESS__
     if (!QGuiApplication::clipboard()->ownsClipboard()) {
         std::fflush(nullptr);
+        warden.Dismiss();
         std::_Exit(status);
     }
 #endif
@@ -122,12 +136,14 @@ int RunProgram(int& argc, char** argv) {
         return EXIT_SUCCESS;
     }
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of the write
+    Warden warden;                  // before the toolkit has threads
     Interruption::Block();
     QSurfaceFormat::setDefaultFormat(DeskFormat());
     QApplication application(argc, argv);
     options = ParseProgramOptions({argv + 1, argv + argc});
     if (!options.error.empty()) {
-        std::fprintf(stderr, "tavrin: %s\n", options.error.c_str());
+        PrintError(options.error);
         return kWrongCommandLine;
     }
     QApplication::setApplicationName("tavrin");
@@ -135,11 +151,11 @@ int RunProgram(int& argc, char** argv) {
     QApplication::setWindowIcon(ApplicationIcon());
     QApplication::setQuitOnLastWindowClosed(false);
     if (const std::string fault = PlatformFault(); !fault.empty()) {
-        std::fprintf(stderr, "tavrin: %s\n", fault.c_str());
+        PrintError(fault);
         ShowStop(nullptr, "Fatal Error", Shown(fault));
         return EXIT_FAILURE;
     }
-    return End(RunWindows(ProgramPath(argv[0]), options.documentPath));
+    return End(RunWindows(ProgramPath(argv[0]), options.documentPath), warden);
 }
 
 }  // namespace tavrin

@@ -80,8 +80,7 @@ void ClickOnToolBar(QMainWindow& frame, const char* toolBar, QAction& action) {
 }
 
 void PressKeys(const QString& keys) {
-    ASSERT_TRUE(WaitUntil([] { return QGuiApplication::focusWindow() != nullptr; }))
-        << "no window of the program has the focus";
+    ASSERT_TRUE(HasFocus()) << "no window of the program has the focus";
     QWindow* window = QGuiApplication::focusWindow();
     const QKeySequence sequence(keys);
     ASSERT_EQ(sequence.count(), 1) << Bytes(keys);

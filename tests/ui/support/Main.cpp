@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The windows' tests' main: one application for all tests of the process.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QApplication>
 
@@ -10,6 +11,7 @@
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    ::umask(022);  // site files that tests write are not for a group to write
     QSurfaceFormat::setDefaultFormat(tavrin::DeskFormat());
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

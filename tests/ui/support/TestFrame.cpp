@@ -71,6 +71,9 @@ FrameTest::FrameTest() {
     directory.Write("tavrin/tiny/menu/0300.Patterns/0010.Checks", constant);
     directory.Write("tavrin/tiny/menu/0400.Shapes/0010.Disc", constant);
     MakeExecutable(directory.Write("editor", kEditor));
+    // Unsaved work is put aside when a test says so, not when it happens to take long.
+    directory.Write("tavrin/tiny/tavrn.def",
+                    ReadFile(installation + "/tiny/tavrn.def") + "autosave.interval 0\n");
 
     environment = Environment::FromProcess();
     environment.Set("TAVRN_DIR", installation);

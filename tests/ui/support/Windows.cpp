@@ -100,38 +100,31 @@ class Activation {
 
 // Under load the window manager may take the focus from a window and give it back so late that the toolkit
 // takes the program for left; and sometimes it then never hears of the return. Nobody works beside the tests,
-// so the window that had the focus last gets it back, as long as it is there.
+// so who needs the focus asks for it again, for the window that had it last.
 class FocusKeeper : public QObject {
   public:
     FocusKeeper() {
-        m_ask.setInterval(kAskAgainInMs);
-        connect(&m_ask, &QTimer::timeout, this, [this] { Ask(); });
         connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* window) {
             if (window != nullptr) m_last = QWidget::find(window->winId());
-            if (window == nullptr) m_ask.start();
         });
     }
-    void Forget() {
-        m_ask.stop();
-        m_activation.reset();
-        m_last.clear();
+    void Forget() { m_last.clear(); }
+
+    // Waits for the condition, which wants a window of the program to have the focus.
+    bool WaitFor(const std::function<bool()>& condition) const {
+        std::unique_ptr<Activation> activation;
+        return WaitUntil([&] {
+            const bool hasFocus = QGuiApplication::focusWindow() != nullptr;
+            if (activation == nullptr && hasFocus) return condition();
+            if (m_last == nullptr || !m_last->isVisible() || m_last->isMinimized()) return condition();
+            if (activation == nullptr) activation = std::make_unique<Activation>(*m_last);
+            if (activation->IsDone()) activation.reset();
+            return activation == nullptr && condition();
+        });
     }
 
   private:
-    void Ask() {
-        const bool isThere = m_last != nullptr && m_last->isVisible() && !m_last->isMinimized();
-        if (!isThere || (QGuiApplication::focusWindow() != nullptr && m_activation == nullptr)) {
-            m_activation.reset();
-            m_ask.stop();
-            return;
-        }
-        if (m_activation == nullptr) m_activation = std::make_unique<Activation>(*m_last);
-        if (m_activation->IsDone()) m_activation.reset();
-    }
-
     QPointer<QWidget> m_last;
-    QTimer m_ask;
-    std::unique_ptr<Activation> m_activation;
 };
 FocusKeeper* g_focus = nullptr;
 
@@ -205,11 +198,15 @@ void GiveFocus(QWidget& widget) {
 }
 
 bool HasFocus(const QWidget& widget) {
-    return WaitUntil([&] { return widget.hasFocus(); });
+    return g_focus->WaitFor([&] { return widget.hasFocus(); });
+}
+
+bool HasFocus() {
+    return g_focus->WaitFor([] { return QGuiApplication::focusWindow() != nullptr; });
 }
 
 QWidget& FocusWidget() {
-    if (!WaitUntil([] { return QApplication::focusWidget() != nullptr; }))
+    if (!g_focus->WaitFor([] { return QApplication::focusWidget() != nullptr; }))
         throw std::logic_error("nothing has the focus");
     return *QApplication::focusWidget();
 }

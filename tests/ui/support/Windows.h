@@ -35,6 +35,8 @@ void GiveFocus(QWidget& widget);
 // Whether the widget has the focus, or gets it back when late word of the window manager has taken it from
 // the whole program. To be asked of what should have it.
 bool HasFocus(const QWidget& widget);
+// The same for any window of the program.
+bool HasFocus();
 // What has the focus, in the same way.
 QWidget& FocusWidget();
 
