@@ -306,7 +306,7 @@ inline void DeskWalkTest::Look() {
     EXPECT_EQ(invariants.Look(walk->Selected()), "");
     EXPECT_EQ(auditor.Look(), "");
     EXPECT_EQ(document.edits.StrayEdits(), 0);
-    EXPECT_EQ(TextOf(snapshot.Take()), document.Snapshot());
+    EXPECT_EQ(tavrin::TextOf(snapshot.Take()), document.Snapshot());
 }
 
 inline void DeskWalkTest::LookCloser() {
