@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Undo among 5,000 boxes: what the end of an act costs for the history, and what an undo costs. The floor of each is the
-// same act in a document that keeps no history.
+// Undo among 5,000 boxes: what the end of an act costs for the history, and what an undo costs. The floor of
+// each is the same act in a document that keeps no history.
 #include "bench/BenchNetwork.h"
 #include "desk/OpDesk.h"
 
@@ -10,7 +10,9 @@ using namespace tavrin;
 
 constexpr int kBoxes = 5000;
 
-void Print(const char* what, double milliseconds) { std::printf("undo %-36s %9.3f ms\n", what, milliseconds); }
+void Print(const char* what, double milliseconds) {
+    std::printf("undo %-36s %9.3f ms\n", what, milliseconds);
+}
 
 class Bench {
   public:

@@ -27,8 +27,8 @@ class UndoWalk : public test::DeskWalkTest {
         m_prints.clear();
     }
 
-    // What stands at the place to which an edit has led from another. Of several steps of one edit only the last place
-    // is known, and what followed `before` has been given up.
+    // What stands at the place to which an edit has led from another. Of several steps of one edit only the
+    // last place is known, and what followed `before` has been given up.
     void Note(size_t before) {
         const size_t place = History().Place();
         const std::string now = PrintNetwork(document);
@@ -120,13 +120,15 @@ TEST_P(UndoWalk, EveryPlaceIsTheNetworkThatStoodThere) {
         const size_t before = History().Place();
         walk->Step();
         if (document.lock == 0 && step % 3 == 0) Tune();
+        Look();
+        if (invariants.HidesACycle()) CutOneSidedWires();
         Note(before);
         if (step % kBetweenTravels == 0 && document.lock == 0) {
             Travel();
             invariants.TakeAsItIs();
+            Look();
             ExpectLaidOut();
             ExpectListed();
-            EXPECT_EQ(auditor.Look(), "");
         }
         if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk->Name();
     }

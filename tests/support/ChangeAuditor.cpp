@@ -75,7 +75,7 @@ std::string WiresOf(const COpButton& button) {
     return text.str();
 }
 
-std::string SettingsOf(const CTvDoc& document) {
+std::string SettingsText(const CTvDoc& document) {
     std::ostringstream text;
     text << document.showiconimages << document.linetype << document.drawlinesoverboxes
          << document.showvarnames << document.lock;
@@ -119,7 +119,7 @@ ChangeAuditor::Picture ChangeAuditor::Take() const {
     }
     for (const auto& [serial, text] : wires) picture.wires += text;
     for (const auto& [name, value] : m_document.m_renderOptions) picture.options += name + '=' + value + '\n';
-    picture.settings = SettingsOf(m_document);
+    picture.settings = SettingsText(m_document);
     return picture;
 }
 

@@ -20,7 +20,7 @@ std::string DeskInvariants::Look(const Buttons& selected) {
     for (const Boxes* place : {&m_network, &m_pending, &m_clipboard}) {
         for (const COpBox* box : *place) CheckButtons(*box, *place);
     }
-    CheckNewPairs(selected);
+    if (!std::exchange(m_isTaken, false)) CheckNewPairs(selected);
     CheckInstances();
     CheckReferences();
     if (const COpBox* box = BoxOfACycle(m_wired)) Fail("a cycle", box);
@@ -30,6 +30,7 @@ std::string DeskInvariants::Look(const Buttons& selected) {
 void DeskInvariants::TakeAsItIs() {
     m_known.clear();
     for (const auto& box : m_document.m_boxes) m_known.insert(box->Serial());
+    m_isTaken = true;
 }
 
 template <typename List>

@@ -22,7 +22,8 @@ class DeskInvariants {
     // some time of the edit: only wiring from an output again what it feeds already leaves a wire that the
     // output does not know of.
     std::string Look(const Buttons& selected);
-    // The desk holds other boxes now, which were numbered by a file.
+    // The desk holds another network now, as a file or the history has it: of what the rules about changes
+    // look at nothing has changed at the next look.
     void TakeAsItIs();
 
     // The wires that only their input knows of, and the whole ones, as output and input.
@@ -58,6 +59,7 @@ class DeskInvariants {
     Pairs m_oneSided;
     Pairs m_wiredBefore;
     Pairs m_oneSidedBefore;
+    bool m_isTaken = false;  // since the last look
 };
 
 }  // namespace tavrin::test

@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 
+#include "base/Paths.h"
 #include "document/TvDoc.h"
 #include "library/ValueVisitor.h"
 
@@ -85,9 +86,10 @@ std::string PrintNetwork(const CTvDoc& document) {
     const CExportOptions& options = document.exportOptions;
     text << '\n'
          << options.saveTavrn << options.saveSource << options.saveCompiled << options.saveShaderIface
-         << options.saveRenderIface << options.runPostSave << ' ' << options.tavrnPath << ' '
-         << options.compiledPath << ' ' << options.sourcePath << ' ' << options.shaderIfacePath << ' '
-         << options.renderIfacePath << ' ' << options.postSaveScript << '\n'
+         << options.saveRenderIface << options.runPostSave << ' ' << PathDir(options.tavrnPath) << ' '
+         << PathDir(options.compiledPath) << ' ' << PathDir(options.sourcePath) << ' '
+         << PathDir(options.shaderIfacePath) << ' ' << PathDir(options.renderIfacePath) << ' '
+         << options.postSaveScript << '\n'
          << document.customshaderhelp << '\n';
     return text.str();
 }

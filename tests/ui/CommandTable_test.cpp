@@ -215,7 +215,8 @@ TEST_F(CommandTableTest, TheMenusHoldTheirItemsInOrder) {
               "New|Open...|Merge...|-|Save|Save As...|-|Export Options...|Export >|Export All|-|"
               "Run Script...|Halt Script|-|Recent Files|-|-|Exit");
     EXPECT_EQ(Bytes(Items("Edit").join('|')),
-              "Undo|Redo|Undo History|-|Render History|-|Cut|Copy|Paste|Delete|-|Select All Boxes|Unselect All Boxes|-|"
+              "Undo|Redo|Undo History|-|Render History|-|Cut|Copy|Paste|Delete|-|Select All Boxes|Unselect "
+              "All Boxes|-|"
               "Stow All Sliders|Unstow All Sliders|-|Pin All Sliders|Unpin All Sliders|-|"
               "Lock All Sliders|Unlock All Sliders");
     EXPECT_EQ(Bytes(Items("Find").join('|')), "Box Finder|Menu Finder");
@@ -277,11 +278,12 @@ TEST_F(CommandTableTest, TheToolbarHasItsButtonsInOrder) {
         places << (item->isSeparator() ? "-" : item->objectName());
         EXPECT_EQ(item->icon().isNull(), item->isSeparator()) << Bytes(item->text());
     }
-    EXPECT_EQ(Bytes(places.join(' ')),
-              "57600 57601 57603 - 32898 32900 - 57643 57644 - 57635 57634 57637 - 32775 32776 - 32844 32845 - "
-              "32846 32847 - 32848 32849 - 32908 32907 - 32777 32778 32779 32780 - "
-              "32864 32787 32788 32789 32790 32800 - 32792 32793 - 32781 32782 32906 32794 - "
-              "32889 32892 - 32797 57664");
+    EXPECT_EQ(
+        Bytes(places.join(' ')),
+        "57600 57601 57603 - 32898 32900 - 57643 57644 - 57635 57634 57637 - 32775 32776 - 32844 32845 - "
+        "32846 32847 - 32848 32849 - 32908 32907 - 32777 32778 32779 32780 - "
+        "32864 32787 32788 32789 32790 32800 - 32792 32793 - 32781 32782 32906 32794 - "
+        "32889 32892 - 32797 57664");
 }
 
 TEST_F(CommandTableTest, TheToolbarOfAFreshFrameShowsAllItsButtons) {

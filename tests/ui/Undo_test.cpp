@@ -22,7 +22,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr const char* kForm =
-    "roe {\nxfield {\nenvname DEPTH\noptionlabel Depth\nvalue 2\n}\nchooser {\nenvname TAVRN_SHADER_TYPE\nvalue "
+    "roe {\nxfield {\nenvname DEPTH\noptionlabel Depth\nvalue 2\n}\nchooser {\nenvname "
+    "TAVRN_SHADER_TYPE\nvalue "
     "surface\nchoosercontents {\nsurface\nmetal\n}\n}\n}\n";
 
 class Undo : public test::DocumentsTest, public test::FormHands {
@@ -225,8 +226,7 @@ TEST_F(Undo, AScriptsEditsAreSteps) {
     AddToSite(kForm);
     StartWithBoxes(1);
     App().SetVariable("DEPTH", "9", true);
-    ASSERT_TRUE(
-        Frame().ActionDispatch().RunScriptFile(directory.Write("it.tvx", "roe use-defaults x\n")));
+    ASSERT_TRUE(Frame().ActionDispatch().RunScriptFile(directory.Write("it.tvx", "roe use-defaults x\n")));
     EXPECT_EQ(Document().m_renderOptions["DEPTH"], "2");
     EXPECT_EQ(MenuText(CommandId::kUndo), "Undo Default Options");
     Do(CommandId::kUndo);
