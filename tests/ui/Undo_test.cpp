@@ -72,6 +72,7 @@ TEST_F(Undo, TheKeysTakeBackAndDoAgainAndTheMenuNamesTheAct) {
     StartWithBoxes(3);
     EXPECT_EQ(MenuText(CommandId::kUndo), "Undo");
     Desk().SelectAllBoxes();
+    Settle();
     PressKeys("Delete");
     ASSERT_EQ(Boxes(), 0U);
     EXPECT_EQ(MenuText(CommandId::kUndo), "Undo Delete");
@@ -143,7 +144,7 @@ TEST_F(Undo, AFieldTakesBackItsOwnTypingAndTheDeskTheWholeRun) {
 TEST_F(Undo, ARunEndsWhereTheFocusLeavesTheField) {
     StartWithBoxes(1);
     NumberField& field = ValueField();
-    for (const char* text : {"0.25", "0.5"}) {
+    for (const char* text : {"0.125", "0.5"}) {
         test::GiveFocus(field);
         field.selectAll();
         QTest::keyClicks(&field, text);
@@ -151,15 +152,18 @@ TEST_F(Undo, ARunEndsWhereTheFocusLeavesTheField) {
     }
     EXPECT_EQ(History().Count(), 2U);
     PressKeys("Ctrl+Z");
-    EXPECT_EQ(ValueAt(), 0.25F);
-    EXPECT_EQ(ValueField().text().toFloat(), 0.25F) << "the field shows it";
+    EXPECT_EQ(ValueAt(), 0.125F);
+    EXPECT_EQ(ValueField().text().toFloat(), 0.125F) << "the field shows it";
 }
 
 TEST_F(Undo, ADeletedBoxComesBackWithItsFrames) {
     StartWithBoxes(1);
     ValueField();
     ASSERT_EQ(Frame().SliderDesk().Frames().size(), BoxAt(0).inputs.size());
+    test::FocusOn(Frame().Desk());
+    Settle();
     PressKeys("Delete");
+    EXPECT_EQ(Boxes(), 0U);
     EXPECT_TRUE(Frame().SliderDesk().Frames().empty());
     PressKeys("Ctrl+Z");
     EXPECT_EQ(Frame().SliderDesk().Frames().size(), BoxAt(0).inputs.size());

@@ -82,12 +82,16 @@ void CommandActions::SetText(CommandId id, const QString& text) {
 }
 
 void CommandActions::Update() {
-    for (const auto& [id, handler] : m_handlers) {
-        QAction& action = Get(id);
-        action.setEnabled(!handler.enabled || handler.enabled());
-        if (handler.checked) action.setChecked(handler.checked());
-        if (handler.text) SetText(id, handler.text());
-    }
+    for (const auto& [id, handler] : m_handlers) Update(id, handler);
+}
+
+void CommandActions::Update(CommandId id) { Update(id, m_handlers.at(id)); }
+
+void CommandActions::Update(CommandId id, const CommandHandler& handler) {
+    QAction& action = Get(id);
+    action.setEnabled(!handler.enabled || handler.enabled());
+    if (handler.checked) action.setChecked(handler.checked());
+    if (handler.text) SetText(id, handler.text());
 }
 
 void CommandActions::Fill(QMenu& menu, const std::vector<Slot>& slots,

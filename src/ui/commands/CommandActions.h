@@ -41,6 +41,8 @@ class CommandActions {
     void SetText(CommandId id, const QString& text);
     // Brings the actions in line with the rules.
     void Update();
+    // One alone, for what may be wanted again before the program has come to rest.
+    void Update(CommandId id);
 
     // Fills a menu, a toolbar. Submenus of recent files are handed to `addRecentFiles`.
     void Fill(QMenu& menu, const std::vector<Slot>& slots,
@@ -49,6 +51,7 @@ class CommandActions {
 
   private:
     void Add(QMainWindow& frame, const CommandSpec& spec);
+    void Update(CommandId id, const CommandHandler& handler);
     void AddHotKeys(QMainWindow& frame);
 
     std::function<void()> m_hasRun;

@@ -58,6 +58,8 @@ void MainFrame::OnChange(const Change& change) {
     m_operators->Follow(change);
     m_windows->Tell(&ToolWindow::Follow, change);
     SetLocked(m_work->document.lock != 0);
+    // Keys may follow each other faster than the program comes to rest.
+    for (const CommandId id : {CommandId::kUndo, CommandId::kRedo}) m_commands.Update(id);
     m_idle.Request();
 }
 
