@@ -13,6 +13,8 @@
 #include <fstream>
 
 #include "base/Paths.h"
+#include "support/Disk.h"
+#include "support/Processes.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -20,6 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::MakeLink;
+using test::ModeOf;
 using test::ReadFile;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -28,20 +31,13 @@ using testing::MatchesRegex;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-mode_t ModeOf(const std::string& path) {
-    struct stat status {};
-    EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
-    return status.st_mode & 07777;
-}
-
 // Another process that has written a document aside and lives until it is killed.
 class OtherProgram {
   public:
     OtherProgram(const std::string& state, CTvDoc& document, Report& report) {
         int ready[2];
         EXPECT_EQ(::pipe(ready), 0);
-        m_process = ::fork();
-        if (m_process == 0) {
+        if (m_process.Fork()) {
             PlainQueue queue;
             Recovery recovery(state, report, queue);
             const char answer = recovery.Update(document) ? 'y' : 'n';
@@ -56,19 +52,11 @@ class OtherProgram {
         EXPECT_EQ(answer, 'y');
         ::close(ready[0]);
     }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-    ~OtherProgram() { Kill(); }
 
-    void Kill() {
-        if (m_process <= 0) return;
-        ::kill(m_process, SIGKILL);
-        ::waitpid(m_process, nullptr, 0);
-        m_process = 0;
-    }
+    void Kill() { m_process.Kill(); }
 
   private:
-    pid_t m_process = 0;
+    test::ForkedChild m_process;
 };
 
 class RecoveryTest : public test::DocumentTest {

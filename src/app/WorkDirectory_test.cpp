@@ -12,6 +12,7 @@
 #include <filesystem>
 
 #include "base/Paths.h"
+#include "support/Processes.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -33,8 +34,7 @@ class OtherProgram {
     OtherProgram(const std::string& root, const std::string& linked, uid_t user) {
         int ready[2];
         EXPECT_EQ(::pipe(ready), 0);
-        m_process = ::fork();
-        if (m_process == 0) {
+        if (m_process.Fork()) {
             WorkDirectory work;
             const bool isUser = user == ::geteuid() || ::setresuid(user, user, user) == 0;
             if (isUser && work.Make(root)) {
@@ -53,20 +53,11 @@ class OtherProgram {
         m_name.assign(name, size > 0 ? static_cast<size_t>(size) : 0);
         ::close(ready[0]);
     }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-    ~OtherProgram() { Kill(); }
-
     const std::string& Name() const { return m_name; }
-    void Kill() {
-        if (m_process <= 0) return;
-        ::kill(m_process, SIGKILL);
-        ::waitpid(m_process, nullptr, 0);
-        m_process = 0;
-    }
+    void Kill() { m_process.Kill(); }
 
   private:
-    pid_t m_process = 0;
+    test::ForkedChild m_process;
     std::string m_name;
 };
 

@@ -15,12 +15,16 @@
 #include "base/FileIo.h"
 #include "base/Files.h"
 #include "base/ReplaceFile.h"
+#include "support/Disk.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+using test::FileSizeLimit;
+using test::ModeOf;
+using test::NamesIn;
 using test::ReadFile;
 using test::TempDir;
 using testing::ElementsAre;
@@ -28,40 +32,6 @@ using testing::ExitedWithCode;
 using testing::UnorderedElementsAre;
 
 constexpr uid_t kNobody = 65534;
-
-std::vector<std::string> NamesIn(const std::string& directory) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(directory))
-        names.push_back(entry.path().filename().string());
-    return names;
-}
-
-mode_t ModeOf(const std::string& path) {
-    struct stat status {};
-    EXPECT_EQ(::stat(path.c_str(), &status), 0);
-    return status.st_mode & 07777;
-}
-
-// While it lives, no file may grow beyond `bytes`: what a write to a full disk looks like.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &m_previous);
-        rlimit limit = m_previous;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_previous);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-  private:
-    void (*m_handler)(int);
-    rlimit m_previous{};
-};
 
 // In a process of its own, and without the rights of root: replaces the file and leaves by 0 if that
 // fails, with the reason on standard error.

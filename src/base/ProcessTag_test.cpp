@@ -5,10 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
-#include <functional>
-#include <thread>
 
 #include "base/Process.h"
 #include "support/Patience.h"
@@ -22,15 +19,6 @@ using testing::Each;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-bool WaitUntil(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > limit) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
-}
 
 class ProcessTagTest : public testing::Test {
   protected:
@@ -59,7 +47,7 @@ class ProcessTagTest : public testing::Test {
 
 TEST_F(ProcessTagTest, AChildIsFoundByItsTagWithAllThatItStarts) {
     const pid_t child = Start(one, "sleep 1000 & sleep 1000 & wait");
-    EXPECT_TRUE(WaitUntil([&] { return Tagged(one).size() == 3; }));
+    EXPECT_TRUE(test::SleepUntil([&] { return Tagged(one).size() == 3; }));
     EXPECT_THAT(Tagged(one), Contains(child));
     EXPECT_THAT(Tagged(TagNames(::getpid())), SizeIs(3));
     EXPECT_THAT(Tagged(TagName(::getpid(), 11)), IsEmpty());
@@ -73,7 +61,7 @@ TEST_F(ProcessTagTest, ATagIsNotTakenForOneThatItsNameBegins) {
 
 TEST_F(ProcessTagTest, AGroupOfItsOwnDoesNotHideAProcess) {
     Start(one, "exec perl -e 'if (!fork) { setpgrp; exec qw(sleep 1000) } wait'");
-    EXPECT_TRUE(WaitUntil([&] {
+    EXPECT_TRUE(test::SleepUntil([&] {
         const std::vector<pid_t> found = Tagged(one);
         return found.size() == 2 && ::getpgid(found[0]) != ::getpgid(found[1]);
     }));
@@ -83,7 +71,7 @@ TEST_F(ProcessTagTest, WhatHasASessionOfItsOwnHasGoneItsWay) {
     const test::TempDir directory;
     const std::string said = directory / "said";
     Start(one, "setsid sh -c 'echo $$ > " + said + "; exec sleep 1000' &\nsleep 1000; true");
-    ASSERT_TRUE(WaitUntil([&] { return test::ReadFile(said).ends_with('\n'); }));
+    ASSERT_TRUE(test::SleepUntil([&] { return test::ReadFile(said).ends_with('\n'); }));
     const pid_t gone = std::stoi(test::ReadFile(said));
     EXPECT_THAT(Tagged(one), Not(Contains(gone)));
     EXPECT_THAT(TaggedProcesses(one, gone), Contains(gone));
@@ -95,7 +83,7 @@ TEST_F(ProcessTagTest, ASignalReachesEachOfThem) {
     EXPECT_TRUE(SignalTagged(one, session, SIGKILL));
     EXPECT_EQ(WaitForEnd(child), 128 + SIGKILL);
     children.clear();
-    EXPECT_TRUE(WaitUntil([&] { return !SignalTagged(one, session, SIGKILL); }));
+    EXPECT_TRUE(test::SleepUntil([&] { return !SignalTagged(one, session, SIGKILL); }));
 }
 
 TEST_F(ProcessTagTest, AProcessWithoutATagIsNotFound) {
@@ -111,7 +99,7 @@ TEST_F(ProcessTagTest, AProcessWithoutATagIsNotFound) {
 
 TEST_F(ProcessTagTest, MemoryIsWhatAProcessHasTouched) {
     const pid_t child = Start(one, "exec perl -e '$x = \"x\" x 50_000_000; sleep 1000'");
-    EXPECT_TRUE(WaitUntil([&] { return OwnMemory(child) > 50'000'000; }));
+    EXPECT_TRUE(test::SleepUntil([&] { return OwnMemory(child) > 50'000'000; }));
     EXPECT_EQ(ProgramOf(child), "perl");
     EXPECT_EQ(OwnMemory(0), 0U);
     EXPECT_EQ(ProgramOf(0), "");

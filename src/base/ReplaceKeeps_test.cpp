@@ -17,12 +17,15 @@
 #include <functional>
 
 #include "base/ReplaceFile.h"
+#include "support/Disk.h"
+#include "support/Processes.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+using test::NamesIn;
 using test::ReadFile;
 using test::TempDir;
 using testing::ElementsAre;
@@ -33,13 +36,6 @@ constexpr uid_t kNobody = 65534;
 constexpr const char* kNote = "user.note";
 constexpr const char* kAccessList = "system.posix_acl_access";
 constexpr const char* kDefaultList = "system.posix_acl_default";
-
-std::vector<std::string> NamesIn(const std::string& directory) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(directory))
-        names.push_back(entry.path().filename().string());
-    return names;
-}
 
 struct stat StatusOf(const std::string& path) {
     struct stat status {};
@@ -256,26 +252,6 @@ TEST_F(ReplaceKeeps, ALinkThatLeadsNowhereStaysAsItIs) {
     EXPECT_TRUE(fs::is_symlink(directory / "one.tvn"));
 }
 
-// No file may grow beyond this while it lives.
-class SizeLimit {
-  public:
-    explicit SizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    SizeLimit(const SizeLimit&) = delete;
-    SizeLimit& operator=(const SizeLimit&) = delete;
-
-  private:
-    void (*m_handler)(int);
-    rlimit m_before{};
-};
-
 // The disk is full after each number of bytes.
 class FullDisk : public ReplaceKeeps, public testing::WithParamInterface<bool> {};
 
@@ -288,7 +264,7 @@ TEST_P(FullDisk, LeavesTheOldFileOrTheNewOne) {
     for (rlim_t room = 0; room <= text.size(); ++room) {
         bool replaced = false;
         {
-            const SizeLimit limit(room);
+            const test::FileSizeLimit limit(room);
             replaced = Replace(path, text);
         }
         EXPECT_EQ(ReadFile(path), replaced ? text : "the old text") << room;
@@ -342,40 +318,32 @@ TEST_F(ReplaceKeeps, TheOldFileOnADiskThatIsReallyFull) {
 
 class AbandonedSaves : public ReplaceKeeps {
   protected:
-    ~AbandonedSaves() override { Kill(); }
-
     // A process that saves a large file again and again.
     void StartSaving() {
-        m_child = ::fork();
-        if (m_child != 0) return;
+        if (!m_child.Fork()) return;
         const std::string text(4'000'000, 'n');
         for (;;) ReplaceFile(directory / "doc.tvn", text, error);
     }
     // Stops it in the middle of a save; the file that it is writing.
     std::string StopInTheMiddle() {
         for (int attempt = 0; attempt < kAttempts; ++attempt) {
-            ::kill(m_child, SIGSTOP);
-            ::waitpid(m_child, nullptr, WUNTRACED);
+            ::kill(m_child.Id(), SIGSTOP);
+            ::waitpid(m_child.Id(), nullptr, WUNTRACED);
             for (const std::string& name : NamesIn(directory.Path())) {
                 // Locked as well, if it has got that far.
                 const bool isBegun = name != "doc.tvn" && fs::file_size(directory / name) > 0;
                 if (isBegun) return directory / name;
             }
-            ::kill(m_child, SIGCONT);
+            ::kill(m_child.Id(), SIGCONT);
             ::usleep(static_cast<useconds_t>(attempt));
         }
         return {};
     }
-    void Kill() {
-        if (m_child <= 0) return;
-        ::kill(m_child, SIGKILL);
-        ::waitpid(m_child, nullptr, 0);
-        m_child = 0;
-    }
+    void Kill() { m_child.Kill(); }
 
   private:
     static constexpr int kAttempts = 10000;
-    pid_t m_child = 0;
+    test::ForkedChild m_child;
 };
 
 TEST_F(AbandonedSaves, GoOnceNobodyWritesThemAnyMore) {

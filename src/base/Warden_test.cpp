@@ -5,32 +5,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <functional>
-#include <thread>
 
 #include "base/Process.h"
 #include "base/ProcessTag.h"
 #include "support/Patience.h"
+#include "support/Processes.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
 namespace {
-
-bool WaitUntil(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > limit) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
-}
-
-bool IsGone(pid_t pid) {
-    const std::string stat = test::ReadFile("/proc/" + std::to_string(pid) + "/stat");
-    return stat.empty() || stat.find(") Z ") != std::string::npos;
-}
 
 // A program of its own that has a warden, starts this shell text as a child and comes to `end`.
 pid_t Program(const std::string& text, bool isTagged, const std::function<void()>& end) {
@@ -55,7 +40,7 @@ class WardenTest : public testing::Test {
     // The number that the child leaves in a file of the directory.
     pid_t Told(const std::string& name) {
         const std::string path = directory / name;
-        EXPECT_TRUE(WaitUntil([&] { return test::ReadFile(path).ends_with('\n'); })) << name;
+        EXPECT_TRUE(test::SleepUntil([&] { return test::ReadFile(path).ends_with('\n'); })) << name;
         return std::stoi("0" + test::ReadFile(path));
     }
     // Tells its number and goes on for ever.
@@ -73,7 +58,7 @@ TEST_F(WardenTest, WhateverSignalEndsTheProgramItsChildrenEndToo) {
         const pid_t child = Told(name);
         ::kill(program, signal);
         ::waitpid(program, nullptr, 0);
-        EXPECT_TRUE(WaitUntil([&] { return IsGone(child); })) << "signal " << signal;
+        EXPECT_TRUE(test::SleepUntil([&] { return test::IsGone(child); })) << "signal " << signal;
         ::kill(child, SIGKILL);
     }
 }
@@ -98,7 +83,7 @@ TEST_F(WardenTest, ASignalToTheWholeGroupOfTheProgramDoesNotReachTheWarden) {
     const pid_t child = Told("child");
     ::kill(-program, SIGKILL);
     ::waitpid(program, nullptr, 0);
-    EXPECT_TRUE(WaitUntil([&] { return IsGone(child); }));
+    EXPECT_TRUE(test::SleepUntil([&] { return test::IsGone(child); }));
 }
 
 TEST_F(WardenTest, WhatWasLetGoStays) {
@@ -111,8 +96,8 @@ TEST_F(WardenTest, WhatWasLetGoStays) {
     const pid_t held = Told("held");
     ::kill(later, SIGKILL);
     ::waitpid(later, nullptr, 0);
-    EXPECT_TRUE(WaitUntil([&] { return IsGone(held); }));
-    EXPECT_FALSE(IsGone(free));
+    EXPECT_TRUE(test::SleepUntil([&] { return test::IsGone(held); }));
+    EXPECT_FALSE(test::IsGone(free));
     ::kill(free, SIGKILL);
 }
 

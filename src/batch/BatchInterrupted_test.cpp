@@ -6,11 +6,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <functional>
-#include <thread>
 
 #include "base/FileDescriptor.h"
 #include "base/Files.h"
@@ -42,15 +39,6 @@ constexpr const char* kStubbornChild =
     "}\n"
     "open my $file, '>', \"$ENV{TEST_DIR}/pid.$$\"; close $file;\n"
     "sleep 1 while 1;\n";
-
-bool WaitUntil(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > limit) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
 
 // Whether a process runs; one that only waits to be buried does not.
 bool Runs(const std::string& pid) {
@@ -109,13 +97,13 @@ class BatchInterruptedTest : public testing::Test {
     // Interrupts the program once so many processes have told of themselves; the status.
     int StatusWhenInterrupted(const std::vector<std::string>& words, int signal, size_t processes = 2) {
         const pid_t program = Start(words);
-        EXPECT_TRUE(WaitUntil([this, processes] { return Pids().size() == processes; }));
+        EXPECT_TRUE(test::SleepUntil([this, processes] { return Pids().size() == processes; }));
         ::kill(program, signal);
         return EndOf(program);
     }
     // The status of a program that is expected to end by itself.
     static int EndOf(pid_t program) {
-        const bool ended = WaitUntil([program] {
+        const bool ended = test::SleepUntil([program] {
             siginfo_t information{};
             ::waitid(P_PID, static_cast<id_t>(program), &information, WEXITED | WNOHANG | WNOWAIT);
             return information.si_pid == program;
@@ -127,7 +115,7 @@ class BatchInterruptedTest : public testing::Test {
     // Whatever ran has gone: the scripts, their children, the work directory.
     void ExpectNothingLeft() const {
         for (const std::string& pid : Pids()) {
-            EXPECT_TRUE(WaitUntil([&pid] { return !Runs(pid); })) << pid;
+            EXPECT_TRUE(test::SleepUntil([&pid] { return !Runs(pid); })) << pid;
         }
         EXPECT_TRUE(fs::is_empty(In("tmp")));
     }

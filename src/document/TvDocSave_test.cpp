@@ -2,62 +2,31 @@
 // Saving a document so that nothing is ever lost.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 
+#include "support/Disk.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
 namespace {
 
 namespace fs = std::filesystem;
+using test::ModeOf;
+using test::NamesIn;
 using test::ReadFile;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-// While it lives, files can only grow to this size: what a write to a full disk looks like.
-class FullDisk {
-  public:
-    explicit FullDisk(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &m_previous);
-        rlimit limit = m_previous;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-    ~FullDisk() {
-        ::setrlimit(RLIMIT_FSIZE, &m_previous);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-  private:
-    void (*m_handler)(int);
-    rlimit m_previous{};
-};
-
 class TvDocSave : public test::DocumentTest {
   protected:
     TvDocSave() { fs::create_directory(folder); }
 
     bool Save(const std::string& to) { return document.Save(to, error); }
-    std::vector<std::string> NamesInFolder() {
-        std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder))
-            names.push_back(entry.path().filename().string());
-        return names;
-    }
-    static mode_t ModeOf(const std::string& file) {
-        struct stat status {};
-        EXPECT_EQ(::stat(file.c_str(), &status), 0);
-        return status.st_mode & 07777;
-    }
 
     std::string folder = host.Directory() / "documents";
     std::string path = folder + "/doc.tvn";
@@ -70,7 +39,7 @@ TEST_F(TvDocSave, TheFileHoldsTheDocumentAndIsItsPath) {
     EXPECT_EQ(ReadFile(path), document.Store());
     EXPECT_EQ(document.Path(), path);
     EXPECT_FALSE(document.IsModified());
-    EXPECT_THAT(NamesInFolder(), ElementsAre("doc.tvn"));
+    EXPECT_THAT(NamesIn(folder), ElementsAre("doc.tvn"));
     EXPECT_THAT(Alerts(), IsEmpty());
 }
 
@@ -81,12 +50,12 @@ TEST_F(TvDocSave, AFailureLeavesTheOldFileWhole) {
     document.SetPath("/before.tvn");
     document.SetModified();
     {
-        const FullDisk disk(100);
+        const test::FileSizeLimit disk(100);
         EXPECT_FALSE(Save(path));
     }
     EXPECT_EQ(error, "File too large");
     EXPECT_EQ(ReadFile(path), old);
-    EXPECT_THAT(NamesInFolder(), ElementsAre("doc.tvn"));
+    EXPECT_THAT(NamesIn(folder), ElementsAre("doc.tvn"));
     EXPECT_EQ(document.Path(), "/before.tvn");
     EXPECT_TRUE(document.IsModified());
     EXPECT_THAT(document.toolbar, ElementsAre("new"));
@@ -125,7 +94,7 @@ TEST_F(TvDocSave, ADocumentThatWasCutShortIsWholeOnceItIsSaved) {
     ASSERT_TRUE(document.Open(folder + "/broken.tvn"));
     ASSERT_TRUE(document.WasCutShort());
     {
-        const FullDisk disk(10);
+        const test::FileSizeLimit disk(10);
         EXPECT_FALSE(Save(path));
     }
     EXPECT_TRUE(document.WasCutShort());

@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "base/Files.h"
-#include "site/Commands.h"
+#include "site/CommandsGround.h"
 #include "support/Patience.h"
 #include "support/TestSite.h"
 
@@ -44,51 +44,10 @@ class PieceSink : public test::CollectingSink {
     std::thread::id m_mainThread = std::this_thread::get_id();
 };
 
-class CommandsChildren : public testing::Test {
+class CommandsChildren : public test::CommandsGround<PieceSink> {
   protected:
-    CommandsChildren() {
-        report.SetSink(&sink);
-        work = directory / "work";
-        MakeDirectory(work);
-        commands.SetWorkDir(work);
-        // Stands in for the program that runs a library's scripts.
-        ::chmod(directory.Write("bin/PerlExec", "#!/bin/sh\nexec sh \"$@\"\n").c_str(), 0755);
-        environment.Set("PATH", directory / "bin" + ":/usr/bin:/bin");
-    }
-
     // Starts a child that runs this shell text.
-    void Start(const std::string& text) {
-        commands.RunScript({directory.Write("script." + std::to_string(++scripts), text)}, "");
-    }
-
-    // Lets posted work run until the condition holds; false if that takes far too long.
-    bool PumpUntil(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > limit) return false;
-            queue.RunPending(std::chrono::milliseconds(2));
-        }
-        return true;
-    }
-    bool PumpUntilLogged(const std::string& text) {
-        return PumpUntil([&] { return sink.log.find(text) != std::string::npos; });
-    }
-    // Until no child is left and all that it has written is in the log.
-    bool PumpToTheEnd() {
-        const bool ended = PumpUntil([this] { return !commands.AnyProcessLeft(); });
-        while (queue.RunPending()) {
-        }
-        return ended;
-    }
-
-    TempDir directory;
-    std::string work;
-    int scripts = 0;
-    PieceSink sink;
-    Report report;
-    PlainQueue queue;
-    Environment environment;
-    Commands commands{report, environment, queue};
+    void Start(const std::string& text) { commands->RunScript({Script(text)}, ""); }
 };
 
 // Output
@@ -132,7 +91,7 @@ TEST_F(CommandsChildren, OutputReachesTheLogOnTheMainThreadOnly) {
 
 TEST_F(CommandsChildren, ASilentChildLeavesAnEmptyLogAndIsGone) {
     Start("");
-    ASSERT_TRUE(PumpUntil([this] { return !commands.AnyChildRunning(); }));
+    ASSERT_TRUE(PumpUntil([this] { return !commands->AnyChildRunning(); }));
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_THAT(sink.sizes, IsEmpty());
 }
@@ -147,14 +106,14 @@ TEST_F(CommandsChildren, AChildSeesTheEndOfItsInputAtOnce) {
 
 TEST_F(CommandsChildren, TheWordsOfTheCommandFollowPerlExec) {
     ::chmod(directory.Write("bin/PerlExec", "#!/bin/sh\nprintf '<%s>' \"$@\"\n").c_str(), 0755);
-    commands.RunScript({"/lib/bin/renderit", "a b", "$HOME;x", "say \"hi\"", "-c", "", "two\nlines"}, "");
+    commands->RunScript({"/lib/bin/renderit", "a b", "$HOME;x", "say \"hi\"", "-c", "", "two\nlines"}, "");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(sink.log, "</lib/bin/renderit><a b><$HOME;x><say \"hi\"><-c><><two\nlines>");
 }
 
 TEST_F(CommandsChildren, LongCommandsStayWhole) {
     ::chmod(directory.Write("bin/PerlExec", "#!/bin/sh\nprintf %s \"$1\"\n").c_str(), 0755);
-    commands.RunScript({std::string(1000, 'x')}, "");
+    commands->RunScript({std::string(1000, 'x')}, "");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(sink.log, std::string(1000, 'x'));
 }
@@ -187,12 +146,12 @@ TEST_F(CommandsChildren, AChildLeadsAProcessGroupOfItsOwn) {
 // Running and not running
 
 TEST_F(CommandsChildren, AChildCountsAsRunningFromTheCallOn) {
-    EXPECT_FALSE(commands.AnyChildRunning());
-    EXPECT_FALSE(commands.AnyProcessLeft());
+    EXPECT_FALSE(commands->AnyChildRunning());
+    EXPECT_FALSE(commands->AnyProcessLeft());
     Start(kUntilKillFile);
-    EXPECT_TRUE(commands.AnyChildRunning());
-    EXPECT_TRUE(commands.AnyProcessLeft());
-    commands.KillChildren();
+    EXPECT_TRUE(commands->AnyChildRunning());
+    EXPECT_TRUE(commands->AnyProcessLeft());
+    commands->KillChildren();
     EXPECT_TRUE(PumpToTheEnd());
 }
 
@@ -203,9 +162,9 @@ TEST_F(CommandsChildren, AGrandchildThatHoldsTheOutputKeepsTheChildRunning) {
     const std::string stat = "/proc/" + std::to_string(std::stoi(sink.log.substr(4))) + "/stat";
     ASSERT_TRUE(PumpUntil([&] { return ReadFile(stat).find(") Z ") != std::string::npos; }))
         << "the child has not ended";
-    EXPECT_TRUE(commands.AnyChildRunning());
+    EXPECT_TRUE(commands->AnyChildRunning());
     directory.Write("go", "");
-    EXPECT_TRUE(PumpUntil([this] { return !commands.AnyChildRunning(); }));
+    EXPECT_TRUE(PumpUntil([this] { return !commands->AnyChildRunning(); }));
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_THAT(sink.log, HasSubstr("late\n"));
 }
@@ -213,8 +172,8 @@ TEST_F(CommandsChildren, AGrandchildThatHoldsTheOutputKeepsTheChildRunning) {
 TEST_F(CommandsChildren, AChildEndsWithItsOutputAlsoIfItsProcessGoesOn) {
     const std::string go = directory / "go";
     Start("exec > /dev/null 2>&1\nwhile [ ! -e " + go + " ]; do sleep 0.01; done");
-    EXPECT_TRUE(PumpUntil([this] { return !commands.AnyChildRunning(); }));
-    EXPECT_TRUE(commands.AnyProcessLeft());
+    EXPECT_TRUE(PumpUntil([this] { return !commands->AnyChildRunning(); }));
+    EXPECT_TRUE(commands->AnyProcessLeft());
     directory.Write("go", "");
     EXPECT_TRUE(PumpToTheEnd());
 }
@@ -223,11 +182,11 @@ TEST_F(CommandsChildren, AShortChildEndsWhileALongOneRuns) {
     Start("echo long\n" + std::string(kUntilKillFile));
     ASSERT_TRUE(PumpUntilLogged("long\n"));
     int ended = 0;
-    commands.OnChildEnd([&ended](int) { ++ended; });
+    commands->OnChildEnd([&ended](int) { ++ended; });
     Start("echo short");
     EXPECT_TRUE(PumpUntil([&ended] { return ended == 1; }));
-    EXPECT_TRUE(commands.AnyChildRunning());
-    commands.KillChildren();
+    EXPECT_TRUE(commands->AnyChildRunning());
+    commands->KillChildren();
     EXPECT_TRUE(PumpToTheEnd());
 }
 
@@ -235,8 +194,8 @@ TEST_F(CommandsChildren, LinesOfChildrenThatRunTogetherAreWholeAndTellWhoseTheyA
     const std::string go = directory / "go";
     const std::string waits = "while [ ! -e " + go + " ]; do sleep 0.01; done\n";
     const auto start = [&](const std::string& text, const std::string& label) {
-        const std::string script = directory.Write("script." + std::to_string(++scripts), text);
-        commands.RunScript({script, "a \"b\" c"}, label);
+        const std::string script = Script(text);
+        commands->RunScript({script, "a \"b\" c"}, label);
     };
     start("printf 'alone\\nhalf a '\n" + waits + "echo \"line, longer than a piece of output: $1\"\n",
           "render 1");
@@ -255,12 +214,12 @@ TEST_F(CommandsChildren, LinesOfChildrenThatRunTogetherAreWholeAndTellWhoseTheyA
 }
 
 TEST_F(CommandsChildren, AChildThatCannotStartIsToldBehindItsLabel) {
-    commands.RunScript({directory.Write("script", kUntilKillFile)}, "render 1");
+    commands->RunScript({directory.Write("script", kUntilKillFile)}, "render 1");
     environment.Set("PATH", work);
-    commands.RunScript({{"bin/renderit", "a b", "2"}, "bin/renderit \"a b\" 2", "render 2", {}});
+    commands->RunScript({{"bin/renderit", "a b", "2"}, "bin/renderit \"a b\" 2", "render 2", {}});
     EXPECT_TRUE(PumpUntilLogged("2\"\n"));
     EXPECT_EQ(sink.log, "[render 2] CreateProcess failed: \"PerlExec bin/renderit \"a b\" 2\"\n");
-    commands.KillChildren();
+    commands->KillChildren();
     EXPECT_TRUE(PumpToTheEnd());
 }
 
@@ -268,7 +227,7 @@ TEST_F(CommandsChildren, AChildThatCannotStartIsToldBehindItsLabel) {
 
 TEST_F(CommandsChildren, TheExitCodeIsToldAfterAllOutput) {
     std::vector<std::string> told;
-    commands.OnChildEnd([&](int exitCode) { told.push_back(sink.log + std::to_string(exitCode)); });
+    commands->OnChildEnd([&](int exitCode) { told.push_back(sink.log + std::to_string(exitCode)); });
     Start("echo all of it; exit 7");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_THAT(told, ElementsAre("all of it\n7"));
@@ -276,7 +235,7 @@ TEST_F(CommandsChildren, TheExitCodeIsToldAfterAllOutput) {
 
 TEST_F(CommandsChildren, TheSignalThatEndedAChildIsTold) {
     int told = -1;
-    commands.OnChildEnd([&told](int exitCode) { told = exitCode; });
+    commands->OnChildEnd([&told](int exitCode) { told = exitCode; });
     Start("kill -9 $$");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(told, 128 + SIGKILL);
@@ -284,12 +243,12 @@ TEST_F(CommandsChildren, TheSignalThatEndedAChildIsTold) {
 
 TEST_F(CommandsChildren, AChildThatCannotStartSaysSoInTheLog) {
     int told = -1;
-    commands.OnChildEnd([&told](int exitCode) { told = exitCode; });
+    commands->OnChildEnd([&told](int exitCode) { told = exitCode; });
     environment.Set("PATH", work);
-    commands.RunScript({"bin/renderit", "100%s"}, "");
+    commands->RunScript({"bin/renderit", "100%s"}, "");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(sink.log, "CreateProcess failed: \"PerlExec bin/renderit 100%s\"");
-    EXPECT_FALSE(commands.AnyChildRunning());
+    EXPECT_FALSE(commands->AnyChildRunning());
     EXPECT_THAT(sink.alerts, IsEmpty());
     EXPECT_EQ(told, 127);
 }
@@ -297,10 +256,10 @@ TEST_F(CommandsChildren, AChildThatCannotStartSaysSoInTheLog) {
 // Stopping
 
 TEST_F(CommandsChildren, WithoutAChildStoppingCreatesNoFile) {
-    commands.KillChildren();
+    commands->KillChildren();
     Start("");
     ASSERT_TRUE(PumpToTheEnd());
-    commands.KillChildren();
+    commands->KillChildren();
     std::vector<DirEntry> entries;
     ASSERT_TRUE(ListDirectory(work, entries));
     EXPECT_TRUE(entries.empty());
@@ -310,19 +269,19 @@ TEST_F(CommandsChildren, AStoppedChildIsForgottenAtOnceAndItsOutputStillArrives)
     Start("echo begun\n" + std::string(kUntilKillFile) + "echo stopped");
     ASSERT_TRUE(PumpUntilLogged("begun\n"));
     EXPECT_FALSE(PathExists(work + "/kill.1"));
-    commands.KillChildren();
+    commands->KillChildren();
     EXPECT_TRUE(PathExists(work + "/kill.1"));
     EXPECT_EQ(ReadFile(work + "/kill.1"), "");
-    EXPECT_FALSE(commands.AnyChildRunning());
+    EXPECT_FALSE(commands->AnyChildRunning());
     EXPECT_TRUE(PumpUntilLogged("stopped\n"));
     EXPECT_TRUE(PumpToTheEnd());
-    EXPECT_FALSE(commands.AnyChildRunning());
+    EXPECT_FALSE(commands->AnyChildRunning());
 }
 
 TEST_F(CommandsChildren, StoppingReachesAllChildren) {
     Start(std::string(kUntilKillFile) + "echo first");
     Start(std::string(kUntilKillFile) + "echo second");
-    commands.KillChildren();
+    commands->KillChildren();
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_THAT(sink.log, HasSubstr("first\n"));
     EXPECT_THAT(sink.log, HasSubstr("second\n"));
@@ -335,7 +294,7 @@ TEST_F(CommandsChildren, StoppingTouchesNoProcess) {
     Start("trap 'echo signalled; exit' TERM INT HUP\necho begun\nwhile [ ! -e " + go +
           " ]; do sleep 0.01; done; echo own end");
     ASSERT_TRUE(PumpUntilLogged("begun\n"));
-    commands.KillChildren();
+    commands->KillChildren();
     directory.Write("go", "");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(sink.log, "begun\nown end\n");
@@ -343,12 +302,12 @@ TEST_F(CommandsChildren, StoppingTouchesNoProcess) {
 
 TEST_F(CommandsChildren, AChildStartedAfterAStopRunsOn) {
     Start(kUntilKillFile);
-    commands.KillChildren();
+    commands->KillChildren();
     Start("[ -e \"$TAVRN_KILLFILE\" ] && echo stopped || echo runs\n" + std::string(kUntilKillFile));
     ASSERT_TRUE(PumpUntilLogged("\n"));
     EXPECT_EQ(sink.log, "runs\n");
-    EXPECT_TRUE(commands.AnyChildRunning());
-    commands.KillChildren();
+    EXPECT_TRUE(commands->AnyChildRunning());
+    commands->KillChildren();
     EXPECT_TRUE(PumpToTheEnd());
 }
 

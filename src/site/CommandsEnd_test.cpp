@@ -11,8 +11,9 @@
 #include <thread>
 
 #include "base/Files.h"
-#include "site/Commands.h"
+#include "site/CommandsGround.h"
 #include "support/Patience.h"
+#include "support/Processes.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -32,54 +33,22 @@ constexpr const char* kForEver = "while :; do sleep 0.01; done\n";
 constexpr minutes kAllTime{1};
 constexpr milliseconds kNoTime{0};
 
-// A process that has ended counts as gone, buried or not.
-bool IsGone(pid_t pid) {
-    const std::string stat = ReadFile("/proc/" + std::to_string(pid) + "/stat");
-    return stat.empty() || stat.find(") Z ") != std::string::npos;
-}
-
-class CommandsEnd : public testing::Test {
+class CommandsEnd : public test::CommandsGround<test::CollectingSink> {
   protected:
-    CommandsEnd() {
-        report.SetSink(&sink);
-        work = directory / "work";
-        MakeDirectory(work);
-        ::chmod(directory.Write("bin/PerlExec", "#!/bin/sh\nexec sh \"$@\"\n").c_str(), 0755);
-        environment.Set("PATH", directory / "bin" + ":/usr/bin:/bin");
-        commands = std::make_unique<Commands>(report, environment, queue);
-        commands->SetWorkDir(work);
-    }
-
     // Starts a child that runs this shell text, and waits for it to have written `ready`.
     void Start(const std::string& text, const std::string& ready) {
-        commands->RunScript({directory.Write("script", text)}, "");
-        ASSERT_TRUE(PumpUntil([&] { return sink.log.find(ready) != std::string::npos; }));
-    }
-    bool PumpUntil(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > limit) return false;
-            queue.RunPending(milliseconds(2));
-        }
-        return true;
+        commands->RunScript({Script(text)}, "");
+        ASSERT_TRUE(PumpUntilLogged(ready));
     }
     // The number that follows this word in the log.
     pid_t LoggedPid(const std::string& word) const {
         return std::stoi(sink.log.substr(sink.log.find(word) + word.size()));
     }
     bool Ends(pid_t pid) {
-        const bool ended = PumpUntil([pid] { return IsGone(pid); });
+        const bool ended = PumpUntil([pid] { return test::IsGone(pid); });
         if (!ended) ::kill(pid, SIGKILL);
         return ended;
     }
-
-    TempDir directory;
-    std::string work;
-    test::CollectingSink sink;
-    Report report;
-    PlainQueue queue;
-    Environment environment;
-    std::unique_ptr<Commands> commands;
 };
 
 TEST_F(CommandsEnd, WithoutAChildNothingHappens) {
@@ -105,7 +74,7 @@ TEST_F(CommandsEnd, AChildThatDoesNotHeedItIsAskedBySignal) {
     Start("trap 'echo signalled; exit 0' TERM\necho \"child $$.\"\n" + std::string(kForEver), ".\n");
     commands->EndChildren(kNoTime, kAllTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
-    EXPECT_TRUE(IsGone(LoggedPid("child ")));
+    EXPECT_TRUE(test::IsGone(LoggedPid("child ")));
     while (queue.RunPending()) {
     }
     EXPECT_THAT(sink.log, HasSubstr("signalled\n"));
@@ -115,14 +84,14 @@ TEST_F(CommandsEnd, AStubbornChildIsEnded) {
     Start("trap '' TERM INT HUP\necho \"child $$.\"\n" + std::string(kForEver), ".\n");
     commands->EndChildren(kNoTime, kNoTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
-    EXPECT_TRUE(IsGone(LoggedPid("child ")));
+    EXPECT_TRUE(test::IsGone(LoggedPid("child ")));
 }
 
 TEST_F(CommandsEnd, AStubbornChildsOwnChildrenAreEnded) {
     Start("trap '' TERM\n(" + std::string(kForEver) + ") &\necho \"child $$ grandchild $!.\"\n" + kForEver,
           ".\n");
     commands->EndChildren(kNoTime, kNoTime);
-    EXPECT_TRUE(IsGone(LoggedPid("child ")));
+    EXPECT_TRUE(test::IsGone(LoggedPid("child ")));
     EXPECT_TRUE(Ends(LoggedPid("grandchild ")));
 }
 
@@ -163,7 +132,7 @@ TEST_F(CommandsEnd, AChildThatClosedItsOutputIsEnded) {
     ASSERT_TRUE(PumpUntil([this] { return !commands->AnyChildRunning(); }));
     commands->EndChildren(kNoTime, kAllTime);
     EXPECT_FALSE(commands->AnyProcessLeft());
-    EXPECT_TRUE(IsGone(LoggedPid("child ")));
+    EXPECT_TRUE(test::IsGone(LoggedPid("child ")));
 }
 
 TEST_F(CommandsEnd, AChildThatWasStoppedBeforeIsStillEnded) {
@@ -171,7 +140,7 @@ TEST_F(CommandsEnd, AChildThatWasStoppedBeforeIsStillEnded) {
     commands->KillChildren();
     EXPECT_FALSE(commands->AnyChildRunning());
     commands->EndChildren(kNoTime, kAllTime);
-    EXPECT_TRUE(IsGone(LoggedPid("child ")));
+    EXPECT_TRUE(test::IsGone(LoggedPid("child ")));
 }
 
 TEST_F(CommandsEnd, AStrayOutsideTheGroupThatHoldsTheOutputIsNotWaitedFor) {
@@ -194,7 +163,7 @@ TEST_F(CommandsEnd, TheEndOfTheObjectEndsItsChildrenAndItsReports) {
     int told = 0;
     commands->OnChildEnd([&told](int) { ++told; });
     commands.reset();
-    EXPECT_TRUE(IsGone(LoggedPid("child ")));
+    EXPECT_TRUE(test::IsGone(LoggedPid("child ")));
     while (queue.RunPending()) {
     }
     EXPECT_EQ(told, 0);

@@ -13,9 +13,10 @@
 
 #include "base/Files.h"
 #include "base/Process.h"
-#include "site/Commands.h"
+#include "site/CommandsGround.h"
 #include "support/NoRoom.h"
 #include "support/Patience.h"
+#include "support/Processes.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -38,43 +39,13 @@ ChildLimits Megabytes(uint64_t megabytes) {
     return {std::chrono::seconds(0), megabytes * kMegabyte, "", "limit.memory"};
 }
 
-bool IsGone(pid_t pid) {
-    const std::string stat = ReadFile("/proc/" + std::to_string(pid) + "/stat");
-    return stat.empty() || stat.find(") Z ") != std::string::npos;
-}
-
-class CommandsLimits : public testing::Test {
+class CommandsLimits : public test::CommandsGround<test::CollectingSink> {
   protected:
-    CommandsLimits() {
-        report.SetSink(&sink);
-        work = directory / "work";
-        MakeDirectory(work);
-        commands.SetWorkDir(work);
-        ::chmod(directory.Write("bin/PerlExec", "#!/bin/sh\nexec sh \"$@\"\n").c_str(), 0755);
-        environment.Set("PATH", directory / "bin" + ":/usr/bin:/bin");
-    }
-    std::string Script(const std::string& text) {
-        return directory.Write("script." + std::to_string(++m_scripts), text);
-    }
     void Start(const std::string& text, const ChildLimits& limits) {
-        commands.RunScript(CallOf({Script(text)}, "render 1", limits));
+        commands->RunScript(CallOf({Script(text)}, "render 1", limits));
     }
     bool Run(const std::string& text, const ChildLimits& limits) {
-        return commands.RunCall(CallOf({"sh", Script(text)}, "codefilter", limits), &info);
-    }
-    bool PumpUntil(const std::function<bool()>& condition) {
-        const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > limit) return false;
-            queue.RunPending(std::chrono::milliseconds(2));
-        }
-        return true;
-    }
-    bool PumpToTheEnd() {
-        const bool ended = PumpUntil([this] { return !commands.AnyProcessLeft(); });
-        while (queue.RunPending()) {
-        }
-        return ended;
+        return commands->RunCall(CallOf({"sh", Script(text)}, "codefilter", limits), &info);
     }
     // Shell text that prints so many thousand bytes, and tells how many it has.
     std::string Prints(int thousands) const {
@@ -100,17 +71,7 @@ class CommandsLimits : public testing::Test {
     // The number that a script has left in a file.
     pid_t Told(const std::string& name) { return std::stoi("0" + ReadFile(directory / name)); }
 
-    TempDir directory;
-    std::string work;
-    test::CollectingSink sink;
-    Report report;
-    PlainQueue queue;
-    Environment environment;
-    Commands commands{report, environment, queue};
     ProcessInfo info;
-
-  private:
-    int m_scripts = 0;
 };
 
 // Time and memory
@@ -132,12 +93,12 @@ TEST_F(CommandsLimits, ACommandThatTakesTooLongIsStoppedWithAllThatItStartedAndT
                 ElementsAre(testing::MatchesRegex(
                     "codefilter( \\(.*\\))? was stopped: it took more than 1 second, the limit of "
                     "limit.rendertime")));
-    EXPECT_TRUE(PumpUntil([this] { return IsGone(Told("inner")); }));
+    EXPECT_TRUE(PumpUntil([this] { return test::IsGone(Told("inner")); }));
 }
 
 TEST_F(CommandsLimits, ARenderThatTakesTooLongIsStoppedAndTold) {
     int ended = 0;
-    commands.OnChildEnd([&](int exitCode) { ended = exitCode; });
+    commands->OnChildEnd([&](int exitCode) { ended = exitCode; });
     Start("echo begun\n" + std::string(kForEver), Seconds(1));
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(ended, 128 + SIGTERM);
@@ -155,9 +116,9 @@ TEST_F(CommandsLimits, TheLimitHoldsForARenderThatHasClosedItsOutputAndForOneTha
     Start("trap '' TERM\nwhile :; do echo flood; done\n", Seconds(1));
     // Nobody takes the pieces meanwhile.
     const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-    while (commands.AnyProcessLeft() && std::chrono::steady_clock::now() < limit)
+    while (commands->AnyProcessLeft() && std::chrono::steady_clock::now() < limit)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    EXPECT_FALSE(commands.AnyProcessLeft());
+    EXPECT_FALSE(commands->AnyProcessLeft());
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_THAT(sink.alerts, SizeIs(2));
 }
@@ -201,8 +162,8 @@ TEST_F(CommandsLimits, AChildThatNobodyListensToWaitsAndTakesNoMemoryHere) {
 }
 
 TEST_F(CommandsLimits, OutputBeyondTheBoundIsLeftOutAndItsEndIsShown) {
-    commands.SetOutputLimit(1000);
-    commands.RunScript(
+    commands->SetOutputLimit(1000);
+    commands->RunScript(
         {Script("i=0; while [ $i -lt 20000 ]; do echo \"line $i\"; i=$((i+1)); done; echo last")},
         "render 1");
     ASSERT_TRUE(PumpToTheEnd());
@@ -215,8 +176,8 @@ TEST_F(CommandsLimits, OutputBeyondTheBoundIsLeftOutAndItsEndIsShown) {
 TEST_F(CommandsLimits, AChildThatWaitsForSomebodyToListenDoesNotHoldUpTheEnd) {
     Start("trap '' TERM\n" + Prints(5000), {});
     ASSERT_TRUE(UntilTheChildWaits());
-    commands.EndChildren(std::chrono::milliseconds(0), std::chrono::milliseconds(0));
-    EXPECT_FALSE(commands.AnyProcessLeft());
+    commands->EndChildren(std::chrono::milliseconds(0), std::chrono::milliseconds(0));
+    EXPECT_FALSE(commands->AnyProcessLeft());
 }
 
 TEST_F(CommandsLimits, AChildThatWaitsForSomebodyToListenSeesItsKillFile) {
@@ -224,7 +185,7 @@ TEST_F(CommandsLimits, AChildThatWaitsForSomebodyToListenSeesItsKillFile) {
               directory / "heeded",
           {});
     ASSERT_TRUE(UntilTheChildWaits());
-    commands.EndChildren(test::kPatience);
+    commands->EndChildren(test::kPatience);
     EXPECT_EQ(ReadFile(directory / "heeded"), "1\n");
 }
 
@@ -233,12 +194,12 @@ TEST_F(CommandsLimits, AChildThatWaitsForSomebodyToListenSeesItsKillFile) {
 TEST_F(CommandsLimits, WhereNoThreadCanBeStartedOneChildFailsWithAnAlert) {
     ::chmod(directory.Path().c_str(), 0755);
     const int result = test::WhereNothingCanBeStarted([this] {
-        commands.RunScript({"bin/renderit", "a b"}, "render 1");
+        commands->RunScript({"bin/renderit", "a b"}, "render 1");
         const std::string expected =
             "unable to start a thread for \"PerlExec bin/renderit a b\": Resource temporarily unavailable";
         if (sink.LastAlert() != expected) return 1;
-        if (commands.AnyChildRunning() || commands.AnyProcessLeft()) return 2;
-        commands.EndChildren(std::chrono::milliseconds(0));
+        if (commands->AnyChildRunning() || commands->AnyProcessLeft()) return 2;
+        commands->EndChildren(std::chrono::milliseconds(0));
         return 0;
     });
     EXPECT_EQ(result, 0);
@@ -247,7 +208,7 @@ TEST_F(CommandsLimits, WhereNoThreadCanBeStartedOneChildFailsWithAnAlert) {
 TEST_F(CommandsLimits, WhereNoProcessCanBeStartedOneCommandFailsWithAnAlert) {
     ::chmod(directory.Path().c_str(), 0755);
     const int result = test::WhereNothingCanBeStarted([this] {
-        if (commands.RunCall(CallOf({"true"}))) return 1;
+        if (commands->RunCall(CallOf({"true"}))) return 1;
         return sink.LastAlert() == "command failed: true" ? 0 : 2;
     });
     EXPECT_EQ(result, 0);

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <thread>
 
 #include "base/Files.h"
@@ -24,15 +23,6 @@ using test::ReadFile;
 using test::TempDir;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-bool WaitUntil(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + test::kPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > limit) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
-}
 
 bool IsProcess(pid_t pid) { return PathExists("/proc/" + std::to_string(pid)); }
 
@@ -118,14 +108,14 @@ TEST_F(CommandsTest, ACommandThatIsNotWaitedForRunsOn) {
     EXPECT_FALSE(commands.AnyChildRunning());
     EXPECT_FALSE(commands.AnyProcessLeft());
     directory.Write("go", "");
-    EXPECT_TRUE(WaitUntil([&] { return ReadFile(done) == "x\n"; }));
+    EXPECT_TRUE(test::SleepUntil([&] { return ReadFile(done) == "x\n"; }));
 }
 
 TEST_F(CommandsTest, ACommandThatIsNotWaitedForLeavesNothingBehind) {
     ASSERT_TRUE(commands.RunCommand(Script("echo $$ > " + directory / "pid"), false));
-    ASSERT_TRUE(WaitUntil([&] { return !ReadFile(directory / "pid").empty(); }));
+    ASSERT_TRUE(test::SleepUntil([&] { return !ReadFile(directory / "pid").empty(); }));
     const pid_t pid = std::stoi(ReadFile(directory / "pid"));
-    EXPECT_TRUE(WaitUntil([&] {
+    EXPECT_TRUE(test::SleepUntil([&] {
         commands.RunCommand("true", true);
         return !IsProcess(pid);
     }));
@@ -135,7 +125,7 @@ TEST_F(CommandsTest, InterruptingEndsTheCommandThatIsWaitedForAndItsChildren) {
     const std::string pidFile = directory / "pid";
     const std::string command = Script("sleep 1000 &\necho $! > " + pidFile + "\nwait\n");
     std::thread other([&] {
-        WaitUntil([&] { return ReadFile(pidFile).ends_with('\n'); });
+        test::SleepUntil([&] { return ReadFile(pidFile).ends_with('\n'); });
         commands.InterruptCommand(SIGTERM);
     });
     ProcessInfo info;
@@ -144,7 +134,7 @@ TEST_F(CommandsTest, InterruptingEndsTheCommandThatIsWaitedForAndItsChildren) {
     EXPECT_EQ(info.exitCode, 128 + SIGTERM);
     // Whoever inherits the command's own child may take a moment to bury it.
     const std::string stat = "/proc/" + std::to_string(std::stoi(ReadFile(pidFile))) + "/stat";
-    EXPECT_TRUE(WaitUntil([&] {
+    EXPECT_TRUE(test::SleepUntil([&] {
         const std::string state = ReadFile(stat);
         return state.empty() || state.find(") Z ") != std::string::npos;
     }));
@@ -167,7 +157,7 @@ TEST_F(CommandsTest, ACommandThatIsNotWaitedForIsNotInterrupted) {
         Script("while [ ! -e " + go + " ]; do sleep 0.01; done; echo x > " + done), false));
     commands.InterruptCommand(SIGKILL);
     directory.Write("go", "");
-    EXPECT_TRUE(WaitUntil([&] { return ReadFile(done) == "x\n"; }));
+    EXPECT_TRUE(test::SleepUntil([&] { return ReadFile(done) == "x\n"; }));
 }
 
 TEST_F(CommandsTest, AWaitIsToldFromItsBeginningToItsEnd) {

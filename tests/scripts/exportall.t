@@ -6,7 +6,9 @@ use Cwd 'abs_path';
 use File::Path qw(make_path remove_tree);
 use File::Temp 'tempdir';
 use FindBin;
+use lib $FindBin::Bin;
 use JSON::PP;
+use ScriptTest qw(put get);
 use Test::More;
 use Time::HiRes qw(sleep time);
 
@@ -20,21 +22,6 @@ $ENV{TAVRN_WORKDIR} = $work;
 $ENV{TAVRN_LIB} = "$installation/mray";
 $ENV{TAVRN_KILLFILE} = "$dir/kill";
 chdir $dir;
-
-sub put {
-	my ($path, $text) = @_;
-	open my $file, '>:raw', $path or die "$path: $!";
-	print $file $text;
-	close $file;
-	return $path;
-}
-
-sub get {
-	my ($path) = @_;
-	open my $file, '<:raw', $path or return undef;
-	local $/;
-	return <$file> // '';
-}
 
 sub make {
 	my ($type) = @_;

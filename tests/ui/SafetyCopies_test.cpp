@@ -88,5 +88,21 @@ TEST_F(SafetyCopiesTest, AFullDiskIsToldAndItWorksAgainOnceThereIsRoom) {
     EXPECT_TRUE(WaitUntil([&] { return test::ReadFile(Copies()[0]) != before; }));
 }
 
+// Not even root makes a directory there.
+TEST_F(SafetyCopiesTest, AReadOnlyStateDirectoryIsToldAndTheDocumentCanBeSaved) {
+    environment.Set("XDG_STATE_HOME", "/sys");
+    StartWithDocs();
+    const std::string path = WriteDocument("docs/a", 1);
+    Open(path);
+    AddBoxes(1);
+    EXPECT_TRUE(WaitUntil([&] { return IsTold(); }));
+    EXPECT_NE(Log().find("/sys/tavrin"), std::string::npos) << Log();
+    EXPECT_TRUE(Document().IsModified());
+    Do(CommandId::kSave);
+    EXPECT_FALSE(Document().IsModified());
+    EXPECT_EQ(BoxesIn(path), 2U);
+    EXPECT_EQ(Warnings(), 1);
+}
+
 }  // namespace
 }  // namespace tavrin

@@ -3,7 +3,6 @@
 // dialogs.
 #pragma once
 
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -16,12 +15,12 @@
 #include <QMimeData>
 #include <QTest>
 #include <algorithm>
-#include <csignal>
 #include <cstring>
 #include <filesystem>
 
 #include "base/Paths.h"
 #include "document/DocumentReader.h"
+#include "support/Disk.h"
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/library/OperatorToolBar.h"
@@ -52,27 +51,6 @@ roe {
 }
 )";
 inline constexpr const char* kMetalOption = "renderoptions {\n    setenv TAVRN_SHADER_TYPE metal\n}\n";
-
-// Files cannot grow beyond this while it lives, as on a disk that is full.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    rlimit m_before{};
-    void (*m_handler)(int);
-};
 
 class DocumentsTest : public FrameTest {
   protected:
