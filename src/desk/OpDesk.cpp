@@ -6,6 +6,7 @@
 
 #include "base/ReadLimit.h"
 #include "document/DocumentReader.h"
+#include "document/EditHistory.h"
 #include "library/OpRegistry.h"
 #include "library/SavedNetwork.h"
 #include "site/Site.h"
@@ -229,7 +230,7 @@ void COpDesk::MoveSelectedBoxes(float dx, float dy) {
     const EditScope edit(m_document, "Move");
     for (const auto& box : m_document.m_boxes) {
         if (box->selected == 0) continue;
-        m_document.edits.BoxTouched(*box);
+        m_document.edits.BoxMoved(*box);
         MoveBox(*box, dx, dy);
     }
     m_view->Repaint();

@@ -37,6 +37,8 @@ struct Change {
     std::vector<GoneBox> went;
     // Boxes of which something is different: place, inputs, or anything of their buttons.
     std::vector<COpBox*> touched;
+    // Of some of those more than the place.
+    bool reshaped = false;
     // Buttons of other boxes, of which only they are different: whether they are arguments.
     std::vector<COpButton*> buttons;
     // Buttons that are in none of those, and of which only what is tuned is different: values, the names and

@@ -92,7 +92,7 @@ void EditHistory::Commit(const Change& change) {
     step.joins = change.joins;
     step.marks = change.marks;
     RecordMembership(change, step);
-    for (COpBox* box : change.touched) RecordBox(*box, step);
+    for (COpBox* box : change.touched) RecordBox(*box, change.reshaped, step);
     for (const auto* buttons : {&change.buttons, &change.tuned}) {
         for (COpButton* button : *buttons) {
             if (ButtonShadow* shadow = FindShadow(*button)) RecordButton(*shadow, step);
@@ -128,11 +128,12 @@ void EditHistory::RecordMembership(const Change& change, Step& step) {
     if (!step.absent.empty() || !step.present.empty()) m_stack = Stack();
 }
 
-void EditHistory::RecordBox(COpBox& box, Step& step) {
+void EditHistory::RecordBox(COpBox& box, bool isReshaped, Step& step) {
     BoxShadow* shadow = FindShadow(box);
     if (shadow == nullptr) return;  // it waits under the mouse
     const BoxState state = StateOf(box);
     if (!(state == shadow->state)) step.boxes.push_back({&box, std::exchange(shadow->state, state)});
+    if (!isReshaped) return;
     RecordInputs(box, *shadow, step);
     for (auto* side : {&shadow->inputs, &shadow->outputs}) {
         for (ButtonShadow& button : *side) RecordButton(button, step);
@@ -164,9 +165,8 @@ void EditHistory::RecordInputs(COpBox& box, BoxShadow& shadow, Step& step) {
 }
 
 void EditHistory::RecordButton(ButtonShadow& shadow, Step& step) {
-    ButtonState state = StateOf(*shadow.button);
-    if (state == shadow.state) return;
-    step.buttons.push_back({shadow.button, std::exchange(shadow.state, std::move(state))});
+    if (IsStateOf(shadow.state, *shadow.button)) return;
+    step.buttons.push_back({shadow.button, std::exchange(shadow.state, StateOf(*shadow.button))});
 }
 
 // Which wires an act has changed nobody names, so all are compared.

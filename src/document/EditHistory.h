@@ -130,7 +130,7 @@ class EditHistory {
     ButtonShadow* FindShadow(const COpButton& button);
 
     void RecordMembership(const Change& change, Step& step);
-    void RecordBox(COpBox& box, Step& step);
+    void RecordBox(COpBox& box, bool isReshaped, Step& step);
     void RecordInputs(COpBox& box, BoxShadow& shadow, Step& step);
     void RecordButton(ButtonShadow& shadow, Step& step);
     void RecordWires(Step& step);

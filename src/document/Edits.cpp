@@ -78,6 +78,7 @@ void Edits::BoxTouched(COpBox& box) {
     NoteEdit([&] {
         Mark();
         m_touched.Add(box);
+        m_change.reshaped = true;
         // Those of its buttons that are destroyed now cannot be told apart later.
         for (const auto* side : {&box.inputs, &box.outputs}) {
             for (const auto& button : *side) ForgetButton(*button);
@@ -85,10 +86,25 @@ void Edits::BoxTouched(COpBox& box) {
     });
 }
 
+void Edits::BoxMoved(COpBox& box) {
+    if (!m_buttons.IsEmpty() || !m_tuned.IsEmpty()) return BoxTouched(box);  // of which some may be its own
+    NoteEdit([&] {
+        Mark();
+        m_touched.Add(box);
+    });
+}
+
+// Whether it is one of a touched box, which then has more to it than its place.
+bool Edits::IsToldWithItsBox(const COpButton& button) {
+    if (!m_touched.Has(*button.owner)) return false;
+    m_change.reshaped = true;
+    return true;
+}
+
 void Edits::ButtonTouched(COpButton& button) {
     NoteEdit([&] {
         Mark();
-        if (m_touched.Has(*button.owner)) return;
+        if (IsToldWithItsBox(button)) return;
         m_tuned.Forget(button);
         m_buttons.Add(button);
     });
@@ -103,7 +119,7 @@ void Edits::ButtonTuned(COpButton& button) {
 
 void Edits::ButtonTunedUnmarked(COpButton& button) {
     NoteEdit([&] {
-        if (!m_touched.Has(*button.owner) && !m_buttons.Has(button)) m_tuned.Add(button);
+        if (!IsToldWithItsBox(button) && !m_buttons.Has(button)) m_tuned.Add(button);
     });
 }
 

@@ -40,6 +40,7 @@ class Edits {
     // It is about to be destroyed; by itself that modifies the document only if it stood in the network.
     void BoxWent(const COpBox& box, Stood stood);
     void BoxTouched(COpBox& box);           // its place, its inputs, or anything of its buttons
+    void BoxMoved(COpBox& box);             // nothing but its place
     void ButtonTouched(COpButton& button);  // nothing of its box but this button
     void ButtonTuned(COpButton& button);    // of which only what is tuned, as Change has it
     // The same by an act that does not count as a change of the document.
@@ -87,6 +88,7 @@ class Edits {
         }
         void Forget(const Object& object) { m_members.erase(const_cast<Object*>(&object)); }
         bool Has(const Object& object) const { return m_members.contains(const_cast<Object*>(&object)); }
+        bool IsEmpty() const { return m_members.empty(); }
         std::vector<Object*> All() const;
         // Leaves nothing.
         std::vector<Object*> Take();
@@ -102,6 +104,7 @@ class Edits {
     void Release();
     void TellNoted();
     void ForgetButton(const COpButton& button);
+    bool IsToldWithItsBox(const COpButton& button);
     template <typename Note>
     void NoteEdit(Note note);
     void Mark();

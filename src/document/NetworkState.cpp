@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "document/NetworkState.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -75,6 +76,16 @@ void PutState(const ValueState& state, COpValue& value) {
                       });
 }
 
+// Without a copy of any text: almost all that are looked at are the same.
+bool IsStateOf(const ValueState& state, const COpValue& value) {
+    const auto isText = [&state](const std::string& text) { return state.text == text; };
+    return VisitValue(value, ValueCalls{
+                                 [&](const COpValueString& own) { return isText(own.value); },
+                                 [&](const COpValueGeneric& own) { return isText(own.value); },
+                                 [&](const auto& own) { return state == StateOf(own); },
+                             });
+}
+
 // The five paths of an export, of which the directories are the user's.
 constexpr std::array kExportPaths = {&CExportOptions::tavrnPath, &CExportOptions::compiledPath,
                                      &CExportOptions::sourcePath, &CExportOptions::shaderIfacePath,
@@ -103,6 +114,15 @@ ButtonState StateOf(const COpButton& button) {
     state.values.reserve(button.values.size());
     for (const auto& value : button.values) state.values.push_back(StateOf(*value));
     return state;
+}
+
+bool IsStateOf(const ButtonState& state, const COpButton& button) {
+    return state.arg == button.arg && state.pin == button.pin && state.lock == button.lock &&
+           state.stow == button.stow && state.instance == button.instance &&
+           state.currentcast == button.currentcast && state.argname == button.argname &&
+           state.comments == button.comments &&
+           std::equal(state.values.begin(), state.values.end(), button.values.begin(), button.values.end(),
+                      [](const ValueState& known, const auto& own) { return IsStateOf(known, *own); });
 }
 
 void PutState(const ButtonState& state, COpButton& button) {

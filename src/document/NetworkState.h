@@ -43,6 +43,8 @@ struct ButtonState {
     bool DiffersInTunedOnly(const ButtonState& other) const;
 };
 ButtonState StateOf(const COpButton& button);
+// The same as comparing with StateOf, for less.
+bool IsStateOf(const ButtonState& state, const COpButton& button);
 // `state` was taken of this button.
 void PutState(const ButtonState& state, COpButton& button);
 

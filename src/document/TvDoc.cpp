@@ -7,6 +7,7 @@
 #include "document/DocumentBuilder.h"
 #include "document/DocumentReader.h"
 #include "document/DocumentWriter.h"
+#include "document/EditHistory.h"
 #include "site/Site.h"
 #include "text/Archive.h"
 #include "text/OutOfMemory.h"
@@ -50,6 +51,12 @@ CTvDoc::CTvDoc(DocumentHost& host) : m_host(host) {
     SetPath({});
     DeleteContents();
 }
+
+CTvDoc::~CTvDoc() = default;
+
+void CTvDoc::KeepHistory() { KeepHistory({}); }
+
+void CTvDoc::KeepHistory(HistoryLimits limits) { m_history = std::make_unique<EditHistory>(*this, limits); }
 
 void CTvDoc::DeleteContents() {
     const Site& site = m_host.GetSite();

@@ -12,7 +12,6 @@
 
 #include "base/Listeners.h"
 #include "document/DocumentFile.h"
-#include "document/EditHistory.h"
 #include "document/Edits.h"
 #include "document/ExportOptions.h"
 #include "library/CodeNames.h"
@@ -23,7 +22,9 @@ namespace tavrin {
 class COpRegistry;
 class DefinitionTexts;
 class DocumentForm;
+class EditHistory;
 class SafeCopy;
+struct HistoryLimits;
 struct Site;
 
 // What a document asks of the application that it belongs to.
@@ -71,6 +72,7 @@ class DocumentHost {
 class CTvDoc {
   public:
     explicit CTvDoc(DocumentHost& host);
+    ~CTvDoc();
     CTvDoc(const CTvDoc&) = delete;
     CTvDoc& operator=(const CTvDoc&) = delete;
 
@@ -141,7 +143,8 @@ class CTvDoc {
     // Where all who change the document say so, and all who show it listen.
     Edits edits{*this};
     // Keeps a history from now on, for Undo.
-    void KeepHistory(HistoryLimits limits = {}) { m_history = std::make_unique<EditHistory>(*this, limits); }
+    void KeepHistory();
+    void KeepHistory(HistoryLimits limits);
     // Null for a document that keeps none.
     EditHistory* History() const { return m_history.get(); }
     // For the history: whether the document counts as modified where it stands now.

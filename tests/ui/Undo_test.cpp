@@ -3,6 +3,7 @@
 #include <QListView>
 #include <QTest>
 
+#include "document/EditHistory.h"
 #include "ui/base/Text.h"
 #include "ui/desk/UndoHistory.h"
 #include "ui/forms/FormHands.h"

@@ -5,6 +5,7 @@
 
 #include "app/Workspace.h"
 #include "base/Paths.h"
+#include "document/EditHistory.h"
 #include "images/SgiImage.h"
 #include "ui/base/Text.h"
 #include "ui/commands/CommandActions.h"

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "desk/OpDesk.h"
+#include "document/EditHistory.h"
 #include "ui/base/Text.h"
 
 namespace tavrin {

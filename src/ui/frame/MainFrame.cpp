@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 #include <cstdlib>
 
+#include "document/EditHistory.h"
 #include "forms/FormWidget.h"
 #include "ui/base/QtQueue.h"
 #include "ui/commands/DeskWork.h"
