@@ -47,7 +47,7 @@ TEST_F(BatchChanges, AScriptsEditIsToldLikeAnyOther) {
 
 TEST_F(BatchChanges, AnOperatorComesAndIsDropped) {
     ASSERT_TRUE(work->Add("Grain")) << sink.LastAlert();
-    EXPECT_THAT(heard, ElementsAre("Add Operator: came Grain_1", "Add: dropped Grain_1"));
+    EXPECT_THAT(heard, ElementsAre("Add Operator: came Grain_1", "Add Grain: dropped Grain_1"));
 }
 
 TEST_F(BatchChanges, AnotherDocumentTakesItsPlace) {

@@ -66,6 +66,7 @@ void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
         if (AdmitBox(*clone, counts)) m_pendingBoxes.push_back(std::move(clone));
     }
     clones.clear();  // those that were refused, with their connections
+    m_pendingAct = "Paste";
     m_document.edits.BroughtBoxes();
 }
 

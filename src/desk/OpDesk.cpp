@@ -41,6 +41,7 @@ void COpDesk::AddOperator(const std::string& name) {
         BringOperator(name);
         return true;
     });
+    m_pendingAct = "Add " + name;
 }
 
 void COpDesk::BringOperator(const std::string& name) {
@@ -126,12 +127,13 @@ void COpDesk::MergeBoxes(CTvDoc::BoxList& boxes) {
     }
     boxes.clear();  // destroys those that were refused, with their connections
     m_pendingPlaced = false;
+    m_pendingAct = "Merge";
     m_document.edits.BroughtBoxes();
 }
 
 void COpDesk::DropPending() {
     if (m_pendingBoxes.empty()) return;
-    const EditScope edit(m_document, "Add");
+    const EditScope edit(m_document, m_pendingAct);
     for (auto& box : m_pendingBoxes) {
         m_document.edits.BoxDropped(*box);
         m_document.m_boxes.push_front(std::move(box));

@@ -148,6 +148,7 @@ class COpDesk {
     DeskView m_noView;
     DeskView* m_view = &m_noView;
     WidPool m_usedWids;
+    std::string m_pendingAct = "Add";  // what dropping them is called
     Listeners<>::Subscription m_beforeDelete;
     Listeners<>::Subscription m_afterReorder;
     Edits::Subscription m_changes;

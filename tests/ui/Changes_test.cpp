@@ -33,7 +33,7 @@ TEST_F(ChangesTest, AnOperatorComesAndIsDroppedByAClick) {
     Listen();
     Desk().AddOperator("Constant");
     QTest::mouseClick(&Frame().Desk().Desk(), Qt::LeftButton, {}, {200, 200});
-    EXPECT_THAT(heard, ElementsAre("Add Operator: came Constant_1", "Add: dropped Constant_1"));
+    EXPECT_THAT(heard, ElementsAre("Add Operator: came Constant_1", "Add Constant: dropped Constant_1"));
 }
 
 TEST_F(ChangesTest, ADragIsOneActAndItsSelectionNone) {

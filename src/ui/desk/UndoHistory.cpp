@@ -15,7 +15,7 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kColumns = 30;
+constexpr int kColumns = 40;  // for the title as well
 constexpr int kRows = 20;
 constexpr const char* kBeginning = "Beginning";
 
