@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "desk/DeskGeometry.h"
+#include "desk/DeskRules.h"
 #include "desk/WidPool.h"
 #include "document/TvDoc.h"
 
@@ -56,12 +57,14 @@ class COpDesk {
     void RaiseBox(const COpBox& box);
     // Takes the smallest free number.
     int NextWid() { return m_usedWids.Next(); }
-    // Moves by desk units; the saved anchor moves further by the factor of the zoom.
+    // Moves by desk units; the saved anchor moves further by the factor of the zoom, unless anchors are
+    // plain.
     void MoveBox(COpBox& box, float dx, float dy);
     void MoveSelectedBoxes(float dx, float dy);
 
     // Appends a clone of each box, connected among themselves as the originals are.
-    static void CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination);
+    static void CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination,
+                          const DeskRules& rules = {});
     // Moves the anchors of what waits under the mouse, whatever the zoom is.
     void ShiftPending(float dx, float dy);
     // Adds a copy of the vinput under the mouse next to it; nothing if there is none.
@@ -145,6 +148,7 @@ class COpDesk {
 
     CTvDoc& m_document;
     DocumentHost& m_host;
+    const DeskRules m_rules;
     DeskView m_noView;
     DeskView* m_view = &m_noView;
     WidPool m_usedWids;

@@ -42,7 +42,7 @@ class COpBox : public LiveObject<COpBox> {
   public:
     COpBox() = default;
     // Clones every button, without connections; `wid` and `selected` are 0. Templates and castlock pairs
-    // are not copied: a clone has none until its document is saved and read again.
+    // are not copied: a clone has none until its document is saved and read again, or until it takes them.
     COpBox(const COpBox& other);
     COpBox& operator=(const COpBox&) = delete;
     virtual ~COpBox() = default;
@@ -56,6 +56,9 @@ class COpBox : public LiveObject<COpBox> {
     // Reads a preprocessed definition. Relative files of template clauses lie in `libraryDir`.
     bool ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report);
 
+    // Takes what a clone is left without from the box that it was made of.
+    void TakeTemplates(const COpBox& original);
+
     std::string filename;  // operator name and title
     int wid = 0;           // number on the desk; 0 until it is admitted
     std::string iconimg;
@@ -67,6 +70,7 @@ class COpBox : public LiveObject<COpBox> {
     int maxinstances = 0;                              // how many the desk may hold; 0 means any number
     std::multimap<std::string, std::string> castlock;  // names of buttons whose casts move together
     CCodeGen codegen;
+    bool lacksTemplates = false;                     // a clone, of a box whose definition has some
     std::vector<std::unique_ptr<COpButton>> inputs;  // inputs and vinputs, top to bottom
     std::vector<std::unique_ptr<COpButton>> outputs;
     int selected = 0;
