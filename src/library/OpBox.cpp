@@ -26,7 +26,9 @@ COpBox::COpBox(const COpBox& other)
       icontext(other.icontext),
       boxhelp(other.boxhelp),
       maxinstances(other.maxinstances),
-      lacksTemplates(other.lacksTemplates || other.codegen.HasLines()) {
+      lacksTemplates(other.lacksTemplates || other.codegen.HasLines()),
+      vinputNames(other.vinputNames),
+      source(other.source) {
     const auto clone = [this](const auto& from, auto& to) {
         for (const auto& button : from) {
             to.push_back(std::make_unique<COpButton>(*button));
