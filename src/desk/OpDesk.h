@@ -26,9 +26,12 @@ class DeskView {
     virtual void UpdateScrollBars() {}
 };
 
+// Fresh boxes, each for the one of the network whose place it is to take.
+using BoxReplacements = std::unordered_map<const COpBox*, std::unique_ptr<COpBox>>;
+
 // A box on a desk is in exactly one of three places: the network (saved and generated), the pending boxes
 // (numbered, waiting under the mouse), the clipboard (clones without a number). Clipboard and context menus
-// stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp.
+// stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp, replacement in BoxUpdate.cpp.
 class COpDesk {
   public:
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;
@@ -53,6 +56,9 @@ class COpDesk {
     void RemoveBox(std::unique_ptr<COpBox> box);
     // The same for all boxes that wait under the mouse.
     void DeletePending() { Discard(m_pendingBoxes, Edits::Stood::kWaiting); }
+    // Puts each fresh box, which has the number of the one that it stands for, in the place of that in the
+    // stack. Nothing is wired to it. Who has something selected of those that go lets it go before.
+    void ReplaceBoxes(BoxReplacements fresh);
     // Moves a box of the network to the top of the stack.
     void RaiseBox(const COpBox& box);
     // Takes the smallest free number.

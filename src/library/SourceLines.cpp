@@ -11,6 +11,7 @@ namespace {
 constexpr std::string_view kHead = "#source lines\n";
 constexpr std::string_view kFile = "#file ";
 constexpr std::string_view kLine = "#line ";
+constexpr int kMost = 1'000'000'000;  // so that two can be added
 
 // Takes the first line off a text; without its line feed.
 std::string_view TakeLine(std::string_view& text) {
@@ -27,7 +28,7 @@ std::optional<std::array<int, 3>> NumbersOf(std::string_view line) {
     line.remove_prefix(kLine.size());
     for (size_t i = 0; i < numbers.size(); ++i) {
         const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), numbers[i]);
-        if (error != std::errc() || numbers[i] < 1) return std::nullopt;
+        if (error != std::errc() || numbers[i] < 1 || numbers[i] > kMost) return std::nullopt;
         line.remove_prefix(static_cast<size_t>(end - line.data()));
         if (i + 1 == numbers.size()) break;
         if (!line.starts_with(' ')) return std::nullopt;

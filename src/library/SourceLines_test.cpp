@@ -53,8 +53,9 @@ TEST(SourceLines, CommentsThatLookAlikeAreTheAuthors) {
          {"", "\n", "x", "#source lines\n", "x\n#source lines\n", "#line 1 1 1\n",
           "x #source lines\n#file a\n", "#source lines\nx\n#file a\n", "#source lines\n#file a\n#line 1 1\n",
           "#source lines\n#file a\n#line 1 1 1 1\n", "#source lines\n#file a\n#line 1 1 0\n",
-          "#source lines\n#file a\n#line 1 1 99999999999\n", "#source lines\n#file \n",
-          "#source lines\n#file a", "#source lines\n#file a\n\n", "#source lines\n#line up the wires\n"}) {
+          "#source lines\n#file a\n#line 1 1 99999999999\n", "#source lines\n#file a\n#line 1 1 2147483647\n",
+          "#source lines\n#file \n", "#source lines\n#file a", "#source lines\n#file a\n\n",
+          "#source lines\n#line up the wires\n"}) {
         EXPECT_EQ(DefinitionIn(text), text);
     }
 }
