@@ -47,8 +47,8 @@ WatchFindings OperatorWatch::Look(bool looksAtAll) {
         const COpEntry* entry = m_host.Registry().FindByName(name);
         if (entry == nullptr) {
             if (looksAtAll)
-                findings.problems.push_back("the library has no operator " + name +
-                                            " any more; its boxes stay as they are");
+                findings.notes.push_back("the library has no operator " + name +
+                                         " any more; its boxes stay as they are");
             continue;
         }
         if (!looksAtAll && !HasChanged(boxes)) continue;

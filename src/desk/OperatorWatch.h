@@ -22,6 +22,7 @@ struct StaleOperator {
 struct WatchFindings {
     std::vector<StaleOperator> stale;   // in the order of their names
     std::vector<std::string> problems;  // operators that boxes could not be made of now, and why
+    std::vector<std::string> notes;     // of operators that the library has no more
 };
 
 // Belongs to who shows the document, which outlives it. It remembers how files looked when it last knew what

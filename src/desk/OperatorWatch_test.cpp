@@ -254,7 +254,10 @@ TEST_F(OperatorWatch, AnOperatorThatTheLibraryHasNoMoreIsToldOnDemand) {
     fs::remove(one);
     AddOperator("Two", "");  // scans the library
     EXPECT_THAT(Problems(), IsEmpty());
-    EXPECT_THAT(watch.LookAtAll().problems,
+    EXPECT_THAT(watch.LookAtFiles().notes, IsEmpty());
+    const WatchFindings findings = watch.LookAtAll();
+    EXPECT_THAT(findings.problems, IsEmpty());
+    EXPECT_THAT(findings.notes,
                 ElementsAre("the library has no operator One any more; its boxes stay as they are"));
 }
 

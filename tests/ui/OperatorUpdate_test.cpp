@@ -270,6 +270,10 @@ TEST_F(OperatorUpdate, ADefinitionThatCannotBeReadIsToldAndChangesNothing) {
     fs::remove(directory / "tavrin/tiny/menu/0100.Constant");
     ComeBack();
     EXPECT_TRUE(WaitUntil([this] { return Log().find("0100.Constant is not there") != std::string::npos; }));
+    Do(CommandId::kReloadOperators);
+    EXPECT_TRUE(WaitUntil([this] {
+        return Log().find("WARNING: the library has no operator Constant any more") != std::string::npos;
+    }));
     EXPECT_THAT(Texts(), ElementsAre(""));
 }
 

@@ -56,6 +56,8 @@ void UpdateOffer::OnIdle() {
     const bool isAtAll = std::exchange(m_due, Look::kNone) == Look::kAtAll;
     m_needs.work.app.RestoreWorkDirectory();
     const WatchFindings findings = isAtAll ? m_watch.LookAtAll() : m_watch.LookAtFiles();
+    for (const std::string& note : findings.notes)
+        m_needs.work.app.GetSite().report.LogLine("WARNING: %s", note.c_str());
     TellProblems(findings.problems, isAtAll);
     if (findings.stale.empty()) return;
     m_isAsking = true;
