@@ -16,7 +16,8 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kTimeToRead = 10;  // seconds, of a warning
+constexpr int kTimeToRead = 10;   // seconds, of a warning
+constexpr int kTimeToNotice = 3;  // seconds; what comes meanwhile is not shown
 constexpr size_t kMostLines = 20;
 
 std::string CountOf(size_t count, const std::string& what) {
@@ -99,7 +100,7 @@ void UpdateOffer::Update(const std::vector<StaleOperator>& stale) {
     if (result.losses > 0)
         text += "; what is lost stands in the log (" + CountOf(result.losses, "line") + ")";
     if (!result.failed.empty()) text += "; not updated: " + CountOf(result.failed.size(), "operator");
-    m_needs.statusBox.SetStatus(text, kTimeToRead);
+    m_needs.statusBox.SetStatus(text, kTimeToNotice);
 }
 
 }  // namespace tavrin
