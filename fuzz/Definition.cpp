@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz::FuzzHost host;
     COpBox box;
     CArchive archive = fuzz::ArchiveOf(data, size);
-    box.ReadDefinition(archive, "/nonexistent", host.site.report);
+    box.ReadDefinition(archive, "/nonexistent", host.site.report, "/nonexistent/0100.Operator");
     box.RenumberInputs();
     CCodeGen shader;
     PreparedVariables prepared;

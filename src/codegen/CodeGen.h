@@ -6,6 +6,7 @@
 // its definition; and the working copy of each save, into which the boxes are merged.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -85,6 +86,11 @@ class CCodeGen {
     // Empties blocks and expander and puts back the defaults.
     void Reset() { *this = CCodeGen(); }
 
+    // Whether any block holds a line.
+    bool HasLines() const {
+        return std::any_of(m_blocks.begin(), m_blocks.end(),
+                           [](const CodeBlock& block) { return block.Size() > 0; });
+    }
     const CodeBlock& Block(BlockId block) const { return m_blocks[AsIndex(block)]; }
     CMex& Mex() { return m_mex; }
     const CMex& Mex() const { return m_mex; }

@@ -31,7 +31,7 @@ void COpDesk::CopySelection() {
     for (const auto& box : m_document.m_boxes) {
         if (box->selected != 0) selected.push_back(box.get());
     }
-    CopyBoxes(selected, m_clipboardBoxes);
+    CopyBoxes(selected, m_clipboardBoxes, m_rules);
 }
 
 void COpDesk::CutBoxes() {
@@ -50,7 +50,7 @@ void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
     std::vector<COpBox*> source;
     for (const auto& box : m_clipboardBoxes) source.push_back(box.get());
     BoxVector clones;
-    CopyBoxes(source, clones);
+    CopyBoxes(source, clones, m_rules);
 
     m_pendingPlaced = cursor.has_value();
     DeskPoint delta{clones.front()->xypos[0], clones.front()->xypos[1]};
@@ -86,6 +86,7 @@ void COpDesk::DuplicateBox(const COpBox& box) {
     const EditScope edit(m_document, "Copy Box");
     UnselectBoxes();
     auto clone = std::make_unique<COpBox>(box);
+    if (m_rules.copyTemplates) clone->TakeTemplates(box);
     MoveBox(*clone, kDuplicateOffset[0], kDuplicateOffset[1]);
     if (!AdmitBox(*clone)) return;
     m_document.edits.BoxDropped(*clone);

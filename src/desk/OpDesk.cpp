@@ -20,7 +20,8 @@ constexpr size_t kVectorRoom = 100;
 
 }  // namespace
 
-COpDesk::COpDesk(CTvDoc& document, DocumentHost& host) : m_document(document), m_host(host) {
+COpDesk::COpDesk(CTvDoc& document, DocumentHost& host)
+    : m_document(document), m_host(host), m_rules(DeskRules::Read(host.GetSite().settings)) {
     m_clipboardBoxes.reserve(kVectorRoom);
     m_pendingBoxes.reserve(kVectorRoom);
     m_beforeDelete = document.beforeDelete.Add([this] { ForgetReferences(); });
@@ -219,12 +220,13 @@ void COpDesk::FollowSwap(const Change& change) {
 }
 
 // The factor on the anchor is as the desk has always behaved: at a zoom other than 1 a dragged box is seen
-// to move by the drag while its anchor moves further.
+// to move by the drag while its anchor moves further, to where the next layout puts the box.
 void COpDesk::MoveBox(COpBox& box, float dx, float dy) {
+    const float factor = m_rules.plainAnchors ? 1 : m_document.zoomFactor;
     box.layout.left += dx;
     box.layout.bottom += dy;
-    box.xypos[0] += m_document.zoomFactor * dx;
-    box.xypos[1] += m_document.zoomFactor * dy;
+    box.xypos[0] += factor * dx;
+    box.xypos[1] += factor * dy;
 }
 
 void COpDesk::MoveSelectedBoxes(float dx, float dy) {
@@ -246,10 +248,12 @@ void COpDesk::ShiftPending(float dx, float dy) {
     }
 }
 
-void COpDesk::CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination) {
+void COpDesk::CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination, const DeskRules& rules) {
     std::unordered_map<const COpBox*, COpBox*> clones;
     for (const COpBox* box : source) {
-        clones[box] = destination.emplace_back(std::make_unique<COpBox>(*box)).get();
+        COpBox& clone = *destination.emplace_back(std::make_unique<COpBox>(*box));
+        if (rules.copyTemplates) clone.TakeTemplates(*box);
+        clones[box] = &clone;
     }
     for (const COpBox* box : source) {
         for (size_t input = 0; input < box->inputs.size(); ++input) {

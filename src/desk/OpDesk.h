@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "desk/DeskGeometry.h"
+#include "desk/DeskRules.h"
 #include "desk/WidPool.h"
 #include "document/TvDoc.h"
 
@@ -25,9 +26,12 @@ class DeskView {
     virtual void UpdateScrollBars() {}
 };
 
+// Fresh boxes, each for the one of the network whose place it is to take.
+using BoxReplacements = std::unordered_map<const COpBox*, std::unique_ptr<COpBox>>;
+
 // A box on a desk is in exactly one of three places: the network (saved and generated), the pending boxes
 // (numbered, waiting under the mouse), the clipboard (clones without a number). Clipboard and context menus
-// stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp.
+// stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp, replacement in BoxUpdate.cpp.
 class COpDesk {
   public:
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;
@@ -52,16 +56,21 @@ class COpDesk {
     void RemoveBox(std::unique_ptr<COpBox> box);
     // The same for all boxes that wait under the mouse.
     void DeletePending() { Discard(m_pendingBoxes, Edits::Stood::kWaiting); }
+    // Puts each fresh box, which has the number of the one that it stands for, in the place of that in the
+    // stack. Nothing is wired to it. Who has something selected of those that go lets it go before.
+    void ReplaceBoxes(BoxReplacements fresh);
     // Moves a box of the network to the top of the stack.
     void RaiseBox(const COpBox& box);
     // Takes the smallest free number.
     int NextWid() { return m_usedWids.Next(); }
-    // Moves by desk units; the saved anchor moves further by the factor of the zoom.
+    // Moves by desk units; the saved anchor moves further by the factor of the zoom, unless anchors are
+    // plain.
     void MoveBox(COpBox& box, float dx, float dy);
     void MoveSelectedBoxes(float dx, float dy);
 
     // Appends a clone of each box, connected among themselves as the originals are.
-    static void CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination);
+    static void CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destination,
+                          const DeskRules& rules = {});
     // Moves the anchors of what waits under the mouse, whatever the zoom is.
     void ShiftPending(float dx, float dy);
     // Adds a copy of the vinput under the mouse next to it; nothing if there is none.
@@ -145,6 +154,7 @@ class COpDesk {
 
     CTvDoc& m_document;
     DocumentHost& m_host;
+    const DeskRules m_rules;
     DeskView m_noView;
     DeskView* m_view = &m_noView;
     WidPool m_usedWids;

@@ -179,10 +179,11 @@ TEST_F(SharedDefinitions, APreprocessorThatSaysNothingIsToldAtItsBox) {
 }
 
 TEST_F(SharedDefinitions, AParseErrorNamesAFileThatHoldsTheText) {
-    AddOperator("Wrong", "icontext x\nbogus\n");
+    const std::string path = AddOperator("Wrong", "icontext x\nbogus\n");
     EXPECT_FALSE(Load(Boxes({"Two", "Wrong", "One"})));
     const std::string file = Site().WorkPath("boxdef.tmp");
-    EXPECT_THAT(Alerts(), ElementsAre(file + " near line 2: unexpected input"));
+    EXPECT_THAT(Alerts(),
+                ElementsAre(file + " near line 2: unexpected input (operator Wrong of " + path + ")"));
     EXPECT_THAT(host.Sink().files, ElementsAre(file));
     EXPECT_EQ(ReadFile(file), "icontext x\nbogus\n");
 }

@@ -7,6 +7,7 @@
 #include "base/Paths.h"
 #include "base/ReadLimit.h"
 #include "library/DefinitionReader.h"
+#include "library/DefinitionSource.h"
 #include "library/DefinitionTexts.h"
 #include "library/OpBox.h"
 #include "library/OpRegistry.h"
@@ -18,6 +19,8 @@ namespace tavrin {
 namespace {
 
 constexpr size_t kSortKeyLength = 5;  // of a library file's name, its dot included
+
+std::string TitleOf(const COpEntry& entry) { return PathFile(entry.path).substr(kSortKeyLength); }
 
 // Runs the preprocessor; its output, or nothing, reported.
 std::optional<CArchive> Preprocess(const COpEntry& entry, Site& site) {
@@ -51,25 +54,32 @@ bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry
         site.report.Alert("%s: unknown operator name", operatorName.c_str());
         return false;
     }
-    const DefinitionTexts::Text* shared = texts == nullptr ? nullptr : texts->Find(*entry);
-    std::optional<CArchive> archive;
-    if (shared == nullptr) {
-        archive = Preprocess(*entry, site);
-    } else {
+    if (const DefinitionText* shared = texts == nullptr ? nullptr : texts->Find(*entry)) {
         site.report.LogRaw(shared->log);
-        archive = CArchive::FromText(DefinitionTexts::OutputPath(site), shared->definition);
+        return ReadText(*entry, *shared, site, site.report);
     }
+    const RunStart begun = BeginRun();
+    std::optional<CArchive> archive = Preprocess(*entry, site);
     if (!archive) return false;
-    filename = PathFile(entry->path).substr(kSortKeyLength);
-    if (ReadDefinition(*archive, site.directories.libDir, site.report)) return true;
+    filename = TitleOf(*entry);
+    source = SourceOf(entry->path, archive->Text(), begun);
+    return ReadDefinition(*archive, site.directories.libDir, site.report, entry->path);
+}
+
+bool COpBox::ReadText(const COpEntry& entry, const DefinitionText& text, Site& site, Report& report) {
+    CArchive archive = CArchive::FromText(DefinitionTexts::OutputPath(site), text.definition);
+    filename = TitleOf(entry);
+    source = text.source;
+    if (ReadDefinition(archive, site.directories.libDir, report, entry.path)) return true;
     // The message names this file, in which another operator's text may lie by now.
     std::string ignored;
-    if (shared != nullptr) site.WriteWorkFile(PathFile(archive->Path()), shared->definition, ignored);
+    site.WriteWorkFile(PathFile(archive.Path()), text.definition, ignored);
     return false;
 }
 
-bool COpBox::ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report) {
-    return DefinitionReader(*this, archive, libraryDir, report).Read();
+bool COpBox::ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report,
+                            const std::string& operatorPath) {
+    return DefinitionReader(*this, archive, libraryDir, report, operatorPath).Read();
 }
 
 }  // namespace tavrin

@@ -154,7 +154,9 @@ TEST_F(BoxDefinition, TheWorkFilesStay) {
 TEST_F(BoxDefinition, AParseErrorNamesThePreprocessedFileAndItsLine) {
     MakeLibrary(kCopies, "icontext x\nsize 3 4\nbogus\n");
     EXPECT_FALSE(Define("Noise"));
-    EXPECT_THAT(own.sink.alerts, ElementsAre(Work("boxdef.tmp") + " near line 3: unexpected input"));
+    EXPECT_THAT(own.sink.alerts,
+                ElementsAre(Work("boxdef.tmp") + " near line 3: unexpected input (operator Noise of " +
+                            LibDir() + "/menu/0100.Noise)"));
     EXPECT_THAT(own.sink.files, ElementsAre(Work("boxdef.tmp")));
     EXPECT_EQ(box.size[0], 3) << "what was read stays in force";
 }

@@ -2,6 +2,7 @@
 #include "library/DefinitionReader.h"
 
 #include "library/OpBox.h"
+#include "library/SourceLines.h"
 #include "text/StoredText.h"
 
 namespace tavrin {
@@ -13,6 +14,25 @@ constexpr std::string_view kFixedValuePrefix = "fixedvalue=";
 constexpr std::string_view kTiebackPrefix = "tieback=";
 
 }  // namespace
+
+// The table is none of the text, so that no block which is left open takes it in.
+DefinitionReader::DefinitionReader(COpBox& box, CArchive& archive, const std::string& libraryDir,
+                                   Report& report, const std::string& operatorPath)
+    : TokenParser(archive, report),
+      m_box(box),
+      m_libraryDir(libraryDir),
+      m_operatorPath(operatorPath),
+      m_sourceLines(archive.CutOff(EndOfDefinition(archive.Text()))) {
+    if (!operatorPath.empty()) archive.SetRemark([this](int line) { return Origin(line); });
+}
+
+std::string DefinitionReader::Origin(int line) const {
+    const auto place = SourceLines(m_sourceLines).Find(line);
+    const std::string name = " (operator " + m_box.filename;
+    if (!place) return name + " of " + m_operatorPath + ")";
+    return name + (place->file == m_operatorPath ? "" : " of " + m_operatorPath) + ": line " +
+           std::to_string(place->line) + " of " + place->file + ")";
+}
 
 // The end of the file before the brace fails in silence.
 bool DefinitionReader::HelpBlock(std::string& help) {
@@ -37,7 +57,8 @@ void DefinitionReader::HelpText(const char* keyword, std::string& help) {
 }
 
 std::string DefinitionReader::OfOperator() const {
-    return m_box.filename.empty() ? std::string() : " of operator " + m_box.filename;
+    return m_box.filename.empty() || !m_operatorPath.empty() ? std::string()
+                                                             : " of operator " + m_box.filename;
 }
 
 bool DefinitionReader::CanBeStored(const char* what, const std::string& name) {
@@ -103,6 +124,7 @@ bool DefinitionReader::ReadDefs() {
 bool DefinitionReader::ReadInput(ButtonKind kind) {
     COpButton& button = *m_box.inputs.emplace_back(std::make_unique<COpButton>(&m_box, kind));
     if (!Operand(button.name) || !CanBeStored("button name", button.name) || !Expect("{")) return false;
+    if (kind == ButtonKind::kVinput) m_box.vinputNames.push_back(button.name);
     std::string token;
     while (ReadToken(m_archive, token) && token != "}") {
         if (!ReadInputProperty(button, token)) return false;

@@ -23,8 +23,13 @@ enum class ButtonKind : int;
 // Values are read in DefinitionValues.cpp.
 class DefinitionReader : private TokenParser {
   public:
-    DefinitionReader(COpBox& box, CArchive& archive, const std::string& libraryDir, Report& report)
-        : TokenParser(archive, report), m_box(box), m_libraryDir(libraryDir) {}
+    // All outlive it. Messages tell of the operator's file, and of the line of it or of what it includes that
+    // a line of the archive comes from, where the preprocessor has left a table of that.
+    DefinitionReader(COpBox& box, CArchive& archive, const std::string& libraryDir, Report& report,
+                     const std::string& operatorPath);
+    ~DefinitionReader() { m_archive.SetRemark({}); }
+    DefinitionReader(const DefinitionReader&) = delete;
+    DefinitionReader& operator=(const DefinitionReader&) = delete;
 
     bool Read();
 
@@ -54,11 +59,15 @@ class DefinitionReader : private TokenParser {
     void HelpText(const char* keyword, std::string& help);
     // A name or type that documents write bare. False, reported, if it would not come back from there.
     bool CanBeStored(const char* what, const std::string& name);
-    // For messages, since the file that they name is the preprocessor's; empty while there is no name.
+    // For messages, since the file that they name is the preprocessor's; empty while there is no name, and
+    // where they tell it anyway.
     std::string OfOperator() const;
+    std::string Origin(int line) const;
 
     COpBox& m_box;
     const std::string& m_libraryDir;
+    const std::string& m_operatorPath;
+    std::string m_sourceLines;   // the preprocessor's table
     bool m_isOpenEnded = false;  // the file ended within a help block
 };
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "base/Files.h"
+#include "library/DefinitionSource.h"
 #include "library/OpRegistry.h"
 #include "site/CommandQueue.h"
 #include "site/Site.h"
@@ -21,13 +22,16 @@ void MoveOver(const std::string& from, const std::string& to) {
 
 }  // namespace
 
-DefinitionTexts::DefinitionTexts(const COpRegistry& registry, Site& site)
-    : m_registry(registry), m_site(site), m_queue(std::make_unique<CommandQueue>(site.commands)) {}
+DefinitionTexts::DefinitionTexts(const COpRegistry& registry, Site& site, Sharing sharing)
+    : m_registry(registry),
+      m_site(site),
+      m_sharing(sharing),
+      m_queue(std::make_unique<CommandQueue>(site.commands)) {}
 
 DefinitionTexts::~DefinitionTexts() { Clear(); }
 
 bool DefinitionTexts::AreShared() const {
-    return m_site.PreprocessIsPure() && !m_site.commands.IsInterrupted();
+    return (m_sharing == Sharing::kAlways || m_site.PreprocessIsPure()) && !m_site.commands.IsInterrupted();
 }
 
 std::string DefinitionTexts::OutputPath(const Site& site) { return site.WorkPath("boxdef.tmp"); }
@@ -39,15 +43,16 @@ ProgramCall DefinitionTexts::Call(const Site& site, const COpEntry& entry, const
                    site.LibraryPath("bin/spp"), entry.path});
 }
 
+// A preprocessor of which the library says nothing is run once at a time.
 void DefinitionTexts::Expect(const std::vector<std::string_view>& operatorNames) {
-    if (!AreShared()) return;
+    if (!AreShared() || !m_site.PreprocessIsPure()) return;
     for (const std::string_view name : operatorNames) {
         if (const COpEntry* entry = m_registry.FindByName(std::string(name))) Enqueue(*entry);
     }
     m_queue->Continue();
 }
 
-const DefinitionTexts::Text* DefinitionTexts::Find(const COpEntry& entry) {
+const DefinitionText* DefinitionTexts::Find(const COpEntry& entry) {
     if (!AreShared()) return nullptr;
     const size_t number = Enqueue(entry);
     if (m_runs[number].isOver) {
@@ -66,6 +71,8 @@ size_t DefinitionTexts::Enqueue(const COpEntry& entry) {
     const std::string name = "boxdef." + std::to_string(place->second);
     run.outputPath = m_site.WorkPath(name + ".tmp");
     run.errorPath = m_site.WorkPath(name + ".errors");
+    run.operatorPath = entry.path;
+    run.begun = BeginRun();
     ::unlink(run.outputPath.c_str());
     ::unlink(run.errorPath.c_str());
     return m_queue->Add(Call(m_site, entry, run.outputPath, run.errorPath).words);
@@ -78,10 +85,11 @@ void DefinitionTexts::Finish(size_t number) {
     // What a message names and the editor shows is what the box of that message has read.
     MoveOver(run.outputPath, OutputPath(m_site));
     MoveOver(run.errorPath, ErrorPath(m_site));
-    Text text;
+    DefinitionText text;
     std::string reason;
     if (exitCode != 0 || !ReadWholeFile(OutputPath(m_site), text.definition, reason)) return;
     text.log = m_site.LogText(ErrorPath(m_site));
+    text.source = SourceOf(run.operatorPath, text.definition, run.begun);
     run.text = std::move(text);
 }
 

@@ -2,6 +2,7 @@
 // What the preprocessor made of the operators that one operation on a document meets.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,8 +15,16 @@ namespace tavrin {
 class COpRegistry;
 class CommandQueue;
 struct COpEntry;
+struct DefinitionSource;
 struct ProgramCall;
 struct Site;
+
+// The output of one run.
+struct DefinitionText {
+    std::string definition;
+    std::string log;  // the preprocessor's errors and warnings as they go to the log
+    std::shared_ptr<const DefinitionSource> source;
+};
 
 // Owned by one opening, merge or insertion of a saved network and gone with it, so that an edited definition
 // is seen by the next. Where the library has declared its preprocessor pure, it is run once for each
@@ -23,8 +32,12 @@ struct Site;
 // nothing here, and each box has its own run.
 class DefinitionTexts {
   public:
+    enum class Sharing {
+        kAsDeclared,  // by the library
+        kAlways,      // for who compares what a run gives, and makes no box of it
+    };
     // Both outlive it.
-    DefinitionTexts(const COpRegistry& registry, Site& site);
+    DefinitionTexts(const COpRegistry& registry, Site& site, Sharing sharing = Sharing::kAsDeclared);
     DefinitionTexts(const DefinitionTexts&) = delete;
     DefinitionTexts& operator=(const DefinitionTexts&) = delete;
     // Ends what still runs.
@@ -37,13 +50,9 @@ class DefinitionTexts {
     // library does not have start nothing.
     void Expect(const std::vector<std::string_view>& operatorNames);
 
-    struct Text {
-        std::string definition;
-        std::string log;  // the preprocessor's errors and warnings as they go to the log
-    };
     // Waits for the operator's run, if need be. Nothing where the box has to have a run of its own: nothing
     // is shared, the program is to end, or the shared run failed, so that the box's own tells why.
-    const Text* Find(const COpEntry& entry);
+    const DefinitionText* Find(const COpEntry& entry);
 
     // Forgets everything: another library is in use.
     void Clear();
@@ -59,8 +68,10 @@ class DefinitionTexts {
     struct Run {
         std::string outputPath;
         std::string errorPath;
+        std::string operatorPath;
+        int64_t begun = 0;
         bool isOver = false;
-        std::optional<Text> text;
+        std::optional<DefinitionText> text;
     };
 
     size_t Enqueue(const COpEntry& entry);
@@ -68,6 +79,7 @@ class DefinitionTexts {
 
     const COpRegistry& m_registry;
     Site& m_site;
+    const Sharing m_sharing;
     std::unique_ptr<CommandQueue> m_queue;
     std::vector<Run> m_runs;                           // by their number in the queue
     std::unordered_map<std::string, size_t> m_byPath;  // runs by the operator's file

@@ -25,7 +25,10 @@ COpBox::COpBox(const COpBox& other)
       color{other.color[0], other.color[1], other.color[2]},
       icontext(other.icontext),
       boxhelp(other.boxhelp),
-      maxinstances(other.maxinstances) {
+      maxinstances(other.maxinstances),
+      lacksTemplates(other.lacksTemplates || other.codegen.HasLines()),
+      vinputNames(other.vinputNames),
+      source(other.source) {
     const auto clone = [this](const auto& from, auto& to) {
         for (const auto& button : from) {
             to.push_back(std::make_unique<COpButton>(*button));
@@ -34,6 +37,12 @@ COpBox::COpBox(const COpBox& other)
     };
     clone(other.inputs, inputs);
     clone(other.outputs, outputs);
+}
+
+void COpBox::TakeTemplates(const COpBox& original) {
+    castlock = original.castlock;
+    codegen = original.codegen;
+    lacksTemplates = original.lacksTemplates;
 }
 
 std::string COpBox::BoxTitleWid() const {

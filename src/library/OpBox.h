@@ -21,6 +21,9 @@ class CArchive;
 class DefinitionTexts;
 class Report;
 class TypeTables;
+struct COpEntry;
+struct DefinitionSource;
+struct DefinitionText;
 struct NameSource;
 struct Site;
 
@@ -42,7 +45,7 @@ class COpBox : public LiveObject<COpBox> {
   public:
     COpBox() = default;
     // Clones every button, without connections; `wid` and `selected` are 0. Templates and castlock pairs
-    // are not copied: a clone has none until its document is saved and read again.
+    // are not copied: a clone has none until its document is saved and read again, or until it takes them.
     COpBox(const COpBox& other);
     COpBox& operator=(const COpBox&) = delete;
     virtual ~COpBox() = default;
@@ -53,8 +56,15 @@ class COpBox : public LiveObject<COpBox> {
     bool Define(const std::string& operatorName, const COpRegistry& registry, Site& site,
                 DefinitionTexts* texts = nullptr);
 
-    // Reads a preprocessed definition. Relative files of template clauses lie in `libraryDir`.
-    bool ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report);
+    // Reads a preprocessed definition. Relative files of template clauses lie in `libraryDir`. With the path
+    // of the operator's file, messages tell it, and the line of it where the preprocessor does.
+    bool ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report,
+                        const std::string& operatorPath = {});
+    // Reads what one run over an operator's file has given; failures go to `report`.
+    bool ReadText(const COpEntry& entry, const DefinitionText& text, Site& site, Report& report);
+
+    // Takes what a clone is left without from the box that it was made of.
+    void TakeTemplates(const COpBox& original);
 
     std::string filename;  // operator name and title
     int wid = 0;           // number on the desk; 0 until it is admitted
@@ -67,8 +77,12 @@ class COpBox : public LiveObject<COpBox> {
     int maxinstances = 0;                              // how many the desk may hold; 0 means any number
     std::multimap<std::string, std::string> castlock;  // names of buttons whose casts move together
     CCodeGen codegen;
+    bool lacksTemplates = false;                     // a clone, of a box whose definition has some
     std::vector<std::unique_ptr<COpButton>> inputs;  // inputs and vinputs, top to bottom
     std::vector<std::unique_ptr<COpButton>> outputs;
+    std::vector<std::string> vinputNames;  // those of the definition, whether an instance is left or not
+    // What it was read from; a clone has its original's. Null for one that no preprocessor's run gave.
+    std::shared_ptr<const DefinitionSource> source;
     int selected = 0;
     BoxLayout layout;  // a clone starts with none
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "desk/OpDesk.h"
 #include "render/RenderSession.h"
 #include "site/Site.h"
 #include "support/TestHost.h"
@@ -188,6 +189,28 @@ TEST_F(GeneratedCodeTest, AnEmptyHelpAddsNoComment) {
     siteCodeGen.m_openComment = "/*";
     siteCodeGen.m_closeComment = "*/";
     EXPECT_THAT(Code(), ElementsAre("surface demo", "()", "{", "}"));
+}
+
+TEST_F(GeneratedCodeTest, ACopyWithoutTemplatesMakesNoCodeAndIsNamed) {
+    AddExample();
+    COpDesk desk(document, host);
+    desk.DuplicateBox(test::BoxAt(document, 0));
+    test::BoxAt(document, 0).wid = 7;
+    Add(std::make_unique<COpBox>(*test::MakeLink("Relay", 9)));  // which has none by its definition
+    EXPECT_THAT(Code(), testing::Not(testing::Contains("    Constant_7_result = 0.25;")));
+    EXPECT_EQ(host.Sink().log,
+              "WARNING: Constant_7 is a copy and has no templates, so it makes no code; it has them once the "
+              "document is saved and opened again\r\n");
+}
+
+TEST_F(GeneratedCodeTest, ACopyWithTemplatesMakesTheCodeOfItsOriginal) {
+    AddExample();
+    host.GetSite().settings.Store("desk.copytemplates", "1");
+    COpDesk desk(document, host);
+    desk.DuplicateBox(test::BoxAt(document, 0));
+    test::BoxAt(document, 0).wid = 7;
+    EXPECT_THAT(Code(), testing::Contains("    Constant_7_result = 0.25;"));
+    EXPECT_EQ(host.Sink().log, "");
 }
 
 TEST_F(GeneratedCodeTest, HintsAreATextOfTheirOwn) {

@@ -45,6 +45,18 @@ void WarnOfCircles(const CTvDoc& document, const std::vector<COpBox*>& ordered, 
                    others == 0 ? "it" : "them");
 }
 
+// A library may leave a copied box without them.
+void WarnOfClones(const std::vector<COpBox*>& boxes, Report& report) {
+    for (const COpBox* box : boxes) {
+        if (!box->lacksTemplates) continue;
+        report.LogLine(
+            "WARNING: %s is a copy and has no templates, so it makes no code; it has them once the document "
+            "is "
+            "saved and opened again",
+            box->BoxTitleWid().c_str());
+    }
+}
+
 }  // namespace
 
 ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName, const Site& site,
@@ -54,6 +66,7 @@ ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName,
     AddHelpBanner(shader, document.customshaderhelp);
     const std::vector<COpBox*> boxes = document.OrderBoxes();
     WarnOfCircles(document, boxes, site.report);
+    WarnOfClones(boxes, site.report);
     ShaderText text;
     // Two passes: the name of a fixed value reads another box's variables.
     for (const COpBox* box : boxes) {

@@ -36,6 +36,12 @@ void CArchive::SkipToLineEnd() {
     m_position = end == std::string::npos ? m_text.size() : end;
 }
 
+std::string CArchive::CutOff(size_t position) {
+    std::string rest = m_text.substr(position);
+    m_text.resize(position);
+    return rest;
+}
+
 int CArchive::LineAt(size_t position) const {
     if (position < m_countedTo) {
         m_countedTo = 0;

@@ -2,6 +2,7 @@
 // The reader behind every text format.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -43,6 +44,13 @@ class CArchive {
     // The same for any place of the text.
     int LineAt(size_t position) const;
 
+    // What parse errors add about a line, behind their message; an empty function adds nothing.
+    void SetRemark(std::function<std::string(int line)> remark) { m_remark = std::move(remark); }
+    std::string RemarkOn(int line) const { return m_remark ? m_remark(line) : std::string(); }
+
+    // Ends the text at a place that is not yet read, and hands out what stood behind.
+    std::string CutOff(size_t position);
+
     std::string_view Text() const { return m_text; }
     size_t Position() const { return m_position; }
 
@@ -54,6 +62,7 @@ class CArchive {
     std::string m_path;
     std::string m_text;
     size_t m_position = 0;
+    std::function<std::string(int)> m_remark;
     // How far lines have been counted: a text in which many places are asked for, each behind the one before,
     // is gone through once, not once for each.
     mutable size_t m_countedTo = 0;

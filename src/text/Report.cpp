@@ -51,9 +51,12 @@ void Report::Alert(const char* format, ...) {
 void Report::AlertAt(const CArchive& archive, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const std::string message = FormatList(format, arguments);
+    std::string message = FormatList(format, arguments);
     va_end(arguments);
-    AlertAt(archive.Path(), archive.LineNumber(), message);
+    const int line = archive.LineNumber();
+    // Some messages end their line.
+    message.insert(message.ends_with('\n') ? message.size() - 1 : message.size(), archive.RemarkOn(line));
+    AlertAt(archive.Path(), line, message);
 }
 
 void Report::AlertAt(const std::string& path, int line, const std::string& message) {

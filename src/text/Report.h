@@ -35,7 +35,8 @@ class Report {
     // depend on the user having seen it.
     void Alert(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    // The parse error of all formats: "FILE near line N: MESSAGE", with the file to be opened beside it.
+    // The parse error of all formats: "FILE near line N: MESSAGE", with the file to be opened beside it. What
+    // the archive remarks on the line stands behind.
     void AlertAt(const CArchive& archive, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
     // The same about a place that was read earlier, with the message as it stands.

@@ -20,7 +20,8 @@ sub put {
 	return "$dir/$name";
 }
 
-my ($status, $out, $err);
+# Behind the text, in $out, stands the table of its lines.
+my ($status, $out, $err, $table);
 sub run {
 	my (@words) = @_;
 	my $pid = fork;
@@ -36,6 +37,7 @@ sub run {
 		local $/;
 		<$f> // '';
 	} 'out', 'err';
+	$table = $out =~ s/^(#source lines\n.*)//ms ? $1 : undef;
 	return $status;
 }
 
@@ -130,6 +132,31 @@ refuses(['#include "a.inc"'],
 put('ops/bad.inc', 'x', '#ifdef A');
 refuses(['#include "bad.inc"', '#endif'], qr{bad\.inc:2: this #ifdef has no #endif},
 	'a condition must end in its file');
+
+# ---- where the lines come from
+
+sub comes_from {
+	my ($lines, $wanted, $what) = @_;
+	run(put('ops/main', @$lines));
+	is($table, join('', map { "$_\n" } '#source lines', @$wanted), $what);
+}
+comes_from(['a', '', '# b', 'codegen.main-body append', '#define x', '<<EOT>>', 'c'],
+	["#file $dir/ops/main", '#line 1 1 1'], 'lines that follow one another need one word');
+comes_from([], ["#file $dir/ops/main"], 'an empty file gives no line');
+comes_from(['#define A x', '#ifdef A', '@A@', '#else', 'b', '#endif', 'c', "d\r"],
+	["#file $dir/ops/main", '#line 1 1 3', '#line 2 1 7'], 'directives and what they leave out are passed over');
+put('ops/two.inc', 'one', 'two');
+put('ops/none.inc', '#define N 1');
+comes_from(['', '#include "two.inc"', 'a', '#include "none.inc"', 'help {', '#include "two.inc"', '}'],
+	["#file $dir/ops/main", "#file $dir/ops/two.inc", "#file $dir/ops/none.inc", '#line 1 1 1', '#line 2 2 1',
+		'#line 4 1 3', '#line 5 1 5', '#line 6 2 1', '#line 8 1 7'],
+	'each file is named once, also one that gives no line');
+comes_from(['#source lines', "#file $dir/other", '#line 1 1 1'], ["#file $dir/other", '#line 1 1 1',
+		'#source lines', "#file $dir/ops/main", '#line 1 1 1'], 'a table that stands in a file is its text');
+put("ops/broken\nname", 'a');
+run("$dir/ops/broken\nname");
+is($out, "a\n", 'a file whose name breaks the line gives its text');
+is($table, undef, 'and no table, which could not hold the name');
 
 # ---- messages
 

@@ -82,6 +82,7 @@ void OperatorWork::Reload() {
     app.ReloadOperators();
     Refresh();
     m_needs.statusBox.SetStatus("Operators reloaded: " + std::to_string(app.Registry().Entries().size()));
+    m_needs.reloaded();
 }
 
 void OperatorWork::Customize() {

@@ -31,6 +31,7 @@ class OperatorWork {
         DeskPane& desk;
         CStatusBox& statusBox;
         std::function<void()> menusRebuilt;  // menus stand there that the frame has not seen yet
+        std::function<void()> reloaded;      // the user had the operators scanned again
     };
     explicit OperatorWork(Needs needs);
     ~OperatorWork();

@@ -9,6 +9,15 @@ namespace tavrin {
 
 namespace {
 
+QMessageBox::StandardButton Run(QMessageBox& box, QMessageBox::StandardButton byDefault,
+                                QMessageBox::StandardButton onEscape) {
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    box.setDefaultButton(byDefault);
+    box.setEscapeButton(onEscape);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
 QMessageBox::StandardButton Run(QWidget* owner, QMessageBox::Icon icon, const QString& title,
                                 const QString& text, QMessageBox::StandardButtons buttons,
                                 QMessageBox::StandardButton byDefault, QMessageBox::StandardButton onEscape) {
@@ -19,11 +28,7 @@ QMessageBox::StandardButton Run(QWidget* owner, QMessageBox::Icon icon, const QS
           std::pair(QMessageBox::Cancel, "&Cancel")}) {
         if (box.button(button) != nullptr) box.button(button)->setText(label);
     }
-    box.setTextFormat(Qt::PlainText);
-    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
-    box.setDefaultButton(byDefault);
-    box.setEscapeButton(onEscape);
-    return static_cast<QMessageBox::StandardButton>(box.exec());
+    return Run(box, byDefault, onEscape);
 }
 
 void Show(QWidget* owner, QMessageBox::Icon icon, const QString& title, const QString& text) {
@@ -47,6 +52,14 @@ void ShowInformation(QWidget* owner, const QString& title, const QString& text) 
 bool AskWarning(QWidget* owner, const QString& text) {
     return Run(owner, QMessageBox::Warning, "Warning", text, QMessageBox::Yes | QMessageBox::No,
                QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+}
+
+bool AskQuestion(QWidget* owner, const QString& title, const QString& text, const QString& yes,
+                 const QString& no) {
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No, owner);
+    box.button(QMessageBox::Yes)->setText(yes);
+    box.button(QMessageBox::No)->setText(no);
+    return Run(box, QMessageBox::Yes, QMessageBox::No) == QMessageBox::Yes;
 }
 
 SaveAnswer AskSaveChanges(QWidget* owner, const QString& documentTitle) {

@@ -16,6 +16,11 @@ void ShowInformation(QWidget* owner, const QString& title, const QString& text);
 // Yes or no under the warning icon, titled "Warning"; No is the default and what Escape gives.
 bool AskWarning(QWidget* owner, const QString& text);
 
+// The same under the question icon for two answers of those names, '&' and all; the first is the default, and
+// Escape gives the second.
+bool AskQuestion(QWidget* owner, const QString& title, const QString& text, const QString& yes,
+                 const QString& no);
+
 enum class SaveAnswer { kSave, kDiscard, kCancel };
 // Whether a modified document is to be saved before it goes. Save is the default, Escape gives Cancel.
 SaveAnswer AskSaveChanges(QWidget* owner, const QString& documentTitle);

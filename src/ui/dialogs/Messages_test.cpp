@@ -62,5 +62,19 @@ TEST(Messages, TheAnswersToSavingHaveLettersToPress) {
     EXPECT_EQ(pressed(Qt::Key_C), SaveAnswer::kCancel);
 }
 
+TEST(Messages, AQuestionIsAnsweredWithTheFirstByReturnAndWithTheSecondByEscape) {
+    const auto answer = [](Qt::Key key) {
+        WhenDialogComes([key](QDialog& box) { QTest::keyClick(&box, key); });
+        return AskQuestion(nullptr, "Boxes", "<b>?", "&Take", "&Leave");
+    };
+    EXPECT_TRUE(answer(Qt::Key_Return));
+    EXPECT_FALSE(answer(Qt::Key_Escape));
+    EXPECT_TRUE(answer(Qt::Key_T));
+    EXPECT_FALSE(answer(Qt::Key_L));
+    PressWhenBoxComes("Leave");
+    EXPECT_FALSE(AskQuestion(nullptr, "Boxes", "<b>?", "&Take", "&Leave"));
+    EXPECT_EQ(BoxesShown(), QStringList{"Boxes: <b>?"});
+}
+
 }  // namespace
 }  // namespace tavrin

@@ -18,6 +18,7 @@
 #include "ui/commands/OperatorWork.h"
 #include "ui/commands/OptionWork.h"
 #include "ui/commands/ScriptWork.h"
+#include "ui/commands/UpdateOffer.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/dialogs/Messages.h"
 #include "ui/frame/MainFrame.h"
@@ -112,6 +113,7 @@ void MainFrame::OnIdle() {
     setWindowModified(m_work->document.IsModified());
     m_deskWork->UpdateHints();
     m_idleWork->Step();
+    m_updateOffer->OnIdle();
 }
 
 void MainFrame::Fail(const std::string& text, int status) {

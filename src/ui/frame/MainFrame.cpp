@@ -22,6 +22,7 @@
 #include "ui/commands/RenderWork.h"
 #include "ui/commands/ScriptWork.h"
 #include "ui/commands/SliderWork.h"
+#include "ui/commands/UpdateOffer.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/frame/SafetyCopies.h"
 #include "ui/frame/Splash.h"
@@ -89,6 +90,11 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
     m_changes = m_work->document.edits.Observe([this](const Change& change) { OnChange(change); });
     m_work->commands.StartUntitled();
     setAcceptDrops(true);
+    // Who comes back may have edited an operator elsewhere.
+    connect(qApp, &QApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) m_updateOffer->LookAtFiles();
+        m_idle.Request();
+    });
     // Who comes to another field does something else from there on.
     connect(qApp, &QApplication::focusChanged, this, [this] { m_work->document.History()->EndRun(); });
 }
@@ -157,7 +163,8 @@ void MainFrame::CreateWork() {
     m_documents = std::make_unique<DocumentWork>(
         DocumentWork::Needs{*this, *m_work, *m_renders, *m_safetyCopies, *m_sliderDesk, m_recentFiles});
     m_operators = std::make_unique<OperatorWork>(
-        OperatorWork::Needs{*this, *m_work, m_commands, *m_desk, *m_statusBox, [this] { LibraryChanged(); }});
+        OperatorWork::Needs{*this, *m_work, m_commands, *m_desk, *m_statusBox, [this] { LibraryChanged(); },
+                            [this] { m_updateOffer->LookAtAll(); }});
     m_options = std::make_unique<OptionWork>(
         OptionWork::Needs{GetSite(), m_profile, *m_desk, *m_sliders, *m_statusBox});
     m_deskWork = std::make_unique<DeskWork>(DeskWork::Needs{*this, *m_work, *m_desk, *m_statusBox});
@@ -171,6 +178,8 @@ void MainFrame::CreateWindows() {
     m_windows->OnShownOrHidden([this] { m_idle.Request(); });
     m_scripts = std::make_unique<ScriptWork>(ScriptWork::Needs{
         *this, m_app, m_commands, *m_documents, *m_renders, *m_windows, [this] { return m_isClosed; }});
+    m_updateOffer = std::make_unique<UpdateOffer>(UpdateOffer::Needs{
+        *this, *m_work, *m_desk, *m_statusBox, [this] { return ActionDispatch().ScriptRunning(); }});
 }
 
 void MainFrame::AddCommands() {

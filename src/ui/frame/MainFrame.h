@@ -38,6 +38,7 @@ class RenderWork;
 class SafetyCopies;
 class ScriptWork;
 class SliderPane;
+class UpdateOffer;
 
 // Made once by the program, which shows it. Main thread only.
 // What happens to it stands in FrameEvents.cpp.
@@ -146,6 +147,7 @@ class MainFrame : public QMainWindow, private TitleView {
     std::unique_ptr<DeskWork> m_deskWork;
     std::unique_ptr<FrameWindows> m_windows;
     std::unique_ptr<ScriptWork> m_scripts;
+    std::unique_ptr<UpdateOffer> m_updateOffer;
     std::unique_ptr<IdleWork> m_idleWork;
     Edits::Subscription m_changes;
     bool m_locked = false;

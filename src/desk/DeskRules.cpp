@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "desk/DeskRules.h"
+
+#include "site/Settings.h"
+
+namespace tavrin {
+
+DeskRules DeskRules::Read(const Settings& settings) {
+    const auto isOn = [&settings](const char* key) {
+        int value = 0;
+        return settings.GetSettingInt(key, value) && value != 0;
+    };
+    return {isOn("desk.copytemplates"), isOn("desk.plainanchors")};
+}
+
+}  // namespace tavrin
