@@ -25,7 +25,8 @@ COpBox::COpBox(const COpBox& other)
       color{other.color[0], other.color[1], other.color[2]},
       icontext(other.icontext),
       boxhelp(other.boxhelp),
-      maxinstances(other.maxinstances) {
+      maxinstances(other.maxinstances),
+      placeholder(other.placeholder) {
     const auto clone = [this](const auto& from, auto& to) {
         for (const auto& button : from) {
             to.push_back(std::make_unique<COpButton>(*button));
@@ -46,7 +47,7 @@ std::string COpBox::BoxTitleWid() const {
 const COpButton* COpBox::FindButton(std::string_view displayName) const {
     for (const auto* side : {&inputs, &outputs}) {
         for (const auto& button : *side) {
-            if (button->DisplayName() == displayName) return button.get();
+            if (button->stray == nullptr && button->DisplayName() == displayName) return button.get();
         }
     }
     return nullptr;
@@ -103,8 +104,9 @@ size_t COpBox::IndexOfButton(const COpButton& button) const {
 }
 
 int COpBox::CountInputsNamed(std::string_view name) const {
-    return static_cast<int>(std::count_if(inputs.begin(), inputs.end(),
-                                          [&](const auto& button) { return button->name == name; }));
+    return static_cast<int>(std::count_if(inputs.begin(), inputs.end(), [&](const auto& button) {
+        return button->name == name && button->stray == nullptr;
+    }));
 }
 
 void COpBox::ClearButtons() {
