@@ -135,7 +135,7 @@ COpButton* BoxBuilder::FindInput(const ButtonRecord& record) {
     if (record.kind == "input" && inputs[m_inputCursor].get() == m_inputBuilt) PassToTwin();
     COpButton& found = *inputs[m_inputCursor];
     m_inputBuilt = &found;
-    if (m_tellUnknown) m_built.insert(&found);
+    if (m_tellUnknown || !found.aliases.empty()) m_built.insert(&found);
     m_strayPlace = m_inputCursor + 1;
     if (found.KindText() != record.kind) {
         Alert(record.namesEnd,
@@ -159,8 +159,10 @@ size_t BoxBuilder::PlaceOfInput(std::string_view name) {
     const auto begin = inputs.begin();
     const auto from = begin + static_cast<std::ptrdiff_t>(m_inputCursor);
     const auto isNamed = [&](const auto& input) { return input->stray == nullptr && input->name == name; };
+    // What a block with the name of now has said of the button, one with a former name does not undo.
     const auto wasNamed = [&](const auto& input) {
-        return input->stray == nullptr && WasCalled(*input, name);
+        const bool isTaken = input->kind == ButtonKind::kInput && m_built.contains(input.get());
+        return input->stray == nullptr && !isTaken && WasCalled(*input, name);
     };
     const auto isLeft = [&](const auto& input) {
         return (isNamed(input) || wasNamed(input)) && !m_built.contains(input.get());
@@ -178,14 +180,15 @@ size_t BoxBuilder::PlaceOfInput(std::string_view name) {
 
 // Asked of what the search forward has not found: of thousands of unknown names, each costs little.
 bool BoxBuilder::IsOrWasAnInput(std::string_view name) {
-    if (m_names.empty()) {
+    if (!m_names) {
+        m_names.emplace();
         for (const auto& input : m_box.inputs) {
             if (input->stray != nullptr) continue;
-            m_names.insert(input->name);
-            m_names.insert(input->aliases.begin(), input->aliases.end());
+            m_names->insert(input->name);
+            m_names->insert(input->aliases.begin(), input->aliases.end());
         }
     }
-    return m_names.contains(name);
+    return m_names->contains(name);
 }
 
 // The buttons that follow in the file stand behind it.

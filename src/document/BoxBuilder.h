@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -58,9 +59,10 @@ class BoxBuilder {
     std::vector<COpButton*> m_outputs;
     size_t m_inputCursor = 0;
     size_t m_outputCursor = 0;
-    size_t m_strayPlace = 0;                       // among the inputs, behind the one that was built last
-    const COpButton* m_inputBuilt = nullptr;       // the input that was given something last
-    std::unordered_set<std::string_view> m_names;  // of the definition's inputs, former ones among them
+    size_t m_strayPlace = 0;                  // among the inputs, behind the one that was built last
+    const COpButton* m_inputBuilt = nullptr;  // the input that was given something last
+    // Of the definition's inputs, former ones among them; made when it is asked for.
+    std::optional<std::unordered_set<std::string_view>> m_names;
     std::unordered_set<std::string_view> m_namesSeen;
     std::unordered_set<const COpButton*> m_built;
 };

@@ -27,26 +27,31 @@ DocumentBuilder::DocumentBuilder(CTvDoc& document, const DocumentForm& form, Doc
 }
 
 bool DocumentBuilder::Build() {
+    const bool isWhole = TakeSections();
+    if (m_unknown) m_unknown->TellCount();
+    if (!isWhole) return false;
+    m_document.SortBoxesByWid();
+    m_document.SetModified(false);
+    return true;
+}
+
+bool DocumentBuilder::TakeSections() {
     for (const SectionRecord& section : m_form.sections) {
         if (!std::visit([this](const auto& record) { return Take(record); }, section)) return false;
         ReportErrorsUpTo(PlaceOf(section).end);
     }
     ReportErrorsUpTo(m_form.Text().size());
-    if (m_unknown) m_unknown->TellCount();
-    if (!m_form.IsReadToEnd()) return false;
-    m_document.SortBoxesByWid();
-    m_document.SetModified(false);
-    return true;
+    return m_form.IsReadToEnd();
 }
 
 bool DocumentBuilder::BuildDesk() {
     const auto isDesk = [](const auto& section) { return std::holds_alternative<DeskRecord>(section); };
     const auto desk = std::find_if(m_form.sections.begin(), m_form.sections.end(), isDesk);
     const bool isThere = desk != m_form.sections.end();
-    if (isThere && !Take(std::get<DeskRecord>(*desk))) return false;
-    ReportErrorsUpTo(m_form.Text().size());
+    const bool isTaken = !isThere || Take(std::get<DeskRecord>(*desk));
+    if (isTaken) ReportErrorsUpTo(m_form.Text().size());
     if (m_unknown) m_unknown->TellCount();
-    return isThere && m_form.IsReadToEnd();
+    return isThere && isTaken && m_form.IsReadToEnd();
 }
 
 void DocumentBuilder::ReportErrorsUpTo(size_t place) {

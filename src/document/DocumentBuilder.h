@@ -35,6 +35,7 @@ class DocumentBuilder {
     bool BuildDesk();
 
   private:
+    bool TakeSections();
     bool Take(const VersionRecord&) { return true; }
     bool Take(const LibraryRecord& library);
     bool Take(const ToolbarRecord& toolbar);

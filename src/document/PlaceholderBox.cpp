@@ -8,7 +8,6 @@
 #include "library/Placeholder.h"
 #include "site/TypeTables.h"
 #include "text/Numbers.h"
-#include "text/StoredText.h"
 
 namespace tavrin {
 
@@ -39,11 +38,12 @@ int InstanceOf(const ButtonRecord& record) {
     return isNumber ? ParseInt(number) : 1;
 }
 
-std::string HelpOf(const std::string& name, const std::string& reason) {
-    return "PLACEHOLDER for a box of the operator " + OneLine(name) +
-           "\r\n\r\nThe library cannot make it: " + reason +
-           "\r\n\r\nThe box is saved as it came, and no code is generated for it. Once the operator is there "
-           "again,\r\n\"Reload Operators\" puts a real box in its place, with all its wires.";
+// The status box shows few lines: the reason comes first.
+std::string HelpOf(const std::string& reason) {
+    return "PLACEHOLDER: " + reason +
+           "\r\nThe box is saved as it came, and no code is generated for it. Once the operator is there "
+           "again, "
+           "\"Reload\r\nOperators\" puts a real box in its place, with all its wires.";
 }
 
 void TakeSettings(COpBox& box, Placeholder& placeholder, const BoxRecord& record) {
@@ -71,7 +71,7 @@ std::unique_ptr<COpBox> MakePlaceholder(const BoxRecord& record, const DocumentF
     TakeSettings(*box, *placeholder, record);
     box->filename = record.operatorName;
     box->icontext = label;
-    box->boxhelp = HelpOf(box->filename, reason);
+    box->boxhelp = HelpOf(reason);
     std::fill_n(box->color, 3, kPlaceholderShade);
     for (const ButtonRecord& button : record.buttons) {
         auto made = MakeUnknownButton(*box, button);

@@ -118,6 +118,23 @@ TEST_F(Aliases, AButtonIsFoundByItsFormerName) {
     EXPECT_TRUE(WasCalled(*box.outputs[0], "result"));
 }
 
+TEST_F(Aliases, ABlockWithAFormerNameUndoesNothingOfTheOneWithTheNameOfNow) {
+    host.AddOperator("Mix", "input amount { alias strength float { 0 0 1 0 %g } }");
+    const auto block = [](const std::string& name, const char* value) {
+        return "opbutton.input " + name + " " + name + " { x { currentcast float wwms { float " + value +
+               " 0 1 0 } } }\n";
+    };
+    const std::string both = block("amount", "0.25") + block("strength", "0.5");
+    EXPECT_FALSE(LoadBoxOf("Mix", both));
+    EXPECT_THAT(Alerts(), ElementsAre(HasSubstr("undefined input strength specified")));
+    host.GetSite().settings.Store("document.placeholders", "1");
+    EXPECT_TRUE(LoadBoxOf("Mix", both));
+    const COpBox& box = BoxAt(document, 0);
+    EXPECT_EQ(static_cast<const COpValueFloat&>(*box.inputs[0]->values[0]).value, 0.25F);
+    ASSERT_THAT(box.inputs, SizeIs(2));
+    EXPECT_NE(box.inputs[1]->stray, nullptr);
+}
+
 TEST_F(Aliases, AButtonThatIsThereWinsOverOneThatWasCalledSo) {
     const std::string path = host.AddOperator(
         "Mix",
