@@ -50,9 +50,9 @@ class FuzzHost : public DocumentHost {
     std::string DocumentVersion() const override { return "1.0.0"; }
 
   protected:
-    // Any name that a library can offer is an operator.
+    // Any name that a library can offer is an operator, but for those that begin with "Gone".
     bool LoadDefinition(COpBox& box, const std::string& operatorName, DefinitionTexts*) override {
-        if (!IsBareToken(operatorName)) return false;
+        if (!IsBareToken(operatorName) || operatorName.starts_with("Gone")) return false;
         CArchive archive = CArchive::FromText("definition", kDefinition);
         box.filename = operatorName;
         return box.ReadDefinition(archive, "/nonexistent", m_report);

@@ -83,10 +83,18 @@ bool DocumentCommands::Merge(const std::string& path, const std::function<void()
                      error == TooLarge() ? (": " + error).c_str() : "");
         return false;
     }
-    if (opened) opened();
     return WithinMemory(report, "merging " + path, [&] {
+        const DocumentForm form = ReadDesk(std::move(*archive));
+        if (form.sections.empty() && form.errors.empty()) {  // a document has other sections at least
+            const DocumentForm whole = ReadDocument(CArchive::FromText(path, std::string(form.Text())));
+            if (!whole.IsDocument()) {
+                report.Alert("%s", NoDocumentMessage(whole).c_str());
+                return false;
+            }
+        }
+        if (opened) opened();
         CTvDoc scratch(m_app);
-        if (!scratch.LoadDesk(ReadDesk(std::move(*archive)))) return false;
+        if (!scratch.LoadDesk(form)) return false;
         m_desk.MergeBoxes(scratch.m_boxes);
         return true;
     });

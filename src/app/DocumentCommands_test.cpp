@@ -170,6 +170,18 @@ TEST_F(DocumentCommandsTest, ACopyThatCannotBeOpenedLeavesEverythingAsItWas) {
     EXPECT_EQ(sink.log, "");
 }
 
+TEST_F(DocumentCommandsTest, OpeningWhatIsNoDocumentLeavesEverythingAsItIs) {
+    const std::string path = SavedDocument("here/a.tvn", "light");
+    ASSERT_TRUE(commands->Open(path));
+    const std::string browsed = app->GetSite().directories.docBrowserDir;
+    document->SetModified();
+    EXPECT_FALSE(commands->Open(directory.Write("there/picture.tvn", "\x89PNG")));
+    EXPECT_EQ(document->Path(), path);
+    EXPECT_TRUE(document->IsModified());
+    EXPECT_EQ(document->m_boxes.size(), 1U);
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, browsed);
+}
+
 TEST_F(DocumentCommandsTest, MergedBoxesWaitWithNewNumbersAndNothingElseComes) {
     commands->New();
     ASSERT_TRUE(commands->Merge(SavedDocument("there/a.tvn", "light")));
@@ -186,6 +198,23 @@ TEST_F(DocumentCommandsTest, ASecondMergeDestroysWhatStillWaits) {
     ASSERT_TRUE(commands->Merge(SavedDocument("a.tvn", "light")));
     EXPECT_EQ(desk->m_pendingBoxes.size(), 1U);
     EXPECT_EQ(COpBox::LiveCount(), live);
+}
+
+TEST_F(DocumentCommandsTest, AMergeOfWhatIsNoDocumentIsAlertedAndWhatWaitsGoesOnWaiting) {
+    ASSERT_TRUE(commands->Merge(SavedDocument("a.tvn", "light")));
+    const COpBox* waiting = desk->m_pendingBoxes.at(0).get();
+    bool isToldAsOpen = false;
+    for (const char* text : {"", "GIF89a noise"}) {
+        sink.alerts.clear();
+        const std::string path = directory.Write("b.tvn", text);
+        EXPECT_FALSE(commands->Merge(path, [&] { isToldAsOpen = true; }));
+        EXPECT_THAT(sink.LastAlert(), testing::StartsWith(path + " is no Tavrin document: "));
+    }
+    EXPECT_FALSE(isToldAsOpen);
+    EXPECT_EQ(desk->m_pendingBoxes.at(0).get(), waiting);
+    sink.alerts.clear();
+    EXPECT_FALSE(commands->Merge(directory.Write("c.tvn", "tavrn-version 1")));
+    EXPECT_EQ(sink.LastAlert(), "") << "a document without a desk";
 }
 
 TEST_F(DocumentCommandsTest, AMergeThatCannotBeOpenedIsAlertedAndLogged) {

@@ -16,21 +16,40 @@ namespace {
 using Buttons = std::vector<std::unique_ptr<COpButton>>;
 using Losses = std::vector<std::string>;
 
-std::unordered_map<std::string_view, size_t> CountNames(const Buttons& buttons) {
-    std::unordered_map<std::string_view, size_t> counts;
-    for (const auto& button : buttons) ++counts[button->name];
+// What former buttons are called now: as they were, unless only a former name tells which one it is.
+class NamesNow {
+  public:
+    explicit NamesNow(const Buttons& fresh) {
+        for (const auto& button : fresh) m_now[button->name] = button->name;
+        for (const auto& button : fresh) {
+            for (const std::string& alias : button->aliases) m_now.try_emplace(alias, button->name);
+        }
+    }
+    const std::string& Of(const std::string& former) const {
+        const auto now = m_now.find(former);
+        return now == m_now.end() ? former : now->second;
+    }
+
+  private:
+    std::unordered_map<std::string, std::string> m_now;
+};
+
+std::unordered_map<std::string, size_t> CountNames(const Buttons& buttons, const NamesNow& names) {
+    std::unordered_map<std::string, size_t> counts;
+    for (const auto& button : buttons) ++counts[names.Of(button->name)];
     return counts;
 }
 
 // A vinput that the old definition did not have comes as the new one has it.
 void CarryInstances(const COpBox& old, COpBox& fresh) {
-    auto wanted = CountNames(old.inputs);
-    for (const std::string& name : old.vinputNames) wanted.try_emplace(name, 0);
+    const NamesNow names(fresh.inputs);
+    auto wanted = CountNames(old.inputs, names);
+    for (const std::string& name : old.vinputNames) wanted.try_emplace(names.Of(name), 0);
     Buttons inputs;
-    std::unordered_map<std::string_view, size_t> left = CountNames(fresh.inputs);
-    std::unordered_map<std::string_view, size_t> made;
+    auto left = CountNames(fresh.inputs, names);
+    std::unordered_map<std::string, size_t> made;
     for (auto& input : fresh.inputs) {
-        const std::string& name = input->name;
+        const std::string name = input->name;
         const auto want = wanted.find(name);
         if (input->kind != ButtonKind::kVinput || want == wanted.end()) {
             inputs.push_back(std::move(input));
@@ -147,10 +166,12 @@ void TellGone(const COpButton& button, Losses& losses) {
 void CarryButtons(const Buttons& old, const Buttons& fresh, ButtonSuccessors& successors, Losses& losses) {
     std::unordered_map<std::string_view, std::vector<COpButton*>> byName;
     for (const auto& button : fresh) byName[button->name].push_back(button.get());
+    const NamesNow names(fresh);
     std::unordered_map<std::string_view, size_t> taken;
     for (const auto& button : old) {
-        const auto same = byName.find(button->name);
-        const size_t place = taken[button->name]++;
+        const std::string& name = names.Of(button->name);
+        const auto same = byName.find(name);
+        const size_t place = taken[name]++;
         if (same == byName.end() || place >= same->second.size()) {
             TellGone(*button, losses);
             continue;

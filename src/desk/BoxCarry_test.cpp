@@ -52,6 +52,28 @@ TEST_F(BoxCarry, TakesPlaceNumberAndSelectionAlong) {
     EXPECT_THAT(losses, IsEmpty());
 }
 
+TEST_F(BoxCarry, AButtonThatWasRenamedIsFoundByItsFormerName) {
+    Old(std::string("input level ") + kFloat + "vinput layer { float { 0 0 1 0 %g } vinstances 3 }");
+    Fresh(std::string("input amount { alias level float { 0 0 1 0 %g } } input other ") + kFloat +
+          "vinput sheet { alias layer float { 0 0 1 0 %g } vinstances 1 }");
+    ValueOf<COpValueFloat>(In(*old, "level")).value = 0.7F;
+    ValueOf<COpValueFloat>(In(*old, "layer3")).value = 0.3F;
+    Carry();
+    EXPECT_EQ(ValueOf<COpValueFloat>(In(*fresh, "amount")).value, 0.7F);
+    EXPECT_THAT(Inputs(), ElementsAre("amount", "other", "sheet1", "sheet2", "sheet3"));
+    EXPECT_EQ(ValueOf<COpValueFloat>(In(*fresh, "sheet3")).value, 0.3F);
+    EXPECT_THAT(losses, IsEmpty());
+}
+
+TEST_F(BoxCarry, AFormerNameCountsOnlyWhereNoButtonHasItNow) {
+    Old(std::string("input level ") + kFloat);
+    Fresh(std::string("input amount { alias level float { 0 0 1 0 %g } } input level ") + kFloat);
+    ValueOf<COpValueFloat>(In(*old, "level")).value = 0.7F;
+    Carry();
+    EXPECT_EQ(ValueOf<COpValueFloat>(In(*fresh, "level")).value, 0.7F);
+    EXPECT_EQ(ValueOf<COpValueFloat>(In(*fresh, "amount")).value, 0);
+}
+
 TEST_F(BoxCarry, TakesTheValuesOfEachTypeAlongToTheBit) {
     const char* definition =
         "input a { float { 0 0 1 0 %g } rgb { 1 1 1 \"%g %g %g\" } xyz { 0 0 0 0 1 0 \"%g %g %g\" } "

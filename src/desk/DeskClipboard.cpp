@@ -111,7 +111,7 @@ COpButton* COpDesk::LiveMouseButton() const {
 
 void COpDesk::DeleteButton() {
     COpButton* button = LiveMouseButton();
-    if (button == nullptr || button->kind != ButtonKind::kVinput) return;
+    if (button == nullptr || button->kind != ButtonKind::kVinput || button->owner->IsPlaceholder()) return;
     const EditScope edit(m_document, "Delete Input");
     COpBox& box = *button->owner;
     if (!button->connections.Empty()) m_document.edits.WiresChanged();
@@ -140,7 +140,7 @@ void COpDesk::DeleteConnections() {
 
 void COpDesk::ToggleArgument() {
     COpButton* button = LiveMouseButton();
-    if (button == nullptr || button->IsOutput() || button->disableargflag != 0) return;
+    if (button == nullptr || button->IsOutput() || button->disableargflag != 0 || button->IsUnknown()) return;
     const EditScope edit(m_document, "Argument");
     m_document.edits.ButtonTouched(*button);
     button->arg = button->arg == 0 ? 1 : 0;
@@ -148,7 +148,7 @@ void COpDesk::ToggleArgument() {
 
 void COpDesk::ChooseCast(size_t cast) {
     COpButton* button = LiveMouseButton();
-    if (button == nullptr || cast >= button->values.size()) return;
+    if (button == nullptr || cast >= button->values.size() || button->IsUnknown()) return;
     const EditScope edit(m_document, "Cast");
     m_document.edits.BoxTouched(*button->owner);  // other buttons may follow
     button->SetCast(cast);

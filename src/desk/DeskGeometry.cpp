@@ -16,8 +16,7 @@ constexpr float kNetworkMargin = 10;  // pixels round the network
 float ColumnWidth(const std::vector<std::unique_ptr<COpButton>>& buttons, float pixel, float pad,
                   const TextMeasure& text) {
     float widest = kMinColumnText;
-    for (const auto& button : buttons)
-        widest = std::max(widest, text.LabelWidth(button->DisplayName()) * pixel);
+    for (const auto& button : buttons) widest = std::max(widest, text.LabelWidth(ShownName(*button)) * pixel);
     return pad + widest;
 }
 
@@ -66,6 +65,16 @@ void AddTracedLines(const CTvDoc& document, Bounds& covered) {
     }
 }
 
+constexpr size_t kMostShown = 60;  // bytes of a name that no library vouches for
+
+// Not within a character.
+std::string Shortened(std::string name) {
+    if (name.size() <= kMostShown) return name;
+    size_t end = kMostShown;
+    while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
+    return name.substr(0, end) + "...";
+}
+
 size_t ButtonCount(const COpBox& box, bool outputs) {
     return outputs ? box.outputs.size() : box.inputs.size();
 }
@@ -83,6 +92,14 @@ DeskRect DeskRect::UnitedWith(const DeskRect& other) const {
     return {low.x, low.y, std::max(Right(), other.Right()) - low.x, std::max(Top(), other.Top()) - low.y};
 }
 
+std::string ShownTitle(const COpBox& box, char joint) {
+    return (box.IsPlaceholder() ? Shortened(box.filename) : box.filename) + joint + std::to_string(box.wid);
+}
+
+std::string ShownName(const COpButton& button) {
+    return button.IsUnknown() ? Shortened(button.DisplayName()) : button.DisplayName();
+}
+
 void LayoutBox(COpBox& box, float zoom, const TextMeasure& text, IconSize icon) {
     const float pixel = 1 / zoom;  // in desk units
     // Bevels and gaps are never thinner than their pixels.
@@ -93,7 +110,7 @@ void LayoutBox(COpBox& box, float zoom, const TextMeasure& text, IconSize icon) 
     // An icon's pixels count as desk units: it is magnified with the desk.
     const float iconWidth = hasIcon ? static_cast<float>(icon.width) + pad : 0;
     const float iconHeight = hasIcon ? static_cast<float>(icon.height) + pad : 0;
-    const float nameWidth = text.LabelWidth(box.BoxTitleWid()) * pixel + pad;
+    const float nameWidth = text.LabelWidth(ShownTitle(box)) * pixel + pad;
     const float labelWidth = text.TitleWidth(box.icontext) * pixel + pad;
 
     BoxLayout& layout = box.layout;

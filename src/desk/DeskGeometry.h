@@ -78,6 +78,11 @@ struct IconSize {
     int height = 0;
 };
 
+// What a box and its buttons are called where they are seen. Names that no library vouches for may be of any
+// length, and are cut.
+std::string ShownTitle(const COpBox& box, char joint = '_');
+std::string ShownName(const COpButton& button);
+
 // Lays a box out round its anchor, as large as its texts, icon and buttons need. Depends on the zoom through
 // the texts, whose size in desk units it changes.
 void LayoutBox(COpBox& box, float zoom, const TextMeasure& text, IconSize icon);

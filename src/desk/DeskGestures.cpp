@@ -27,7 +27,10 @@ bool HasGone(const Object* object, uint64_t serial) {
     return object != nullptr && (!Object::IsLive(object) || object->Serial() != serial);
 }
 
-bool IsVinput(const COpButton* button) { return button != nullptr && button->kind == ButtonKind::kVinput; }
+// One that may be multiplied.
+bool IsVinput(const COpButton* button) {
+    return button != nullptr && button->kind == ButtonKind::kVinput && !button->IsUnknown();
+}
 
 }  // namespace
 
@@ -201,7 +204,7 @@ std::string DeskGestures::HelpUnderPointer() const {
     const COpButton* selected = desk.m_selectedButton;
     if (button == nullptr) return desk.m_mouseBox != nullptr ? desk.m_mouseBox->boxhelp : kDeskHint;
     const bool warns = selected != nullptr && selected->CanConnect(*button) && selected->WouldLoop(*button);
-    return warns ? kLoopHelp : button->help;
+    return warns ? kLoopHelp : button->HelpText();
 }
 
 std::optional<std::string> DeskGestures::TakeStaleHelp() {

@@ -31,7 +31,8 @@ void AddHelpOnButtons(DeskMenuEntries& entries, const char* what,
     if (buttons.empty()) return;
     entries.push_back(Separator());
     for (const auto& button : buttons) {
-        entries.push_back(HelpOn("On " + std::string(what) + " " + button->DisplayName(), button->help));
+        entries.push_back(
+            HelpOn("On " + std::string(what) + " " + button->DisplayName(), button->HelpText()));
     }
 }
 
@@ -44,7 +45,7 @@ DeskMenuEntry BoxHelp(const COpBox& box) {
 
 DeskMenuEntry ButtonHelp(const COpButton& button) {
     return Submenu("Help", {HelpOn("On box " + button.owner->BoxTitleWid(), button.owner->boxhelp),
-                            HelpOn("On button " + button.DisplayName(), button.help)});
+                            HelpOn("On button " + button.DisplayName(), button.HelpText())});
 }
 
 // An output may have no type at all, and then no cast.
@@ -60,10 +61,10 @@ DeskMenuEntry Casts(const COpButton& button, const TypeTables& types) {
 }
 
 DeskMenuEntry DeleteFromButton(const COpButton& button) {
-    return Submenu(
-        "Delete",
-        {Item("Delete Button", desk_command::kDeleteButton, button.kind == ButtonKind::kVinput),
-         Item("Delete Connections", desk_command::kDeleteConnections, !button.connections.Empty())});
+    return Submenu("Delete", {Item("Delete Button", desk_command::kDeleteButton,
+                                   button.kind == ButtonKind::kVinput && !button.owner->IsPlaceholder()),
+                              Item("Delete Connections", desk_command::kDeleteConnections,
+                                   !button.connections.Empty())});
 }
 
 DeskMenuEntry EditFile() { return Item("Edit File...", desk_command::kEditFile); }
@@ -86,12 +87,13 @@ DeskMenuEntries BoxMenu(const COpBox& box) {
 DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types) {
     DeskMenuEntries menu = {
         Item(button.owner->BoxTitleWid() + ": Button " + button.DisplayName(), desk_command::kNone),
-        Separator(), ButtonHelp(button), Casts(button, types)};
-    if (!button.IsOutput() && button.disableargflag == 0) {
+        Separator(), ButtonHelp(button)};
+    if (!button.IsUnknown()) menu.push_back(Casts(button, types));
+    if (!button.IsOutput() && button.disableargflag == 0 && !button.IsUnknown()) {
         menu.push_back(Checked("Argument", desk_command::kArgument, button.arg != 0));
     }
     menu.push_back(Separator());
-    if (button.kind == ButtonKind::kVinput) {
+    if (button.kind == ButtonKind::kVinput && !button.IsUnknown()) {
         menu.push_back(Item("Copy Button Above", desk_command::kCopyButtonAbove));
         menu.push_back(Item("Copy Button Below", desk_command::kCopyButtonBelow));
     }

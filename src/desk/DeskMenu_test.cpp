@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "library/Placeholder.h"
 #include "site/TypeTables.h"
 #include "support/TestHost.h"
 
@@ -200,6 +201,24 @@ TEST(ButtonMenuTest, AnInputThatMayBeNoArgumentHasNoSuchEntry) {
     EXPECT_TRUE(Has(ButtonMenu(*box->inputs.at(0), {}), "Argument"));
     box->inputs.at(0)->disableargflag = 1;
     EXPECT_FALSE(Has(ButtonMenu(*box->inputs.at(0), {}), "Argument"));
+}
+
+TEST(ButtonMenuTest, AButtonThatTheLibraryDoesNotKnowOffersNeitherCastsNorCopiesNorItsArgument) {
+    const auto box = MakeBox("Gone", "vinput v { float { 0 0 1 0 %g } } output out { float out }", 3);
+    const auto source = MakeLink("Link", 1);
+    Wire(*source, 0, *box, 0);
+    box->inputs[0]->stray = std::make_shared<const std::string>("opbutton.vinput v v1 { }");
+    DeskMenuEntries menu = ButtonMenu(*box->inputs[0], Types());
+    EXPECT_TRUE(IsEnabled(menu, "Delete Button")) << "what is left of a former definition may be given up";
+    box->inputs[0]->stray.reset();
+    box->placeholder = std::make_shared<const Placeholder>();
+    box->boxhelp = "why";
+    menu = ButtonMenu(*box->inputs[0], Types());
+    for (const char* text : {"Casts", "Argument", "Copy Button Above", "Copy Button Below"})
+        EXPECT_FALSE(Has(menu, text)) << text;
+    EXPECT_FALSE(IsEnabled(menu, "Delete Button"));
+    EXPECT_TRUE(IsEnabled(menu, "Delete Connections"));
+    EXPECT_EQ(Find(menu, "On button v1")->entries.at(0).text, "why");
 }
 
 TEST(ButtonMenuTest, ConnectionsCanBeDeletedAtBothTheirEnds) {

@@ -48,6 +48,7 @@ void COpDesk::AddOperator(const std::string& name) {
 void COpDesk::BringOperator(const std::string& name) {
     Report& report = m_host.GetSite().report;
     const COpEntry* entry = m_host.Registry().FindByName(name);
+    if (entry == nullptr && !m_host.Registry().MayHaveBeenCalled(name).empty()) return AddBox(name);
     if (entry == nullptr) {
         report.Alert("%s: unknown operator name", name.c_str());
         return;
@@ -267,7 +268,8 @@ void COpDesk::CopyBoxes(const std::vector<COpBox*>& source, BoxVector& destinati
 }
 
 COpButton* COpDesk::GrowVinput(bool above) {
-    if (m_mouseBox == nullptr || m_mouseButton == nullptr || m_mouseButton->kind != ButtonKind::kVinput)
+    if (m_mouseBox == nullptr || m_mouseButton == nullptr || m_mouseButton->kind != ButtonKind::kVinput ||
+        m_mouseButton->IsUnknown())
         return nullptr;
     const EditScope edit(m_document, "Add Input");
     m_document.edits.BoxTouched(*m_mouseBox);

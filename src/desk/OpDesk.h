@@ -16,6 +16,8 @@
 
 namespace tavrin {
 
+struct RevivedBox;
+
 // What the desk asks of the window that shows it, while an act goes on; what has come of the act, the
 // document's listeners are told at its end. The batch program has no window, and this does nothing.
 class DeskView {
@@ -31,7 +33,8 @@ using BoxReplacements = std::unordered_map<const COpBox*, std::unique_ptr<COpBox
 
 // A box on a desk is in exactly one of three places: the network (saved and generated), the pending boxes
 // (numbered, waiting under the mouse), the clipboard (clones without a number). Clipboard and context menus
-// stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp, replacement in BoxUpdate.cpp.
+// stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp, replacement in BoxUpdate.cpp,
+// what becomes of placeholders in DeskRevival.cpp.
 class COpDesk {
   public:
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;
@@ -52,6 +55,10 @@ class COpDesk {
     void MergeBoxes(CTvDoc::BoxList& boxes);
     // Puts the pending boxes on top of the network.
     void DropPending();
+    // Puts real boxes in the place of all placeholders whose operators can be had again, with their wires, as
+    // one edit, and in that of those on the clipboard; the log tells which, and what does not fit any more.
+    // How many came back to the network.
+    size_t RevivePlaceholders();
     // Forgets every reference to a box that is out of the network, and destroys it.
     void RemoveBox(std::unique_ptr<COpBox> box);
     // The same for all boxes that wait under the mouse.
@@ -149,6 +156,7 @@ class COpDesk {
     // Costs no search for each.
     void Discard(BoxVector& boxes, Edits::Stood stood);
     void ForgetBox(const COpBox& box, Edits::Stood stood);
+    void PutInPlace(std::unique_ptr<COpBox>& place, RevivedBox revived);
     BoxVector TakeSelectedBoxes();
     COpButton* LiveMouseButton() const;
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "document/PlaceholderBox.h"
+#include "library/Aliases.h"
 #include "library/OpBox.h"
 #include "library/ValueVisitor.h"
 #include "site/TypeTables.h"
@@ -61,6 +63,16 @@ void SetValue(COpButton& button, const ValueRecord& record) {
 
 }  // namespace
 
+void TakeButtonRecord(COpButton& button, const ButtonRecord& record) {
+    Assign(button.pin, record.pin);
+    Assign(button.stow, record.stow);
+    Assign(button.lock, record.lock);
+    Assign(button.arg, record.arg);
+    Assign(button.argname, record.argname);
+    Assign(button.comments, record.comments);
+    for (const ValueRecord& value : record.values) SetValue(button, value);
+}
+
 void BoxBuilder::Alert(size_t place, const std::string& message) {
     m_report.AlertAt(m_form.Path(), m_form.LineAt(place), message);
 }
@@ -79,7 +91,8 @@ bool BoxBuilder::Build(const BoxRecord& record) {
     takeSettingsUpTo(m_form.Text().size());
     if (!record.IsWhole()) return true;
     std::erase_if(m_box.inputs, [this](const auto& input) {
-        return input->kind == ButtonKind::kVinput && !m_namesSeen.contains(input->name);
+        return input->kind == ButtonKind::kVinput && input->stray == nullptr &&
+               !m_namesSeen.contains(input->name);
     });
     m_box.RenumberInputs();
     return true;
@@ -98,30 +111,32 @@ void BoxBuilder::Take(const BoxSettingRecord& setting) {
 bool BoxBuilder::Build(const ButtonRecord& record) {
     const bool isInput = record.kind == "input" || record.kind == "vinput";
     COpButton* button = isInput ? FindInput(record) : NextOutput(record);
-    if (button == nullptr) return false;
-    Assign(button->pin, record.pin);
-    Assign(button->stow, record.stow);
-    Assign(button->lock, record.lock);
-    Assign(button->arg, record.arg);
-    Assign(button->argname, record.argname);
-    Assign(button->comments, record.comments);
-    for (const ValueRecord& value : record.values) SetValue(*button, value);
+    // Of a record that is not whole, the stop that comes next is told.
+    if (button == nullptr) return m_tellUnknown && !record.IsWhole();
+    if (m_tellUnknown) (isInput ? m_inputs : m_outputs).push_back(button);
+    if (button->stray != nullptr) return true;
+    TakeButtonRecord(*button, record);
     if (!record.IsWhole()) return true;
     ChooseCast(*button, record);
-    m_namesSeen.insert(record.name);
+    m_namesSeen.insert(button->name);
     return true;
 }
 
 COpButton* BoxBuilder::FindInput(const ButtonRecord& record) {
     auto& inputs = m_box.inputs;
-    while (m_inputCursor < inputs.size() && inputs[m_inputCursor]->name != record.name) ++m_inputCursor;
-    if (m_inputCursor == inputs.size()) {
-        Alert(record.namesEnd, "undefined input " + std::string(record.name) + " specified");
+    const size_t place = PlaceOfInput(record.name);
+    if (place == inputs.size()) {
+        const std::string message = "undefined input " + std::string(record.name) + " specified";
+        if (m_tellUnknown) return AddStray(record, m_strayPlace, message);
+        Alert(record.namesEnd, message);
         return nullptr;
     }
+    m_inputCursor = place;
     if (record.kind == "input" && inputs[m_inputCursor].get() == m_inputBuilt) PassToTwin();
     COpButton& found = *inputs[m_inputCursor];
     m_inputBuilt = &found;
+    if (m_tellUnknown || !found.aliases.empty()) m_built.insert(&found);
+    m_strayPlace = m_inputCursor + 1;
     if (found.KindText() != record.kind) {
         Alert(record.namesEnd,
               "input " + std::string(record.name) + " not of type " + std::string(record.kind));
@@ -134,7 +149,59 @@ COpButton* BoxBuilder::FindInput(const ButtonRecord& record) {
     auto copy = std::make_unique<COpButton>(found);
     copy->instance = found.instance + 1;
     ++m_inputCursor;
+    ++m_strayPlace;
     return inputs.insert(inputs.begin() + static_cast<std::ptrdiff_t>(m_inputCursor), std::move(copy))->get();
+}
+
+// The end of the inputs if there is none. What a button is called wins over what another one was called.
+size_t BoxBuilder::PlaceOfInput(std::string_view name) {
+    auto& inputs = m_box.inputs;
+    const auto begin = inputs.begin();
+    const auto from = begin + static_cast<std::ptrdiff_t>(m_inputCursor);
+    const auto isNamed = [&](const auto& input) { return input->stray == nullptr && input->name == name; };
+    // What a block with the name of now has said of the button, one with a former name does not undo.
+    const auto wasNamed = [&](const auto& input) {
+        const bool isTaken = input->kind == ButtonKind::kInput && m_built.contains(input.get());
+        return input->stray == nullptr && !isTaken && WasCalled(*input, name);
+    };
+    const auto isLeft = [&](const auto& input) {
+        return (isNamed(input) || wasNamed(input)) && !m_built.contains(input.get());
+    };
+    auto found = std::find_if(from, inputs.end(), isNamed);
+    if (found == inputs.end() && IsOrWasAnInput(name)) {
+        if (std::none_of(begin, from, isNamed)) found = std::find_if(from, inputs.end(), wasNamed);
+        if (found == inputs.end() && m_tellUnknown) {
+            found = std::find_if(begin, from, isLeft);
+            if (found == from) found = inputs.end();
+        }
+    }
+    return static_cast<size_t>(found - begin);
+}
+
+// Asked of what the search forward has not found: of thousands of unknown names, each costs little.
+bool BoxBuilder::IsOrWasAnInput(std::string_view name) {
+    if (!m_names) {
+        m_names.emplace();
+        for (const auto& input : m_box.inputs) {
+            if (input->stray != nullptr) continue;
+            m_names->insert(input->name);
+            m_names->insert(input->aliases.begin(), input->aliases.end());
+        }
+    }
+    return m_names->contains(name);
+}
+
+// The buttons that follow in the file stand behind it.
+COpButton* BoxBuilder::AddStray(const ButtonRecord& record, size_t place, const std::string& message) {
+    if (!record.IsWhole()) return nullptr;
+    m_tellUnknown(record.namesEnd, message);
+    auto stray = MakeStrayButton(m_box, record, m_form);
+    auto& side = stray->IsOutput() ? m_box.outputs : m_box.inputs;
+    if (!stray->IsOutput()) {
+        if (m_inputCursor >= place) ++m_inputCursor;
+        m_strayPlace = place + 1;
+    }
+    return side.insert(side.begin() + static_cast<std::ptrdiff_t>(place), std::move(stray))->get();
 }
 
 // A definition may have several inputs of one name, and the file then has a block for each.
@@ -149,13 +216,16 @@ void BoxBuilder::PassToTwin() {
 
 COpButton* BoxBuilder::NextOutput(const ButtonRecord& record) {
     const std::string name(record.name);
-    if (m_outputCursor == m_box.outputs.size()) {
-        Alert(record.namesEnd, "undefined output " + name + " specified");
-        return nullptr;
+    const bool isThere = m_outputCursor < m_box.outputs.size();
+    COpButton* button = isThere ? m_box.outputs[m_outputCursor].get() : nullptr;
+    if (isThere && button->KindText() == record.kind) {
+        ++m_outputCursor;
+        return button;
     }
-    COpButton& button = *m_box.outputs[m_outputCursor++];
-    if (button.KindText() == record.kind) return &button;
-    Alert(record.namesEnd, "button " + name + " not of type " + std::string(record.kind));
+    const std::string message = isThere ? "button " + name + " not of type " + std::string(record.kind)
+                                        : "undefined output " + name + " specified";
+    if (m_tellUnknown) return AddStray(record, m_outputCursor++, message);
+    Alert(record.namesEnd, message);
     return nullptr;
 }
 

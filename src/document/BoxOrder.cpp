@@ -90,7 +90,8 @@ std::vector<COpButton*> CTvDoc::CollectUnconnectedInputs() const {
     std::vector<COpButton*> buttons;
     for (const COpBox* box : BoxesByTitle()) {
         for (const auto& input : box->inputs) {
-            if (input->connections.Empty()) buttons.push_back(input.get());
+            if (input->IsUnknown()) continue;
+            if (input->Feeder() == nullptr) buttons.push_back(input.get());
         }
     }
     return buttons;

@@ -25,6 +25,7 @@ bool DocumentReader::ReadOpDesk() {
     while (Next(keyword) && keyword != "}") {
         if (!ReadDeskItem(desk, keyword)) return false;
     }
+    if (keyword != "}") EndsInside("opdesk");
     End(desk);
     return true;
 }
@@ -68,6 +69,7 @@ bool DocumentReader::ReadOpBox(DeskRecord& desk) {
     auto& box = std::get<BoxRecord>(desk.items.emplace_back(std::in_place_type<BoxRecord>));
     static_cast<DocumentRecord&>(box) = begun;
     box.operatorName = name;
+    box.nameEnd = TokenEnd();
     // What most boxes have, at once: reading a large document is mostly memory.
     box.settings.reserve(3);
     box.buttons.reserve(4);
@@ -75,14 +77,19 @@ bool DocumentReader::ReadOpBox(DeskRecord& desk) {
     while (Next(keyword) && keyword != "}") {
         if (!ReadBoxItem(box, keyword)) return false;
     }
+    box.isClosed = keyword == "}";
     End(box);
     return true;
 }
 
 bool DocumentReader::ReadBoxItem(BoxRecord& box, std::string_view keyword) {
     if (keyword.starts_with(kButtonPrefix)) return ReadOpBoxButton(box, keyword.substr(kButtonPrefix.size()));
-    BoxSettingRecord setting{Begun(), keyword, 0, {}, 0};
+    BoxSettingRecord setting{Begun(), keyword, 0, {}, 0, 0};
     bool isWhole = true;
+    if (keyword == "wid" || keyword == "xypos") {
+        SkipToToken(m_archive);
+        setting.operands = m_archive.Position();
+    }
     if (keyword == "wid") {
         if (!Operand(setting.integer)) return false;
     } else if (keyword == "xypos") {

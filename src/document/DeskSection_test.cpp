@@ -12,8 +12,11 @@ namespace {
 
 using test::BoxAt;
 using test::WidsOf;
+using testing::Each;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 // Operators: "src" with the outputs a and b, "dst" with the inputs p and q, "one", of which a desk holds one.
 class DeskSection : public test::DocumentTest {
@@ -104,12 +107,13 @@ TEST_F(DeskSection, TheSectionMustOpenAndHoldNothingUnknown) {
     ExpectStop("{\n}", 2);
 }
 
-TEST_F(DeskSection, TheEndOfTheFileEndsTheSectionWell) {
+TEST_F(DeskSection, TheEndOfTheFileEndsTheSectionWellAndIsToldAsTheCutThatItIs) {
     EXPECT_TRUE(Load("opdesk {\nlock 1\n"));
     EXPECT_TRUE(Load("opdesk {"));
     EXPECT_TRUE(Load("opdesk { opbox { filename src wid 3\n"));
     EXPECT_TRUE(Load("opdesk { " + Wired("opbox:src,1,a,0 -> opbox:dst,2,p,0")));
-    EXPECT_THAT(Alerts(), IsEmpty());
+    EXPECT_THAT(Alerts(), SizeIs(4));
+    EXPECT_THAT(Alerts(), Each(EndsWith(": the file ends inside the section \"opdesk\"")));
     EXPECT_EQ(document.m_boxes.size(), 3U);
 }
 

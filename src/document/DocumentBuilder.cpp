@@ -6,7 +6,10 @@
 #include <utility>
 
 #include "document/BoxBuilder.h"
+#include "document/PlaceholderBox.h"
 #include "document/TvDoc.h"
+#include "library/Aliases.h"
+#include "library/OpRegistry.h"
 #include "site/Site.h"
 
 namespace tavrin {
@@ -17,28 +20,38 @@ DocumentBuilder::DocumentBuilder(CTvDoc& document, const DocumentForm& form, Doc
       m_host(host),
       m_report(host.GetSite().report),
       m_definitions(host.Registry(), host.GetSite()) {
-    for (const auto& box : document.m_boxes) m_byWid[box->wid] = box.get();
+    for (const auto& box : document.m_boxes) m_byWid[box->wid].box = box.get();
+    int wantsPlaceholders = 0;
+    host.GetSite().settings.GetSettingInt("document.placeholders", wantsPlaceholders);
+    if (wantsPlaceholders != 0) m_unknown.emplace(form, host.GetSite());
 }
 
 bool DocumentBuilder::Build() {
+    const bool isWhole = TakeSections();
+    if (m_unknown) m_unknown->TellCount();
+    if (!isWhole) return false;
+    m_document.SortBoxesByWid();
+    m_document.SetModified(false);
+    return true;
+}
+
+bool DocumentBuilder::TakeSections() {
     for (const SectionRecord& section : m_form.sections) {
         if (!std::visit([this](const auto& record) { return Take(record); }, section)) return false;
         ReportErrorsUpTo(PlaceOf(section).end);
     }
     ReportErrorsUpTo(m_form.Text().size());
-    if (!m_form.IsReadToEnd()) return false;
-    m_document.SortBoxesByWid();
-    m_document.SetModified(false);
-    return true;
+    return m_form.IsReadToEnd();
 }
 
 bool DocumentBuilder::BuildDesk() {
     const auto isDesk = [](const auto& section) { return std::holds_alternative<DeskRecord>(section); };
     const auto desk = std::find_if(m_form.sections.begin(), m_form.sections.end(), isDesk);
     const bool isThere = desk != m_form.sections.end();
-    if (isThere && !Take(std::get<DeskRecord>(*desk))) return false;
-    ReportErrorsUpTo(m_form.Text().size());
-    return isThere && m_form.IsReadToEnd();
+    const bool isTaken = !isThere || Take(std::get<DeskRecord>(*desk));
+    if (isTaken) ReportErrorsUpTo(m_form.Text().size());
+    if (m_unknown) m_unknown->TellCount();
+    return isThere && isTaken && m_form.IsReadToEnd();
 }
 
 void DocumentBuilder::ReportErrorsUpTo(size_t place) {
@@ -56,6 +69,7 @@ bool DocumentBuilder::Stop(const DocumentRecord& record, const std::string& mess
 
 bool DocumentBuilder::Take(const LibraryRecord& library) {
     m_definitions.Clear();
+    if (m_unknown) m_unknown->ForgetOperators();
     m_expectsOperators = false;
     const std::string name(library.name);
     if (!m_host.UseLibrary(name)) {
@@ -67,8 +81,18 @@ bool DocumentBuilder::Take(const LibraryRecord& library) {
 }
 
 bool DocumentBuilder::Take(const ToolbarRecord& toolbar) {
-    m_document.toolbar.assign(toolbar.operators.begin(), toolbar.operators.end());
+    m_document.toolbar.clear();
+    for (const std::string_view name : toolbar.operators) m_document.toolbar.push_back(PresentName(name));
     return true;
+}
+
+// An operator that was called so before is known by its name of now; any other name stands as it is.
+std::string DocumentBuilder::PresentName(std::string_view operatorName) {
+    const std::string name(operatorName);
+    const COpRegistry& registry = m_host.Registry();
+    if (registry.FindByName(name) != nullptr || registry.MayHaveBeenCalled(name).empty()) return name;
+    COpBox box;
+    return box.DefineByAlias(name, registry, m_host.GetSite(), &m_definitions) ? box.filename : name;
 }
 
 bool DocumentBuilder::Take(const RenderOptionsRecord& section) {
@@ -124,11 +148,49 @@ void DocumentBuilder::ExpectOperators(const DeskRecord& desk) {
 
 bool DocumentBuilder::Take(const BoxRecord& record) {
     auto made = std::make_unique<COpBox>();
-    if (!m_host.DefineBox(*made, std::string(record.operatorName), &m_definitions)) return false;
+    if (!m_unknown) {
+        return m_host.DefineBox(*made, std::string(record.operatorName), &m_definitions) &&
+               BuildBox(std::move(made), record);
+    }
+    const std::string reason = WhyUndefined(*made, record);
+    return reason.empty() ? BuildBox(std::move(made), record) : StandIn(record, reason);
+}
+
+bool DocumentBuilder::BuildBox(std::unique_ptr<COpBox> made, const BoxRecord& record) {
     COpBox& box = *m_document.m_boxes.emplace_back(std::move(made));
-    if (!BoxBuilder(box, m_form, m_report).Build(record)) return false;
-    if (record.IsWhole()) m_byWid[box.wid] = &box;
+    TellUnknownButton tellUnknown;
+    if (m_unknown) {
+        tellUnknown = [&](size_t place, const std::string& message) {
+            m_unknown->TellButton(box.filename, place, message);
+        };
+    }
+    BoxBuilder builder(box, m_form, m_report, std::move(tellUnknown));
+    if (!builder.Build(record)) return false;
+    if (record.IsWhole()) m_byWid[box.wid] = {&box, builder.Inputs()};
     return true;
+}
+
+// What there is of a block that the text ends in cannot be kept for what it is: the rest would be taken for
+// its part when it is read again. The file is guarded as one that is cut.
+bool DocumentBuilder::StandIn(const BoxRecord& record, const std::string& reason) {
+    if (!record.IsWhole() || !record.isClosed) return true;
+    const bool isThere = m_host.Registry().FindByName(std::string(record.operatorName)) != nullptr;
+    COpBox& box = *m_document.m_boxes.emplace_back(
+        MakePlaceholder(record, m_form, reason, isThere ? "broken" : "missing"));
+    m_unknown->CountPlaceholder();
+    m_byWid[box.wid] = {&box, {}};
+    return true;
+}
+
+// Nothing if the box could be defined. What failed once is not tried again.
+std::string DocumentBuilder::WhyUndefined(COpBox& box, const BoxRecord& record) {
+    if (const std::string* reason = m_unknown->ReasonOf(record.operatorName)) return *reason;
+    const std::string name(record.operatorName);
+    HeldAlerts held(m_report);
+    if (!m_host.DefineBox(box, name, &m_definitions))
+        return m_unknown->TellOperator(name, record.begin, held);
+    held.Release();
+    return {};
 }
 
 bool DocumentBuilder::Take(const ConnectionRecord& record) {
@@ -137,18 +199,34 @@ bool DocumentBuilder::Take(const ConnectionRecord& record) {
     for (const int wid : {source.wid, target.wid}) {
         if (!m_byWid.contains(wid)) return Stop(record, FormatText("box %d not found", wid));
     }
-    COpBox& from = *m_byWid[source.wid];
-    COpBox& to = *m_byWid[target.wid];
-    if (source.position < 0 || static_cast<size_t>(source.position) >= from.outputs.size())
+    COpButton* output = FindButton(m_byWid[source.wid], source, true);
+    if (output == nullptr)
         return Stop(record, FormatText("box %d has no output %d", source.wid, source.position));
-    if (target.position < 0 || static_cast<size_t>(target.position) >= to.inputs.size()) {
-        return Stop(record, FormatText("box %s_%d has no input %d", to.filename.c_str(), target.wid,
-                                       target.position));
+    COpButton* input = FindButton(m_byWid[target.wid], target, false);
+    if (input == nullptr) {
+        return Stop(record, FormatText("box %s_%d has no input %d", m_byWid[target.wid].box->filename.c_str(),
+                                       target.wid, target.position));
     }
     // From the input's side, so that a pair that the file names twice stays whole.
-    to.inputs[static_cast<size_t>(target.position)]->Connect(
-        *from.outputs[static_cast<size_t>(source.position)]);
+    input->Connect(*output);
     return true;
+}
+
+// By its position. Where the file lists its inputs in another order than the box has them, the position is
+// one in that list, unless the name that stands beside it speaks for the other.
+COpButton* DocumentBuilder::FindButton(const BuiltBox& built, const ConnectionRecord::End& end,
+                                       bool isOutput) const {
+    if (end.position < 0) return nullptr;
+    const auto place = static_cast<size_t>(end.position);
+    auto& side = isOutput ? built.box->outputs : built.box->inputs;
+    COpButton* inBox = place < side.size() ? side[place].get() : nullptr;
+    if (!m_unknown) return inBox;
+    if (built.box->IsPlaceholder()) return MakeUpButton(*built.box, end, isOutput);
+    COpButton* inFile = !isOutput && place < built.inputs.size() ? built.inputs[place] : nullptr;
+    if (inFile == nullptr || inBox == nullptr) return inFile == nullptr ? inBox : inFile;
+    const bool isOtherMeant =
+        inBox->name == end.button && inFile->name != end.button && !WasCalled(*inFile, end.button);
+    return isOtherMeant ? inBox : inFile;
 }
 
 bool DocumentBuilder::Take(const DeskSettingRecord& setting) {

@@ -102,7 +102,7 @@ TEST_F(DocumentFileTest, AnEarlierVersionKnowsWhatTheDocumentHasWrittenSince) {
     const DocumentOrigin earlier = document.Origin();
     ASSERT_TRUE(Save(path));
     EXPECT_FALSE(earlier.file->HoldsOther());
-    ASSERT_TRUE(document.Open(Write("other.tvn", "")));
+    ASSERT_TRUE(document.Open(Write("other.tvn", "# nothing\n")));
     ASSERT_TRUE(document.Open(path));
     ASSERT_TRUE(Save(path));
     EXPECT_FALSE(earlier.file->HoldsOther()) << "opened again, it is still the document's file";
@@ -111,7 +111,7 @@ TEST_F(DocumentFileTest, AnEarlierVersionKnowsWhatTheDocumentHasWrittenSince) {
 TEST_F(DocumentFileTest, AnotherDocumentThatTakesThePlaceIsAnother) {
     ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar { }\n")));
     const DocumentOrigin earlier = document.Origin();
-    ASSERT_TRUE(document.Open(Write("other.tvn", "")));
+    ASSERT_TRUE(document.Open(Write("other.tvn", "# nothing\n")));
     ASSERT_TRUE(Save(path));
     EXPECT_FALSE(HoldsOther());
     EXPECT_TRUE(earlier.file->HoldsOther());
@@ -120,7 +120,7 @@ TEST_F(DocumentFileTest, AnotherDocumentThatTakesThePlaceIsAnother) {
 TEST_F(DocumentFileTest, AFileThatSomebodyChangedBeforeItWasOpenedAgainIsAnother) {
     ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar { }\n")));
     const DocumentOrigin earlier = document.Origin();
-    ASSERT_TRUE(document.Open(Write("doc.tvn", "")));
+    ASSERT_TRUE(document.Open(Write("doc.tvn", "# nothing\n")));
     EXPECT_TRUE(earlier.file->HoldsOther());
     EXPECT_FALSE(HoldsOther());
 }
@@ -152,7 +152,7 @@ TEST_F(DocumentFileTest, WhatWasNotReadWouldBeLostByEveryWayToTheFile) {
 TEST_F(DocumentFileTest, AnEarlierVersionOfACutDocumentIsProtectedUntilTheFileIsReplaced) {
     ASSERT_TRUE(document.Open(Write("doc.tvn", "toolbar")));
     const DocumentOrigin earlier = document.Origin();
-    ASSERT_TRUE(document.Open(Write("other.tvn", "")));
+    ASSERT_TRUE(document.Open(Write("other.tvn", "# nothing\n")));
     document.SetOrigin(earlier);
     EXPECT_TRUE(document.WasCutShort());
     EXPECT_TRUE(document.WouldLoseUnread(path));

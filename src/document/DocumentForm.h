@@ -44,6 +44,10 @@ class DocumentForm {
     // Reading came to the end of the text, whatever it has passed over.
     bool IsReadToEnd() const { return errors.empty() || errors.back().kind != ReadingError::Kind::kStop; }
 
+    // Something in it is a word of the format, or it says in comments alone that it holds nothing: a picture,
+    // noise or an empty file does neither. For a form of all sections.
+    bool IsDocument() const { return m_isComments || !sections.empty() || !errors.empty(); }
+
     // In the order of the text.
     std::vector<SectionRecord> sections;
     std::vector<ReadingError> errors;  // in the order in which they were met; a stop comes last
@@ -53,6 +57,7 @@ class DocumentForm {
     explicit DocumentForm(CArchive source) : m_source(std::make_unique<CArchive>(std::move(source))) {}
 
     std::unique_ptr<CArchive> m_source;
+    bool m_isComments = false;          // nothing else stands there
     std::deque<std::string> m_decoded;  // tokens that do not stand in the text as they are
 };
 

@@ -28,11 +28,11 @@ void DocumentLayout::BeginButton(std::string_view kind, std::string_view name, s
     Line("                wwms\r\n                {");
 }
 
-// A name is a field between commas here. Nobody reads it.
+// A name is a field between commas here, and not empty. Nobody relies on it.
 std::string DocumentLayout::WireEndText(const WireEnd& end) {
     const auto field = [](std::string name) {
         std::replace(name.begin(), name.end(), ',', '_');
-        return name;
+        return name.empty() ? std::string("_") : name;
     };
     return TokenText("opbox:" + field(std::string(end.operatorName)) + "," + std::to_string(end.wid) + "," +
                      field(std::string(end.button)) + "," + std::to_string(end.position));

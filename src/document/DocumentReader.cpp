@@ -13,14 +13,25 @@ namespace tavrin {
 
 DocumentForm ReadDocument(CArchive archive) { return DocumentReader(std::move(archive)).Read(); }
 
+std::string NoDocumentMessage(const DocumentForm& form) {
+    const bool isEmpty = Trim(form.Text()).empty();
+    return form.Path() + " is no Tavrin document: it " +
+           (isEmpty ? "is empty" : "holds none of the words that a document is made of") +
+           "; it was not opened, and what is on the desk stays";
+}
+
 DocumentForm ReadDesk(CArchive archive) { return DocumentReader(std::move(archive)).ReadDeskAlone(); }
 
 DocumentReader::DocumentReader(CArchive archive) : m_form(std::move(archive)), m_archive(*m_form.m_source) {}
 
 DocumentForm DocumentReader::Read() {
     std::string_view keyword;
-    while (Next(keyword) && ReadSection(keyword)) {
+    bool hasWords = false;
+    while (Next(keyword)) {
+        hasWords = true;
+        if (!ReadSection(keyword)) break;
     }
+    m_form.m_isComments = !hasWords && !Trim(m_archive.Text()).empty();
     return std::move(m_form);
 }
 
@@ -100,8 +111,11 @@ void DocumentReader::ReadExportOptions() {
     const DocumentRecord begun = Begun();
     auto& section = AddSection<ExportOptionsRecord>(begun);
     std::string_view key;
-    bool isKnown = Next(key);  // the brace, whatever it is
-    while (isKnown && Next(key) && key != "}") {
+    bool isOpen = Next(key);  // the brace, whatever it is
+    bool isKnown = true;
+    while (isOpen && isKnown) {
+        isOpen = Next(key);
+        if (!isOpen || key == "}") break;
         ExportOptionRecord option{Begun(), key, {}};
         m_archive.ReadLine(option.line);
         End(option);
@@ -111,6 +125,7 @@ void DocumentReader::ReadExportOptions() {
         else
             AddError(ReadingError::Kind::kPassedOver, "unknown export option: " + std::string(key));
     }
+    if (!isOpen) EndsInside("exportoptions");
     End(section);
 }
 
@@ -165,6 +180,11 @@ bool DocumentReader::Stop(std::string message) {
 
 void DocumentReader::AddError(ReadingError::Kind kind, std::string message) {
     m_form.errors.push_back({kind, m_tokenBegin, m_archive.LineNumber(), std::move(message)});
+}
+
+void DocumentReader::EndsInside(std::string_view section) {
+    AddError(ReadingError::Kind::kPassedOver,
+             "the file ends inside the section \"" + std::string(section) + "\"");
 }
 
 DocumentRecord DocumentReader::Begun() const { return {m_tokenBegin, m_tokenBegin}; }

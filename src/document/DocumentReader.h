@@ -15,6 +15,9 @@ namespace tavrin {
 // reported: the form holds the errors.
 DocumentForm ReadDocument(CArchive archive);
 
+// What the user is told of a file whose form is no document's.
+std::string NoDocumentMessage(const DocumentForm& form);
+
 // Reads only the first desk section, wherever in the text its keyword stands; a form without a section if it
 // stands nowhere.
 DocumentForm ReadDesk(CArchive archive);
@@ -73,6 +76,8 @@ class DocumentReader {
     bool Stop(std::string message);
     bool Unexpected() { return Stop("unexpected input"); }
     void AddError(ReadingError::Kind kind, std::string message);
+    // The text is cut: what came before its end counts, and reading has come to that end.
+    void EndsInside(std::string_view section);
 
     // A record that begins with the token read last.
     DocumentRecord Begun() const;

@@ -71,11 +71,14 @@ struct BoxSettingRecord : DocumentRecord {
     int integer = 0;                 // the number, or the most boxes
     std::array<float, 2> numbers{};  // the place
     size_t numberCount = 0;          // how many of them stand there
+    size_t operands = 0;             // where they begin, as an offset
 };
 
 // A block of a box.
 struct BoxRecord : DocumentRecord {
     std::string_view operatorName;
+    size_t nameEnd = 0;     // behind it
+    bool isClosed = false;  // its brace stands there; the end of the text ends a block as well
     std::vector<BoxSettingRecord> settings;  // anywhere before, between and behind the buttons
     std::vector<ButtonRecord> buttons;
 

@@ -8,6 +8,7 @@
 
 #include "document/DocumentLayout.h"
 #include "document/TvDoc.h"
+#include "library/Placeholder.h"
 #include "library/ValueVisitor.h"
 #include "site/Site.h"
 #include "text/StoredText.h"
@@ -50,6 +51,7 @@ class BoxWriter : private DocumentLayout {
     using DocumentLayout::Put;
 
     void PutBox(const COpBox& box) {
+        if (box.IsPlaceholder()) return PutPlaceholder(box);
         BeginBox(box.BoxTitleWid());
         Line("        filename ", box.filename);
         Line("        wid ", box.wid);
@@ -75,7 +77,13 @@ class BoxWriter : private DocumentLayout {
     }
 
   private:
+    void PutPlaceholder(const COpBox& box) {
+        Line("\r\n    # ", OneLine(box.BoxTitleWid()), "\r\n    ",
+             BlockOf(*box.placeholder, box.wid, box.xypos));
+    }
+
     void WriteButton(const COpButton& button) {
+        if (button.stray != nullptr) return Line("\r\n        ", *button.stray);
         BeginButton(button.KindText(), button.name, button.DisplayName(), button.CurrentType());
         Line("                    pin ", button.pin);
         Line("                    stow ", button.stow);

@@ -98,6 +98,10 @@ bool CTvDoc::Open(const std::string& path) {
         return true;
     });
     if (!isRead) return false;
+    if (!form->IsDocument()) {
+        report.Alert("%s", NoDocumentMessage(*form).c_str());
+        return false;
+    }
     DeleteContents();
     m_origin.file = FileReadFrom(path, MarkOf(form->Text()));
     m_origin.isForeign = !m_host.IsOwnText(form->Text());

@@ -84,9 +84,9 @@ class CTvDoc {
     // Told when storing or reading has changed the order of the stack: what is seen of it is out of date.
     Listeners<> afterReorder;
 
-    // Opens a file: empties the document, then reads. False if the file cannot be opened, with an alert;
-    // the document then stays as it was. Errors in the file are alerted and leave what was read;
-    // WasCutShort tells.
+    // Opens a file: empties the document, then reads. False if the file cannot be opened or is no document,
+    // with an alert; the document then stays as it was. Errors in the file are alerted and leave what was
+    // read; WasCutShort tells.
     bool Open(const std::string& path);
     // Takes what a file says into the document as it stands; false if that stopped at an error.
     bool Load(const DocumentForm& form);
@@ -151,9 +151,10 @@ class CTvDoc {
     void HistoryMoved(bool isAtSaved) { m_modified = m_modifiedBeside || !isAtSaved; }
 
     // All boxes in the order of generation: each stands after everything that feeds it. Boxes of a cycle
-    // that feeds nothing else are left out.
+    // that feeds nothing else are left out. Placeholders stand where their operators would.
     std::vector<COpBox*> OrderBoxes() const;
-    // The inputs with no connection, boxes by their title and number as text without regard to case.
+    // The inputs that nothing feeds and the library knows, boxes by their title and number as text without
+    // regard to case.
     std::vector<COpButton*> CollectUnconnectedInputs() const;
     void SortBoxesByWid();
 

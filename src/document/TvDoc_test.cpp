@@ -181,7 +181,7 @@ TEST_F(TvDoc, AFileThatStopsTheReadingIsOpenWithWhatWasReadAndCutShort) {
     EXPECT_EQ(document.lock, 1);
     EXPECT_EQ(document.Path(), path);
     EXPECT_TRUE(document.WasCutShort());
-    EXPECT_TRUE(document.Open(Write("good.tvn", "")));
+    EXPECT_TRUE(document.Open(Write("good.tvn", "# nothing\n")));
     EXPECT_FALSE(document.WasCutShort());
 }
 

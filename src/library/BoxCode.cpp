@@ -45,7 +45,7 @@ class VariableWriter {
 
 // "/arg" with the slash and "noarg" without it are the words that templates compare with.
 std::string_view StateText(const COpButton& button) {
-    const bool connected = !button.connections.Empty();
+    const bool connected = button.Feeder() != nullptr;
     if (button.arg != 0) return connected ? "connected/arg" : "default/arg";
     return connected ? "connectednoarg" : "defaultnoarg";
 }
@@ -91,7 +91,7 @@ std::string COpButton::ArgumentName(const NameSource& names) const {
 }
 
 std::string COpButton::MacroValue(const NameSource& names) const {
-    if (!connections.Empty()) return connections.First()->VariableName(names);
+    if (const COpButton* source = Feeder()) return source->VariableName(names);
     if (!fixedtext.empty()) return fixedtext;
     return arg != 0 ? ArgumentName(names) : ValueText();
 }
@@ -110,6 +110,7 @@ void COpBox::PrepareVariables(CMex& expander, const TypeTables& types) const {
     VariableWriter writer(expander, types);
     std::string_view last;
     for (const auto& button : inputs) {
+        if (button->IsUnknown()) continue;
         const bool isVinput = button->kind == ButtonKind::kVinput;
         if (isVinput && button->name == last) continue;
         if (isVinput) {
@@ -119,6 +120,7 @@ void COpBox::PrepareVariables(CMex& expander, const TypeTables& types) const {
         writer.SetDeclaration(*button);
     }
     for (const auto& button : inputs) {
+        if (button->IsUnknown()) continue;
         writer.Set(kIsConnect, *button, StateText(*button));
         writer.SetCast(*button);
     }
@@ -126,6 +128,7 @@ void COpBox::PrepareVariables(CMex& expander, const TypeTables& types) const {
     expander.SetVariable("TAVRN_BoxTitle", filename);
     expander.SetVariable("TAVRN_BoxTitleWid", BoxTitleWid());
     for (const auto& button : outputs) {
+        if (button->IsUnknown()) continue;
         writer.SetDeclaration(*button);
         writer.SetCast(*button);
     }
@@ -135,11 +138,13 @@ void COpBox::GenerateCode(BoxMerge& merge, const TypeTables& types, const NameSo
     CMex& local = merge.Start(codegen);
     PrepareVariables(local, types);
     for (const auto& button : inputs) {
-        local.AppendVariable(button->name, button->MacroValue(names), button->vargseparator);
+        if (!button->IsUnknown())
+            local.AppendVariable(button->name, button->MacroValue(names), button->vargseparator);
     }
     std::vector<std::string> declarations;
     std::string expanded;
     for (const auto& button : outputs) {
+        if (button->IsUnknown()) continue;
         if (!button->fixedvalue.empty()) {
             local.Expand(button->fixedvalue, expanded);
             local.SetVariable(button->name, expanded);

@@ -6,6 +6,7 @@
 #include "base/Files.h"
 #include "base/Paths.h"
 #include "base/ReadLimit.h"
+#include "library/Aliases.h"
 #include "library/DefinitionReader.h"
 #include "library/DefinitionSource.h"
 #include "library/DefinitionTexts.h"
@@ -13,6 +14,7 @@
 #include "library/OpRegistry.h"
 #include "site/Site.h"
 #include "text/Archive.h"
+#include "text/StoredText.h"
 
 namespace tavrin {
 
@@ -49,21 +51,68 @@ std::optional<CArchive> Preprocess(const COpEntry& entry, Site& site) {
 
 bool COpBox::Define(const std::string& operatorName, const COpRegistry& registry, Site& site,
                     DefinitionTexts* texts) {
-    const COpEntry* entry = registry.FindByName(operatorName);
-    if (entry == nullptr) {
-        site.report.Alert("%s: unknown operator name", operatorName.c_str());
-        return false;
+    if (const COpEntry* entry = registry.FindByName(operatorName))
+        return DefineFrom(*entry, registry, site, texts);
+    if (DefineByAlias(operatorName, registry, site, texts)) return true;
+    site.report.Alert("%s: unknown operator name", operatorName.c_str());
+    return false;
+}
+
+// Which operator says so only the preprocessed definition tells: in the file the word may stand in a part
+// that is left out, or belong to a button.
+bool COpBox::DefineByAlias(const std::string& operatorName, const COpRegistry& registry, Site& site,
+                           DefinitionTexts* texts) {
+    const COpEntry* found = nullptr;
+    for (const COpEntry* entry : registry.MayHaveBeenCalled(operatorName)) {
+        if (found != nullptr && !registry.IsFirstClaim(operatorName, *entry)) continue;
+        COpBox other;
+        COpBox& box = found == nullptr ? *this : other;
+        HeldAlerts held(site.report);
+        const bool isDefined = box.DefineFrom(*entry, registry, site, texts);
+        for (const Report::Pending& alert : held.All()) registry.WarnOnce(OneLine(alert.text));
+        if (isDefined && WasCalled(box, operatorName)) {
+            if (found != nullptr)
+                registry.WarnOnce("alias " + OneLine(operatorName) + " in " + OneLine(entry->path) +
+                                  " is not heeded: it is claimed by " + OneLine(found->path) + " before");
+            if (found == nullptr) found = entry;
+        } else if (found == nullptr) {
+            ForgetDefinition();
+        }
     }
-    if (const DefinitionText* shared = texts == nullptr ? nullptr : texts->Find(*entry)) {
+    return found != nullptr;
+}
+
+void COpBox::ForgetDefinition() {
+    ClearButtons();
+    codegen.Reset();
+    castlock.clear();
+    aliases.clear();
+    vinputNames.clear();
+    source.reset();
+    maxinstances = 0;
+    boxhelp.clear();
+    icontext.clear();
+    iconimg.clear();
+    filename.clear();
+    for (int i = 0; i < 3; ++i) color[i] = 0;
+    size[0] = size[1] = 0;
+}
+
+bool COpBox::DefineFrom(const COpEntry& entry, const COpRegistry& registry, Site& site,
+                        DefinitionTexts* texts) {
+    if (const DefinitionText* shared = texts == nullptr ? nullptr : texts->Find(entry)) {
         site.report.LogRaw(shared->log);
-        return ReadText(*entry, *shared, site, site.report);
+        if (!ReadText(entry, *shared, site, site.report)) return false;
+    } else {
+        const RunStart begun = BeginRun();
+        std::optional<CArchive> archive = Preprocess(entry, site);
+        if (!archive) return false;
+        filename = TitleOf(entry);
+        source = SourceOf(entry.path, archive->Text(), begun);
+        if (!ReadDefinition(*archive, site.directories.libDir, site.report, entry.path)) return false;
     }
-    const RunStart begun = BeginRun();
-    std::optional<CArchive> archive = Preprocess(*entry, site);
-    if (!archive) return false;
-    filename = TitleOf(*entry);
-    source = SourceOf(entry->path, archive->Text(), begun);
-    return ReadDefinition(*archive, site.directories.libDir, site.report, entry->path);
+    SettleAliases(*this, entry, registry);
+    return true;
 }
 
 bool COpBox::ReadText(const COpEntry& entry, const DefinitionText& text, Site& site, Report& report) {

@@ -81,6 +81,12 @@ void COpButton::DropPeer(COpButton& peer) {
     peer.m_namedBy.Erase(*this);
 }
 
+const COpButton* COpButton::Feeder() const {
+    if (connections.Empty() || IsUnknown()) return nullptr;
+    const COpButton* source = connections.First();
+    return source->IsUnknown() ? nullptr : source;
+}
+
 bool COpButton::CanConnect(const COpButton& other) const {
     if (disableconnectflag != 0 || other.disableconnectflag != 0) return false;
     return IsOutput() != other.IsOutput();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "library/DefinitionReader.h"
 
+#include <algorithm>
+
 #include "library/OpBox.h"
 #include "library/SourceLines.h"
 #include "text/StoredText.h"
@@ -91,6 +93,7 @@ bool DefinitionReader::ReadClause(const std::string& keyword) {
     if (keyword == "vinput") return ReadInput(ButtonKind::kVinput);
     if (keyword == "output") return ReadOutput();
     if (keyword == "defs") return ReadDefs();
+    if (keyword == "alias") return ReadAlias(m_box.aliases);
     if (keyword.starts_with(kCodegenPrefix)) {
         std::string errorText;
         if (m_box.codegen.ParseClause(m_archive, keyword.substr(kCodegenPrefix.size()), m_libraryDir,
@@ -101,6 +104,13 @@ bool DefinitionReader::ReadClause(const std::string& keyword) {
         return false;
     }
     return Unexpected();
+}
+
+bool DefinitionReader::ReadAlias(std::vector<std::string>& aliases) {
+    std::string name;
+    if (!Operand(name)) return false;
+    if (std::find(aliases.begin(), aliases.end(), name) == aliases.end()) aliases.push_back(std::move(name));
+    return true;
 }
 
 // Loose on purpose: whatever is no clause is passed over, the opening brace among it.
@@ -153,6 +163,7 @@ void DefinitionReader::AddInstances(const COpButton& button) {
 
 bool DefinitionReader::ReadInputProperty(COpButton& button, const std::string& keyword) {
     if (keyword == "help") return HelpBlock(button.help);
+    if (keyword == "alias") return ReadAlias(button.aliases);
     if (keyword == "wwms.argname") return Operand(button.argname);
     if (keyword == "wwms.argflag") return Operand(button.arg);
     if (keyword == "wwms.disableargflag") return Operand(button.disableargflag);
@@ -198,6 +209,7 @@ bool DefinitionReader::ReadOutput() {
 // Words that are neither help nor a type that an output can have are passed over.
 bool DefinitionReader::ReadOutputProperty(COpButton& button, const std::string& keyword) {
     if (keyword == "help") return HelpBlock(button.help);
+    if (keyword == "alias") return ReadAlias(button.aliases);
     auto value = keyword == type_words::kString ? nullptr : MakeValue(keyword);
     if (!value) return true;
     if (!CanBeStored("type", keyword) || !Expect("out")) return false;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "text/TokenParser.h"
 
@@ -36,6 +37,7 @@ class DefinitionReader : private TokenParser {
   private:
     bool ReadClause(const std::string& keyword);
     bool ReadDefs();
+    bool ReadAlias(std::vector<std::string>& aliases);
     bool ReadInput(ButtonKind kind);
     bool ReadInputProperty(COpButton& button, const std::string& keyword);
     bool ReadOutput();

@@ -28,7 +28,8 @@ COpBox::COpBox(const COpBox& other)
       maxinstances(other.maxinstances),
       lacksTemplates(other.lacksTemplates || other.codegen.HasLines()),
       vinputNames(other.vinputNames),
-      source(other.source) {
+      source(other.source),
+      placeholder(other.placeholder) {
     const auto clone = [this](const auto& from, auto& to) {
         for (const auto& button : from) {
             to.push_back(std::make_unique<COpButton>(*button));
@@ -55,7 +56,7 @@ std::string COpBox::BoxTitleWid() const {
 const COpButton* COpBox::FindButton(std::string_view displayName) const {
     for (const auto* side : {&inputs, &outputs}) {
         for (const auto& button : *side) {
-            if (button->DisplayName() == displayName) return button.get();
+            if (button->stray == nullptr && button->DisplayName() == displayName) return button.get();
         }
     }
     return nullptr;
@@ -112,8 +113,9 @@ size_t COpBox::IndexOfButton(const COpButton& button) const {
 }
 
 int COpBox::CountInputsNamed(std::string_view name) const {
-    return static_cast<int>(std::count_if(inputs.begin(), inputs.end(),
-                                          [&](const auto& button) { return button->name == name; }));
+    return static_cast<int>(std::count_if(inputs.begin(), inputs.end(), [&](const auto& button) {
+        return button->name == name && button->stray == nullptr;
+    }));
 }
 
 void COpBox::ClearButtons() {

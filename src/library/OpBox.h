@@ -25,6 +25,7 @@ struct COpEntry;
 struct DefinitionSource;
 struct DefinitionText;
 struct NameSource;
+struct Placeholder;
 struct Site;
 
 // Where the desk has laid a box out, in desk units: x to the right, y upward. Made anew from the box's
@@ -56,6 +57,11 @@ class COpBox : public LiveObject<COpBox> {
     bool Define(const std::string& operatorName, const COpRegistry& registry, Site& site,
                 DefinitionTexts* texts = nullptr);
 
+    // The same for a name that no operator has, if the definition of one says that it was called so. Nothing
+    // is reported of that.
+    bool DefineByAlias(const std::string& operatorName, const COpRegistry& registry, Site& site,
+                       DefinitionTexts* texts = nullptr);
+
     // Reads a preprocessed definition. Relative files of template clauses lie in `libraryDir`. With the path
     // of the operator's file, messages tell it, and the line of it where the preprocessor does.
     bool ReadDefinition(CArchive& archive, const std::string& libraryDir, Report& report,
@@ -74,6 +80,7 @@ class COpBox : public LiveObject<COpBox> {
     float color[3] = {0, 0, 0};
     std::string icontext;
     std::string boxhelp;                               // lines joined by CR LF
+    std::vector<std::string> aliases;                  // what the definition says that it was called before
     int maxinstances = 0;                              // how many the desk may hold; 0 means any number
     std::multimap<std::string, std::string> castlock;  // names of buttons whose casts move together
     CCodeGen codegen;
@@ -83,13 +90,16 @@ class COpBox : public LiveObject<COpBox> {
     std::vector<std::string> vinputNames;  // those of the definition, whether an instance is left or not
     // What it was read from; a clone has its original's. Null for one that no preprocessor's run gave.
     std::shared_ptr<const DefinitionSource> source;
+    // What the box stands for whose operator cannot be had; null for a real one. Clones share it.
+    std::shared_ptr<const Placeholder> placeholder;
     int selected = 0;
     BoxLayout layout;  // a clone starts with none
 
+    bool IsPlaceholder() const { return placeholder != nullptr; }
     // The name of the box in menus, comments and generated variable names: title, "_", number.
     std::string BoxTitleWid() const;
 
-    // By display name, inputs first; nothing if there is none.
+    // By display name, inputs first, of those that the definition knows; nothing if there is none.
     COpButton* FindButton(std::string_view displayName);
     const COpButton* FindButton(std::string_view displayName) const;
     // Clones an input right before or right after itself and renumbers; the clone.
@@ -103,7 +113,7 @@ class COpBox : public LiveObject<COpBox> {
     void RenumberInputs();
     // The position among the inputs or, for an output, among the outputs.
     size_t IndexOfButton(const COpButton& button) const;
-    int CountInputsNamed(std::string_view name) const;
+    int CountInputsNamed(std::string_view name) const;  // of those
     void ClearButtons();
 
     // Cuts all wires of the box and makes it count as gone, with its buttons, until it is revived. Whoever
@@ -120,6 +130,10 @@ class COpBox : public LiveObject<COpBox> {
     // Expands the box's templates and merges them into the working copy. The variables of all boxes with a
     // fixed value have been prepared in `names`.
     void GenerateCode(BoxMerge& merge, const TypeTables& types, const NameSource& names) const;
+
+  private:
+    bool DefineFrom(const COpEntry& entry, const COpRegistry& registry, Site& site, DefinitionTexts* texts);
+    void ForgetDefinition();
 };
 
 }  // namespace tavrin

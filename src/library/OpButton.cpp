@@ -22,20 +22,26 @@ COpButton::COpButton(const COpButton& other)
       instance(other.instance),
       vinstances(other.vinstances),
       help(other.help),
+      aliases(other.aliases),
       disableargflag(other.disableargflag),
       disableconnectflag(other.disableconnectflag),
       argname(other.argname),
       comments(other.comments),
       pin(other.pin),
       lock(other.lock),
-      stow(other.stow) {
+      stow(other.stow),
+      stray(other.stray) {
     values.reserve(other.values.size());
     for (const auto& value : other.values) values.push_back(CloneValue(*value));
 }
 
+bool COpButton::IsUnknown() const { return stray != nullptr || owner->IsPlaceholder(); }
+
 std::string COpButton::DisplayName() const {
     return kind == ButtonKind::kVinput ? name + std::to_string(instance) : name;
 }
+
+const std::string& COpButton::HelpText() const { return owner->IsPlaceholder() ? owner->boxhelp : help; }
 
 std::string_view COpButton::KindText() const {
     switch (kind) {

@@ -52,25 +52,34 @@ class COpButton : public LiveObject<COpButton> {
     std::string name;                               // from the definition; also the macro name in templates
     std::vector<std::unique_ptr<COpValue>> values;  // one for each cast, in definition order
     ConnectionSet connections;                      // peers; its size is what "connected" means
-    std::string tieback;         // outputs: display name of the box's input that this output passes through
-    std::string fixedvalue;      // outputs: text that stands for the output
-    std::string fixedtext;       // replaces the value of an unconnected input
-    std::string vargseparator;   // vinputs: text between the instances' values in the joined macro value
-    int instance = 1;            // number among equally named neighbours
-    int vinstances = 0;          // vinputs: how many instances a new box starts with
-    std::string help;            // lines joined by CR LF
-    int disableargflag = 0;      // the user gets no Argument entry
-    int disableconnectflag = 0;  // nothing may be connected
+    std::string tieback;        // outputs: display name of the box's input that this output passes through
+    std::string fixedvalue;     // outputs: text that stands for the output
+    std::string fixedtext;      // replaces the value of an unconnected input
+    std::string vargseparator;  // vinputs: text between the instances' values in the joined macro value
+    int instance = 1;           // number among equally named neighbours
+    int vinstances = 0;         // vinputs: how many instances a new box starts with
+    std::string help;           // lines joined by CR LF
+    std::vector<std::string> aliases;  // what the definition says that it was called before
+    int disableargflag = 0;            // the user gets no Argument entry
+    int disableconnectflag = 0;        // nothing may be connected
     // How the argument is shown.
     std::string argname;  // empty for automatic
     std::string comments;
     int pin = 0;
     int lock = 0;
     int stow = 0;
+    // The block that a document has for a button which the definition lacks, and is saved as; null for one of
+    // the definition.
+    std::shared_ptr<const std::string> stray;
 
+    // The library knows nothing of it: it is stray, or its box is a placeholder. It is shown and can be
+    // wired, is saved as it came, and generation passes over it and its wires.
+    bool IsUnknown() const;
     bool IsOutput() const { return kind == ButtonKind::kOutput; }
     // The name, with the instance number behind it for a vinput.
     std::string DisplayName() const;
+    // What the user is told of it: of a placeholder's button, why there is no more.
+    const std::string& HelpText() const;
     // "input", "vinput" or "output".
     std::string_view KindText() const;
 
@@ -101,6 +110,10 @@ class COpButton : public LiveObject<COpButton> {
     std::string Declaration(const TypeTables& types, const NameSource& names) const;
 
     // Connections. There is no record for one: each end holds the other.
+
+    // What feeds an input as far as generation goes: null without a wire, and where either end is unknown to
+    // the library.
+    const COpButton* Feeder() const;
 
     // The two may be wired as far as kinds and flags go.
     bool CanConnect(const COpButton& other) const;

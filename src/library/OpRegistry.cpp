@@ -17,6 +17,7 @@ namespace {
 
 constexpr size_t kKeyLength = 4;  // of the sort key, which a dot follows
 constexpr std::string_view kSeparatorName = "_separator_";
+constexpr std::string_view kAliasKeyword = "alias";
 
 bool IsLibraryName(const std::string& name) {
     return name.size() > kKeyLength + 1 && name[kKeyLength] == '.' && name.front() != '.';
@@ -43,9 +44,19 @@ void COpRegistry::Clear() {
     m_byId.clear();
     m_byName.clear();
     m_nextId = kFirstId;
+    ForgetFormerNames();
 }
 
-void COpRegistry::AddDirectory(const std::string& path) { ScanDirectory(m_root, path); }
+void COpRegistry::ForgetFormerNames() const {
+    m_byFormerName.reset();
+    m_claims.clear();
+    m_warned.clear();
+}
+
+void COpRegistry::AddDirectory(const std::string& path) {
+    ForgetFormerNames();
+    ScanDirectory(m_root, path);
+}
 
 void COpRegistry::ScanDirectory(OpMenu& parentMenu, const std::string& directory) {
     std::error_code unreadable;
@@ -105,6 +116,41 @@ void COpRegistry::AddOperator(OpMenu& parentMenu, const std::string& path, const
 const COpEntry* COpRegistry::FindByName(const std::string& name) const {
     const auto found = m_byName.find(ToLower(name));
     return found == m_byName.end() ? nullptr : found->second;
+}
+
+const std::vector<const COpEntry*>& COpRegistry::MayHaveBeenCalled(const std::string& name) const {
+    static const std::vector<const COpEntry*> kNone;
+    if (!m_byFormerName) {
+        m_byFormerName.emplace();
+        for (const auto& entry : m_entries) AddFormerNames(*entry, *m_byFormerName);
+    }
+    const auto found = m_byFormerName->find(ToLower(name));
+    return found == m_byFormerName->end() ? kNone : found->second;
+}
+
+void COpRegistry::AddFormerNames(const COpEntry& entry, FormerNames& names) {
+    std::string reason;
+    auto file = CArchive::Open(entry.path, reason);
+    if (!file || KindOf(*file) != OperatorText::kDefinition) return;
+    std::string_view line;
+    while (file->ReadLine(line)) {
+        line = Trim(line);
+        if (!line.starts_with(kAliasKeyword)) continue;
+        CArchive words = CArchive::FromText(entry.path, std::string(line));
+        std::string keyword;
+        std::string name;
+        if (!ReadToken(words, keyword) || keyword != kAliasKeyword || !ReadToken(words, name)) continue;
+        auto& entries = names[ToLower(name)];
+        if (entries.empty() || entries.back() != &entry) entries.push_back(&entry);
+    }
+}
+
+bool COpRegistry::IsFirstClaim(const std::string& name, const COpEntry& entry) const {
+    return m_claims.insert(ToLower(name) + "\n" + entry.path).second;
+}
+
+void COpRegistry::WarnOnce(const std::string& message) const {
+    if (m_warned.insert(message).second) m_report.LogLine("WARNING: %s", message.c_str());
 }
 
 const COpEntry* COpRegistry::FindById(uint32_t id) const {

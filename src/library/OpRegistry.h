@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -55,6 +56,16 @@ class COpRegistry {
     const COpEntry* FindByName(const std::string& name) const;
     const COpEntry* FindById(uint32_t id) const;
 
+    // The operators in whose files a line says that something was called so before, in the order of the scan:
+    // the operator itself or one of its buttons, which the preprocessed definition tells. The files are read
+    // when this is asked for the first time since the last scan.
+    const std::vector<const COpEntry*>& MayHaveBeenCalled(const std::string& name) const;
+    // Whether an entry is asked about for the first time since the last scan, as one that claims a name after
+    // another one.
+    bool IsFirstClaim(const std::string& name, const COpEntry& entry) const;
+    // Writes a warning to the log, unless it stands there since the last scan.
+    void WarnOnce(const std::string& message) const;
+
     const OpMenu& Root() const { return m_root; }
     const std::vector<std::unique_ptr<COpEntry>>& Entries() const { return m_entries; }
     // In the order of the scan.
@@ -67,6 +78,9 @@ class COpRegistry {
   private:
     void ScanDirectory(OpMenu& parentMenu, const std::string& directory);
     void AddOperator(OpMenu& parentMenu, const std::string& path, const std::string& label);
+    using FormerNames = std::map<std::string, std::vector<const COpEntry*>>;
+    static void AddFormerNames(const COpEntry& entry, FormerNames& names);
+    void ForgetFormerNames() const;
 
     Report& m_report;
     OpMenu m_root;
@@ -75,7 +89,11 @@ class COpRegistry {
     std::map<uint32_t, const COpEntry*> m_byId;
     std::map<std::string, const COpEntry*> m_byName;  // by the name in lower case
     uint32_t m_nextId = kFirstId;
-    std::set<std::string> m_told;         // paths of the files that were left out for their names
+    std::set<std::string> m_told;  // paths of the files that were left out for their names
+    // What is read of the files on demand, by the name in lower case, and what was told of them.
+    mutable std::optional<FormerNames> m_byFormerName;
+    mutable std::set<std::string> m_claims;
+    mutable std::set<std::string> m_warned;
     std::vector<std::string> m_scanning;  // real paths of the directories being scanned, outermost first
 };
 

@@ -28,11 +28,12 @@ TiebackEnds::End TiebackEnds::Of(const COpButton& start) {
         // An argument without a name stands for its own variable, which leads on where the target is an
         // output: one that bears the name of a deleted input.
         const bool leadsOn = target->fixedtext.empty() && target->arg != 0 && target->argname.empty();
-        if (target->connections.Empty() && !leadsOn) {
+        const COpButton* feeder = target->Feeder();
+        if (feeder == nullptr && !leadsOn) {
             end = {Kind::kInput, target};
             break;
         }
-        end.button = target->connections.Empty() ? target : target->connections.First();
+        end.button = feeder == nullptr ? target : feeder;
     }
     for (const COpButton* output : way) m_ends[output] = end;
     return end;

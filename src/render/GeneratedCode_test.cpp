@@ -199,8 +199,9 @@ TEST_F(GeneratedCodeTest, ACopyWithoutTemplatesMakesNoCodeAndIsNamed) {
     Add(std::make_unique<COpBox>(*test::MakeLink("Relay", 9)));  // which has none by its definition
     EXPECT_THAT(Code(), testing::Not(testing::Contains("    Constant_7_result = 0.25;")));
     EXPECT_EQ(host.Sink().log,
-              "WARNING: Constant_7 is a copy and has no templates, so it makes no code; it has them once the "
-              "document is saved and opened again\r\n");
+              "WARNING: Constant_7 is a copy without templates, so it makes no code until the document is "
+              "saved and "
+              "opened again\r\n");
 }
 
 TEST_F(GeneratedCodeTest, ACopyWithTemplatesMakesTheCodeOfItsOriginal) {

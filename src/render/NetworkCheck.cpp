@@ -10,7 +10,9 @@
 #include "document/DocumentForm.h"
 #include "document/TvDoc.h"
 #include "library/OpRegistry.h"
+#include "library/Placeholder.h"
 #include "text/Report.h"
+#include "text/StoredText.h"
 
 namespace tavrin {
 
@@ -35,9 +37,18 @@ class NetworkCheck {
     std::vector<Finding> Run() {
         FindCircles();
         for (COpBox* box : m_boxes) {
+            if (box->IsPlaceholder()) {
+                Add(Severity::kWarning, *box, {},
+                    "is a placeholder, so no code is generated for it: " + OneLine(box->placeholder->reason));
+                continue;
+            }
             CheckBox(*box);
-            for (const auto& input : box->inputs) CheckInput(*input);
-            for (const auto& output : box->outputs) CheckOutput(*output);
+            for (const auto& input : box->inputs) {
+                if (!IsStray(*input)) CheckInput(*input);
+            }
+            for (const auto& output : box->outputs) {
+                if (!IsStray(*output)) CheckOutput(*output);
+            }
         }
         CheckInstances();
         return std::move(m_findings);
@@ -71,9 +82,16 @@ class NetworkCheck {
         }
     }
 
+    bool IsStray(const COpButton& button) {
+        if (button.stray == nullptr) return false;
+        Add(Severity::kWarning, button,
+            "is no button of its operator; it is kept, and no code is made of it");
+        return true;
+    }
+
     void CheckInput(COpButton& input) {
-        if (!input.connections.Empty()) {
-            const COpButton& source = *input.connections.First();
+        if (const COpButton* feeder = input.Feeder()) {
+            const COpButton& source = *feeder;
             if (source.CurrentType() != input.CurrentType() && !source.values.empty()) {
                 Add(Severity::kWarning, input,
                     "takes " + input.CurrentType() + " and is fed " + source.CurrentType() + " by " +
@@ -138,13 +156,21 @@ std::vector<Finding> CheckDocumentForm(const DocumentForm& form, const CTvDoc& d
     const auto add = [&](Severity severity, const std::string& message) {
         if (seen.insert(message).second) findings.push_back({severity, {}, {}, message});
     };
+    // Those the network's own findings tell of.
+    std::set<std::string> placeholders;
+    for (const auto& box : document.m_boxes) {
+        if (box->IsPlaceholder()) placeholders.insert(box->filename);
+    }
+    const auto isMissing = [&](const std::string& name) {
+        return registry.FindByName(name) == nullptr && registry.MayHaveBeenCalled(name).empty() &&
+               !placeholders.contains(name);
+    };
     const auto checkDesk = [&](const DeskRecord& desk) {
         for (const auto& item : desk.items) {
             const auto* box = std::get_if<BoxRecord>(&item);
             if (box == nullptr) continue;
             const std::string name(box->operatorName);
-            if (registry.FindByName(name) == nullptr)
-                add(Severity::kError, "the library has no operator " + name);
+            if (isMissing(name)) add(Severity::kError, "the library has no operator " + name);
         }
     };
     const auto checkOptions = [&](const RenderOptionsRecord& section) {

@@ -29,7 +29,7 @@ struct Finding {
 
 // Looks at the boxes in the order of their titles: inputs without any value, casts that differ along a
 // wire, arguments of one name, tiebacks that lead nowhere, boxes that feed nothing, boxes in a circle,
-// more boxes of an operator than it allows.
+// more boxes of an operator than it allows, placeholders and stray buttons.
 std::vector<Finding> CheckNetwork(const CTvDoc& document, Report& report);
 
 // Looks at what a document's file says for what its opening passes over or stops at: operators that the

@@ -147,10 +147,10 @@ TEST_F(RenderHistoryTest, AnEntryGoesBackToTheFileOfTheDocumentThatWasRendered) 
     AddLinkOperator();
     site.directories.docBrowserDir = host.Directory() / "b/";
     const std::string path = host.Directory().Write("a/one.tvn", document.Store());
-    const std::string sameName = host.Directory().Write("b/one.tvn", "another");
+    const std::string sameName = host.Directory().Write("b/one.tvn", "# another");
     ASSERT_TRUE(document.Open(path));
     ASSERT_TRUE(Session().RenderIt());
-    ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "")));
+    ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "# nothing\n")));
     ASSERT_TRUE(session->LoadHistoryEntry("01 one"));
     EXPECT_EQ(document.Path(), path);
     EXPECT_FALSE(document.Origin().file->HoldsOther());
@@ -180,7 +180,7 @@ TEST_F(RenderHistoryTest, AnEntryOfACutDocumentIsCutShortAsWell) {
         host.Directory().Write("a/cut.tvn", "opdesk { opbox { filename Link wid 1 }\noops }\n");
     ASSERT_TRUE(document.Open(path));
     ASSERT_TRUE(Session().RenderIt());
-    ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "")));
+    ASSERT_TRUE(document.Open(host.Directory().Write("b/other.tvn", "# nothing\n")));
     ASSERT_FALSE(document.WasCutShort());
     ASSERT_TRUE(session->LoadHistoryEntry("01 cut"));
     EXPECT_TRUE(document.WasCutShort());

@@ -5,9 +5,11 @@
 
 #include "codegen/BoxMerge.h"
 #include "document/TvDoc.h"
+#include "library/Placeholder.h"
 #include "library/TiebackEnds.h"
 #include "render/HelpLines.h"
 #include "site/Site.h"
+#include "text/StoredText.h"
 
 namespace tavrin {
 
@@ -50,11 +52,21 @@ void WarnOfClones(const std::vector<COpBox*>& boxes, Report& report) {
     for (const COpBox* box : boxes) {
         if (!box->lacksTemplates) continue;
         report.LogLine(
-            "WARNING: %s is a copy and has no templates, so it makes no code; it has them once the document "
-            "is "
-            "saved and opened again",
+            "WARNING: %s is a copy without templates, so it makes no code until the document is saved and "
+            "opened "
+            "again",
             box->BoxTitleWid().c_str());
     }
+}
+
+// Those in a circle of wires among them.
+void LeaveOutPlaceholders(const CTvDoc& document, std::vector<COpBox*>& ordered, Report& report) {
+    for (const auto& box : document.m_boxes) {
+        if (!box->IsPlaceholder()) continue;
+        report.LogLine("WARNING: %s is a placeholder, so no code is generated for it: %s",
+                       OneLine(box->BoxTitleWid()).c_str(), OneLine(box->placeholder->reason).c_str());
+    }
+    std::erase_if(ordered, [](const COpBox* box) { return box->IsPlaceholder(); });
 }
 
 }  // namespace
@@ -64,8 +76,9 @@ ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName,
     CCodeGen shader = siteCodeGen;
     shader.SetVariable("_SHADERNAME_", shaderName);
     AddHelpBanner(shader, document.customshaderhelp);
-    const std::vector<COpBox*> boxes = document.OrderBoxes();
+    std::vector<COpBox*> boxes = document.OrderBoxes();
     WarnOfCircles(document, boxes, site.report);
+    LeaveOutPlaceholders(document, boxes, site.report);
     WarnOfClones(boxes, site.report);
     ShaderText text;
     // Two passes: the name of a fixed value reads another box's variables.

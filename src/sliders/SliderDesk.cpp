@@ -11,10 +11,10 @@ namespace tavrin {
 
 namespace {
 
-bool IsTunable(const COpButton& button) { return button.fixedtext.empty() && button.connections.Empty(); }
+bool IsTunable(const COpButton& button) { return button.fixedtext.empty() && button.Feeder() == nullptr; }
 
 bool HasFrame(const COpBox& box, const COpButton& button) {
-    return IsTunable(button) && (box.selected != 0 || button.pin != 0);
+    return (box.selected != 0 || button.pin != 0) && IsTunable(button) && !button.IsUnknown();
 }
 
 // Those of which something stands in the column: of a large network that is a small part, and only that is

@@ -28,9 +28,9 @@ struct SliderFrame {
     bool isDisabled = false;
 };
 
-// Has a frame for each input without a wire and without a fixed text, if its box is selected or it is pinned;
-// ordered by the boxes' titles and numbers without regard to case. Holds no values. Listens to the document,
-// which outlives it; one for each main window. Nothing here can fail.
+// Has a frame for each input that the library knows, that nothing feeds and that has no fixed text, if its
+// box is selected or it is pinned; ordered by the boxes' titles and numbers without regard to case. Holds no
+// values. Listens to the document, which outlives it; one for each main window. Nothing here can fail.
 class CSliderDesk {
   public:
     explicit CSliderDesk(CTvDoc& document);

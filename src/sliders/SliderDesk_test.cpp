@@ -6,6 +6,7 @@
 
 #include <random>
 
+#include "library/Placeholder.h"
 #include "support/TestHost.h"
 #include "text/Tokens.h"
 
@@ -99,6 +100,19 @@ TEST_F(SliderDesk, AConnectedInputHasNoneUntilItIsFreeAgain) {
     desk.DeleteConnections();
     EXPECT_THAT(Shown(), ElementsAre("a_2.x", "a_2.y"));
     desk.Connect(*feeder.outputs.at(0), *box.inputs.at(1));
+    EXPECT_THAT(Shown(), ElementsAre("a_2.x"));
+}
+
+TEST_F(SliderDesk, WhatTheLibraryDoesNotKnowHasNoneAndTakesNoneAway) {
+    COpBox& gone = Add(MakeLink("g", 1));
+    gone.placeholder = std::make_shared<const Placeholder>();
+    gone.inputs.at(0)->pin = 1;
+    COpBox& box =
+        Add(MakeBox("a", "input x { float { 0 0 1 0 \"%g\" } }\ninput y { float { 0 0 1 0 \"%g\" } }", 2));
+    box.inputs.at(1)->stray = std::make_shared<const std::string>("opbutton.input y y { }");
+    Wire(gone, 0, box, 0);
+    Select(gone);
+    Select(box);
     EXPECT_THAT(Shown(), ElementsAre("a_2.x"));
 }
 

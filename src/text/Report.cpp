@@ -84,9 +84,20 @@ std::optional<Report::Pending> Report::TakePending() {
 }
 
 void Report::Raise(std::string text, std::string file) {
+    if (m_held != nullptr) {
+        m_held->push_back({Bounded(std::move(text), kLongestAlert), std::move(file)});
+        return;
+    }
     m_alertText = Bounded(std::move(text), kLongestAlert);
     m_alertFile = std::move(file);
     if (m_sink != nullptr) m_sink->OnAlert(m_alertText, m_alertFile);
+}
+
+void HeldAlerts::Release() {
+    m_report.m_held = m_outer;
+    for (Report::Pending& alert : std::exchange(m_alerts, {}))
+        m_report.Raise(std::move(alert.text), std::move(alert.file));
+    m_report.m_held = &m_alerts;
 }
 
 }  // namespace tavrin

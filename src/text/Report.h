@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace tavrin {
 
@@ -55,11 +57,34 @@ class Report {
     bool HasPending() const { return !m_alertText.empty(); }
 
   private:
+    friend class HeldAlerts;
     void Raise(std::string text, std::string file);
 
     ReportSink* m_sink = nullptr;
     std::string m_alertText;
     std::string m_alertFile;
+    std::vector<Pending>* m_held = nullptr;  // where alerts go meanwhile
+};
+
+// While one stands, on the stack, alerts come to it and to nobody else: whoever tries what may fail decides
+// what is told of it. The log goes on. They nest.
+class HeldAlerts {
+  public:
+    explicit HeldAlerts(Report& report)
+        : m_report(report), m_outer(std::exchange(report.m_held, &m_alerts)) {}
+    ~HeldAlerts() { m_report.m_held = m_outer; }
+    HeldAlerts(const HeldAlerts&) = delete;
+    HeldAlerts& operator=(const HeldAlerts&) = delete;
+
+    // In the order in which they were raised.
+    const std::vector<Report::Pending>& All() const { return m_alerts; }
+    // Raises them after all; none is left.
+    void Release();
+
+  private:
+    Report& m_report;
+    std::vector<Report::Pending>* m_outer;
+    std::vector<Report::Pending> m_alerts;
 };
 
 // printf into a string.

@@ -119,6 +119,32 @@ TEST(Report, WithoutASinkTheLogIsDroppedAndTheAlertWaits) {
     EXPECT_EQ(report.TakePending()->text, "kept");
 }
 
+TEST_F(ReportTest, HeldAlertsWaitForWhoHoldsThem) {
+    {
+        HeldAlerts outer(report);
+        report.Alert("one %d", 1);
+        {
+            HeldAlerts inner(report);
+            report.AlertAt("file", 3, "two");
+            report.LogLine("line");
+            ASSERT_EQ(inner.All().size(), 1U);
+            EXPECT_EQ(inner.All()[0].text, "file near line 3: two");
+            EXPECT_EQ(inner.All()[0].file, "file");
+            inner.Release();
+            EXPECT_THAT(inner.All(), IsEmpty());
+            report.Alert("nobody hears of this");
+        }
+        EXPECT_EQ(outer.All().size(), 2U);
+        EXPECT_THAT(sink.alerts, IsEmpty());
+        EXPECT_FALSE(report.HasPending());
+        EXPECT_EQ(sink.log, "line\r\n") << "the log goes on";
+        outer.Release();
+    }
+    EXPECT_THAT(sink.alerts, ElementsAre("one 1", "file near line 3: two"));
+    report.Alert("three");
+    EXPECT_EQ(report.TakePending()->text, "three");
+}
+
 TEST(FormatText, PrintsAsPrintfDoes) {
     EXPECT_EQ(FormatText("kill.%d", 12), "kill.12");
     EXPECT_EQ(FormatText("%s", ""), "");

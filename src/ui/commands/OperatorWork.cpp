@@ -81,7 +81,10 @@ void OperatorWork::Reload() {
     CTvApp& app = m_needs.work.app;
     app.ReloadOperators();
     Refresh();
-    m_needs.statusBox.SetStatus("Operators reloaded: " + std::to_string(app.Registry().Entries().size()));
+    const size_t revived = m_needs.work.desk.RevivePlaceholders();
+    std::string status = "Operators reloaded: " + std::to_string(app.Registry().Entries().size());
+    if (revived > 0) status += "; placeholders that are real boxes again: " + std::to_string(revived);
+    m_needs.statusBox.SetStatus(status);
     m_needs.reloaded();
 }
 

@@ -99,6 +99,7 @@ void DeskPainter::PaintVariableName(const COpButton& output, DeskPoint start, co
     const DeskPoint at{start.x + kVarNameOffset.x, start.y + kVarNameOffset.y};
     const DeskRect& visible = m_pen.Visible();
     const float height = m_pen.LabelHeight();
+    if (output.IsUnknown()) return;  // code has no name for it
     if (at.x >= visible.Right() || at.y - height >= visible.Top() || at.y + height < visible.bottom) return;
     // Nobody is told of an output without a name: a repaint may come at any time, and as often as it likes.
     const std::string name =

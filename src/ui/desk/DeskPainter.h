@@ -47,6 +47,9 @@ class DeskPainter {
     void PaintVariableName(const COpButton& output, DeskPoint start, const Rgb& color);
 
     void PaintBox(const COpBox& box, bool isHighlighted);
+    void PaintFace(const DeskRect& rect, const Rgb& color, bool isUnknown);
+    void PaintDashes(const DeskRect& rect);
+    Rgb Veiled(const Rgb& color) const;
     void PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted);
     void PaintButtons(const COpBox& box, bool outputs, const Rgb& color);
     void PaintMarks(const COpButton& button, const DeskRect& row);

@@ -22,6 +22,8 @@ constexpr std::array<DeskPoint, 6> kHexagon{
 constexpr float kMarksWidth = kCrossDistance + kCrossSize;  // what a box's marks stand out of it
 // The triangle in a grow arrow, in desk units.
 constexpr float kArrowHalf = 10;
+constexpr float kVeil = 0.55F;   // how much of the desk is seen through what the library does not know
+constexpr float kDashWidth = 2;  // pixels
 constexpr float kArrowMargin = 3;
 
 }  // namespace
@@ -47,20 +49,45 @@ void DeskPainter::PaintAllBoxes(const std::string& highlightedBox) {
 
 void DeskPainter::PaintBox(const COpBox& box, bool isHighlighted) {
     const DeskStyle& style = m_parts.style;
-    const Rgb color = isHighlighted ? style.highlightedBox : style.ColorOf(box.color);
-    const DeskRect title = TitleRect(box);
-    m_pen.Bevel(title, color);
-    m_pen.CentredLabel(box.filename + " " + std::to_string(box.wid), title);
+    const Rgb own = isHighlighted ? style.highlightedBox : style.ColorOf(box.color);
+    const Rgb color = box.IsPlaceholder() && !isHighlighted ? Veiled(own) : own;
+    PaintFace(TitleRect(box), color, box.IsPlaceholder());
+    m_pen.CentredLabel(ShownTitle(box, ' '), TitleRect(box));
     PaintPanel(box, color, isHighlighted);
     PaintButtons(box, false, color);
     PaintButtons(box, true, color);
+    if (box.IsPlaceholder()) PaintDashes(BoxRect(box));
     if (box.selected != 0) PaintSelection(BoxRect(box));
     if (m_parts.gestures.GrowArrowsShown() && m_parts.desk.m_mouseBox == &box) PaintGrowArrows(box, color);
 }
 
+// What the library does not know lies flat, as if there were only the place for it.
+void DeskPainter::PaintFace(const DeskRect& rect, const Rgb& color, bool isUnknown) {
+    if (isUnknown) {
+        m_pen.Fill(rect, color);
+    } else {
+        m_pen.Bevel(rect, color);
+    }
+}
+
+// The desk shines through.
+Rgb DeskPainter::Veiled(const Rgb& color) const {
+    const Rgb& desk = m_parts.style.background;
+    const auto mixed = [](float own, float behind) { return own + (behind - own) * kVeil; };
+    return {mixed(color.r, desk.r), mixed(color.g, desk.g), mixed(color.b, desk.b)};
+}
+
+// Dark between light, to be seen on any desk.
+void DeskPainter::PaintDashes(const DeskRect& rect) {
+    const auto corners = rect.Corners();
+    const std::array outline{corners[0], corners[1], corners[2], corners[3], corners[0]};
+    m_pen.Line(outline, {kBevelDark, kDashWidth});
+    m_pen.Line(outline, {kBevelLight, kDashWidth, true});
+}
+
 void DeskPainter::PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted) {
     const DeskRect panel = PanelRect(box);
-    m_pen.Bevel(panel, color);
+    PaintFace(panel, color, box.IsPlaceholder());
     const CSgiImage* icon =
         m_parts.document.showiconimages == 0 ? nullptr : m_parts.icons.IconOf(box, isHighlighted);
     if (icon == nullptr) {
@@ -75,14 +102,15 @@ void DeskPainter::PaintPanel(const COpBox& box, const Rgb& color, bool isHighlig
 void DeskPainter::PaintButtons(const COpBox& box, bool outputs, const Rgb& color) {
     const auto& buttons = outputs ? box.outputs : box.inputs;
     if (buttons.empty()) {
-        m_pen.Fill(ButtonColumnRect(box, outputs), kBevelDark);
+        m_pen.Fill(ButtonColumnRect(box, outputs), box.IsPlaceholder() ? color : kBevelDark);
         return;
     }
     for (size_t index = buttons.size(); index-- > 0;) {
         const COpButton& button = *buttons[index];
         const DeskRect row = ButtonRect({&box, outputs, index});
-        m_pen.Bevel(row, IsButtonLit(button) ? m_parts.style.selectedButton : color);
-        m_pen.CentredLabel(button.DisplayName(), row);
+        const Rgb plain = button.stray != nullptr ? Veiled(color) : color;
+        PaintFace(row, IsButtonLit(button) ? m_parts.style.selectedButton : plain, button.IsUnknown());
+        m_pen.CentredLabel(ShownName(button), row);
         PaintMarks(button, row);
     }
 }
