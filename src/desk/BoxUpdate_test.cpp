@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/Files.h"
+#include "document/EditHistory.h"
 #include "support/ChangeAuditor.h"
 #include "support/NetworkPrint.h"
 #include "support/TestHost.h"

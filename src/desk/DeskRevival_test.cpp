@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "desk/OpDesk.h"
+#include "document/EditHistory.h"
 #include "support/NetworkPrint.h"
 #include "support/TestHost.h"
 

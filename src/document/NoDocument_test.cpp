@@ -6,6 +6,7 @@
 #include <random>
 
 #include "document/DocumentReader.h"
+#include "document/EditHistory.h"
 #include "support/NetworkPrint.h"
 #include "support/TestHost.h"
 

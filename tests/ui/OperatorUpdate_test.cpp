@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "desk/HitTest.h"
+#include "document/EditHistory.h"
 #include "sliders/SliderDesk.h"
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
