@@ -53,13 +53,15 @@ TEST_F(Aliases, TheFormerNameOfAButtonIsNoneOfItsOperator) {
 }
 
 TEST_F(Aliases, WhatFailsOnTheWayToAnAliasIsNoAlertButAWarning) {
-    host.AddOperator("Broken", "bogus\nalias Turbulence\n");
+    host.AddOperator("Broken",
+                     "icontext broken input left { float { 0 0 1 0 %g } }\nbogus\nalias Turbulence\n");
     host.AddOperator("Fractal", std::string(kButtons) + "alias Turbulence\n");
     EXPECT_TRUE(LoadBoxOf("Turbulence"));
     EXPECT_THAT(Alerts(), IsEmpty());
     EXPECT_THAT(Warnings(), HasSubstr("unexpected input"));
     EXPECT_EQ(BoxAt(document, 0).filename, "Fractal");
     EXPECT_THAT(BoxAt(document, 0).inputs, SizeIs(1)) << "nothing of the other";
+    EXPECT_EQ(BoxAt(document, 0).icontext, "");
 }
 
 TEST_F(Aliases, AnOperatorThatIsThereWins) {
