@@ -163,6 +163,16 @@ TEST_F(Aliases, TheToolbarAndTheDeskKnowFormerNames) {
     EXPECT_THAT(Alerts(), ElementsAre("Nobody: unknown operator name"));
 }
 
+TEST_F(Aliases, ASavedNetworkOfFormerTimesIsInserted) {
+    host.AddOperator("Fractal", std::string(kButtons) + "alias Turbulence\n");
+    host.AddOperator("Net", "tavrn-version 1\nopdesk { opbox { filename Turbulence wid 1 } }\n");
+    COpDesk desk(document, host);
+    desk.AddOperator("Net");
+    EXPECT_THAT(Alerts(), IsEmpty());
+    ASSERT_THAT(desk.m_pendingBoxes, SizeIs(1));
+    EXPECT_EQ(desk.m_pendingBoxes[0]->BoxTitleWid(), "Fractal_1");
+}
+
 TEST_F(Aliases, FilesAreLookedThroughAgainAfterTheNextScan) {
     host.AddOperator("Fractal", kButtons);
     EXPECT_THAT(host.Registry().MayHaveBeenCalled("Old"), IsEmpty());

@@ -315,6 +315,17 @@ TEST_F(Placeholders, MergeAndSnapshotCarryThem) {
                 HasSubstr("filename Gone\n        wid 1\n        xypos 0.000000 0.000000\n"));
 }
 
+TEST_F(Placeholders, ASavedNetworkBringsThem) {
+    host.AddOperator(
+        "Net", "tavrn-version 1\nopdesk { opbox { filename Gone wid 4 } opbox { filename Link wid 5 } }\n");
+    COpDesk desk(document, host);
+    desk.AddOperator("Net");
+    EXPECT_THAT(Alerts(), ElementsAre("Gone: unknown operator name"));
+    desk.DropPending();
+    ASSERT_THAT(document.m_boxes, SizeIs(2));
+    EXPECT_THAT(document.Store(), HasSubstr("opbox { filename Gone wid 1"));
+}
+
 TEST_F(Placeholders, ItsButtonsCannotBeTunedButWired) {
     Open(BoxHead("Gone", 1) + ButtonBlock("vinput v v1", "float", "float 1 0 1 0\nrgb 1 1 1\n") + "    }\n" +
          BoxHead("Link", 2) + "    }\n");
