@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "desk/HitTest.h"
+#include "library/Placeholder.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -271,6 +272,17 @@ TEST_F(DeskGestures, AWireEndsInTheVinputThatItGrew) {
     ASSERT_EQ(to.inputs.size(), 2U);
     EXPECT_TRUE(to.inputs.at(0)->connections.Empty());
     EXPECT_TRUE(to.inputs.at(1)->connections.Contains(*from.outputs.at(0)));
+}
+
+TEST_F(DeskGestures, OnAPlaceholdersVinputThereAreNone) {
+    COpBox& box = PutVinput(100, 100);
+    box.placeholder = std::make_shared<const Placeholder>();
+    box.boxhelp = "why";
+    Press(110, 110);
+    EXPECT_FALSE(gestures.GrowArrowsShown());
+    Drag(110, 135);
+    Release(110, 135);
+    EXPECT_EQ(box.inputs.size(), 1U);
 }
 
 TEST_F(DeskGestures, TheArrowsComeDownOverAnotherButton) {

@@ -92,6 +92,7 @@ TEST_F(Revival, ARealBoxTakesThePlaceWithAllThatTheBlockSays) {
     EXPECT_EQ(static_cast<const COpValueFloat&>(*box.inputs[3]->values[0]).value, 2.0F);
     EXPECT_EQ(host.Sink().log, "Gone_2 is a real box again\r\n");
     EXPECT_TRUE(document.IsModified());
+    EXPECT_EQ(desk.NextWid(), 4) << "its number is in use";
 }
 
 TEST_F(Revival, WiresOfBothSidesEndAtTheButtonsOfTheirNames) {

@@ -197,10 +197,7 @@ COpButton* BoxBuilder::AddStray(const ButtonRecord& record, size_t place, const 
     m_tellUnknown(record.namesEnd, message);
     auto stray = MakeStrayButton(m_box, record, m_form);
     auto& side = stray->IsOutput() ? m_box.outputs : m_box.inputs;
-    if (!stray->IsOutput()) {
-        if (m_inputCursor >= place) ++m_inputCursor;
-        m_strayPlace = place + 1;
-    }
+    if (!stray->IsOutput()) m_strayPlace = place + 1;
     return side.insert(side.begin() + static_cast<std::ptrdiff_t>(place), std::move(stray))->get();
 }
 

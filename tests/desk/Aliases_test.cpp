@@ -53,13 +53,15 @@ TEST_F(Aliases, TheFormerNameOfAButtonIsNoneOfItsOperator) {
 }
 
 TEST_F(Aliases, WhatFailsOnTheWayToAnAliasIsNoAlertButAWarning) {
-    host.AddOperator("Broken", "bogus\nalias Turbulence\n");
+    host.AddOperator("Broken",
+                     "icontext broken input left { float { 0 0 1 0 %g } }\nbogus\nalias Turbulence\n");
     host.AddOperator("Fractal", std::string(kButtons) + "alias Turbulence\n");
     EXPECT_TRUE(LoadBoxOf("Turbulence"));
     EXPECT_THAT(Alerts(), IsEmpty());
     EXPECT_THAT(Warnings(), HasSubstr("unexpected input"));
     EXPECT_EQ(BoxAt(document, 0).filename, "Fractal");
     EXPECT_THAT(BoxAt(document, 0).inputs, SizeIs(1)) << "nothing of the other";
+    EXPECT_EQ(BoxAt(document, 0).icontext, "");
 }
 
 TEST_F(Aliases, AnOperatorThatIsThereWins) {
@@ -159,6 +161,16 @@ TEST_F(Aliases, TheToolbarAndTheDeskKnowFormerNames) {
     EXPECT_EQ(desk.m_pendingBoxes[0]->filename, "Fractal");
     desk.AddOperator("Nobody");
     EXPECT_THAT(Alerts(), ElementsAre("Nobody: unknown operator name"));
+}
+
+TEST_F(Aliases, ASavedNetworkOfFormerTimesIsInserted) {
+    host.AddOperator("Fractal", std::string(kButtons) + "alias Turbulence\n");
+    host.AddOperator("Net", "tavrn-version 1\nopdesk { opbox { filename Turbulence wid 1 } }\n");
+    COpDesk desk(document, host);
+    desk.AddOperator("Net");
+    EXPECT_THAT(Alerts(), IsEmpty());
+    ASSERT_THAT(desk.m_pendingBoxes, SizeIs(1));
+    EXPECT_EQ(desk.m_pendingBoxes[0]->BoxTitleWid(), "Fractal_1");
 }
 
 TEST_F(Aliases, FilesAreLookedThroughAgainAfterTheNextScan) {

@@ -195,6 +195,14 @@ TEST_F(Placeholders, AWireToAnAbsurdPositionStopsTheReadingAsEver) {
              "opconnects { opbox:Gone,2,out,0 -> opbox:Gone,2,in,2000000000 } }"));
     EXPECT_EQ(host.Sink().LastAlert(), "doc.tvn near line 2: box Gone_2 has no input 2000000000");
     EXPECT_THAT(LogLines().back(), HasSubstr("1 box is a placeholder")) << "what came before counts";
+    const auto wireTo = [this](const char* position) {
+        document.DeleteContents();
+        return Load(
+            std::string("opdesk { opbox { filename Gone wid 2 } opconnects { opbox:G,2,o,0 -> opbox:G,2,i,") +
+            position + " } }");
+    };
+    EXPECT_TRUE(wireTo("255"));
+    EXPECT_FALSE(wireTo("256")) << "of those that no block lists";
     EXPECT_FALSE(Load(
         "opdesk { opbox { filename Gone wid 2 }\nopconnects { opbox:Gone,2,out,-1 -> opbox:Gone,2,i,0 } }"));
     EXPECT_EQ(host.Sink().LastAlert(), "doc.tvn near line 2: box 2 has no output -1");
@@ -305,6 +313,17 @@ TEST_F(Placeholders, MergeAndSnapshotCarryThem) {
     EXPECT_EQ(TextOf(snapshot.Take()), document.Snapshot());
     EXPECT_THAT(document.Snapshot(),
                 HasSubstr("filename Gone\n        wid 1\n        xypos 0.000000 0.000000\n"));
+}
+
+TEST_F(Placeholders, ASavedNetworkBringsThem) {
+    host.AddOperator(
+        "Net", "tavrn-version 1\nopdesk { opbox { filename Gone wid 4 } opbox { filename Link wid 5 } }\n");
+    COpDesk desk(document, host);
+    desk.AddOperator("Net");
+    EXPECT_THAT(Alerts(), ElementsAre("Gone: unknown operator name"));
+    desk.DropPending();
+    ASSERT_THAT(document.m_boxes, SizeIs(2));
+    EXPECT_THAT(document.Store(), HasSubstr("opbox { filename Gone wid 1"));
 }
 
 TEST_F(Placeholders, ItsButtonsCannotBeTunedButWired) {

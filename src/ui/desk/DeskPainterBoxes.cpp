@@ -2,6 +2,7 @@
 // How a box is painted.
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "document/TvDoc.h"
 #include "ui/desk/DeskPainter.h"
@@ -22,8 +23,10 @@ constexpr std::array<DeskPoint, 6> kHexagon{
 constexpr float kMarksWidth = kCrossDistance + kCrossSize;  // what a box's marks stand out of it
 // The triangle in a grow arrow, in desk units.
 constexpr float kArrowHalf = 10;
-constexpr float kVeil = 0.55F;   // how much of the desk is seen through what the library does not know
-constexpr float kDashWidth = 2;  // pixels
+constexpr float kVeil = 0.55F;    // how much of the desk is seen through what the library does not know
+constexpr float kDashWidth = 2;   // pixels
+constexpr float kDashLength = 5;  // pixels, and of the gaps between
+constexpr float kMostDashes = 4000;
 constexpr float kArrowMargin = 3;
 
 }  // namespace
@@ -77,12 +80,27 @@ Rgb DeskPainter::Veiled(const Rgb& color) const {
     return {mixed(color.r, desk.r), mixed(color.g, desk.g), mixed(color.b, desk.b)};
 }
 
-// Dark between light, to be seen on any desk.
+// Light on dark, to be seen on any desk. A box of many buttons may be far larger than what is seen of it.
 void DeskPainter::PaintDashes(const DeskRect& rect) {
     const auto corners = rect.Corners();
-    const std::array outline{corners[0], corners[1], corners[2], corners[3], corners[0]};
-    m_pen.Line(outline, {kBevelDark, kDashWidth});
-    m_pen.Line(outline, {kBevelLight, kDashWidth, true});
+    m_pen.Line(std::array{corners[0], corners[1], corners[2], corners[3], corners[0]},
+               {kBevelDark, kDashWidth});
+    const float length = kDashLength * m_pen.Pixel();
+    const auto dash = [&](float from, float to, float seenFrom, float seenTo, const auto& pointAt) {
+        const float first = std::max(0.0F, std::floor((seenFrom - from) / (2 * length)));
+        const float behind = std::ceil((std::min(to, seenTo) - from) / (2 * length));
+        const int count = static_cast<int>(std::clamp(behind - first, 0.0F, kMostDashes));
+        for (int i = 0; i < count; ++i) {
+            const float at = from + (first + static_cast<float>(i)) * 2 * length;
+            m_pen.Line(std::array{pointAt(at), pointAt(std::min(at + length, to))},
+                       {kBevelLight, kDashWidth});
+        }
+    };
+    const DeskRect& seen = m_pen.Visible();
+    for (const float y : {rect.bottom, rect.Top()})
+        dash(rect.left, rect.Right(), seen.left, seen.Right(), [y](float x) { return DeskPoint{x, y}; });
+    for (const float x : {rect.left, rect.Right()})
+        dash(rect.bottom, rect.Top(), seen.bottom, seen.Top(), [x](float y) { return DeskPoint{x, y}; });
 }
 
 void DeskPainter::PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted) {

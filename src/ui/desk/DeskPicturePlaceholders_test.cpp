@@ -32,6 +32,7 @@ TEST_F(DeskPicturePlaceholders, APlaceholderLiesFlatUnderAVeilWithADashedEdge) {
     Open(200, 160);
     ExpectPicture();
     ExpectPictureAt(0.5F, {100, 80}, "small");
+    ExpectPictureAt(4, {60, 70}, "large");
 }
 
 TEST_F(DeskPicturePlaceholders, ASelectedOneHasTheEdgeOfAllSelectedBoxes) {
