@@ -163,7 +163,16 @@ void TellGone(const COpButton& button, Losses& losses) {
     losses.push_back(what);
 }
 
-void CarryButtons(const Buttons& old, const Buttons& fresh, ButtonSuccessors& successors, Losses& losses) {
+// What neither definition knows, and only the document has, stays with the box.
+COpButton* KeepStray(const COpButton& stray, COpBox& box) {
+    auto& side = stray.IsOutput() ? box.outputs : box.inputs;
+    COpButton& kept = *side.emplace_back(std::make_unique<COpButton>(stray));
+    kept.owner = &box;
+    return &kept;
+}
+
+void CarryButtons(const Buttons& old, COpBox& box, Buttons& fresh, ButtonSuccessors& successors,
+                  Losses& losses) {
     std::unordered_map<std::string_view, std::vector<COpButton*>> byName;
     for (const auto& button : fresh) byName[button->name].push_back(button.get());
     const NamesNow names(fresh);
@@ -173,7 +182,11 @@ void CarryButtons(const Buttons& old, const Buttons& fresh, ButtonSuccessors& su
         const auto same = byName.find(name);
         const size_t place = taken[name]++;
         if (same == byName.end() || place >= same->second.size()) {
-            TellGone(*button, losses);
+            if (button->stray) {
+                successors[button.get()] = KeepStray(*button, box);
+            } else {
+                TellGone(*button, losses);
+            }
             continue;
         }
         successors[button.get()] = same->second[place];
@@ -188,8 +201,8 @@ void CarryOver(const COpBox& old, COpBox& fresh, ButtonSuccessors& successors, L
     std::copy(std::begin(old.xypos), std::end(old.xypos), fresh.xypos);
     fresh.selected = old.selected;
     CarryInstances(old, fresh);
-    CarryButtons(old.inputs, fresh.inputs, successors, losses);
-    CarryButtons(old.outputs, fresh.outputs, successors, losses);
+    CarryButtons(old.inputs, fresh, fresh.inputs, successors, losses);
+    CarryButtons(old.outputs, fresh, fresh.outputs, successors, losses);
 }
 
 }  // namespace tavrin

@@ -74,6 +74,24 @@ TEST_F(BoxCarry, AFormerNameCountsOnlyWhereNoButtonHasItNow) {
     EXPECT_EQ(ValueOf<COpValueFloat>(In(*fresh, "amount")).value, 0);
 }
 
+TEST_F(BoxCarry, AButtonThatOnlyTheDocumentKnowsStaysUntilADefinitionHasIt) {
+    Old(std::string("input a ") + kFloat + "input lost " + kFloat);
+    In(*old, "lost").stray = true;
+    ValueOf<COpValueFloat>(In(*old, "lost")).value = 0.7F;
+    Fresh(std::string("input b ") + kFloat + "input a " + kFloat);
+    Carry();
+    EXPECT_THAT(Inputs(), ElementsAre("b", "a", "lost"));
+    EXPECT_TRUE(In(*fresh, "lost").stray);
+    EXPECT_EQ(In(*fresh, "lost").owner, fresh.get());
+    EXPECT_EQ(ValueOf<COpValueFloat>(In(*fresh, "lost")).value, 0.7F);
+    EXPECT_EQ(successors[&In(*old, "lost")], &In(*fresh, "lost"));
+    EXPECT_THAT(losses, IsEmpty());
+    Fresh(std::string("input lost ") + kFloat);
+    Carry();
+    EXPECT_FALSE(In(*fresh, "lost").stray);
+    EXPECT_EQ(ValueOf<COpValueFloat>(In(*fresh, "lost")).value, 0.7F);
+}
+
 TEST_F(BoxCarry, TakesTheValuesOfEachTypeAlongToTheBit) {
     const char* definition =
         "input a { float { 0 0 1 0 %g } rgb { 1 1 1 \"%g %g %g\" } xyz { 0 0 0 0 1 0 \"%g %g %g\" } "

@@ -49,11 +49,11 @@ BoxUpdateResult BoxUpdate::Run(const std::vector<std::string>& operatorNames) {
     BoxUpdateResult result;
     if (m_document.lock != 0 || m_document.edits.IsOpen()) return result;
     Report& report = m_host.GetSite().report;
-    WithinMemory(report, "bringing boxes up to date", [&] {
+    const bool isMade = WithinMemory(report, "bringing boxes up to date", [&] {
         result.failed = DefineAll(operatorNames);
         return true;
     });
-    if (m_fresh.empty()) return result;
+    if (!isMade || m_fresh.empty()) return result;
     result.boxes = m_fresh.size();
     CollectWires();
     const EditScope edit(m_document, kAct);

@@ -203,7 +203,9 @@ TEST_F(OpDesk, AnOperatorThatCannotBeAddedIsAlertedAndTheDeskIsAsItWas) {
         {"unknown", "unknown: unknown operator name"},
         {"gone", "unable to open " + gone + " for reading"},
         {"empty", empty + " near line 3: unexpected input"},
-        {"broken", host.GetSite().WorkPath("boxdef.tmp") + " near line 1: unexpected input"},
+        {"broken", host.GetSite().WorkPath("boxdef.tmp") +
+                       " near line 1: unexpected input (operator broken of " +
+                       host.Registry().FindByName("broken")->path + ")"},
     };
     COpBox& box = Admit(MakeLink("a", 0));
     const size_t live = COpBox::LiveCount();

@@ -158,7 +158,8 @@ TEST_F(DeskSection, ABoxWhoseDefinitionIsBrokenIsNotKept) {
     const size_t live = COpBox::LiveCount();
     EXPECT_FALSE(LoadDesk(Box("broken", 1)));
     ASSERT_EQ(Alerts().size(), 1U);
-    EXPECT_THAT(Alerts()[0], testing::EndsWith("boxdef.tmp near line 2: unexpected input"));
+    EXPECT_THAT(Alerts()[0],
+                testing::HasSubstr("boxdef.tmp near line 2: unexpected input (operator broken of "));
     EXPECT_EQ(COpBox::LiveCount(), live);
 }
 

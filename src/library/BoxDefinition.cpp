@@ -89,6 +89,7 @@ void COpBox::ForgetDefinition() {
     aliases.clear();
     vinputNames.clear();
     source.reset();
+    lacksTemplates = false;
     maxinstances = 0;
     boxhelp.clear();
     icontext.clear();

@@ -37,7 +37,9 @@ TEST(SourceLines, WithoutATableNothingIsKnown) {
 
 TEST(SourceLines, WhatATableDoesNotTellIsNotGuessed) {
     EXPECT_EQ(PlaceOf(SourceLines("#source lines\n#file /a\n#line 3 1 1\n"), 2), "nowhere");
-    EXPECT_EQ(PlaceOf(SourceLines("#source lines\n#file /a\n#line 1 2 1\n"), 1), "nowhere");
+    for (const char* line :
+         {"1 2 1", "1 1", "1 1 1 1", "1 1 0", "1 1 2147483647", "1 1 99999999999", "1  1 1"})
+        EXPECT_EQ(PlaceOf(SourceLines(std::string("#file /a\n#line ") + line + "\n"), 1), "nowhere") << line;
 }
 
 std::string DefinitionIn(const std::string& text) { return text.substr(0, EndOfDefinition(text)); }
@@ -51,11 +53,9 @@ TEST(SourceLines, TheTableIsNoPartOfTheDefinition) {
 TEST(SourceLines, CommentsThatLookAlikeAreTheAuthors) {
     for (const char* text :
          {"", "\n", "x", "#source lines\n", "x\n#source lines\n", "#line 1 1 1\n",
-          "x #source lines\n#file a\n", "#source lines\nx\n#file a\n", "#source lines\n#file a\n#line 1 1\n",
-          "#source lines\n#file a\n#line 1 1 1 1\n", "#source lines\n#file a\n#line 1 1 0\n",
-          "#source lines\n#file a\n#line 1 1 99999999999\n", "#source lines\n#file a\n#line 1 1 2147483647\n",
-          "#source lines\n#file \n", "#source lines\n#file a", "#source lines\n#file a\n\n",
-          "#source lines\n#line up the wires\n"}) {
+          "x #source lines\n#file a\n", "#source lines\nx\n#file a\n", "#source lines\n#file \n",
+          "#source lines\n#file a", "#source lines\n#file a\n\n", "#source lines\n#line \n",
+          "#source lines\n#line up the wires\n", "#source lines\n#line 1 of 3\n"}) {
         EXPECT_EQ(DefinitionIn(text), text);
     }
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // An operator that is edited while its boxes stand: the offer to bring them up to date, and what follows it.
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
@@ -8,7 +8,6 @@
 #include <QTimer>
 #include <filesystem>
 
-#include "desk/HitTest.h"
 #include "document/EditHistory.h"
 #include "sliders/SliderDesk.h"
 #include "ui/base/Text.h"
@@ -20,6 +19,7 @@
 #include "ui/sliders/ColorPicker.h"
 #include "ui/sliders/SliderFrame.h"
 #include "ui/sliders/SliderPane.h"
+#include "ui/sliders/ValueSlider.h"
 #include "ui/support/DeskPointer.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
@@ -54,7 +54,7 @@ class OperatorUpdate : public test::FrameTest {
     // Leaves the program and comes back to it, as to an editor and from there.
     void ComeBack() {
         Frame().showMinimized();
-        ASSERT_TRUE(WaitUntil([] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }));
+        ASSERT_TRUE(WaitUntil([] { return QApplication::applicationState() != Qt::ApplicationActive; }));
         Frame().showNormal();
         test::ShowActive(Frame());
         Settle();
@@ -70,6 +70,12 @@ class OperatorUpdate : public test::FrameTest {
         std::vector<std::string> texts;
         for (const auto& box : Document().m_boxes) texts.push_back(box->icontext);
         return texts;
+    }
+    static CColorPicker* Picker() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* picker = dynamic_cast<CColorPicker*>(window)) return picker;
+        }
+        return nullptr;
     }
     COpBox& Box() { return *Document().m_boxes.front(); }
     std::string Status() { return Bytes(Frame().StatusBox().Status()); }
@@ -327,6 +333,49 @@ TEST_F(OperatorUpdate, TheWindowsThatShowABoxShowTheFreshOne) {
     Settle();
     EXPECT_EQ(Box().inputs.front().get(), former);
     EXPECT_NE(Frame().Sliders().BringIntoView(*former), nullptr);
+}
+
+TEST_F(OperatorUpdate, AnOpenColorPickerGoesWithTheFormerBoxAndTheFreshOneHasItsColor) {
+    Edit(kTint, "0500.Tint");
+    Start();
+    AddBoxes(1, "Tint");
+    CSliderFrame* frame = Frame().Sliders().BringIntoView(*Box().inputs.front());
+    ASSERT_NE(frame, nullptr);
+    for (auto* button : frame->findChildren<QPushButton*>()) {
+        if (button->text() == "HSV") QTest::mouseClick(button, Qt::LeftButton);
+    }
+    ASSERT_TRUE(WaitUntil([] { return Picker() != nullptr && Picker()->IsOpen(); }));
+    Picker()->SetColor(0, 0.5F, 0.25F, true);
+    Edit(std::string(kTint) + "icontext second\n", "0500.Tint");
+    PressWhenBoxComes("Update");
+    Do(CommandId::kReloadOperators);
+    ASSERT_TRUE(WaitUntil([] { return BoxesShown().size() == 1; }));
+    ASSERT_TRUE(WaitUntil([this] { return Texts() == std::vector<std::string>{"second"}; }));
+    EXPECT_TRUE(WaitUntil([] { return Picker() == nullptr; }));
+    EXPECT_EQ(Box().inputs.front()->ValueText(), "0 0.5 0.25");
+}
+
+TEST_F(OperatorUpdate, AValueThatIsBeingDraggedIsLetGoFirst) {
+    StartWithBoxes(1);
+    Desk().SelectAllBoxes();
+    Settle();
+    CSliderFrame* frame = Frame().Sliders().BringIntoView(*Box().inputs.front());
+    ASSERT_NE(frame, nullptr);
+    ValueSlider* slider = nullptr;
+    for (QWidget* widget : frame->findChildren<QWidget*>()) {
+        if (slider == nullptr) slider = dynamic_cast<ValueSlider*>(widget);
+    }
+    ASSERT_NE(slider, nullptr);
+    const QPoint at = slider->mapTo(&Frame(), slider->rect().center());
+    QTest::mousePress(Frame().windowHandle(), Qt::LeftButton, {}, at);
+    Edit(kSecond);
+    Do(CommandId::kReloadOperators);
+    Settle();
+    EXPECT_THAT(Texts(), ElementsAre(""));
+    PressWhenBoxComes("Update");
+    QTest::mouseRelease(Frame().windowHandle(), Qt::LeftButton, {}, at);
+    ASSERT_TRUE(WaitUntil([] { return BoxesShown().size() == 1; }));
+    ASSERT_TRUE(WaitUntil([this] { return Texts() == std::vector<std::string>{"second"}; }));
 }
 
 TEST_F(OperatorUpdate, ADraggedBoxStaysUnderThePointerWhereAnchorsArePlain) {

@@ -7,6 +7,7 @@
 
 #include "app/Workspace.h"
 #include "desk/BoxUpdate.h"
+#include "text/OutOfMemory.h"
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/dialogs/Messages.h"
@@ -56,9 +57,13 @@ void UpdateOffer::OnIdle() {
     if (m_due == Look::kNone || m_isAsking || IsInHand()) return;
     const bool isAtAll = std::exchange(m_due, Look::kNone) == Look::kAtAll;
     m_needs.work.app.RestoreWorkDirectory();
-    const WatchFindings findings = isAtAll ? m_watch.LookAtAll() : m_watch.LookAtFiles();
-    for (const std::string& note : findings.notes)
-        m_needs.work.app.GetSite().report.LogLine("WARNING: %s", note.c_str());
+    Report& report = m_needs.work.app.GetSite().report;
+    WatchFindings findings;
+    WithinMemory(report, "reading the operators that have changed", [&] {
+        findings = isAtAll ? m_watch.LookAtAll() : m_watch.LookAtFiles();
+        return true;
+    });
+    for (const std::string& note : findings.notes) report.LogLine("WARNING: %s", note.c_str());
     TellProblems(findings.problems, isAtAll);
     if (findings.stale.empty()) return;
     m_isAsking = true;
