@@ -3,15 +3,12 @@
 // network that stood there, to the bit.
 #include <optional>
 
-#include "document/EditHistory.h"
 #include "sliders/ArgumentEdits.h"
 #include "support/DeskWalkTest.h"
-#include "support/NetworkPrint.h"
+#include "support/HistoryPrints.h"
 
 namespace tavrin {
 namespace {
-
-using test::PrintNetwork;
 
 constexpr int kEdits = 2000;  // by the pointer, of one walk
 constexpr int kBetweenTravels = 15;
@@ -24,32 +21,14 @@ class UndoWalk : public test::DeskWalkTest {
     EditHistory& History() { return *document.History(); }
     void SaveAndOpenAgain() override {
         DeskWalkTest::SaveAndOpenAgain();
-        m_prints.clear();
+        prints.Forget();
     }
 
-    // What stands at the place to which an edit has led from another. Of several steps of one edit only the
-    // last place is known, and what followed `before` has been given up.
-    void Note(size_t before) {
-        const size_t place = History().Place();
-        const std::string now = PrintNetwork(document);
-        const auto known = m_prints.find(place);
-        if (place == before && known != m_prints.end() && known->second == now) return;
-        const bool isJoined = place > 0 && History().Name(place - 1) == kTune;
-        if (place == before && known != m_prints.end()) {
-            EXPECT_TRUE(isJoined) << "an edit that is no step";
-        }
-        m_prints.erase(m_prints.upper_bound(std::min(before, place)), m_prints.end());
-        m_prints[place] = now;
-    }
     void Travel() {
         const size_t place = Below(History().Count() + 1);
-        const bool isUndo = place < History().Place();
-        const std::string waiting = desk.m_pendingBoxes.empty() ? "" : "boxes wait";
         desk.GoToStep(place);
-        ASSERT_EQ(History().Place(), place) << waiting;
-        const auto known = m_prints.find(place);
-        if (known == m_prints.end()) return;  // a place before the history was begun
-        EXPECT_EQ(PrintNetwork(document), known->second) << (isUndo ? "undone to " : "redone to ") << place;
+        ASSERT_EQ(History().Place(), place);
+        if (!prints.ExpectWhatStoodHere()) return;
         ++travels;
         branches += place < History().Count() ? 1 : 0;
     }
@@ -91,6 +70,7 @@ class UndoWalk : public test::DeskWalkTest {
     }
     size_t Below(size_t count) { return m_random() % count; }
 
+    test::HistoryPrints prints{document, kTune};
     int travels = 0;
     int branches = 0;
 
@@ -109,20 +89,19 @@ class UndoWalk : public test::DeskWalkTest {
     }
 
     std::mt19937 m_random;
-    std::map<size_t, std::string> m_prints;
 };
 
 TEST_P(UndoWalk, EveryPlaceIsTheNetworkThatStoodThere) {
     walk.emplace(test::DeskWalk::Ground{document, desk, viewport, *this, operators}, GetParam());
     desk.OnInitialUpdate();
-    Note(0);
+    prints.Note(0);
     for (int step = 1; walk->PointerEdits() < kEdits && !HasFailure(); ++step) {
         const size_t before = History().Place();
         walk->Step();
         if (document.lock == 0 && step % 3 == 0) Tune();
         Look();
         if (invariants.HidesACycle()) CutOneSidedWires();
-        Note(before);
+        prints.Note(before);
         if (step % kBetweenTravels == 0 && document.lock == 0) {
             Travel();
             invariants.TakeAsItIs();

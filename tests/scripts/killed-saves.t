@@ -41,7 +41,7 @@ sub start {
 }
 
 my $network = "tavrn-renderer mray\nopdesk {\n"
-	. join('', map { "opbox { filename Constant wid $_ xypos $_ 0 }\n" } 1 .. BOXES) . "}\n";
+	. join('', map { "opbox { filename Noise wid $_ xypos $_ 0 }\n" } 1 .. BOXES) . "}\n";
 spew("$dir/network.tvn", $network);
 
 # Each version is what one plain run writes.

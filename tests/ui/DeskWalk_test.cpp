@@ -12,6 +12,7 @@
 
 #include "render/RenderSession.h"
 #include "support/DeskInvariants.h"
+#include "support/HistoryPrints.h"
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/log/LogWindow.h"
@@ -83,9 +84,14 @@ class FrameWalk : public test::FrameTest,
 
     std::vector<std::string> operators;
     void Look() { EXPECT_EQ(invariants->Look(walk->Selected()), ""); }
+    void Begin();
+    void Travel();
+    size_t Below(size_t count) { return m_random() % count; }
 
     std::optional<test::DeskInvariants> invariants;
     std::optional<test::DeskWalk> walk;
+    std::optional<test::HistoryPrints> prints;  // of a walk that goes back
+    int travels = 0;
 
   private:
     std::mt19937 m_random{GetParam()};
@@ -223,15 +229,30 @@ void FrameWalk::SaveAndOpenAgain() {
     ASSERT_TRUE(Frame().OpenDocumentFile(directory / "walk.tvn"));
     SettleQuietly();
     invariants->TakeAsItIs();
+    if (prints) prints->Forget();
 }
 
-TEST_P(FrameWalk, LeavesTheDeskWholeAfterEveryEdit) {
+// Some steps back or forth, by the commands.
+void FrameWalk::Travel() {
+    const Id command = Below(2) == 0 ? Id::kUndo : Id::kRedo;
+    for (size_t step = Below(6); step > 0 && Action(command).isEnabled(); --step) Action(command).trigger();
+    SettleQuietly();
+    travels += prints->ExpectWhatStoodHere() ? 1 : 0;
+    invariants->TakeAsItIs();
+    Look();
+}
+
+void FrameWalk::Begin() {
     Start();
     Frame().resize(Frame().minimumSizeHint().expandedTo({700, 500}));
     SettleQuietly();
     invariants.emplace(Document(), Desk());
     walk.emplace(test::DeskWalk::Ground{Document(), Desk(), Frame().Desk().View(), *this, operators},
                  GetParam());
+}
+
+TEST_P(FrameWalk, LeavesTheDeskWholeAfterEveryEdit) {
+    Begin();
     size_t wired = 0;
     for (int step = 1; walk->PointerEdits() < kEdits && !HasFailure(); ++step) {
         walk->Step();
@@ -243,6 +264,24 @@ TEST_P(FrameWalk, LeavesTheDeskWholeAfterEveryEdit) {
     EXPECT_GT(wired, 1U) << "the walk came nowhere";
     EXPECT_GT(walk->MenusOpened(), kEdits / 20);
     EXPECT_GT(walk->ItemsChosen(), kEdits / 40);
+    Document().SetModified(false);
+}
+
+TEST_P(FrameWalk, EveryPlaceIsTheNetworkThatStoodThere) {
+    constexpr int kBetweenTravels = 7;
+    Begin();
+    prints.emplace(Document());
+    prints->Note(0);
+    for (int step = 1; walk->PointerEdits() < kEdits && !HasFailure(); ++step) {
+        const size_t before = Document().History()->Place();
+        walk->Step();
+        Look();
+        if (invariants->HidesACycle()) break;
+        prints->Note(before);
+        if (step % kBetweenTravels == 0 && Document().lock == 0) Travel();
+        if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk->Name();
+    }
+    EXPECT_GT(travels, 5) << "the walk went nowhere";
     Document().SetModified(false);
 }
 

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Undo and redo in the whole program: keys, names, fields, windows in step, and the list of steps.
 #include <QListView>
+#include <QPushButton>
 #include <QTest>
 
 #include "document/EditHistory.h"
 #include "ui/base/Text.h"
 #include "ui/desk/UndoHistory.h"
 #include "ui/forms/FormHands.h"
+#include "ui/sliders/ColorPicker.h"
 #include "ui/sliders/NumberField.h"
 #include "ui/sliders/SliderFrame.h"
 #include "ui/sliders/SliderPane.h"
@@ -49,6 +51,12 @@ class Undo : public test::DocumentsTest, public test::FormHands {
             if (field != nullptr && field->accessibleName() == "Value") return *field;
         }
         throw std::logic_error("no field");
+    }
+    static CColorPicker* Picker() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* picker = dynamic_cast<CColorPicker*>(window)) return picker;
+        }
+        return nullptr;
     }
     COpBox& BoxAt(int place) { return **std::next(Document().m_boxes.begin(), place); }
     float ValueAt(int place = 0) {
@@ -225,6 +233,29 @@ TEST_F(Undo, ABoxOnTheMouseIsThrownAwayFirst) {
     PressKeys("Ctrl+Z");
     EXPECT_TRUE(Desk().m_pendingBoxes.empty());
     EXPECT_EQ(Boxes(), 1U);
+}
+
+TEST_F(Undo, AnOpenColorPickerFollowsItsValueAndGoesWithItsBox) {
+    directory.Write("tavrin/tiny/menu/0500.Tint",
+                    "input tint { rgb { 1 0 0 \"%g %g %g\" } }\noutput result { rgb out }\n");
+    StartWithDocs();
+    AddBoxes(1, "Tint");
+    const auto text = [this] { return BoxAt(0).inputs.front()->ValueText(); };
+    CSliderFrame* frame = Frame().Sliders().BringIntoView(*BoxAt(0).inputs.front());
+    for (auto* button : frame->findChildren<QPushButton*>()) {
+        if (button->text() == "HSV") QTest::mouseClick(button, Qt::LeftButton);
+    }
+    ASSERT_TRUE(WaitUntil([] { return Picker() != nullptr && Picker()->IsOpen(); }));
+    Picker()->SetColor(0, 0.5F, 0.25F, true);
+    ASSERT_EQ(text(), "0 0.5 0.25");
+    Do(CommandId::kUndo);
+    EXPECT_EQ(text(), "1 0 0");
+    Do(CommandId::kUndo);
+    EXPECT_EQ(Boxes(), 0U);
+    EXPECT_TRUE(WaitUntil([] { return Picker() == nullptr; }));
+    Do(CommandId::kRedo);
+    Do(CommandId::kRedo);
+    EXPECT_EQ(text(), "0 0.5 0.25");
 }
 
 TEST_F(Undo, AScriptsEditsAreSteps) {
