@@ -63,7 +63,10 @@ class OperatorUpdate : public test::FrameTest {
         const auto before = BoxesShown().size();
         PressWhenBoxComes(answer);
         ComeBack();
-        ASSERT_TRUE(WaitUntil([&] { return BoxesShown().size() > before; }));
+        ASSERT_TRUE(WaitUntil([&] { return BoxesShown().size() > before; }))
+            << "state " << QApplication::applicationState() << ", buttons " << QApplication::mouseButtons()
+            << ", popup " << (QApplication::activePopupWidget() != nullptr) << ", modal "
+            << (QApplication::activeModalWidget() != nullptr) << ", visible " << Frame().isVisible();
         Settle();
     }
     std::vector<std::string> Texts() {

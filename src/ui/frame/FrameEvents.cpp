@@ -122,7 +122,8 @@ void MainFrame::Fail(const std::string& text, int status) {
     std::fprintf(stderr, "tavrin: %s\n", text.c_str());
     ShowStop(this, "Fatal Error", Shown(text));
     m_isClosed = true;
-    QCoreApplication::quit();
+    // Not by quit, which asks the windows first: this may come from within the show of one.
+    QCoreApplication::exit(status);
 }
 
 void MainFrame::SaveAside() { m_safetyCopies->Update(); }

@@ -130,12 +130,21 @@ FocusKeeper* g_focus = nullptr;
 
 // Each test begins and ends without windows, and with the hand off the mouse: the events of the tests after
 // it would say that the button is down.
+// What a test has left pressed nobody else would let go.
+void LetGoOfTheMouse() {
+    QTestPrivate::qtestMouseButtons = Qt::NoButton;
+    if (QApplication::mouseButtons() == Qt::NoButton) return;
+    QWindow nobody;
+    nobody.resize(10, 10);
+    QTest::mouseRelease(&nobody, Qt::LeftButton, Qt::NoModifier, {5, 5});
+}
+
 class NothingIsLeft : public testing::EmptyTestEventListener {
     void OnTestStart(const testing::TestInfo&) override {
         g_answers.clear();
         g_boxes.clear();
         g_focus->Forget();
-        QTestPrivate::qtestMouseButtons = Qt::NoButton;
+        LetGoOfTheMouse();
     }
     void OnTestEnd(const testing::TestInfo&) override {
         EXPECT_TRUE(g_answers.empty()) << g_answers.size() << " dialogs that were expected did not come";
