@@ -111,6 +111,8 @@ TEST_P(UndoWalk, EveryPlaceIsTheNetworkThatStoodThere) {
         }
         if (HasFailure()) ADD_FAILURE() << "seed " << GetParam() << ", step " << step << ": " << walk->Name();
     }
+    RecordProperty("travels", travels);
+    RecordProperty("branches", branches);
     EXPECT_GT(travels, 100);
     EXPECT_GT(branches, 50);
     const size_t boxes = document.m_boxes.size() + desk.m_pendingBoxes.size() + desk.m_clipboardBoxes.size();
