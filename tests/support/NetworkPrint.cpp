@@ -1,45 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "support/NetworkPrint.h"
 
-#include <bit>
 #include <map>
 #include <sstream>
 
 #include "base/Paths.h"
 #include "document/TvDoc.h"
-#include "library/ValueVisitor.h"
+#include "support/ValuePrint.h"
 
 namespace tavrin::test {
 
 namespace {
-
-// To the bit: a number that prints alike may be another one.
-void Put(std::ostream& text, float number) {
-    text << std::hex << std::bit_cast<uint32_t>(number) << std::dec << ' ';
-}
-
-void Put(std::ostream& text, std::initializer_list<float> numbers) {
-    for (const float number : numbers) Put(text, number);
-}
-
-void Put(std::ostream& text, const COpValue& value) {
-    VisitValue(value, ValueCalls{
-                          [&](const COpValueFloat& own) {
-                              Put(text, {own.value, own.min, own.max});
-                          },
-                          [&](const COpValueXyz& own) {
-                              Put(text, {own.x, own.y, own.z, own.min, own.max});
-                          },
-                          [&](const COpValueRgb& own) {
-                              Put(text, {own.r, own.g, own.b});
-                          },
-                          [&](const COpValueRgba& own) {
-                              Put(text, {own.r, own.g, own.b, own.a});
-                          },
-                          [&](const COpValueString& own) { text << own.value; },
-                          [&](const COpValueGeneric& own) { text << own.value; },
-                      });
-}
 
 void PutEnds(std::ostream& text, const char* name, const ConnectionSet& ends) {
     text << ' ' << name;
