@@ -57,5 +57,8 @@ template <typename... Calls>
 struct ValueCalls : Calls... {
     using Calls::operator()...;
 };
+// The compiler that fuzzes does not find that by itself yet.
+template <typename... Calls>
+ValueCalls(Calls...) -> ValueCalls<Calls...>;
 
 }  // namespace tavrin

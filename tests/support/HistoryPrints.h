@@ -30,7 +30,10 @@ class HistoryPrints {
         const bool isKnown = place == before && known != m_prints.end();
         if (isKnown && known->second == now) return;
         if (isKnown) {
-            EXPECT_TRUE(place > 0 && History().Name(place - 1) == m_joins) << "an edit that is no step";
+            EXPECT_TRUE(place > 0 && History().Name(place - 1) == m_joins)
+                << "an edit that is no step; before:\n"
+                << known->second << "now:\n"
+                << now;
         }
         m_prints.erase(m_prints.upper_bound(std::min(before, place)), m_prints.end());
         m_prints[place] = now;
