@@ -24,7 +24,7 @@ class NoOpenGl : public test::FrameTest, public testing::WithParamInterface<Lack
 TEST_P(NoOpenGl, IsToldInABoxAndOnStandardErrorAndEndsTheProgram) {
     environment.Set(GetParam().variable, GetParam().value);
     RunningProgram run(environment, {});
-    run.Press("^Fatal Error$", "Return");
+    run.Answer("^Fatal Error$");
     EXPECT_EQ(run.Status(), 1);
     EXPECT_THAT(
         run.Errors(),
@@ -48,7 +48,7 @@ TEST_F(PoorDisplay, WithoutAnyFontTheProgramSaysSoAndEnds) {
     End();
     for (const QStringList& words : {QStringList{}, QStringList{document}}) {
         RunningProgram run(environment, words);
-        run.Press("^Fatal Error$", "Return");
+        run.Answer("^Fatal Error$");
         EXPECT_EQ(run.Status(), 255);
         const std::string errors = run.Errors();
         EXPECT_THAT(errors, HasSubstr("tavrin: FATAL ERROR: 3 point font unavailable\n"));

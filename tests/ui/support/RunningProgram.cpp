@@ -89,6 +89,17 @@ void RunningProgram::Press(const QString& title, const QString& key) const {
     EXPECT_TRUE(Ask("xdotool", {"key", key}).ok);
 }
 
+void RunningProgram::Answer(const QString& title) const {
+    Press(title, "Return");
+    EXPECT_TRUE(WaitUntil([&] {
+        const QString window = Windows(title).value(0);
+        if (window.isEmpty() || !IsRunning()) return true;
+        Ask("xdotool", {"windowactivate", "--sync", window, "key", "Return"});
+        return false;
+    })) << Bytes(title)
+        << " does not go";
+}
+
 bool RunningProgram::HasShownTwoWindows() {
     while (m_lists.canReadLine()) m_told << QString::fromUtf8(m_lists.readLine());
     static const QRegularExpression kId("0x[0-9a-f]+");

@@ -40,6 +40,8 @@ class RunningProgram {
     // Waits for a window and makes it the active one. Empty if none comes while the program runs.
     QString Window(const QString& title) const;
     void Press(const QString& title, const QString& key) const;
+    // Presses Return on a box until it has gone: a window that comes up late may take the key away.
+    void Answer(const QString& title) const;
     // The main window stands with that title.
     void WaitForTitle(const QString& title) const { Window("^" + title + "$"); }
     // The first idle pass is over: the splash has come and gone.
