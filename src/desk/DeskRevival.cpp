@@ -63,6 +63,7 @@ void Revive(COpDesk::BoxVector& clones, PlaceholderRevival& revival) {
 }  // namespace
 
 size_t COpDesk::RevivePlaceholders() {
+    if (m_document.lock != 0 || m_document.edits.IsOpen()) return 0;
     const EditScope edit(m_document, "Reload Operators");
     PlaceholderRevival revival(m_host);
     Report& report = m_host.GetSite().report;

@@ -110,6 +110,21 @@ TEST_F(Revival, WiresOfBothSidesEndAtTheButtonsOfTheirNames) {
     EXPECT_THAT(document.Store(), HasSubstr("opbox:Link,1,out,0 -> opbox:Gone,2,v,3"));
 }
 
+TEST_F(Revival, ALockedDeskKeepsItsPlaceholders) {
+    BeginChain();
+    const std::string before = PrintNetwork(document);
+    host.AddOperator("Gone", kGone);
+    document.lock = 1;
+    EXPECT_EQ(desk.RevivePlaceholders(), 0U);
+    EXPECT_EQ(PrintNetwork(document), before);
+    document.lock = 0;
+    {
+        const HeldEdit drag(document, "Move");
+        EXPECT_EQ(desk.RevivePlaceholders(), 0U);
+    }
+    EXPECT_EQ(desk.RevivePlaceholders(), 1U);
+}
+
 TEST_F(Revival, ItIsOneStepBackAndForth) {
     BeginChain();
     const std::string before = PrintNetwork(document);

@@ -57,7 +57,7 @@ class COpDesk {
     void DropPending();
     // Puts real boxes in the place of all placeholders whose operators can be had again, with their wires, as
     // one edit, and in that of those on the clipboard; the log tells which, and what does not fit any more.
-    // How many came back to the network.
+    // How many came back to the network. None while the desk is locked, nor while an edit goes on.
     size_t RevivePlaceholders();
     // Forgets every reference to a box that is out of the network, and destroys it.
     void RemoveBox(std::unique_ptr<COpBox> box);

@@ -17,17 +17,6 @@ namespace tavrin {
 
 namespace {
 
-// The last alert, for who passes it on himself.
-class HeldAlert : public ReportSink {
-  public:
-    void OnAlert(const std::string& text, const std::string&) override { m_text = text; }
-    void OnLog(std::string_view) override {}
-    const std::string& Text() const { return m_text; }
-
-  private:
-    std::string m_text;
-};
-
 // Of what a child has logged, the last line that says something.
 std::string LastLine(const std::string& log) {
     const std::string_view text = TrimRight(log);
@@ -125,12 +114,12 @@ OperatorWatch::Known OperatorWatch::ReadDefinition(const COpEntry& entry, Defini
         const std::string cause = LastLine(site.LogText(DefinitionTexts::ErrorPath(site)));
         return {{}, cause.empty() ? "the preprocessor fails for " + entry.path : cause};
     }
-    HeldAlert alert;
     Report report;
-    report.SetSink(&alert);
+    const HeldAlerts held(report);
     COpBox trial;
-    const bool isRead = trial.ReadText(entry, *text, site, report);
-    return {*text->source, isRead ? "" : alert.Text()};
+    if (trial.ReadText(entry, *text, site, report)) return {*text->source, {}};
+    // One that the file ends in says nothing.
+    return {*text->source, held.All().empty() ? entry.path + " ends too early" : held.All().back().text};
 }
 
 void OperatorWatch::Judge(const COpEntry& entry, const Boxes& boxes, bool looksAtAll,

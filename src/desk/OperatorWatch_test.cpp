@@ -220,6 +220,16 @@ TEST_F(OperatorWatch, TellsADefinitionThatCannotBeReadOnceAndFindsItWhenItCan) {
     EXPECT_THAT(findings.problems, IsEmpty());
 }
 
+TEST_F(OperatorWatch, TellsADefinitionThatItsFileEndsIn) {
+    const std::string one = AddOperator("One", "icontext one\n");
+    AddBox("One");
+    Edit(one, "icontext two\nboxhelp\n");
+    EXPECT_THAT(Problems(), ElementsAre(HasSubstr(one + " ends too early")));
+    EXPECT_THAT(Stale(), IsEmpty());
+    Edit(one, "icontext two\n");
+    EXPECT_THAT(Stale(), ElementsAre(StaleOperator{"One", 1}));
+}
+
 TEST_F(OperatorWatch, TellsWhatThePreprocessorSays) {
     const std::string one = AddOperator("One", "icontext one\n");
     AddBox("One");
