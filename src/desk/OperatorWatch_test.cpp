@@ -223,7 +223,7 @@ TEST_F(OperatorWatch, TellsADefinitionThatCannotBeReadOnceAndFindsItWhenItCan) {
 TEST_F(OperatorWatch, TellsADefinitionThatItsFileEndsIn) {
     const std::string one = AddOperator("One", "icontext one\n");
     AddBox("One");
-    Edit(one, "icontext two\nboxhelp\n");
+    Edit(one, "icontext two\noutput out { help\n");
     EXPECT_THAT(Problems(), ElementsAre(HasSubstr(one + " ends too early")));
     EXPECT_THAT(Stale(), IsEmpty());
     Edit(one, "icontext two\n");
