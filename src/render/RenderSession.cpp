@@ -35,8 +35,8 @@ bool IsControl(char c) {
 
 // Names that the work directory has for files of its own, numbered history directories among them.
 bool IsWorkFile(const std::string& name) {
-    constexpr std::array kFiles = {"",           ".",      "..", "codegenfile", "hintfile", "render_options",
-                                   "errors.txt", "arginfo"};
+    constexpr std::array kFiles = {
+        "", ".", "..", "codegenfile", "hintfile", "render_options", "errors.txt", "arginfo", ".live"};
     return std::find(kFiles.begin(), kFiles.end(), name) != kFiles.end() || name.starts_with("kill.") ||
            name.starts_with("boxdef.") || name.find_first_not_of("0123456789") == std::string::npos;
 }
@@ -82,27 +82,37 @@ bool RenderSession::ShaderNameOk() {
 bool RenderSession::SaveShader() {
     if (!ShaderNameOk()) return false;
     return WithinMemory(m_site.report, "generating the shader " + ShaderName(),
-                        [this] { return WriteCodeFiles(Generate()) && RunFilter(); });
+                        [this] { return WriteWorkFiles(MakeWorkFiles()) && RunFilter(); });
 }
 
-bool RenderSession::WriteCodeFiles(const ShaderText& text) {
+WorkFiles RenderSession::MakeWorkFiles(Shown /*shown*/) {
+    const ShaderText text = Generate();
+    return {WriteArgInfo(m_document, m_site.report) + JoinLines(text.code), JoinLines(text.hints),
+            RenderOptionsText()};
+}
+
+std::string RenderSession::RenderOptionsText() const {
+    std::string text;
+    for (const auto& [key, value] : m_document.m_renderOptions) {
+        text.append("setenv ").append(key).append(" ").append(QuoteString(value)).append("\r\n");
+    }
+    return text;
+}
+
+bool RenderSession::WriteWorkFiles(const WorkFiles& files) {
     const auto write = [this](const char* name, const std::string& content) {
         std::string error;
         if (m_site.WriteWorkFile(name, content, error)) return true;
         m_site.report.Alert("%s: %s", m_site.WorkPath(name).c_str(), error.c_str());
         return false;
     };
-    if (!write("codegenfile", WriteArgInfo(m_document, m_site.report) + JoinLines(text.code))) return false;
-    WriteRenderOptions();
-    return write("hintfile", JoinLines(text.hints));
+    if (!write("codegenfile", files.code)) return false;
+    WriteRenderOptions(files.options);
+    return write("hintfile", files.hints);
 }
 
 // A failure is alerted and does not stop the run.
-void RenderSession::WriteRenderOptions() {
-    std::string text;
-    for (const auto& [key, value] : m_document.m_renderOptions) {
-        text.append("setenv ").append(key).append(" ").append(QuoteString(value)).append("\r\n");
-    }
+void RenderSession::WriteRenderOptions(const std::string& text) {
     const std::string own = m_site.WorkPath(kRenderOptions);
     const std::string path = m_site.environment.Get("TAVRN_RENOPTS").value_or(own);
     std::string error;

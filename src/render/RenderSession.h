@@ -15,6 +15,19 @@ namespace tavrin {
 class CCodeGen;
 struct Site;
 
+// The texts of the work files that scripts find their input in. A plain value.
+struct WorkFiles {
+    std::string code;  // the arguments, then the source as it is before the filter script
+    std::string hints;
+    std::string options;  // of the render
+};
+
+// Which picture of the document is meant.
+enum class Shown {
+    kNetwork,
+    kProbe,  // the output that is probed, where there is one; else the network
+};
+
 // Owned by the program's frame; works on the one document. Failures are reported before an operation
 // returns false.
 class RenderSession {
@@ -31,6 +44,9 @@ class RenderSession {
 
     // The text of the shader. What names were made from stays with the document.
     ShaderText Generate();
+
+    // What SaveShader would write, and nothing is written.
+    WorkFiles MakeWorkFiles(Shown shown = Shown::kNetwork);
 
     // Saves the shader, keeps a copy of the document as a history entry and starts the library's render
     // script, whose output flows into the log. False if no render was started.
@@ -55,8 +71,9 @@ class RenderSession {
     bool ShaderNameOk();
     std::string HistoryDir(int number) const;
     std::string HistoryPath(const std::string& name, int number) const;
-    bool WriteCodeFiles(const ShaderText& text);
-    void WriteRenderOptions();
+    std::string RenderOptionsText() const;
+    bool WriteWorkFiles(const WorkFiles& files);
+    void WriteRenderOptions(const std::string& text);
     bool RunFilter();
     bool KeepHistory(const std::string& name);
 
