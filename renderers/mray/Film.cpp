@@ -77,6 +77,7 @@ Grid Grid::of(int samples) {
 
 Film::Film(int width, int height, Grid grid, float exposure)
     : width_(width),
+      height_(height),
       grid_(grid),
       exposure_(exposure),
       weightsX_(makeWeights(grid.x)),

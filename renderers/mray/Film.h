@@ -28,7 +28,13 @@ class Film {
     // same area, top row first.
     void develop(const Area& tile, const std::vector<float>& samples, const std::vector<Vec3>& background);
 
+    [[nodiscard]] int width() const { return width_; }
+    [[nodiscard]] int height() const { return height_; }
     [[nodiscard]] const std::vector<std::uint8_t>& pixels() const { return pixels_; }
+    // From a row of it on.
+    [[nodiscard]] const std::uint8_t* row(int y) const {
+        return &pixels_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) * 3];
+    }
 
     // Samples that were no numbers, so far.
     [[nodiscard]] long strange() const { return strange_; }
@@ -42,7 +48,7 @@ class Film {
     void filterRow(const Area& tile, const float* samples, const Vec3* background, std::vector<Sum>& row);
     void encode(const Area& tile, int y, const std::vector<Sum>& sums);
 
-    int width_;
+    int width_, height_;
     Grid grid_;
     float exposure_;
     std::vector<float> weightsX_, weightsY_;

@@ -107,6 +107,23 @@ void GlContext::load() {
     }
     MRAY_GL_FUNCTIONS(MRAY_LOAD)
 #undef MRAY_LOAD
+    if (has("GL_ARB_separate_shader_objects")) {
+#define MRAY_LOAD(type, name) gl_.name = reinterpret_cast<type>(eglGetProcAddress("gl" #name));
+        MRAY_GL_STAGES(MRAY_LOAD)
+#undef MRAY_LOAD
+    }
+}
+
+bool GlContext::has(const char* extension) const {
+    GLint count = 0;
+    gl_.GetIntegerv(GL_NUM_EXTENSIONS, &count);
+    for (GLint i = 0; i < count; ++i) {
+        const GLubyte* name = gl_.GetStringi(GL_EXTENSIONS, static_cast<GLuint>(i));
+        if (name != nullptr && std::strcmp(reinterpret_cast<const char*>(name), extension) == 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace tavrin::mray

@@ -99,6 +99,7 @@ void readExposure(Options& options, const std::string& value) {
 bool readFlag(Options& options, const std::string& name) {
     const std::pair<const char*, bool*> flags[]{{"--quiet", &options.quiet},
                                                 {"--timing", &options.timing},
+                                                {"--live", &options.live},
                                                 {"--help", &options.help},
                                                 {"--version", &options.version}};
     for (const auto& [flag, target] : flags) {
@@ -107,6 +108,13 @@ bool readFlag(Options& options, const std::string& name) {
         }
     }
     return false;
+}
+
+void readFile(Options& options, const std::string& name, const std::string& value) {
+    if (value.empty()) {
+        throw UsageError(name + " needs the name of a file (--help explains)");
+    }
+    (name == "--part" ? options.part : name == "--values" ? options.values : options.coarse) = value;
 }
 
 void readValue(Options& options, const std::string& name, const std::string& value) {
@@ -120,20 +128,26 @@ void readValue(Options& options, const std::string& name, const std::string& val
         options.object = choose(name, value, objectNames());
     } else if (name == "--background") {
         options.backdrop = choose(name, value, backdropNames());
-    } else {
+    } else if (name == "--light") {
         options.light = choose(name, value, lightNames());
+    } else {
+        readFile(options, name, value);
     }
 }
 
 bool takesValue(const std::string& name) {
-    static constexpr std::array<const char*, 6> kNames{"--size",   "--samples",    "--exposure",
-                                                       "--object", "--background", "--light"};
+    static constexpr std::array<const char*, 9> kNames{"--size",   "--samples",    "--exposure",
+                                                       "--object", "--background", "--light",
+                                                       "--part",   "--values",     "--coarse"};
     return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
 void takeFiles(Options& options, const std::vector<std::string>& files) {
-    if (options.help || options.version) {
+    if (options.help || options.version || (options.live && files.empty())) {
         return;
+    }
+    if (options.live) {
+        throw UsageError("--live takes no files; its requests name them (--help explains)");
     }
     if (files.size() != 2) {
         throw UsageError("give two file names, the shader and the picture to write (--help explains)");
@@ -185,8 +199,18 @@ std::string usage() {
            "  --background NAME    studio, sky, dark or white (studio)\n"
            "  --light NAME         key, sun, soft or rim (key)\n"
            "  --exposure E         factor on all light (1)\n"
+           "  --part FILE          the name of the picture while it grows; it is valid so far\n"
+           "  --values FILE        numbers for the shader's uniform block mrValues, in its layout\n"
+           "  --coarse FILE        with --live: a first, coarse picture\n"
            "  --quiet              print no progress\n"
            "  --timing             print where the time went\n"
+           "  --live               stay, and read requests from the standard input: lines\n"
+           "                         draw ID OPTION... SHADER.frag OUTPUT.png\n"
+           "                       whose words have %25 for a %, %20 for a blank and so on;\n"
+           "                       a newer line stops what is drawn, and so does \"stop\".\n"
+           "                       Answers: picture ID, dropped ID, refused ID or failed ID TEXT;\n"
+           "                       before them any of program ID new|kept, coarse ID, alive ID,\n"
+           "                       say ID TEXT, times ID TEXT\n"
            "  --help, --version    print this, or the version\n"
            "The render stops when the file named by TAVRN_KILLFILE appears.\n"
            "Exit status: 0 done, 1 failed, 2 bad command line, 3 stopped.\n";

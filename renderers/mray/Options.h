@@ -14,6 +14,9 @@ namespace tavrin::mray {
 struct Options {
     std::string shader;
     std::string output;
+    std::string part;    // the output while it grows; empty: a name of the renderer's
+    std::string values;  // the file of the shader's block of values; empty: none
+    std::string coarse;  // a first, coarse picture; empty: none
     int width = 320;
     int height = 240;
     int samples = 4;
@@ -23,6 +26,7 @@ struct Options {
     float exposure = 1;
     bool quiet = false;
     bool timing = false;
+    bool live = false;
     bool help = false;
     bool version = false;
 };

@@ -1,96 +1,61 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Program.h"
 
-#include <algorithm>
-
-#include "InfoLog.h"
-
 namespace tavrin::mray {
 
-namespace {
-
-constexpr const char* kVertexSource = R"(#version 330 core
-in vec3 position;
-in vec3 object;
-in vec3 normal;
-in vec3 tangent;
-in vec2 uv;
-in vec4 lit;
-in float open;
-uniform mat4 toClip;
-out vec3 tvPosition;
-out vec3 tvObject;
-out vec3 tvNormal;
-out vec3 tvTangent;
-out vec2 tvUV;
-out vec4 tvLit;
-out float tvOpen;
-void main()
-{
-    tvPosition = position;
-    tvObject = object;
-    tvNormal = normal;
-    tvTangent = tangent;
-    tvUV = uv;
-    tvLit = lit;
-    tvOpen = open;
-    gl_Position = toClip * vec4(position, 1.0);
-}
-)";
-
-template <typename GetNumber, typename GetText>
-std::string fetchLog(GLuint name, GetNumber getNumber, GetText getText) {
-    GLint size = 0;
-    getNumber(name, GL_INFO_LOG_LENGTH, &size);
-    std::string log(static_cast<std::size_t>(std::max(size, 1)), '\0');
-    getText(name, static_cast<GLsizei>(log.size()), nullptr, log.data());
-    return log;
-}
-
-}  // namespace
-
-Program::Program(const Gl& gl, const std::string& fragmentSource, const std::string& file)
-    : gl_(gl), name_(gl.CreateProgram()) {
+Program::Program(const Gl& gl, const VertexStage& vertices, const std::string& surfaceSource,
+                 const std::string& file, Linking linking)
+    : gl_(gl),
+      vertices_(vertices),
+      name_(gl.CreateProgram()),
+      apart_(linking == Linking::Apart && vertices.standsApartFrom(surfaceSource)) {
     try {
-        attach(GL_FRAGMENT_SHADER, fragmentSource, file);
-        attach(GL_VERTEX_SHADER, kVertexSource, "mray-render");
-        link(file);
+        build(surfaceSource, file);
     } catch (...) {
         gl_.DeleteProgram(name_);
         throw;
     }
+    findValues();
 }
 
 Program::~Program() { gl_.DeleteProgram(name_); }
 
-void Program::attach(GLenum kind, const std::string& source, const std::string& file) const {
-    const GLuint shader = gl_.CreateShader(kind);
-    const char* text = source.data();
-    const auto size = static_cast<GLint>(source.size());
-    gl_.ShaderSource(shader, 1, &text, &size);
-    gl_.CompileShader(shader);
-    GLint good = 0;
-    gl_.GetShaderiv(shader, GL_COMPILE_STATUS, &good);
-    const std::string log = good != 0 ? "" : fetchLog(shader, gl_.GetShaderiv, gl_.GetShaderInfoLog);
-    gl_.AttachShader(name_, shader);
-    gl_.DeleteShader(shader);  // lives on with the program
-    if (good == 0) {
-        throw ShaderError(readableLog(log, file));
+void Program::build(const std::string& surfaceSource, const std::string& file) {
+    const GLuint surface = compileShader(gl_, GL_FRAGMENT_SHADER, surfaceSource, file);
+    gl_.AttachShader(name_, surface);
+    gl_.DeleteShader(surface);  // lives on with the program
+    if (apart_) {
+        gl_.ProgramParameteri(name_, GL_PROGRAM_SEPARABLE, GL_TRUE);
+    } else {
+        vertices_.attachTo(name_);
+    }
+    linkProgram(gl_, name_, file);
+}
+
+void Program::findValues() {
+    const GLuint block = gl_.GetUniformBlockIndex(name_, "mrValues");
+    if (block == GL_INVALID_INDEX) {
+        return;
+    }
+    GLint bytes = 0;
+    gl_.GetActiveUniformBlockiv(name_, block, GL_UNIFORM_BLOCK_DATA_SIZE, &bytes);
+    gl_.UniformBlockBinding(name_, block, 0);
+    valueBytes_ = static_cast<std::size_t>(bytes);
+}
+
+void Program::use() const {
+    if (apart_) {
+        vertices_.useWith(name_);
+    } else {
+        gl_.UseProgram(name_);
     }
 }
 
-void Program::link(const std::string& file) const {
-    static constexpr const char* kAttributes[]{"position", "object", "normal", "tangent",
-                                               "uv",       "lit",    "open"};
-    GLuint index = 0;
-    for (const char* attribute : kAttributes) {
-        gl_.BindAttribLocation(name_, index++, attribute);
-    }
-    gl_.LinkProgram(name_);
-    GLint good = 0;
-    gl_.GetProgramiv(name_, GL_LINK_STATUS, &good);
-    if (good == 0) {
-        throw ShaderError(readableLog(fetchLog(name_, gl_.GetProgramiv, gl_.GetProgramInfoLog), file));
+void Program::setClip(const std::array<float, 16>& clip) const {
+    if (apart_) {
+        vertices_.setClip(name_, clip);
+    } else {
+        gl_.UniformMatrix4fv(uniform("toClip"), 1, GL_FALSE, clip.data());
     }
 }
 

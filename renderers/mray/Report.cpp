@@ -59,4 +59,14 @@ std::string Report::timing() const {
     return text + line;
 }
 
+std::string Report::timingLine() const {
+    std::string text;
+    char word[80];
+    for (const auto& [name, ms] : steps_) {
+        std::snprintf(word, sizeof word, "%s%s %.1f", text.empty() ? "" : ", ", name.c_str(), ms);
+        text += word;
+    }
+    return text + " ms";
+}
+
 }  // namespace tavrin::mray

@@ -28,6 +28,8 @@ class Report {
     // The time since the last mark goes to the named step.
     void mark(const char* step);
     [[nodiscard]] std::string timing() const;
+    // The same on one line.
+    [[nodiscard]] std::string timingLine() const;
 
   private:
     using Clock = std::chrono::steady_clock;

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // mray-render: renders an object with a surface shader and writes a PNG.
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
+#include "Live.h"
 #include "Program.h"
 #include "Renderer.h"
 
@@ -40,6 +45,20 @@ int run(const Options& options) {
     return kDone;
 }
 
+// Whoever asks for pictures takes the renderer along: one that a shader has made hang
+// does not see the end of its input.
+int runLive() {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const char* killFile = std::getenv("TAVRN_KILLFILE");
+    try {
+        serveLive(STDIN_FILENO, killFile != nullptr ? killFile : "");
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "mray-render: %s\n", error.what());
+        return kFailed;
+    }
+    return kDone;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -58,5 +77,5 @@ int main(int argc, char** argv) {
         std::puts("mray-render " MRAY_VERSION);
         return kDone;
     }
-    return run(options);
+    return options.live ? runLive() : run(options);
 }

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LivePictures.h"
+
+#include <chrono>
+
+#include "InputFiles.h"
+#include "PngFile.h"
+
+namespace tavrin::mray {
+
+namespace {
+
+constexpr std::size_t kMostScenes = 4;
+constexpr std::size_t kMostPrograms = 16;
+constexpr double kUsualPace = 0.4;  // microseconds a sample, before any is measured
+constexpr double kCaution = 3;
+// A newer request is looked for after each tile.
+constexpr double kTileTime = 12'000;  // microseconds
+constexpr long kFewestSamples = 8'000;
+constexpr long kMostSamples = 90'000;
+constexpr int kTileRows = 8;
+// A large picture is shown again and again while it becomes fine.
+constexpr double kShowAgain = 700'000;  // microseconds
+constexpr double kWritingShare = 10;    // and not more than this part of the time goes to that
+
+using Clock = std::chrono::steady_clock;
+
+double microseconds(Clock::duration time) { return std::chrono::duration<double, std::micro>(time).count(); }
+
+}  // namespace
+
+LivePictures::LivePictures(const Gl& gl)
+    : gl_(gl),
+      vertices_(gl),
+      painter_(gl),
+      scenes_(kMostScenes),
+      programs_(kMostPrograms),
+      pace_(kUsualPace) {}
+
+bool LivePictures::draw(const Options& options, LiveListener& listener, Report& report) {
+    report.checkStop();
+    strange_ = 0;
+    const std::vector<float> values =
+        options.values.empty() ? std::vector<float>() : readValues(options.values);
+    checkOutput(options.output);
+    const Stage::Plan plan = Stage::Plan::of(options);
+    LiveScene& scene = scenes_.find(plan, [&plan](auto& all) { all.emplace_front(plan); }).first;
+    report.mark("start");
+    Work work{options, listener, report, scene, findProgram(options, listener)};
+    report.mark("compile");
+    scene.scene(gl_);
+    report.mark("scene");
+    listener.onStep();
+    painter_.setValues(work.program.program, values);
+    // How fast a new program is, nobody knows.
+    const double pace = work.program.pace * (work.program.drawn ? 1 : kCaution);
+    const Fineness first = firstFineness(options, pace);
+    if (!options.coarse.empty() && first != Fineness{1, options.samples}) {
+        drawCoarse(work, first);
+    }
+    return drawFine(work);
+}
+
+LivePictures::LiveProgram& LivePictures::findProgram(const Options& options, LiveListener& listener) {
+    const std::string source = readShader(options.shader);
+    const auto make = [&](auto& all) { all.emplace_front(gl_, vertices_, source, options.shader, pace_); };
+    const auto [program, isNew] = programs_.find(source, make);
+    listener.onProgram(isNew);
+    return program;
+}
+
+void LivePictures::drawCoarse(Work& work, Fineness fineness) {
+    const Options& options = work.options;
+    const int width = shrunk(options.width, fineness.shrink);
+    const int height = shrunk(options.height, fineness.shrink);
+    const Grid grid = Grid::of(fineness.samples);
+    const Camera camera(width, height);
+    Film film(width, height, grid, options.exposure);
+    painter_.take(work.program.program, work.scene.scene(gl_), camera);
+    for (const Area& tile : makeTiles(width, height, grid, kMostSamples, kTileRows)) {
+        work.report.checkStop();
+        drawTile(work, camera, tile, grid, film);
+    }
+    work.shown = enlarged(film.pixels(), width, height, options.width, options.height);
+    writePng(options.coarse, options.width, options.height, work.shown, PngEffort::Quick);
+    work.report.mark("png");
+    work.listener.onCoarse();
+}
+
+bool LivePictures::drawFine(Work& work) {
+    const Options& options = work.options;
+    const Grid grid = Grid::of(options.samples);
+    const Camera camera(options.width, options.height);
+    Film film(options.width, options.height, grid, options.exposure);
+    painter_.take(work.program.program, work.scene.scene(gl_), camera);
+    const auto samples = static_cast<long>(kTileTime / work.program.pace);
+    Clock::time_point shown = Clock::now();
+    double wait = kShowAgain;
+    for (const Area& tile : makeTiles(options.width, options.height, grid,
+                                      std::clamp(samples, kFewestSamples, kMostSamples), kTileRows)) {
+        work.report.checkStop();
+        if (!work.shown.empty() && work.listener.isOutdated()) {
+            return false;
+        }
+        drawTile(work, camera, tile, grid, film);
+        const int rows = tile.y + tile.height;
+        const bool isBand = tile.x + tile.width == options.width && rows < options.height;
+        const Clock::time_point now = Clock::now();
+        if (isBand && !work.shown.empty() && microseconds(now - shown) > wait) {
+            showMore(work, film, rows);
+            shown = Clock::now();
+            wait = std::max(kShowAgain, kWritingShare * microseconds(shown - now));
+        }
+    }
+    strange_ = film.strange();
+    writePng(options.output, options.width, options.height, film.pixels(), PngEffort::Quick);
+    work.report.mark("png");
+    return true;
+}
+
+// Measures how fast the program is, too.  The first time, what takes long is that the
+// driver makes its code.
+void LivePictures::drawTile(Work& work, const Camera& camera, const Area& tile, Grid grid, Film& film) {
+    const Area area = withMargin(tile);
+    const Clock::time_point begin = Clock::now();
+    painter_.draw(area, grid, samples_);
+    work.report.mark(work.program.drawn ? "draw" : "first tile");
+    if (work.program.drawn) {
+        const double count = double{1} * area.width * area.height * grid.x * grid.y;
+        work.program.pace = std::max(microseconds(Clock::now() - begin) / count, 0.001);
+        pace_ = work.program.pace;
+    }
+    work.program.drawn = true;
+    const std::vector<Vec3> behind = work.scene.background(camera, film.width(), film.height(), area);
+    work.report.mark("background");
+    film.develop(tile, samples_, behind);
+    work.report.mark("film");
+    work.listener.onStep();
+}
+
+// The rows that are fine, in the coarse picture.
+void LivePictures::showMore(Work& work, const Film& film, int rows) {
+    const Options& options = work.options;
+    const auto fine = static_cast<long>(rows) * options.width * 3;
+    std::copy_n(film.pixels().begin(), fine, work.shown.begin());
+    writePng(options.coarse, options.width, options.height, work.shown, PngEffort::Quick);
+    work.report.mark("png");
+    work.listener.onCoarse();
+}
+
+}  // namespace tavrin::mray
