@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -53,6 +54,9 @@ std::vector<float> readValues(const std::string& path) {
             values.size() == kMostValues) {
             throw std::runtime_error("the values " + path + " are not at most " +
                                      std::to_string(kMostValues) + " numbers; write them again");
+        }
+        if (error == std::errc::result_out_of_range) {
+            value = std::strtof(std::string(at, stop).c_str(), nullptr);  // 0 or infinite
         }
         values.push_back(value);
         at = stop;

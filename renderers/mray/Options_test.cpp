@@ -47,6 +47,21 @@ TEST(Options, RefusesWhatMakesNoSense) {
     EXPECT_THROW(parseOptions({"--object", "pot", "a", "b"}), UsageError);
 }
 
+TEST(Options, FilesHaveNames) {
+    const Options options = parseOptions({"--part", "p", "--values=v", "--coarse", "c", "a.frag", "b.png"});
+    EXPECT_EQ(options.part, "p");
+    EXPECT_EQ(options.values, "v");
+    EXPECT_EQ(options.coarse, "c");
+    for (const char* name : {"--part=", "--values=", "--coarse="}) {
+        EXPECT_THROW(parseOptions({name, "a", "b"}), UsageError) << name;
+    }
+}
+
+TEST(Options, OneThatStaysIsToldItsFilesLater) {
+    EXPECT_TRUE(parseOptions({"--live"}).live);
+    EXPECT_THROW(parseOptions({"--live", "a", "b"}), UsageError);
+}
+
 TEST(Options, HelpNeedsNoFiles) {
     EXPECT_TRUE(parseOptions({"--help"}).help);
     EXPECT_TRUE(parseOptions({"--version"}).version);

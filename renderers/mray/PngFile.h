@@ -27,7 +27,8 @@ class PngFile {
     PngFile(const PngFile&) = delete;
     PngFile& operator=(const PngFile&) = delete;
 
-    // The next rows from the top; they stand in the file afterwards.
+    // The next rows from the top; they stand in the file afterwards, but for the last few
+    // kilobytes.
     void addRows(const std::uint8_t* pixels, int count);
     // Behind the last row: the picture gets its name.
     void finish();
