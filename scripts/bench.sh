@@ -9,6 +9,7 @@ for bench in Expansion Generation Documents DeskModel Undo; do build/release/ben
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 build/release/bench/bench_Opening "$PWD/installation/mray" "$work"
-for bench in ArgumentEditor ColorPicker DeskPaint Forms LogWindow Sliders Start; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
+for bench in ArgumentEditor ColorPicker Compare DeskPaint Forms Live LogWindow Sliders Start View; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
 perl bench/pipeline.pl build/release/bin/tavrin-batch
+perl bench/live.pl build/release/bin/tavrin-batch
 echo "bench: done"
