@@ -31,7 +31,7 @@ class Answers : public LiveListener {
     void onCoarse() override { answer("coarse", id_); }
     void onStep() override {
         const auto now = std::chrono::steady_clock::now();
-        if (now - told_ > std::chrono::milliseconds(500)) {
+        if (now - told_ > std::chrono::milliseconds(400)) {
             told_ = now;
             answer("alive", id_);
         }

@@ -3,6 +3,7 @@
 
 #include <chrono>
 
+#include "Heartbeat.h"
 #include "InputFiles.h"
 #include "PngFile.h"
 
@@ -22,6 +23,8 @@ constexpr int kTileRows = 8;
 // A large picture is shown again and again while it becomes fine.
 constexpr double kShowAgain = 700'000;  // microseconds
 constexpr double kWritingShare = 10;    // and not more than this part of the time goes to that
+
+constexpr std::chrono::milliseconds kBeat{500};
 
 using Clock = std::chrono::steady_clock;
 
@@ -46,14 +49,10 @@ bool LivePictures::draw(const Options& options, LiveListener& listener, Report& 
     const Stage::Plan plan = Stage::Plan::of(options);
     LiveScene& scene = scenes_.find(plan, [&plan](auto& all) { all.emplace_front(plan); }).first;
     report.mark("start");
-    Work work{options, listener, report, scene, findProgram(options, listener)};
-    report.mark("compile");
-    scene.scene(gl_);
-    report.mark("scene");
-    listener.onStep();
+    Work work{options, listener, report, scene, compiled(options, scene, listener, report)};
     painter_.setValues(work.program.program, values);
     // How fast a new program is, nobody knows.
-    const double pace = work.program.pace * (work.program.drawn ? 1 : kCaution);
+    const double pace = work.program.pace * (work.program.isMeasured ? 1 : kCaution);
     const Fineness first = firstFineness(options, pace);
     if (!options.coarse.empty() && first != Fineness{1, options.samples}) {
         drawCoarse(work, first);
@@ -61,10 +60,21 @@ bool LivePictures::draw(const Options& options, LiveListener& listener, Report& 
     return drawFine(work);
 }
 
-LivePictures::LiveProgram& LivePictures::findProgram(const Options& options, LiveListener& listener) {
+LivePictures::LiveProgram& LivePictures::compiled(const Options& options, LiveScene& scene,
+                                                  LiveListener& listener, Report& report) {
+    const Heartbeat heartbeat(kBeat, [&listener] { listener.onStep(); });
     const std::string source = readShader(options.shader);
     const auto make = [&](auto& all) { all.emplace_front(gl_, vertices_, source, options.shader, pace_); };
     const auto [program, isNew] = programs_.find(source, make);
+    report.mark("compile");
+    const Scene& drawn = scene.scene(gl_);
+    report.mark("scene");
+    if (isNew) {
+        const Camera camera(options.width, options.height);
+        painter_.take(program.program, drawn, camera);
+        painter_.warmUp();
+        report.mark("code");
+    }
     listener.onProgram(isNew);
     return program;
 }
@@ -118,19 +128,16 @@ bool LivePictures::drawFine(Work& work) {
     return true;
 }
 
-// Measures how fast the program is, too.  The first time, what takes long is that the
-// driver makes its code.
+// Measures how fast the program is, too.
 void LivePictures::drawTile(Work& work, const Camera& camera, const Area& tile, Grid grid, Film& film) {
     const Area area = withMargin(tile);
     const Clock::time_point begin = Clock::now();
     painter_.draw(area, grid, samples_);
-    work.report.mark(work.program.drawn ? "draw" : "first tile");
-    if (work.program.drawn) {
-        const double count = double{1} * area.width * area.height * grid.x * grid.y;
-        work.program.pace = std::max(microseconds(Clock::now() - begin) / count, 0.001);
-        pace_ = work.program.pace;
-    }
-    work.program.drawn = true;
+    work.report.mark("draw");
+    const double count = double{1} * area.width * area.height * grid.x * grid.y;
+    work.program.pace = std::max(microseconds(Clock::now() - begin) / count, 0.001);
+    work.program.isMeasured = true;
+    pace_ = work.program.pace;
     const std::vector<Vec3> behind = work.scene.background(camera, film.width(), film.height(), area);
     work.report.mark("background");
     film.develop(tile, samples_, behind);

@@ -18,7 +18,8 @@ class LiveListener {
     virtual void onProgram(bool isNew) = 0;
     // The coarse picture stands in its file; several may come, each better.
     virtual void onCoarse() = 0;
-    // The work goes on: called after each step of it.
+    // The work goes on: called after each step of it, and now and then while the driver
+    // compiles, by another thread.
     virtual void onStep() = 0;
     // Whether the picture is wanted no more.
     virtual bool isOutdated() = 0;
@@ -42,7 +43,7 @@ class LivePictures {
         std::string source;
         Program program;
         double pace;  // microseconds a sample, of itself or of the one before
-        bool drawn = false;
+        bool isMeasured = false;
         LiveProgram(const Gl& gl, const VertexStage& vertices, const std::string& text,
                     const std::string& file, double guess)
             : source(text), program(gl, vertices, text, file, Linking::Apart), pace(guess) {}
@@ -58,7 +59,7 @@ class LivePictures {
         std::vector<std::uint8_t> shown{};  // the coarse picture, as far as it is not fine yet
     };
 
-    LiveProgram& findProgram(const Options& options, LiveListener& listener);
+    LiveProgram& compiled(const Options& options, LiveScene& scene, LiveListener& listener, Report& report);
     void drawCoarse(Work& work, Fineness fineness);
     bool drawFine(Work& work);
     void drawTile(Work& work, const Camera& camera, const Area& tile, Grid grid, Film& film);

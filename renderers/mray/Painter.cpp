@@ -57,6 +57,14 @@ void Painter::take(const Program& program, const Scene& scene, const Camera& cam
     setScene(gl_, program, camera, scene.stage());
 }
 
+void Painter::warmUp() {
+    constexpr std::array<float, 16> kOutside{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 2, 2, 1};
+    canvas_.makeRoom(1, 1);
+    canvas_.clear(1, 1);
+    program_->setClip(kOutside);
+    scene_->mesh().draw();
+}
+
 void Painter::setValues(const Program& program, std::vector<float> values) const {
     if (program.valueBytes() == 0) {
         return;

@@ -22,6 +22,10 @@ class Painter {
     // What draw() draws from now on.  All of it must outlive the drawing.
     void take(const Program& program, const Scene& scene, const Camera& camera);
 
+    // Has the driver make the program's code, which many do only when they draw: draws what
+    // is nowhere to be seen.
+    void warmUp();
+
     // The numbers that the program has in its block of values (see Program.h);
     // those that are missing are 0.
     void setValues(const Program& program, std::vector<float> values) const;

@@ -43,6 +43,7 @@ while (my $line = <STDIN>) {
 	}
 	if ($text =~ /mute/) { print "refused $id\n"; next }
 	if ($text =~ /fails/) { print "failed $id no memory\n"; next }
+	if ($text =~ /lasts/) { print "alive $id\n" while !-e 'DIR/enough' && select(undef, undef, undef, 0.1) == 0 }
 	if ($text =~ /hangs/) { sleep 1000 }
 	if ($text =~ /dies/) { kill 'KILL', $$; sleep 1000 }
 	if ($text =~ /stumbles/ && !-e 'DIR/stumbled') { open my $file, '>', 'DIR/stumbled'; exit 7 }
@@ -69,7 +70,7 @@ chmod 0755, "$dir/bin/mray-render";
 my $path = $ENV{PATH};
 $ENV{PATH} = "$dir/bin:$path";
 
-sub live { LiveTest->start("$dir/errors", $^X, $script, @_) }
+sub live { LiveTest->start("$dir/errors", $^X, $script, @_ ? @_ : 100) }
 
 my $number = 0;
 # A new state.
@@ -258,7 +259,7 @@ subtest 'states that are none' => sub {
 	like(scalar $live->asked($state), qr{^error cannot read .*/name: No such file}, 'no name');
 	put("$state/name", "odd\x07 name\nmore\n");
 	put("$state/codegenfile", '');
-	like(scalar $live->asked($state), qr{^error odd  name more: the arginfo section ends early}, 'an odd one stays on its line');
+	like(scalar $live->asked($state), qr{^error odd name more: the arginfo section ends early}, 'an odd one stays on its line');
 	my $large = made(join '', map { "tvColor.r += $_.500000 * tvUV.x + sin(tvObject.y * 3.5);\n" } 1 .. 160_000);
 	cmp_ok(-s "$large/codegenfile", '>', 10_000_000, 'ten megabytes of source');
 	is(scalar $live->asked($large), "picture $large/picture.png", 'are a shader like others');
@@ -294,14 +295,27 @@ subtest 'the renderer ends' => sub {
 };
 
 subtest 'a renderer that hangs' => sub {
-	my $hurried = live(5);
+	my $hurried = live(10);
 	my $state = made('hangs');
 	my $child = $hurried->child;
-	is(scalar $hurried->asked($state), 'error Ball: the picture was given up: mray-render said nothing for 5 seconds; '
+	is(scalar $hurried->asked($state), 'error Ball: the picture was given up: mray-render said nothing for 10 seconds; '
 		. 'a loop of the shader may have no end', 'is given up');
 	ok(ends($child), 'and ended');
 	like(scalar $hurried->asked(made($fine)), qr/^picture/, 'the next one draws');
 	is($hurried->finish, 0, 'the script ends with its input');
+};
+
+subtest 'a renderer that takes long' => sub {
+	my $state = made('lasts');
+	$live->say($state);
+	is($live->line, 'note Ball: the driver is still at work on the shader', 'is waited for, and that is told');
+	is($live->line, 'note Ball: the driver is still at work on the shader', 'again and again');
+	put("$dir/enough", '');
+	is(($live->answer)[-1], "picture $state/picture.png", 'until there is a picture');
+	unlink "$dir/enough";
+	my $hurried = live(1);
+	like(scalar $hurried->asked(made('lasts')), qr/^error Ball: the picture was given up: mray-render /, 'but not for ever');
+	is($hurried->finish, 0, 'the script goes on');
 };
 
 subtest 'the input ends' => sub {
