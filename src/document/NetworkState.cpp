@@ -19,6 +19,23 @@ bool SameBits(const std::array<float, Count>& one, const std::array<float, Count
     return std::bit_cast<Bits>(one) == std::bit_cast<Bits>(other);
 }
 
+// Without a copy of any text: almost all that are looked at are the same.
+bool IsStateOf(const ValueState& state, const COpValue& value) {
+    const auto isText = [&state](const std::string& text) { return state.text == text; };
+    return VisitValue(value, ValueCalls{
+                                 [&](const COpValueString& own) { return isText(own.value); },
+                                 [&](const COpValueGeneric& own) { return isText(own.value); },
+                                 [&](const auto& own) { return state == StateOf(own); },
+                             });
+}
+
+// The five paths of an export, of which the directories are the user's.
+constexpr std::array kExportPaths = {&CExportOptions::tavrnPath, &CExportOptions::compiledPath,
+                                     &CExportOptions::sourcePath, &CExportOptions::shaderIfacePath,
+                                     &CExportOptions::renderIfacePath};
+
+}  // namespace
+
 ValueState StateOf(const COpValue& value) {
     return VisitValue(value,
                       ValueCalls{
@@ -75,23 +92,6 @@ void PutState(const ValueState& state, COpValue& value) {
                           [&](COpValueGeneric& own) { own.value = state.text; },
                       });
 }
-
-// Without a copy of any text: almost all that are looked at are the same.
-bool IsStateOf(const ValueState& state, const COpValue& value) {
-    const auto isText = [&state](const std::string& text) { return state.text == text; };
-    return VisitValue(value, ValueCalls{
-                                 [&](const COpValueString& own) { return isText(own.value); },
-                                 [&](const COpValueGeneric& own) { return isText(own.value); },
-                                 [&](const auto& own) { return state == StateOf(own); },
-                             });
-}
-
-// The five paths of an export, of which the directories are the user's.
-constexpr std::array kExportPaths = {&CExportOptions::tavrnPath, &CExportOptions::compiledPath,
-                                     &CExportOptions::sourcePath, &CExportOptions::shaderIfacePath,
-                                     &CExportOptions::renderIfacePath};
-
-}  // namespace
 
 bool ValueState::operator==(const ValueState& other) const {
     return SameBits(numbers, other.numbers) && integer == other.integer && text == other.text;

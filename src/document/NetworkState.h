@@ -25,6 +25,9 @@ struct ValueState {
 
     bool operator==(const ValueState& other) const;
 };
+ValueState StateOf(const COpValue& value);
+// `state` was taken of a value of this type.
+void PutState(const ValueState& state, COpValue& value);
 
 // What is edited of a button, but for its wires.
 struct ButtonState {
