@@ -39,6 +39,15 @@ void COpDesk::SetAllSelected(int selected) {
     if (changed) m_document.edits.SelectionChanged();
 }
 
+void COpDesk::SelectBox(const std::string& boxTitleWid) {
+    const auto isIt = [&](const auto& box) { return box->BoxTitleWid() == boxTitleWid; };
+    const auto found = std::find_if(m_document.m_boxes.begin(), m_document.m_boxes.end(), isIt);
+    if (found == m_document.m_boxes.end()) return;
+    ClearBoxSelection();
+    (*found)->selected = 1;
+    m_document.edits.SelectionChanged();
+}
+
 void COpDesk::ValidateReferences() {
     Report& report = m_host.GetSite().report;
     m_document.m_boxes.remove_if([&report](auto& box) {

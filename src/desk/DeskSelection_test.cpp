@@ -44,6 +44,20 @@ TEST_F(DeskSelection, EveryBoxIsSelectedAtOnceAndTheViewsRefreshedIfOneChanged) 
     EXPECT_FALSE(document.IsModified());
 }
 
+TEST_F(DeskSelection, ABoxIsSelectedAloneByItsTitle) {
+    COpBox& first = Add(MakeLink("a", 1));
+    COpBox& second = Add(MakeLink("b", 2));
+    first.selected = 1;
+    desk.SelectBox("b_2");
+    EXPECT_EQ(first.selected, 0);
+    EXPECT_EQ(second.selected, 1);
+    EXPECT_THAT(view.calls, ElementsAre("selection"));
+    desk.SelectBox("b_3");
+    EXPECT_EQ(second.selected, 1) << "there is no such box";
+    EXPECT_THAT(view.calls, ElementsAre("selection"));
+    EXPECT_FALSE(document.IsModified());
+}
+
 TEST_F(DeskSelection, ClearingASelectionRepaintsNothing) {
     COpBox& box = Add(MakeLink("a", 1));
     box.selected = 1;

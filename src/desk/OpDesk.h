@@ -123,6 +123,8 @@ class COpDesk {
     void ClearSelectedButton() { m_selectedButton = nullptr; }
     void ClearSelectedConnects() { m_selectedConnects.clear(); }
     bool AnyBoxSelected() const;
+    // The box of this title alone; nothing happens where there is none.
+    void SelectBox(const std::string& boxTitleWid);
     void SelectAllBoxes() { SetAllSelected(1); }
     void UnselectAllBoxes() { SetAllSelected(0); }
 

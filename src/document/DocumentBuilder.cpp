@@ -21,9 +21,7 @@ DocumentBuilder::DocumentBuilder(CTvDoc& document, const DocumentForm& form, Doc
       m_report(host.GetSite().report),
       m_definitions(host.Registry(), host.GetSite()) {
     for (const auto& box : document.m_boxes) m_byWid[box->wid].box = box.get();
-    int wantsPlaceholders = 0;
-    host.GetSite().settings.GetSettingInt("document.placeholders", wantsPlaceholders);
-    if (wantsPlaceholders != 0) m_unknown.emplace(form, host.GetSite());
+    if (host.WantsPlaceholders()) m_unknown.emplace(form, host.GetSite());
 }
 
 bool DocumentBuilder::Build() {

@@ -42,6 +42,10 @@ int SwitchOf(const Settings& settings, const char* key) {
 
 }  // namespace
 
+bool DocumentHost::WantsPlaceholders() {
+    return SwitchOf(GetSite().settings, "document.placeholders") != 0;
+}
+
 std::unique_ptr<SafeCopy> DocumentHost::PutAside(const std::string&, std::string_view, std::string& error) {
     error = "there is no place for it";
     return nullptr;
@@ -150,6 +154,11 @@ void CTvDoc::BecomeRecovered(const std::string& path, bool wasCutShort, std::opt
     m_modifiedBeside = true;
 }
 
+bool CTvDoc::IsNetworkSaved() const {
+    if (!m_origin.file->held || m_differsFromFile) return false;
+    return m_history == nullptr ? !m_modified : m_history->IsAtSaved();
+}
+
 void CTvDoc::ViewMoved() {
     SetModified();
     m_modifiedBeside = true;
@@ -221,6 +230,7 @@ bool CTvDoc::Save(const std::string& path, std::string& error) {
     m_modifiedBeside = false;
     m_differsFromFile = false;
     if (m_history != nullptr) m_history->DocumentSaved();
+    afterSave.Tell(*before.file);
     return true;
 }
 

@@ -44,6 +44,8 @@ class DocumentHost {
     bool DefineBox(COpBox& box, const std::string& operatorName, DefinitionTexts* texts = nullptr) {
         return LoadDefinition(box, operatorName, texts);
     }
+    // A box whose operator cannot be had stands in the document as its file has it, and ends no reading.
+    virtual bool WantsPlaceholders();
     // Selects the library that a document names and scans its operators. False if the name is no plain
     // name of a directory, so that it could lead out of the installation; nothing is changed then.
     virtual bool UseLibrary(const std::string& name) = 0;
@@ -83,6 +85,9 @@ class CTvDoc {
     Listeners<> beforeDelete;
     // Told when storing or reading has changed the order of the stack: what is seen of it is out of date.
     Listeners<> afterReorder;
+
+    // Told when Save has written the document, with the file that it had before that.
+    Listeners<const DocumentFile&> afterSave;
 
     // Opens a file: empties the document, then reads. False if the file cannot be opened or is no document,
     // with an alert; the document then stays as it was. Errors in the file are alerted and leave what was
@@ -135,6 +140,8 @@ class CTvDoc {
     bool DiffersFromFile() const { return m_differsFromFile; }
     void SetDiffersFromFile() { m_differsFromFile = true; }
     bool IsModified() const { return m_modified; }
+    // The network and its options are what the file holds, whatever has been seen of the desk meanwhile.
+    bool IsNetworkSaved() const;
     // For what reads and writes documents, and for `edits`: an edit is noted there.
     void SetModified(bool modified = true) { m_modified = modified; }
     // What is seen of the desk is saved with it: another view is no edit, but a document to be saved.

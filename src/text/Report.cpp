@@ -72,7 +72,11 @@ void Report::LogLine(const char* format, ...) {
 }
 
 void Report::LogRaw(std::string_view text) {
-    if (m_sink != nullptr && !text.empty()) m_sink->OnLog(text);
+    if (m_heldLog != nullptr) {
+        m_heldLog->append(text);
+    } else if (m_sink != nullptr && !text.empty()) {
+        m_sink->OnLog(text);
+    }
 }
 
 std::optional<Report::Pending> Report::TakePending() {

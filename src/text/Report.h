@@ -58,12 +58,14 @@ class Report {
 
   private:
     friend class HeldAlerts;
+    friend class HeldLog;
     void Raise(std::string text, std::string file);
 
     ReportSink* m_sink = nullptr;
     std::string m_alertText;
     std::string m_alertFile;
     std::vector<Pending>* m_held = nullptr;  // where alerts go meanwhile
+    std::string* m_heldLog = nullptr;        // where the log goes meanwhile
 };
 
 // While one stands, on the stack, alerts come to it and to nobody else: whoever tries what may fail decides
@@ -85,6 +87,23 @@ class HeldAlerts {
     Report& m_report;
     std::vector<Report::Pending>* m_outer;
     std::vector<Report::Pending> m_alerts;
+};
+
+// The same for the log. Nothing of it comes into the log by itself.
+class HeldLog {
+  public:
+    explicit HeldLog(Report& report) : m_report(report), m_outer(std::exchange(report.m_heldLog, &m_text)) {}
+    ~HeldLog() { m_report.m_heldLog = m_outer; }
+    HeldLog(const HeldLog&) = delete;
+    HeldLog& operator=(const HeldLog&) = delete;
+
+    // All that was to be logged, line ends included.
+    const std::string& Text() const { return m_text; }
+
+  private:
+    Report& m_report;
+    std::string* m_outer;
+    std::string m_text;
 };
 
 // printf into a string.

@@ -145,6 +145,24 @@ TEST_F(ReportTest, HeldAlertsWaitForWhoHoldsThem) {
     EXPECT_EQ(report.TakePending()->text, "three");
 }
 
+TEST_F(ReportTest, ALogThatIsHeldComesToItsHolderAlone) {
+    {
+        const HeldLog outer(report);
+        report.LogLine("one");
+        {
+            const HeldLog inner(report);
+            report.LogRaw("two");
+            EXPECT_EQ(inner.Text(), "two");
+        }
+        report.Alert("an alert");
+        EXPECT_EQ(outer.Text(), "one\r\n");
+    }
+    EXPECT_EQ(sink.log, "");
+    EXPECT_THAT(sink.alerts, ElementsAre("an alert")) << "alerts go on";
+    report.LogLine("three");
+    EXPECT_EQ(sink.log, "three\r\n");
+}
+
 TEST(FormatText, PrintsAsPrintfDoes) {
     EXPECT_EQ(FormatText("kill.%d", 12), "kill.12");
     EXPECT_EQ(FormatText("%s", ""), "");
