@@ -2,6 +2,7 @@
 // Every command by each of its ways: from the menu, by its keys, from the toolbar.
 #include <QMenuBar>
 #include <QPushButton>
+#include <filesystem>
 
 #include "ui/library/MenuFinder.h"
 #include "ui/library/OperatorToolBar.h"
@@ -350,6 +351,33 @@ const std::vector<Effect>& Effects() {
              EXPECT_TRUE(WaitUntil([&] { return !t.ChildRuns(); }));
              EXPECT_TRUE(t.LogComesTo("renderit killed"));
          }},
+        {"Live", Id::kLive, "Render", "", true, Nothing, [](Bench& t) { EXPECT_TRUE(t.IsChecked(Id::kLive)); }},
+        {"LiveThatIsOn", Id::kLive, "Render", "", true, [](Bench& t) { t.Do(Id::kLive); },
+         [](Bench& t) { EXPECT_FALSE(t.IsChecked(Id::kLive)); }},
+        {"CompareRenders", Id::kCompareRenders, "Render", "", false, Nothing,
+         [](Bench& t) { EXPECT_TRUE(t.IsUp("Compare Renders")); }},
+        {"PictureWindow", Id::kPictureWindow, "Render", "", false,
+         [](Bench& t) {
+             t.environment.Set("TAVRN_VIEW", test::BuildPath("bin/tavrin-view"));
+             std::filesystem::create_directory(t.directory / "runtime");
+             t.environment.Set("XDG_RUNTIME_DIR", t.directory / "runtime");
+             t.Start();
+         },
+         [](Bench& t) {
+             EXPECT_TRUE(WaitUntil([&] { return t.IsChecked(Id::kPictureWindow); }));
+             t.Do(Id::kPictureWindow);
+             EXPECT_TRUE(WaitUntil([&] { return !t.IsChecked(Id::kPictureWindow); }));
+         }},
+        {"KeepRender", Id::kKeepRender, "Render", "", false,
+         [](Bench& t) {
+             EXPECT_TRUE(t.Frame().OpenDocumentFile(t.WriteDocument("keep")));
+             t.Do(Id::kRenderIt);
+             const RenderRecords& records = t.Frame().Work().session.records;
+             EXPECT_TRUE(
+                 WaitUntil([&] { return records.Newest()->state != RenderRecord::State::kRunning; }));
+             t.Settle();
+         },
+         [](Bench& t) { EXPECT_TRUE(std::filesystem::exists(t.directory / "keep-1.tvn")); }},
         {"DisplayLog", Id::kDisplayLog, "Render", "F8", true, Nothing,
          [](Bench& t) { EXPECT_TRUE(t.IsUp("Log")); }},
         {"DisplayLogThatIsUp", Id::kDisplayLog, "Render", "F8", true,

@@ -105,6 +105,10 @@ constexpr Rule kRules[] = {
     {32940, "Reload Operators", "EEEEEEEEEEEE"},
     {32792, "Render It", "-EEEE-EEE-EE"},
     {32793, "Stop Render", "--------EE-E"},
+    {32943, "Picture Window", "------------"},  // where there is a program for it: PictureWindow_test
+    {32944, "Keep Render", "-.----------"},
+    {32942, "Live", "EEEEEEEEEEEE"},
+    {32945, "Compare Renders", "EEEEEEEEEEEE"},
     {32889, "Display Log", "EEEEEEEEEEEE"},
     {32892, "Clear Log", "EEEEEEEEEEEE"},
     {32794, "View Shader Source", "-EEEE-EE--E-"},
@@ -126,7 +130,9 @@ struct Check {
 constexpr Check kChecks[] = {
     {32898, "Export Options", false},
     {32941, "Undo History", false},
+    {32945, "Compare Renders", false},
     {32906, "Render History", false},
+    {32943, "Picture Window", false},
     {32907, "Box Finder", false},
     {32908, "Menu Finder", false},
     {32864, "Freeze Sliders", false},
@@ -143,6 +149,7 @@ constexpr Check kChecks[] = {
     {32860, "Debug Mode", false},
     {32781, "Render Options", false},
     {32782, "Argument Editor", false},
+    {32942, "Live", false},
     {32878, "Show Wallpaper", true},
     {32877, "Tile Wallpaper", false},
     {32938, "Multiple Renders", true},

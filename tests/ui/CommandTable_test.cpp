@@ -78,6 +78,10 @@ constexpr Listed kListed[] = {
     {32940, "Reload Operators", ""},
     {32792, "Render It\tF1", ""},
     {32793, "Stop Render\tF4", ""},
+    {32943, "Picture Window", ""},
+    {32944, "Keep Render", ""},
+    {32942, "Live", ""},
+    {32945, "Compare Renders", ""},
     {32889, "Display Log\tF8", ""},
     {32892, "Clear Log", "Ctrl+Del"},
     {32794, "View Shader Source (.src)", "F9"},
@@ -229,7 +233,8 @@ TEST_F(CommandTableTest, TheMenusHoldTheirItemsInOrder) {
               "Render Options|Argument Editor|-|Show Wallpaper|Tile Wallpaper|Set Wallpaper...|-|"
               "Reload Operators");
     EXPECT_EQ(Bytes(Items("Render").join('|')),
-              "Render It|Stop Render|Render History|-|Display Log|Clear Log|-|View Shader Source (.src)|"
+              "Render It|Stop Render|Live|Render History|Picture Window|Keep Render|Compare "
+              "Renders|-|Display Log|Clear Log|-|View Shader Source (.src)|"
               "View Render Interface (.rif)|View Shader Interface (.cus)");
     EXPECT_EQ(Bytes(Items("Help").join('|')), "Shader Help|-|Online Documentation|About Tavrin");
 }
@@ -282,7 +287,7 @@ TEST_F(CommandTableTest, TheToolbarHasItsButtonsInOrder) {
         Bytes(places.join(' ')),
         "57600 57601 57603 - 32898 32900 - 57643 57644 - 57635 57634 57637 - 32775 32776 - 32844 32845 - "
         "32846 32847 - 32848 32849 - 32908 32907 - 32777 32778 32779 32780 - "
-        "32864 32787 32788 32789 32790 32800 - 32792 32793 - 32781 32782 32906 32794 - "
+        "32864 32787 32788 32789 32790 32800 - 32792 32793 32942 - 32781 32782 32906 32794 - "
         "32889 32892 - 32797 57664");
 }
 

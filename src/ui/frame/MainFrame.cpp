@@ -13,12 +13,17 @@
 
 #include "document/EditHistory.h"
 #include "forms/FormWidget.h"
+#include "icons/Icons.h"
 #include "ui/base/QtQueue.h"
 #include "ui/commands/DeskWork.h"
 #include "ui/commands/DocumentWork.h"
 #include "ui/commands/HelpWork.h"
+#include "ui/commands/KeepWork.h"
+#include "ui/commands/LiveWork.h"
 #include "ui/commands/OperatorWork.h"
 #include "ui/commands/OptionWork.h"
+#include "ui/commands/PictureWork.h"
+#include "ui/commands/ProbeWork.h"
 #include "ui/commands/RenderWork.h"
 #include "ui/commands/ScriptWork.h"
 #include "ui/commands/SliderWork.h"
@@ -27,9 +32,11 @@
 #include "ui/frame/SafetyCopies.h"
 #include "ui/frame/Splash.h"
 #include "ui/frame/StatusBox.h"
-#include "ui/icons/Icons.h"
 #include "ui/library/BoxFinder.h"
 #include "ui/log/LogWindow.h"
+#include "ui/render/CompareWindow.h"
+#include "ui/render/PictureLink.h"
+#include "ui/render/RenderHistoryDlg.h"
 #include "ui/sliders/SliderPane.h"
 
 namespace tavrin {
@@ -81,6 +88,7 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
     m_work->document.KeepHistory();
     CreateClientArea();
     CreateBars();
+    CreatePictures();
     CreateWork();
     CreateWindows();
     AddCommands();
@@ -127,7 +135,9 @@ void MainFrame::CreateClientArea() {
                           {.highlightedBox = [this] { return m_windows->Get<BoxFinder>().CurrentName(); },
                            .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
                            .fail = [this](const std::string& text, int status) { Fail(text, status); },
-                           .editFile = [this](const std::string& name) { m_app.EditOperator(name); }});
+                           .editFile = [this](const std::string& name) { m_app.EditOperator(name); },
+                           .shownOutput = [this] { return m_work->probe.Output(); },
+                           .toggleShown = [this](COpButton& output) { m_work->probe.Toggle(output); }});
     m_splitter->setStretchFactor(1, 1);
     auto* central = new QWidget(this);
     auto* column = new QVBoxLayout(central);
@@ -154,12 +164,29 @@ void MainFrame::CreateBars() {
     statusBar();
 }
 
+void MainFrame::CreatePictures() {
+    m_pictures = std::make_unique<PictureLink>(
+        GetSite(),
+        PictureLink::Hands{
+            .selectRender = [this](int number) { m_windows->Get<CRenderHistoryDlg>().SelectRender(number); },
+            .restoreRender = [this](int number) { PictureWork::Restore(number, *m_work, *m_documents); },
+            .keepRender = [this](int number) { m_keeps->Keep(number); },
+            .liveShown = [this](uint64_t id) { m_live->afterShown.Tell(id); },
+            .cameOrWent = [this] { m_idle.Request(); }});
+    m_pictureWork = std::make_unique<PictureWork>(PictureWork::Needs{*this, *m_work, *m_pictures});
+    m_live = std::make_unique<LiveWork>(
+        LiveWork::Needs{*m_work, *m_statusBox, *m_pictures, [this] { m_idle.Request(); }});
+}
+
 void MainFrame::CreateWork() {
     m_safetyCopies = std::make_unique<SafetyCopies>(*m_work, m_queue, [this](const std::string& failure) {
         m_statusBox->SetStatus("WARNING: " + failure, kTimeToRead);
     });
     m_renders = std::make_unique<RenderWork>(RenderWork::Needs{
         *this, *m_work, *m_statusBox, [this] { m_windows->Tell(&ToolWindow::HistoryChanged); }});
+    m_keeps = std::make_unique<KeepWork>(
+        KeepWork::Needs{*this, *m_work, *m_statusBox,
+                        [this] { return m_windows->Get<CRenderHistoryDlg>().CurrentRender(); }});
     m_documents = std::make_unique<DocumentWork>(
         DocumentWork::Needs{*this, *m_work, *m_renders, *m_safetyCopies, *m_sliderDesk, m_recentFiles});
     m_operators = std::make_unique<OperatorWork>(
@@ -168,12 +195,16 @@ void MainFrame::CreateWork() {
     m_options = std::make_unique<OptionWork>(
         OptionWork::Needs{GetSite(), m_profile, *m_desk, *m_sliders, *m_statusBox});
     m_deskWork = std::make_unique<DeskWork>(DeskWork::Needs{*this, *m_work, *m_desk, *m_statusBox});
+    m_probeWork = std::make_unique<ProbeWork>(ProbeWork::Needs{
+        *this, *m_work, *m_desk, m_commands.Get(CommandId::kZoomReset), [this] { m_idle.Request(); }});
 }
 
 void MainFrame::CreateWindows() {
     m_windows = std::make_unique<FrameWindows>(
-        WindowNeeds{*this, *m_work, *m_desk, *m_documents, *m_operators, *m_log,
-                    [this](const FormAction& action) { Dispatch(action); }},
+        WindowNeeds{*this, *m_work, *m_desk, *m_documents, *m_keeps, *m_operators, *m_log,
+                    [this](const FormAction& action) { Dispatch(action); },
+                    [this](int older, int newer) { m_windows->Get<CompareWindow>().Compare(older, newer); },
+                    [this](int first, int second) { m_pictures->CompareRenders(first, second); }},
         m_commands);
     m_windows->OnShownOrHidden([this] { m_idle.Request(); });
     m_scripts = std::make_unique<ScriptWork>(ScriptWork::Needs{
@@ -186,6 +217,9 @@ void MainFrame::AddCommands() {
     m_documents->AddTo(m_commands);
     m_deskWork->AddTo(m_commands);
     m_renders->AddTo(m_commands);
+    m_live->AddTo(m_commands);
+    m_pictureWork->AddTo(m_commands);
+    m_keeps->AddTo(m_commands);
     m_scripts->AddTo(m_commands);
     m_operators->AddTo(m_commands);
     m_options->AddTo(m_commands);

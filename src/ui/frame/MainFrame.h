@@ -29,9 +29,14 @@ class DeskPane;
 class DeskWork;
 class DocumentWork;
 struct FormAction;
+class KeepWork;
+class LiveWork;
 class OperatorToolBar;
 class OperatorWork;
 class OptionWork;
+class PictureLink;
+class PictureWork;
+class ProbeWork;
 class Profile;
 class QtQueue;
 class RenderWork;
@@ -76,6 +81,7 @@ class MainFrame : public QMainWindow, private TitleView {
     DeskPane& Desk() { return *m_desk; }
     SliderPane& Sliders() { return *m_sliders; }
     CSliderDesk& SliderDesk() { return *m_sliderDesk; }
+    LiveWork& Live() { return *m_live; }
     Actions& ActionDispatch();
 
     // What floats over the frame comes up with it.
@@ -95,6 +101,7 @@ class MainFrame : public QMainWindow, private TitleView {
     void TakePlace();
     void CreateClientArea();
     void CreateBars();
+    void CreatePictures();
     void CreateWork();
     void CreateWindows();
     void AddCommands();
@@ -139,12 +146,17 @@ class MainFrame : public QMainWindow, private TitleView {
     std::unique_ptr<QSplitter> m_splitter;  // what is in it works on the document
     SliderPane* m_sliders = nullptr;
     DeskPane* m_desk = nullptr;
+    std::unique_ptr<PictureLink> m_pictures;
+    std::unique_ptr<PictureWork> m_pictureWork;
+    std::unique_ptr<LiveWork> m_live;
     std::unique_ptr<SafetyCopies> m_safetyCopies;
     std::unique_ptr<RenderWork> m_renders;
+    std::unique_ptr<KeepWork> m_keeps;
     std::unique_ptr<DocumentWork> m_documents;
     std::unique_ptr<OperatorWork> m_operators;
     std::unique_ptr<OptionWork> m_options;
     std::unique_ptr<DeskWork> m_deskWork;
+    std::unique_ptr<ProbeWork> m_probeWork;
     std::unique_ptr<FrameWindows> m_windows;
     std::unique_ptr<ScriptWork> m_scripts;
     std::unique_ptr<UpdateOffer> m_updateOffer;

@@ -5,6 +5,7 @@
 #include "ui/base/Text.h"
 #include "ui/commands/CommandActions.h"
 #include "ui/commands/DocumentWork.h"
+#include "ui/commands/KeepWork.h"
 #include "ui/commands/OperatorWork.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/desk/UndoHistory.h"
@@ -12,6 +13,7 @@
 #include "ui/library/BoxFinder.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/log/LogWindow.h"
+#include "ui/render/CompareWindow.h"
 #include "ui/render/ExportDlg.h"
 #include "ui/render/RenderHistoryDlg.h"
 #include "ui/sliders/ArgumentEditor.h"
@@ -22,12 +24,33 @@ namespace tavrin {
 namespace {
 
 ToolWindow* MakeRenderHistory(const WindowNeeds& needs) {
+    RenderSession& session = needs.work.session;
     return new CRenderHistoryDlg(
         &needs.frame,
-        [&session = needs.work.session]() -> const std::deque<std::string>& {
-            return session.History().Entries();
-        },
-        [&documents = needs.documents](const std::string& entry) { documents.OpenHistoryEntry(entry); });
+        {.entries = [&session]() -> const std::deque<std::string>& { return session.History().Entries(); },
+         .open = [&documents =
+                      needs.documents](const std::string& entry) { documents.OpenHistoryEntry(entry); },
+         .records = session.records,
+         .canKeep = [&keeps = needs.keeps](int number) { return keeps.CanKeep(number); },
+         .keep = [&keeps = needs.keeps](int number) { keeps.Keep(number); },
+         .compare = [compare = needs.compare](int number) { compare(number, Comparison::kDesk); }});
+}
+
+ToolWindow* MakeCompareWindow(const WindowNeeds& needs) {
+    Workspace& work = needs.work;
+    return new CompareWindow(
+        &needs.frame,
+        {.comparison = {work.document, work.app, work.session, work.app.CodeGen()},
+         .goToBox =
+             [&work, &desk = needs.desk](const std::string& name) {
+                 if (work.document.lock == 0) work.desk.SelectBox(name);
+                 desk.CentreOnBox(name);
+             },
+         .setOption =
+             [&app = work.app](const std::string& name, const std::string& value) {
+                 app.SetVariable(name, value, true);
+             },
+         .comparePictures = needs.comparePictures});
 }
 
 ToolWindow* MakeUndoHistory(const WindowNeeds& needs) {
@@ -83,6 +106,7 @@ const std::vector<WindowRow>& WindowTable() {
     using Way = WindowRow::Way;
     static const std::vector<WindowRow> table = {
         {Id::kRenderHistory, Way::kToggles, "RenderHistory", true, {1, 1}, MakeRenderHistory},
+        {Id::kCompareRenders, Way::kToggles, "CompareRenders", true, {0.5, 0.5}, MakeCompareWindow},
         {Id::kUndoHistory, Way::kToggles, "UndoHistory", true, {1, 0.5}, MakeUndoHistory},
         {Id::kBoxFinder, Way::kToggles, "BoxFinder", true, {1, 0}, MakeBoxFinder},
         {Id::kMenuFinder, Way::kToggles, "MenuFinder", true, {0, 0}, MakeMenuFinder},

@@ -15,6 +15,7 @@ namespace tavrin {
 class CommandActions;
 class DeskPane;
 class DocumentWork;
+class KeepWork;
 class LogWindow;
 class OperatorWork;
 class ToolWindow;
@@ -27,9 +28,12 @@ struct WindowNeeds {
     Workspace& work;
     DeskPane& desk;
     DocumentWork& documents;
+    KeepWork& keeps;
     OperatorWork& operators;
     LogWindow& log;                                   // stands before all others
     std::function<void(const FormAction&)> doAction;  // of a form, to be called once the frame stands
+    std::function<void(int older, int newer)> compare;  // renders, or the desk; the same holds for this
+    std::function<void(int first, int second)> comparePictures;
 };
 
 // Everything else about a window follows from its row: that it is there, its command and the check mark, that
