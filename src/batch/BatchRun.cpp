@@ -79,6 +79,9 @@ void BatchRun::View(const std::string& kind) {
 void BatchRun::Check() {
     AddStep([this] { return DoCheck(); });
 }
+void BatchRun::Probe(const std::string& output) {
+    AddStep([this, output] { return m_work->Probe(output); });
+}
 void BatchRun::Version() {
     if (!m_printAndEnd) m_printAndEnd = "tavrin-batch " + VersionText(kProductVersion) + "\n";
 }
@@ -117,11 +120,11 @@ bool BatchRun::Start() {
     commands.SetCommandOutput(STDERR_FILENO);  // standard output is for data
     // Scripts show no pictures here, wherever the program was started.
     for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY"}) m_app->GetSite().environment.Unset(display);
-    commands.OnChildEnd([this](int exitCode) {
-        if (exitCode == 0) return;
+    m_childEnds = commands.afterChild.Add([this](const ChildEnd& end) {
+        if (end.exitCode == 0) return;
         m_failed = true;
         m_sink.EndLine();
-        m_report.LogLine("script ended with status %d", exitCode);
+        m_report.LogLine("script ended with status %d", end.exitCode);
         m_childFailed = true;
     });
     if (m_library && !m_app->SelectLibrary(*m_library)) {

@@ -10,6 +10,7 @@
 
 #include "app/TvApp.h"
 #include "base/Interruption.h"
+#include "base/Listeners.h"
 #include "batch/BatchWork.h"
 #include "batch/CommandLine.h"
 #include "batch/TerminalSink.h"
@@ -55,6 +56,7 @@ class BatchRun : private CommandLineDelegate {
     void Add(const std::string& operatorName) override;
     void View(const std::string& kind) override;
     void Check() override;
+    void Probe(const std::string& output) override;
     void Help() override {
         if (!m_printAndEnd) m_printAndEnd = CommandLine::HelpText();
     }
@@ -99,6 +101,7 @@ class BatchRun : private CommandLineDelegate {
     PlainQueue m_queue;
     bool m_failed = false;
     bool m_childFailed = false;  // in the present step
+    Listeners<const ChildEnd&>::Subscription m_childEnds;
     std::unique_ptr<CTvApp> m_app;
     std::unique_ptr<BatchWork> m_work;
     // Last, so that its thread ends before what it interrupts.

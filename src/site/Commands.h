@@ -17,6 +17,7 @@
 
 #include "base/Environment.h"
 #include "base/FileDescriptor.h"
+#include "base/Listeners.h"
 #include "base/MainThreadQueue.h"
 #include "site/ChildLog.h"
 #include "site/ChildOutput.h"
@@ -25,11 +26,23 @@
 
 namespace tavrin {
 
+class LineChild;
+class LineLife;
 class Report;
+struct LineCall;
+struct LineHands;
 
 // What RunCommand tells of a process that it waited for.
 struct ProcessInfo {
     int exitCode = 0;
+};
+
+// How a child of RunScript has ended. A plain value.
+struct ChildEnd {
+    int id = 0;  // as RunScript gave it
+    int exitCode = 0;
+    bool wasStopped = false;  // KillChildren asked it to end while it ran
+    bool brokeLimit = false;  // and was ended for that
 };
 
 // Owned by the application object. Main thread only, but for InterruptCommand.
@@ -93,19 +106,27 @@ class Commands {
     // Starts "PerlExec" with the words of the call and its output going to the log, and returns at once. The
     // child counts as running until its output has closed, also on the side of its own children. Where
     // children with names run at the same time, each one's lines stand behind its name. A limit that it
-    // breaks ends it, and is alerted; so is a child for which there is no thread.
-    void RunScript(ProgramCall call);
-    void RunScript(const std::vector<std::string>& words, const std::string& name) {
-        RunScript(CallOf(words, name));
+    // breaks ends it, and is alerted; so is a child for which there is no thread. Gives the child's number,
+    // by which afterChild tells its end; 0 for one that has no thread, whose end is not told.
+    int RunScript(ProgramCall call);
+    int RunScript(const std::vector<std::string>& words, const std::string& name) {
+        return RunScript(CallOf(words, name));
     }
 
-    // Called on the main thread with the exit code when a child's process has ended.
-    void OnChildEnd(std::function<void(int exitCode)> observer) { m_childEnd = std::move(observer); }
+    // Told on the main thread when a child's process has ended, behind all that it wrote.
+    Listeners<const ChildEnd&> afterChild;
+
+    // Starts a child that stays (LineChild.h), or one whose lines somebody reads. It is none of those that the
+    // calls below tell of, but for EndChildren, which ends it like the others.
+    std::unique_ptr<LineChild> StartLines(LineCall call, LineHands hands);
 
     // Leaves the kill file of every running child and forgets the children: stopping is their own act.
     void KillChildren();
 
     bool AnyChildRunning() const;
+
+    // A process that StartLines has started, or its thread, is left.
+    bool AnyLineChildLeft() const;
 
     // True while a child's process or its reader is left, forgotten ones included.
     bool AnyProcessLeft() const;
@@ -136,6 +157,8 @@ class Commands {
     bool WaitForWorkers(std::chrono::milliseconds time);
     void SignalChildren(int signal);
     void StopReading();
+    void JoinFinishedLines();
+    void EndLines(bool atOnce);
     std::string KillFile(int id) const;
 
     Report& m_report;
@@ -145,7 +168,6 @@ class Commands {
     int m_commandOutput = -1;
     uint64_t m_outputLimit = kMostOutput;
     int m_lastTag = 0;
-    std::function<void(int)> m_childEnd;
     WaitObserver m_waitObserver;
 
     mutable std::mutex m_waitedMutex;
@@ -157,6 +179,7 @@ class Commands {
     std::set<int> m_children;  // identifiers of running children
     bool m_ending = false;     // nothing may be started any more
     std::list<std::unique_ptr<Child>> m_workers;
+    std::list<std::shared_ptr<LineLife>> m_lines;
     int m_lastId = 0;
     ChildLog m_childLog;
     OutputBrake m_brake;

@@ -15,6 +15,8 @@ struct Commands::Child {
     ChildWatch watch;  // of the thread
     const std::string tag;
     int pid = -1;                        // guarded by m_childMutex; -1 where there is no process to signal
+    bool wasStopped = false;             // guarded by m_childMutex
+    bool brokeLimit = false;             // of the thread
     std::atomic<bool> finished = false;  // the process has been reaped and the thread is about to end
     FileDescriptor wake;                 // readable: stop reading
     std::thread thread;

@@ -50,7 +50,7 @@ struct Commands::Start {
 
 std::string Commands::KillFile(int id) const { return JoinPath(m_workDir, FormatText("kill.%d", id)); }
 
-void Commands::RunScript(ProgramCall call) {
+int Commands::RunScript(ProgramCall call) {
     JoinFinished();
     const int id = ++m_lastId;
     const std::string tag = TagName(::getpid(), ++m_lastTag);
@@ -81,7 +81,9 @@ void Commands::RunScript(ProgramCall call) {
         m_childLog.End(id);
         ForgetRunning(worker);
         m_workers.pop_back();
+        return 0;
     }
+    return id;
 }
 
 void Commands::Post(std::function<void()> work) {
@@ -95,10 +97,13 @@ void Commands::Work(Child& child, const Start& start) {
     RunUntilOutputCloses(child, start);
     Post([this, id = child.id] { m_childLog.End(id); });
     ForgetRunning(child);
-    const int exitCode = Reap(child);
-    Post([this, exitCode] {
-        if (m_childEnd) m_childEnd(exitCode);
-    });
+    ChildEnd end{child.id, Reap(child)};
+    end.brokeLimit = child.brokeLimit;
+    {
+        const std::lock_guard lock(m_childMutex);
+        end.wasStopped = child.wasStopped;
+    }
+    Post([this, end] { afterChild.Tell(end); });
     child.finished = true;
 }
 
@@ -171,8 +176,10 @@ void Commands::ReadOutput(Child& child, int pipe) {
 
 // Holds the child to its limits; false if it has been ended, so that nothing of it is worth waiting for.
 bool Commands::MayGoOn(Child& child) {
-    if (const auto told = child.watch.Look(child.pid))
+    if (const auto told = child.watch.Look(child.pid)) {
+        child.brokeLimit = true;
         Post([this, text = *told] { m_report.Alert("%s", text.c_str()); });
+    }
     return !child.watch.IsOver();
 }
 
@@ -195,7 +202,11 @@ bool Commands::PostPiece(Child& child, OutputBound& bound, std::string_view piec
 void Commands::KillChildren() {
     const std::lock_guard lock(m_childMutex);
     std::string ignored;
-    for (const int id : m_children) WriteOwnFile(m_workDir, PathFile(KillFile(id)), {}, ignored);
+    for (const auto& worker : m_workers) {
+        if (!m_children.contains(worker->id)) continue;
+        worker->wasStopped = true;
+        WriteOwnFile(m_workDir, PathFile(KillFile(worker->id)), {}, ignored);
+    }
     m_children.clear();
 }
 
@@ -221,9 +232,11 @@ void Commands::JoinFinished() {
 
 bool Commands::WaitForWorkers(std::chrono::milliseconds time) {
     const auto until = Clock::now() + time;
-    while (AnyProcessLeft() && Clock::now() < until) std::this_thread::sleep_for(kPollStep);
+    const auto anyLeft = [this] { return AnyProcessLeft() || AnyLineChildLeft(); };
+    while (anyLeft() && Clock::now() < until) std::this_thread::sleep_for(kPollStep);
     JoinFinished();
-    return m_workers.empty();
+    JoinFinishedLines();
+    return m_workers.empty() && m_lines.empty();
 }
 
 void Commands::SignalChildren(int signal) {
@@ -242,6 +255,7 @@ void Commands::EndChildren(std::chrono::milliseconds grace, std::chrono::millise
     }
     m_brake.SetOff(true);
     KillChildren();
+    EndLines(false);
     bool areGone = WaitForWorkers(grace);
     if (!areGone) {
         SignalChildren(SIGTERM);
@@ -249,6 +263,7 @@ void Commands::EndChildren(std::chrono::milliseconds grace, std::chrono::millise
     }
     if (!areGone) {
         SignalChildren(SIGKILL);
+        EndLines(true);
         StopReading();
     }
     ReapUnwatched();

@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <functional>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "base/Files.h"
 #include "site/CommandsGround.h"
@@ -182,7 +184,7 @@ TEST_F(CommandsChildren, AShortChildEndsWhileALongOneRuns) {
     Start("echo long\n" + std::string(kUntilKillFile));
     ASSERT_TRUE(PumpUntilLogged("long\n"));
     int ended = 0;
-    commands->OnChildEnd([&ended](int) { ++ended; });
+    const auto ends = commands->afterChild.Add([&ended](const ChildEnd&) { ++ended; });
     Start("echo short");
     EXPECT_TRUE(PumpUntil([&ended] { return ended == 1; }));
     EXPECT_TRUE(commands->AnyChildRunning());
@@ -227,15 +229,58 @@ TEST_F(CommandsChildren, AChildThatCannotStartIsToldBehindItsLabel) {
 
 TEST_F(CommandsChildren, TheExitCodeIsToldAfterAllOutput) {
     std::vector<std::string> told;
-    commands->OnChildEnd([&](int exitCode) { told.push_back(sink.log + std::to_string(exitCode)); });
+    const auto ends = commands->afterChild.Add(
+        [&](const ChildEnd& end) { told.push_back(sink.log + std::to_string(end.exitCode)); });
     Start("echo all of it; exit 7");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_THAT(told, ElementsAre("all of it\n7"));
 }
 
+TEST_F(CommandsChildren, AnEndTellsWhichChildItIsOf) {
+    std::vector<std::pair<int, int>> told;
+    const auto ends =
+        commands->afterChild.Add([&](const ChildEnd& end) { told.emplace_back(end.id, end.exitCode); });
+    const int waiting = commands->RunScript({Script(kUntilKillFile + std::string("exit 1"))}, "");
+    const int quick = commands->RunScript({Script("exit 2")}, "");
+    ASSERT_TRUE(PumpUntil([&] { return told.size() == 1; }));
+    commands->KillChildren();
+    ASSERT_TRUE(PumpToTheEnd());
+    EXPECT_NE(waiting, quick);
+    EXPECT_THAT(told, ElementsAre(std::pair(quick, 2), std::pair(waiting, 1)));
+}
+
+TEST_F(CommandsChildren, AnEndTellsWhetherTheChildWasAskedToStop) {
+    std::vector<bool> told;
+    const auto ends = commands->afterChild.Add([&](const ChildEnd& end) {
+        EXPECT_FALSE(end.brokeLimit);
+        told.push_back(end.wasStopped);
+    });
+    Start("exit 0");
+    ASSERT_TRUE(PumpToTheEnd());
+    commands->KillChildren();  // too late for that one
+    Start(kUntilKillFile);
+    commands->KillChildren();
+    ASSERT_TRUE(PumpToTheEnd());
+    EXPECT_THAT(told, ElementsAre(false, true));
+}
+
+TEST_F(CommandsChildren, EverybodyWhoWantsToHearOfAnEndDoes) {
+    int first = 0;
+    int second = 0;
+    const auto one = commands->afterChild.Add([&](const ChildEnd&) { ++first; });
+    auto other = commands->afterChild.Add([&](const ChildEnd&) { ++second; });
+    Start("exit 0");
+    ASSERT_TRUE(PumpToTheEnd());
+    other.reset();
+    Start("exit 0");
+    ASSERT_TRUE(PumpToTheEnd());
+    EXPECT_EQ(first, 2);
+    EXPECT_EQ(second, 1);
+}
+
 TEST_F(CommandsChildren, TheSignalThatEndedAChildIsTold) {
     int told = -1;
-    commands->OnChildEnd([&told](int exitCode) { told = exitCode; });
+    const auto ends = commands->afterChild.Add([&told](const ChildEnd& end) { told = end.exitCode; });
     Start("kill -9 $$");
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(told, 128 + SIGKILL);
@@ -243,7 +288,7 @@ TEST_F(CommandsChildren, TheSignalThatEndedAChildIsTold) {
 
 TEST_F(CommandsChildren, AChildThatCannotStartSaysSoInTheLog) {
     int told = -1;
-    commands->OnChildEnd([&told](int exitCode) { told = exitCode; });
+    const auto ends = commands->afterChild.Add([&told](const ChildEnd& end) { told = end.exitCode; });
     environment.Set("PATH", work);
     commands->RunScript({"bin/renderit", "100%s"}, "");
     ASSERT_TRUE(PumpToTheEnd());

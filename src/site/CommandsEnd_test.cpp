@@ -161,7 +161,7 @@ TEST_F(CommandsEnd, ChildrenCanBeStartedAgain) {
 TEST_F(CommandsEnd, TheEndOfTheObjectEndsItsChildrenAndItsReports) {
     Start("echo \"child $$.\"\ntrap 'echo late; exit' TERM\n" + std::string(kForEver), ".\n");
     int told = 0;
-    commands->OnChildEnd([&told](int) { ++told; });
+    const auto ends = commands->afterChild.Add([&told](const ChildEnd&) { ++told; });
     commands.reset();
     EXPECT_TRUE(test::IsGone(LoggedPid("child ")));
     while (queue.RunPending()) {

@@ -98,7 +98,11 @@ TEST_F(CommandsLimits, ACommandThatTakesTooLongIsStoppedWithAllThatItStartedAndT
 
 TEST_F(CommandsLimits, ARenderThatTakesTooLongIsStoppedAndTold) {
     int ended = 0;
-    commands->OnChildEnd([&](int exitCode) { ended = exitCode; });
+    const auto ends = commands->afterChild.Add([&](const ChildEnd& end) {
+        ended = end.exitCode;
+        EXPECT_TRUE(end.brokeLimit);
+        EXPECT_FALSE(end.wasStopped) << "nobody has asked it to";
+    });
     Start("echo begun\n" + std::string(kForEver), Seconds(1));
     ASSERT_TRUE(PumpToTheEnd());
     EXPECT_EQ(ended, 128 + SIGTERM);
@@ -194,7 +198,7 @@ TEST_F(CommandsLimits, AChildThatWaitsForSomebodyToListenSeesItsKillFile) {
 TEST_F(CommandsLimits, WhereNoThreadCanBeStartedOneChildFailsWithAnAlert) {
     ::chmod(directory.Path().c_str(), 0755);
     const int result = test::WhereNothingCanBeStarted([this] {
-        commands->RunScript({"bin/renderit", "a b"}, "render 1");
+        if (commands->RunScript({"bin/renderit", "a b"}, "render 1") != 0) return 3;
         const std::string expected =
             "unable to start a thread for \"PerlExec bin/renderit a b\": Resource temporarily unavailable";
         if (sink.LastAlert() != expected) return 1;

@@ -7,6 +7,7 @@
 
 #include "app/Workspace.h"
 #include "base/Paths.h"
+#include "text/Duration.h"
 #include "text/VisibleText.h"
 #include "ui/base/Text.h"
 #include "ui/commands/CommandActions.h"
@@ -25,9 +26,7 @@ constexpr int kForget = 10000;    // milliseconds for which the end of a render 
 constexpr int kWaitToTell = 300;  // milliseconds that a step may take before it is told
 
 QString Seconds(qint64 milliseconds) {
-    const qint64 seconds = milliseconds / 1000;
-    if (seconds < 60) return QString("%1.%2 s").arg(seconds).arg(milliseconds % 1000 / 100);
-    return QString("%1:%2 min").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0'));
+    return Shown(DurationText(std::chrono::milliseconds(milliseconds)));
 }
 
 // The extension is that of the library at hand, and of this moment.
@@ -47,14 +46,10 @@ RenderWork::RenderWork(Needs needs) : m_needs(std::move(needs)), m_work(m_needs.
     Commands& commands = m_work.app.GetSite().commands;
     m_work.exporter.AskBeforeForeign([this](const ExportPlan& plan) { return MayFollow(plan); });
     commands.OnWait([this](auto elapsed) { OnWait(elapsed); });
-    commands.OnChildEnd([this](int exitCode) { OnChildEnd(exitCode); });
+    m_childEnds = commands.afterChild.Add([this](const ChildEnd& end) { OnChildEnd(end); });
 }
 
-RenderWork::~RenderWork() {
-    Commands& commands = m_work.app.GetSite().commands;
-    commands.OnWait({});
-    commands.OnChildEnd({});
-}
+RenderWork::~RenderWork() { m_work.app.GetSite().commands.OnWait({}); }
 
 void RenderWork::AddTo(CommandActions& commands) {
     RenderSession& session = m_work.session;
@@ -195,10 +190,11 @@ void RenderWork::Watch() {
     m_forget.start();
 }
 
-void RenderWork::OnChildEnd(int exitCode) {
+void RenderWork::OnChildEnd(const ChildEnd& end) {
     Watch();
-    if (exitCode == 0 || m_stopped) return;
-    m_needs.statusBox.SetActivity(m_doing + QString(" failed (status %1); see the log [F8]").arg(exitCode));
+    if (end.exitCode == 0 || m_stopped) return;
+    m_needs.statusBox.SetActivity(m_doing +
+                                  QString(" failed (status %1); see the log [F8]").arg(end.exitCode));
     m_forget.start();
 }
 

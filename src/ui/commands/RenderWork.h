@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 
+#include "base/Listeners.h"
 #include "render/ShaderExport.h"
 
 class QWidget;
@@ -16,6 +17,7 @@ namespace tavrin {
 
 class CommandActions;
 class CStatusBox;
+struct ChildEnd;
 struct Workspace;
 
 // Belongs to the frame. While a command is waited for, the wait cursor is shown and the status box tells the
@@ -67,7 +69,7 @@ class RenderWork {
     void OpenView(const QString& step, const std::function<std::optional<std::string>()>& view);
     void StartWatching(const QString& doing, const QString& done);
     void Watch();
-    void OnChildEnd(int exitCode);
+    void OnChildEnd(const ChildEnd& end);
     void OnWait(std::optional<std::chrono::milliseconds> elapsed);
     void TellStep(const QString& step, qint64 time);
     void EndTelling();
@@ -84,6 +86,7 @@ class RenderWork {
     QElapsedTimer m_since;  // the start of the child that was started last
     QTimer m_watch;
     QTimer m_forget;  // ends the word on what is over
+    Listeners<const ChildEnd&>::Subscription m_childEnds;
 };
 
 }  // namespace tavrin
