@@ -236,5 +236,74 @@ TEST(WriteWholeFile, AFullDiskIsAnError) {
     EXPECT_EQ(error, "File too large");
 }
 
+TEST(MakeNewFile, MakesAFileThatIsNotThere) {
+    const TempDir directory;
+    EXPECT_EQ(MakeNewFile(directory / "new", [](int file) { return WriteAll(file, "all of it"); }), 0);
+    EXPECT_EQ(ReadFile(directory / "new"), "all of it");
+    EXPECT_THAT(NamesIn(directory.Path()), ElementsAre("new"));
+}
+
+TEST(MakeNewFile, TheFileGetsItsNameWhenItIsWhole) {
+    const TempDir directory;
+    const std::string path = directory / "new";
+    EXPECT_EQ(MakeNewFile(path,
+                          [&](int file) {
+                              EXPECT_FALSE(PathExists(path));
+                              return WriteAll(file, "x");
+                          }),
+              0);
+    EXPECT_TRUE(PathExists(path));
+}
+
+TEST(MakeNewFile, LeavesWhateverHasComeToStandThere) {
+    const TempDir directory;
+    const std::string path = directory.Write("file", "mine");
+    fs::create_directory(directory / "directory");
+    fs::create_symlink("nowhere", directory / "link");
+    for (const char* name : {"file", "directory", "link"})
+        EXPECT_EQ(MakeNewFile(directory / name, [](int file) { return WriteAll(file, "x"); }), EEXIST);
+    EXPECT_EQ(ReadFile(path), "mine");
+    EXPECT_THAT(NamesIn(directory.Path()), UnorderedElementsAre("file", "directory", "link"));
+    // Also what comes while it is written.
+    const std::string late = directory / "late";
+    EXPECT_EQ(MakeNewFile(late,
+                          [&](int file) {
+                              directory.Write("late", "somebody's");
+                              return WriteAll(file, "x");
+                          }),
+              EEXIST);
+    EXPECT_EQ(ReadFile(late), "somebody's");
+}
+
+TEST(MakeNewFile, ADirectoryThatTakesNothingKeepsWhatItHas) {
+    const TempDir directory;
+    ASSERT_EQ(::chmod(directory.Path().c_str(), 0555), 0);
+    const auto make = [&] {
+        if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) ::_exit(2);
+        const int error = MakeNewFile(directory / "new", [](int file) { return WriteAll(file, "x"); });
+        ::_exit(error == EACCES ? 0 : 1);
+    };
+    EXPECT_EXIT(make(), ExitedWithCode(0), "");
+    EXPECT_THAT(NamesIn(directory.Path()), testing::IsEmpty());
+    ::chmod(directory.Path().c_str(), 0755);
+}
+
+TEST(MakeNewFile, OneThatCannotBeMadeLeavesNothing) {
+    const TempDir directory;
+    const auto fail = [](int) {
+        errno = ENOSPC;
+        return false;
+    };
+    EXPECT_EQ(MakeNewFile(directory / "new", fail), ENOSPC);
+    {
+        const FileSizeLimit limit(100);
+        EXPECT_EQ(
+            MakeNewFile(directory / "new", [](int file) { return WriteAll(file, std::string(1000, 'x')); }),
+            EFBIG);
+    }
+    EXPECT_EQ(MakeNewFile(directory / "none/new", [](int) { return true; }), ENOENT);
+    EXPECT_THAT(NamesIn(directory.Path()), testing::IsEmpty());
+}
+
 }  // namespace
 }  // namespace tavrin

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <vector>
 
@@ -92,6 +93,15 @@ Outcome ReplaceByAnother(const std::string& target, std::string_view text, const
     return outcome;
 }
 
+// Links do what the call cannot on file systems that do not know it.
+bool RenameUnlessThere(const std::string& from, const std::string& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    if (::link(from.c_str(), to.c_str()) != 0) return false;
+    ::unlink(from.c_str());
+    return true;
+}
+
 bool IsAsideName(std::string_view name) {
     return name.starts_with(kAsidePrefix) && name.size() == kAsidePrefix.size() + kAsideLetters;
 }
@@ -116,6 +126,20 @@ bool ReplaceFile(const std::string& path, std::string_view text, std::string& er
     if (outcome == Outcome::kReplaced) return true;
     if (outcome == Outcome::kFailed) return FailWith(error, errno);
     return OverwriteFile(target, text, error, putAside);
+}
+
+int MakeNewFile(const std::string& path, const std::function<bool(int file)>& write) {
+    const std::string directory = DirectoryOf(path);
+    std::string aside;
+    const FileDescriptor file = MakeAside(directory, kNewFile, aside);
+    if (!file) return errno;
+    if (write(file.Get()) && ::fsync(file.Get()) == 0 && RenameUnlessThere(aside, path)) {
+        FlushDirectory(directory);
+        return 0;
+    }
+    const int number = errno;
+    ::unlink(aside.c_str());
+    return number;
 }
 
 bool CanReplaceFile(const std::string& path, std::string& error) {

@@ -34,6 +34,11 @@ using PutAside = std::function<std::unique_ptr<SafeCopy>(std::string& error)>;
 bool ReplaceFile(const std::string& path, std::string_view text, std::string& error,
                  const PutAside& putAside = {});
 
+// Makes a file that is not there, whole or not at all: what `write` puts where the file stands (false, with
+// `errno` set, if it cannot) is flushed to the disk beside its place before it gets its name. Whatever has
+// come to stand at the path by then is left alone; that is the error EEXIST. 0, or the error number.
+int MakeNewFile(const std::string& path, const std::function<bool(int file)>& write);
+
 // Whether a file could be made there or renamed over what is there, as far as can be told without doing it.
 bool CanReplaceFile(const std::string& path, std::string& error);
 
