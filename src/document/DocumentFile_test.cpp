@@ -7,6 +7,7 @@
 
 #include <filesystem>
 
+#include "document/EditHistory.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -167,6 +168,48 @@ TEST_F(DocumentFileTest, AnotherPathForACutDocumentKeepsItsProtection) {
     document.SetPath(Write("doc.tvn", "whole"));
     EXPECT_TRUE(document.WasCutShort());
     EXPECT_TRUE(document.WouldLoseUnread(path));
+}
+
+TEST_F(DocumentFileTest, ASaveTellsWhichFileTheDocumentHadBefore) {
+    std::vector<std::string> told;
+    const auto saves = document.afterSave.Add([&](const DocumentFile& before) {
+        told.push_back(before.path + " " + document.Path());
+        EXPECT_FALSE(document.IsModified());
+    });
+    ASSERT_TRUE(Save(path));
+    ASSERT_TRUE(Save(path));
+    EXPECT_FALSE(Save(host.Directory() / "none/doc.tvn"));
+    ASSERT_TRUE(document.SaveCopy(host.Directory() / "copy.tvn", error));
+    EXPECT_THAT(told, testing::ElementsAre(" " + path, path + " " + path));
+}
+
+TEST_F(DocumentFileTest, TheNetworkIsSavedWhileItIsWhatTheFileHoldsWhateverWasSeenOfIt) {
+    document.KeepHistory();
+    EXPECT_FALSE(document.IsNetworkSaved()) << "there is no file";
+    ASSERT_TRUE(Save(path));
+    EXPECT_TRUE(document.IsNetworkSaved());
+    document.ViewMoved();
+    EXPECT_TRUE(document.IsModified());
+    EXPECT_TRUE(document.IsNetworkSaved());
+    {
+        EditScope edit(document, "Option");
+        document.edits.OptionsChanged();
+        document.m_renderOptions["DEPTH"] = "2";
+    }
+    EXPECT_FALSE(document.IsNetworkSaved());
+    document.History()->Undo();
+    EXPECT_TRUE(document.IsNetworkSaved());
+    document.SetDiffersFromFile();
+    EXPECT_FALSE(document.IsNetworkSaved()) << "an earlier version of what the file holds";
+    ASSERT_TRUE(Save(path));
+    EXPECT_TRUE(document.IsNetworkSaved());
+}
+
+TEST_F(DocumentFileTest, WithoutAHistoryAnyChangeIsOneOfTheNetwork) {
+    ASSERT_TRUE(Save(path));
+    EXPECT_TRUE(document.IsNetworkSaved());
+    document.SetModified();
+    EXPECT_FALSE(document.IsNetworkSaved());
 }
 
 }  // namespace

@@ -44,20 +44,35 @@ bool RenderHistory::ParseEntry(const std::string& text, int& number, std::string
     return true;
 }
 
-void RenderHistory::AddEntry(const std::string& text, const DocumentOrigin& origin) {
+void RenderHistory::AddEntry(const std::string& text, const HistoryNote& note) {
     m_entries.push_front(text);
-    m_origins.push_front(origin);
+    m_notes.push_front(note);
     if (m_entries.size() <= static_cast<size_t>(m_maxHistory)) return;
     const std::string oldest = m_entries.back();
     m_entries.pop_back();
-    m_origins.pop_back();
+    m_notes.pop_back();
     RemoveDirectoryOf(oldest);
+    afterLeave.Tell(ParseInt(oldest));
 }
 
-DocumentOrigin RenderHistory::OriginOf(const std::string& text) const {
+bool RenderHistory::Lists(int number) const {
+    return std::any_of(m_entries.begin(), m_entries.end(),
+                       [number](const std::string& entry) { return ParseInt(entry) == number; });
+}
+
+HistoryNote RenderHistory::NoteOf(const std::string& text) const {
     const auto entry = std::find(m_entries.begin(), m_entries.end(), text);
     if (entry == m_entries.end()) return {};
-    return m_origins[static_cast<size_t>(entry - m_entries.begin())];
+    return m_notes[static_cast<size_t>(entry - m_entries.begin())];
+}
+
+void RenderHistory::NoteSaved(const DocumentFile& before, const DocumentFile& now) {
+    for (HistoryNote& note : m_notes) {
+        const DocumentFile* file = note.origin.file.get();
+        if (file != &before && file != &now) continue;
+        note.isSaved = true;
+        if (note.savedTo.empty()) note.savedTo = now.path;
+    }
 }
 
 // A whole tree is removed here, so its name is looked at once more.

@@ -12,7 +12,7 @@ struct RenderRecord {
     enum class State {
         kRunning,
         kDone,
-        kFailed,   // the script ended with a status that says so
+        kFailed,   // the script ended with a status that says so, or broke a limit
         kStopped,  // by the user
     };
 
@@ -21,7 +21,8 @@ struct RenderRecord {
     std::chrono::system_clock::time_point started;
     std::chrono::milliseconds duration{0};  // once it is over
     State state = State::kRunning;
-    std::string picture;  // its file; empty while there is none, or for good
+    std::string failure;  // of one that failed, in a few words
+    std::string picture;  // its file once it is over; empty for none
     std::string differs;  // from the render before, in a few words
     std::string kept;     // the copy of its document that was put beside the user's own; empty for none
 };

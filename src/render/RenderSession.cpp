@@ -9,6 +9,8 @@
 #include "codegen/CodeGen.h"
 #include "render/ArgInfo.h"
 #include "render/FilterScript.h"
+#include "render/NetworkCompare.h"
+#include "render/Probe.h"
 #include "site/Site.h"
 #include "text/OutOfMemory.h"
 #include "text/Tokens.h"
@@ -46,7 +48,15 @@ bool IsWorkFile(const std::string& name) {
 bool HasWhitespace(std::string_view text) { return text.find_first_of(" \t\n") != std::string_view::npos; }
 
 RenderSession::RenderSession(CTvDoc& document, Site& site, const CCodeGen& siteCodeGen)
-    : m_document(document), m_site(site), m_siteCodeGen(siteCodeGen), m_history(site) {
+    : records(site),
+      m_document(document),
+      m_site(site),
+      m_siteCodeGen(siteCodeGen),
+      m_history(site),
+      m_leaves(m_history.afterLeave.Add([this](int number) { records.Forget(number); })),
+      m_ends(site.commands.afterChild.Add([this](const ChildEnd& end) { records.End(end); })),
+      m_saves(document.afterSave.Add(
+          [this](const DocumentFile& before) { m_history.NoteSaved(before, *m_document.Origin().file); })) {
     int multiple = 1;
     site.settings.GetSettingInt("multiplerenders", multiple);
     m_multipleRenders = multiple != 0;
@@ -62,7 +72,6 @@ ShaderText RenderSession::Generate() {
     return text;
 }
 
-// Alerts a name that cannot be used for a file of the work directory.
 bool RenderSession::ShaderNameOk() {
     const std::string name = ShaderName();
     if (HasWhitespace(name)) {
@@ -82,13 +91,27 @@ bool RenderSession::ShaderNameOk() {
 bool RenderSession::SaveShader() {
     if (!ShaderNameOk()) return false;
     return WithinMemory(m_site.report, "generating the shader " + ShaderName(),
-                        [this] { return WriteWorkFiles(MakeWorkFiles()) && RunFilter(); });
+                        [this] { return WriteWorkFiles(MakeWorkFiles(m_shown)) && RunFilter(); });
 }
 
-WorkFiles RenderSession::MakeWorkFiles(Shown /*shown*/) {
+std::optional<ProbeShader> RenderSession::GenerateProbe(Rendered shown) {
+    if (shown != Rendered::kProbe || m_probe == nullptr) return std::nullopt;
+    return m_probe->Generate(ShaderName(), m_siteCodeGen);
+}
+
+WorkFiles RenderSession::MakeWorkFiles(Rendered shown) {
+    if (const auto probed = GenerateProbe(shown)) {
+        return {probed->argInfo + JoinLines(probed->text.code), JoinLines(probed->text.hints),
+                RenderOptionsText()};
+    }
     const ShaderText text = Generate();
     return {WriteArgInfo(m_document, m_site.report) + JoinLines(text.code), JoinLines(text.hints),
             RenderOptionsText()};
+}
+
+std::string RenderSession::ArgInfo() {
+    const auto probed = GenerateProbe(m_shown);
+    return probed ? probed->argInfo : WriteArgInfo(m_document, m_site.report);
 }
 
 std::string RenderSession::RenderOptionsText() const {
@@ -150,14 +173,23 @@ bool RenderSession::RenderIt() {
     if (!SaveShader()) return false;
     const std::string name = ShaderName();
     if (m_keepHistory && !KeepHistory(name)) return false;
-    const std::string number = std::to_string(m_nextRender);
-    ++m_nextRender;
-    const std::string renderit = m_site.LibraryPath("bin/renderit");
-    m_site.commands.RunScript({{renderit, name, number},
-                               renderit + " \"" + name + "\" " + number,
-                               "render " + number,
-                               m_site.renderLimits});
+    StartScript(name);
     return true;
+}
+
+void RenderSession::StartScript(const std::string& name) {
+    RenderRecord record;
+    record.number = m_nextRender++;
+    record.name = name;
+    record.started = std::chrono::system_clock::now();
+    record.differs = WhatDiffers();
+    const std::string number = std::to_string(record.number);
+    const std::string renderit = m_site.LibraryPath("bin/renderit");
+    const int child = m_site.commands.RunScript({{renderit, name, number},
+                                                 renderit + " \"" + name + "\" " + number,
+                                                 "render " + number,
+                                                 m_site.renderLimits});
+    records.Begin(record, m_history.Lists(record.number), child);
 }
 
 bool RenderSession::KeepHistory(const std::string& name) {
@@ -165,12 +197,29 @@ bool RenderSession::KeepHistory(const std::string& name) {
     const std::string path = HistoryPath(name, m_nextRender);
     std::string error;
     const std::string below = JoinPath(std::to_string(m_nextRender), PathFile(path));
-    if (m_site.WriteWorkFile(below, m_document.Store(), error)) {
-        m_history.AddEntry(RenderHistory::EntryText(m_nextRender, name), m_document.Origin());
+    const std::string text = m_document.Store();
+    if (m_site.WriteWorkFile(below, text, error)) {
+        m_history.AddEntry(RenderHistory::EntryText(m_nextRender, name),
+                           {m_document.Origin(), MarkOf(text), m_document.IsNetworkSaved()});
         return true;
     }
     m_site.report.Alert("unable to create history file %s", path.c_str());
     return false;
+}
+
+// From the render before, whichever document that was of.
+std::string RenderSession::WhatDiffers() {
+    constexpr size_t kMostTold = 3;
+    NetworkPicture picture = CaptureNetwork(m_document);
+    std::string differs;
+    if (m_lastRendered) differs = Summary(CompareNetworks(*m_lastRendered, picture), kMostTold);
+    m_lastRendered = std::move(picture);
+    return differs;
+}
+
+std::string RenderSession::DocumentOf(int number) const {
+    const RenderRecord* record = records.Find(number);
+    return record == nullptr ? "" : HistoryPath(record->name, number);
 }
 
 bool RenderSession::LoadHistoryEntry(const std::string& entry) {

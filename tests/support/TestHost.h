@@ -32,6 +32,7 @@ class TestHost : public DocumentHost {
     // Refuses a name with a separator in it.
     bool UseLibrary(const std::string& name) override;
     std::string DocumentVersion() const override { return "1.3.32"; }
+    void NoteOwnText(std::string_view text) override { ownTexts.emplace_back(text); }
 
     // Puts an operator's file into a library and scans the selected one again; the file's path.
     std::string AddOperator(const std::string& name, const std::string& text,
@@ -49,6 +50,7 @@ class TestHost : public DocumentHost {
     CExportOptions exportDefaults;
     std::set<std::string> unsavedOptions;
     std::vector<std::string> usedLibraries;  // every name that UseLibrary got
+    std::vector<std::string> ownTexts;       // that NoteOwnText got
     bool startsProcesses = true;             // false: definitions are read directly, for tests that read many
 
   protected:
