@@ -24,8 +24,8 @@ QMessageBox::StandardButton Run(QWidget* owner, QMessageBox::Icon icon, const QS
     QMessageBox box(icon, title, text, buttons, owner);
     // The toolkit has no letters to press for these.
     for (const auto& [button, label] :
-         {std::pair(QMessageBox::Save, "&Save"), std::pair(QMessageBox::Discard, "&Discard"),
-          std::pair(QMessageBox::Cancel, "&Cancel")}) {
+         {std::pair(QMessageBox::Save, "&Save"), std::pair(QMessageBox::SaveAll, "&Keep All"),
+          std::pair(QMessageBox::Discard, "&Discard"), std::pair(QMessageBox::Cancel, "&Cancel")}) {
         if (box.button(button) != nullptr) box.button(button)->setText(label);
     }
     return Run(box, byDefault, onEscape);
@@ -68,6 +68,14 @@ SaveAnswer AskSaveChanges(QWidget* owner, const QString& documentTitle) {
                             QMessageBox::Cancel);
     if (answer == QMessageBox::Save) return SaveAnswer::kSave;
     return answer == QMessageBox::Discard ? SaveAnswer::kDiscard : SaveAnswer::kCancel;
+}
+
+KeepAnswer AskKeepRenders(QWidget* owner, const QString& text) {
+    const auto answer = Run(owner, QMessageBox::Warning, "Tavrin", text,
+                            QMessageBox::SaveAll | QMessageBox::Discard | QMessageBox::Cancel,
+                            QMessageBox::SaveAll, QMessageBox::Cancel);
+    if (answer == QMessageBox::SaveAll) return KeepAnswer::kKeepAll;
+    return answer == QMessageBox::Discard ? KeepAnswer::kDiscard : KeepAnswer::kCancel;
 }
 
 }  // namespace tavrin

@@ -25,4 +25,8 @@ enum class SaveAnswer { kSave, kDiscard, kCancel };
 // Whether a modified document is to be saved before it goes. Save is the default, Escape gives Cancel.
 SaveAnswer AskSaveChanges(QWidget* owner, const QString& documentTitle);
 
+enum class KeepAnswer { kKeepAll, kDiscard, kCancel };
+// Whether renders are to be kept before they go. Keep All is the default, Escape gives Cancel.
+KeepAnswer AskKeepRenders(QWidget* owner, const QString& text);
+
 }  // namespace tavrin

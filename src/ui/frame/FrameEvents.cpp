@@ -15,6 +15,8 @@
 #include "ui/base/Text.h"
 #include "ui/commands/DeskWork.h"
 #include "ui/commands/DocumentWork.h"
+#include "ui/commands/KeepWork.h"
+#include "ui/commands/LiveWork.h"
 #include "ui/commands/OperatorWork.h"
 #include "ui/commands/OptionWork.h"
 #include "ui/commands/ScriptWork.h"
@@ -131,7 +133,8 @@ void MainFrame::SaveAside() { m_safetyCopies->Update(); }
 // The questions before the end, in their order. Until the last is answered the program may go on, so nothing
 // of the session is ended or removed before, but for a script.
 bool MainFrame::MayClose() {
-    if (ActionDispatch().ScriptRunning()) {
+    const bool isScripted = ActionDispatch().ScriptRunning();
+    if (isScripted) {
         if (!AskWarning(this, "Running script.  Quit anyway?")) return false;
         ActionDispatch().HaltScript();
     }
@@ -147,7 +150,8 @@ bool MainFrame::MayClose() {
     places.SaveWindow(*this, kPlaceName, m_normalPlace);
     if (m_hasBeenShown) m_windows->SavePlaces(places);
     m_options->Save();
-    return m_documents->SettleChanges();
+    // Only then is it known what no file will hold.
+    return m_documents->SettleChanges() && (isScripted || m_keeps->SettleRenders());
 }
 
 void MainFrame::setVisible(bool visible) {
@@ -175,6 +179,7 @@ void MainFrame::closeEvent(QCloseEvent* event) {
         }
         m_isClosed = true;
         // While the window stands, so that its going is the program's end.
+        m_live->End();
         m_app.CloseDown(kGrace);
     }
     m_safetyCopies->Discard();

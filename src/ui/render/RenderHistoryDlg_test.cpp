@@ -11,6 +11,7 @@
 #include <QWheelEvent>
 
 #include "render/RenderHistory.h"
+#include "support/TestSite.h"
 #include "ui/support/Windows.h"
 
 namespace tavrin {
@@ -51,8 +52,16 @@ class RenderHistoryDlg : public testing::Test {
 
     std::deque<std::string> entries;
     std::vector<std::string> opened;
-    CRenderHistoryDlg window{nullptr, [this]() -> const std::deque<std::string>& { return entries; },
-                             [this](const std::string& entry) { opened.push_back(entry); }};
+    std::vector<int> kept;
+    bool canKeep = true;
+    test::TestSite site;
+    RenderRecords records{site.site};
+    CRenderHistoryDlg window{nullptr,
+                             {.entries = [this]() -> const std::deque<std::string>& { return entries; },
+                              .open = [this](const std::string& entry) { opened.push_back(entry); },
+                              .records = records,
+                              .canKeep = [this](int) { return canKeep; },
+                              .keep = [this](int number) { kept.push_back(number); }}};
     QListView* list;
 };
 

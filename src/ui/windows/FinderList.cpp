@@ -2,7 +2,9 @@
 #include "ui/windows/FinderList.h"
 
 #include <QAbstractListModel>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QScrollBar>
@@ -10,6 +12,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/base/DocumentText.h"
 #include "ui/base/Text.h"
 
 namespace tavrin {
@@ -17,6 +20,15 @@ namespace tavrin {
 class FinderModel : public QAbstractListModel {
   public:
     void SetRows(std::vector<FinderRow> rows) {
+        const auto isSame = [](const FinderRow& a, const FinderRow& b) {
+            return a.text == b.text && a.isHeading == b.isHeading;
+        };
+        // Who is at a row, as with a menu or a tool tip, is not disturbed by what is said of another.
+        if (!rows.empty() && std::equal(rows.begin(), rows.end(), m_rows.begin(), m_rows.end(), isSame)) {
+            m_rows = std::move(rows);
+            Q_EMIT dataChanged(index(0), index(int(m_rows.size()) - 1));
+            return;
+        }
         beginResetModel();
         m_rows = std::move(rows);
         endResetModel();
@@ -32,8 +44,12 @@ class FinderModel : public QAbstractListModel {
         return parent.isValid() ? 0 : int(m_rows.size());
     }
     QVariant data(const QModelIndex& index, int role) const override {
-        if (!index.isValid() || role != Qt::DisplayRole) return {};
-        return Shown(TextAt(index));
+        if (!index.isValid()) return {};
+        const FinderRow& row = m_rows[size_t(index.row())];
+        if (role == Qt::DisplayRole) return Shown(row.text);
+        if (row.tip.empty()) return {};
+        if (role == Qt::ToolTipRole) return PlainToolTip(Shown(row.tip));
+        return role == Qt::AccessibleDescriptionRole ? Shown(row.tip) : QVariant();
     }
     // The search by typing asks this.
     QModelIndexList match(const QModelIndex& start, int role, const QVariant& value, int hits,
@@ -106,6 +122,34 @@ void FinderList::SetRows(std::vector<FinderRow> rows) {
     if (!selected.isEmpty()) setCurrentIndex(m_model->IndexOf(text));
     executeDelayedItemsLayout();
     verticalScrollBar()->setValue(scrolled);
+}
+
+const std::string* FinderList::SelectedText() const {
+    const QModelIndexList selected = selectedIndexes();
+    return selected.isEmpty() ? nullptr : &m_model->TextAt(selected.front());
+}
+
+void FinderList::Select(const std::string& text) {
+    const QModelIndex index = m_model->IndexOf(text);
+    if (!index.isValid()) return;
+    setCurrentIndex(index);
+    scrollTo(index);
+}
+
+void FinderList::contextMenuEvent(QContextMenuEvent* event) {
+    QModelIndex index = indexAt(viewport()->mapFromGlobal(event->globalPos()));
+    QPoint place = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        const QModelIndexList selected = selectedIndexes();
+        index = selected.isEmpty() ? QModelIndex() : selected.front();
+        place = viewport()->mapToGlobal(visualRect(index).center());
+    }
+    if (!m_fillMenu || !index.isValid()) return;
+    setCurrentIndex(index);
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    m_fillMenu(*menu, std::string(m_model->TextAt(index)));
+    menu->popup(place);
 }
 
 void FinderList::keyPressEvent(QKeyEvent* event) {

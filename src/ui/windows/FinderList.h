@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+class QMenu;
+
 namespace tavrin {
 
 class FinderModel;
@@ -16,6 +18,7 @@ class FinderModel;
 struct FinderRow {
     std::string text;
     bool isHeading = false;  // typing does not find it
+    std::string tip{};       // its tool tip, as plain text; empty for none
 };
 
 // Owned by its window. Typing selects the next row that begins with what was typed.
@@ -34,7 +37,16 @@ class FinderList : public QListView {
     // need not.
     void SetRows(std::vector<FinderRow> rows);
 
+    // Null for none that is selected.
+    const std::string* SelectedText() const;
+    // Selects the row of that text and brings it into view; nothing happens where there is none.
+    void Select(const std::string& text);
+    // Puts into a menu what can be done with the row of that text.
+    using FillMenu = std::function<void(QMenu& menu, const std::string& text)>;
+    void OnMenu(FillMenu fill) { m_fillMenu = std::move(fill); }
+
   protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
@@ -43,6 +55,7 @@ class FinderList : public QListView {
 
     std::unique_ptr<FinderModel> m_model;
     std::function<void(const std::string&)> m_chosen;
+    FillMenu m_fillMenu;
 };
 
 }  // namespace tavrin
