@@ -91,6 +91,7 @@ void LivePictures::drawCoarse(Work& work, Fineness fineness) {
         work.report.checkStop();
         drawTile(work, camera, tile, grid, film);
     }
+    learnPace(work);
     work.shown = enlarged(film.pixels(), width, height, options.width, options.height);
     writePng(options.coarse, options.width, options.height, work.shown, PngEffort::Quick);
     work.report.mark("png");
@@ -122,27 +123,33 @@ bool LivePictures::drawFine(Work& work) {
             wait = std::max(kShowAgain, kWritingShare * microseconds(shown - now));
         }
     }
+    learnPace(work);
     strange_ = film.strange();
     writePng(options.output, options.width, options.height, film.pixels(), PngEffort::Quick);
     work.report.mark("png");
     return true;
 }
 
-// Measures how fast the program is, too.
 void LivePictures::drawTile(Work& work, const Camera& camera, const Area& tile, Grid grid, Film& film) {
     const Area area = withMargin(tile);
     const Clock::time_point begin = Clock::now();
     painter_.draw(area, grid, samples_);
     work.report.mark("draw");
-    const double count = double{1} * area.width * area.height * grid.x * grid.y;
-    work.program.pace = std::max(microseconds(Clock::now() - begin) / count, 0.001);
-    work.program.isMeasured = true;
-    pace_ = work.program.pace;
+    work.time += microseconds(Clock::now() - begin);
+    work.count += double{1} * area.width * area.height * grid.x * grid.y;
     const std::vector<Vec3> behind = work.scene.background(camera, film.width(), film.height(), area);
     work.report.mark("background");
     film.develop(tile, samples_, behind);
     work.report.mark("film");
     work.listener.onStep();
+}
+
+// By a whole picture: some of its tiles show nothing but the background.
+void LivePictures::learnPace(Work& work) {
+    pace_ = std::max(work.time / work.count, 0.001);
+    work.program.pace = pace_;
+    work.program.isMeasured = true;
+    work.time = work.count = 0;
 }
 
 // The rows that are fine, in the coarse picture.

@@ -57,11 +57,14 @@ class LivePictures {
         LiveScene& scene;
         LiveProgram& program;
         std::vector<std::uint8_t> shown{};  // the coarse picture, as far as it is not fine yet
+        double time = 0;                    // microseconds of drawing, of coarse or fine
+        double count = 0;                   // samples drawn in it
     };
 
     LiveProgram& compiled(const Options& options, LiveScene& scene, LiveListener& listener, Report& report);
     void drawCoarse(Work& work, Fineness fineness);
     bool drawFine(Work& work);
+    void learnPace(Work& work);
     void drawTile(Work& work, const Camera& camera, const Area& tile, Grid grid, Film& film);
     void showMore(Work& work, const Film& film, int rows);
 
