@@ -169,6 +169,9 @@ void CTvApp::ExportEnvironment(const std::string& temporaryRoot) {
     environment.Set("PATH", JoinPath(directories.tavrnDir, "bin") + ":" +
                                 FullPath(m_programDir + "../libexec/tavrin") + ":" +
                                 environment.Get("PATH").value_or("/usr/bin:/bin"));
+    // A user may name another program for pictures, or none.
+    const std::string view = FullPath(m_programDir + "tavrin-view");
+    if (!environment.Get("TAVRN_VIEW") && PathExists(view)) environment.Set("TAVRN_VIEW", view);
 }
 
 std::optional<CTvApp::Problem> CTvApp::StartUpProblem() const {

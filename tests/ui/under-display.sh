@@ -5,6 +5,8 @@ set -euo pipefail
 home=$(mktemp -d)
 export XDG_RUNTIME_DIR=$home/runtime
 mkdir -m 700 "$XDG_RUNTIME_DIR"
+# Pictures are shown to nobody, unless a test says so.
+export TAVRN_VIEW=
 # The user's directories: a test neither reads nor writes those of whoever runs it.
 export HOME=$home XDG_CONFIG_HOME=$home/.config XDG_STATE_HOME=$home/.local/state
 export QT_QPA_PLATFORM=xcb QT_QPA_PLATFORMTHEME= LIBGL_ALWAYS_SOFTWARE=1

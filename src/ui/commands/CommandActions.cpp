@@ -8,7 +8,7 @@
 #include <QToolBar>
 #include <algorithm>
 
-#include "ui/icons/Icons.h"
+#include "icons/Icons.h"
 
 namespace tavrin {
 

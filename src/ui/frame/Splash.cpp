@@ -7,8 +7,8 @@
 #include <QVBoxLayout>
 
 #include "app/Version.h"
+#include "icons/Icons.h"
 #include "ui/base/Text.h"
-#include "ui/icons/Icons.h"
 
 namespace tavrin {
 

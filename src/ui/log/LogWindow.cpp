@@ -8,10 +8,10 @@
 #include <QVBoxLayout>
 
 #include "base/ReplaceFile.h"
+#include "icons/Icons.h"
 #include "ui/base/Text.h"
 #include "ui/dialogs/FileDialogs.h"
 #include "ui/dialogs/Messages.h"
-#include "ui/icons/Icons.h"
 #include "ui/log/LogEdit.h"
 
 namespace tavrin {

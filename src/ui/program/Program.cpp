@@ -16,6 +16,7 @@
 #include "app/Version.h"
 #include "base/Interruption.h"
 #include "base/Warden.h"
+#include "icons/Icons.h"
 #include "text/VisibleText.h"
 #include "ui/base/IniProfile.h"
 #include "ui/base/QtQueue.h"
@@ -23,7 +24,6 @@
 #include "ui/desk/DeskContext.h"
 #include "ui/dialogs/Messages.h"
 #include "ui/frame/MainFrame.h"
-#include "ui/icons/Icons.h"
 #include "ui/program/CommandLine.h"
 
 namespace tavrin {

@@ -14,8 +14,10 @@ namespace tavrin {
 struct Site;
 
 // Owned by the frame. What is said here reaches the window where there is one; ShowLive, CompareRenders and
-// ComeUp start it where there is none. Nothing here waits: a window that hangs or is gone costs the desk
-// nothing, and a message that it cannot take any more is dropped, with one line in the log.
+// ComeUp start it where there is none. One that comes up later is told what was said before. Nothing here
+// waits: a window that hangs or is gone costs the desk nothing, and what it cannot take any more is told when
+// it comes to itself, with one line in the log. Without a display, or where TAVRN_VIEW names no program,
+// there is no window, and nothing happens.
 class PictureLink {
   public:
     // What the user does in the window. All on the main thread.
@@ -24,9 +26,10 @@ class PictureLink {
         std::function<void(int number)> restoreRender;
         std::function<void(int number)> keepRender;
         std::function<void(uint64_t id)> liveShown;  // the live picture of this number stands in the window
+        std::function<void()> cameOrWent;            // the window
     };
     // The site outlives it.
-    PictureLink(const Site& site, Hands hands);
+    PictureLink(Site& site, Hands hands);
     ~PictureLink();
     PictureLink(const PictureLink&) = delete;
     PictureLink& operator=(const PictureLink&) = delete;
@@ -44,7 +47,10 @@ class PictureLink {
     void ForgetRender(int number);
     void CompareRenders(int first, int second);
 
+    // There can be a window.
+    bool IsPossible() const;
     void ComeUp();
+    void Close();
     bool IsUp() const;
     // Where the main window stands, for a picture window that is docked to it.
     void FrameMoved(const QRect& frame);

@@ -6,10 +6,10 @@
 #include <QToolButton>
 #include <algorithm>
 
+#include "icons/Icons.h"
 #include "sliders/ArgumentEdits.h"
 #include "ui/base/DocumentText.h"
 #include "ui/base/Text.h"
-#include "ui/icons/Icons.h"
 #include "ui/sliders/NameLabel.h"
 #include "ui/windows/OneLineField.h"
 

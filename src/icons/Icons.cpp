@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ui/icons/Icons.h"
+#include "icons/Icons.h"
 
 #include <QByteArray>
 #include <QFile>
