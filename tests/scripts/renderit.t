@@ -85,7 +85,7 @@ $| = 1;
 my ($shader, $picture) = @ARGV[-2, -1];
 open(my $in, '<', $shader) or die;
 my $what = <$in>;
-print "ARGS @ARGV[0 .. $#ARGV - 2]\n";
+print "ARGS @{[map { s/^\Q$picture\E/PICTURE/r } @ARGV[0 .. $#ARGV - 2]]}\n";
 if ($what =~ /reject/) { print STDERR "$shader:9: error: no good\n$shader: more\nother\n"; exit 1 }
 if ($what =~ /early/)  { print STDERR "$shader:3: error: no good\n"; exit 1 }
 if ($what =~ /stop/)   { exit 3 }
@@ -381,6 +381,96 @@ subtest 'a picture to compare with is opened, too' => sub {
     options(MRAY_SHOW => '0', MRAY_REFERENCE => "$dir/none.png");
     unlike((renderit('Ball', 15))[1], qr/WARNING/, 'nothing is opened where the picture is not to be shown');
     delete $ENV{TAVRN_RENOPTS};
+};
+
+subtest 'where there is a picture window, it has the picture from its first row on' => sub {
+    # Notes what it is told, and what is there of the picture then.
+    put("$dir/bin/window", <<"END");
+#!/usr/bin/perl
+my \$there = join '+', map { -e "\$ARGV[3]\$_" ? "file\$_" : () } '', '.part';
+open(my \$f, '>>', '$dir/told');
+print \$f join('|', map({ s{^\Q$dir\E/}{}r } \@ARGV), "in \$ENV{TAVRN_WORKDIR}"), " \$there\\n";
+close \$f;
+END
+    chmod 0755, "$dir/bin/window";
+    local $ENV{TAVRN_VIEW} = "$dir/bin/window";
+    local $ENV{DISPLAY} = ':0';
+    local $ENV{MRAY_VIEWER};
+    delete $ENV{MRAY_VIEWER};
+    put("$work/Ball", "fine\n");
+    # What the window was told by the time that it was told so much.
+    my $told = sub {
+        my ($count, $number, %of) = @_;
+        unlink "$dir/told";
+        options(%of);
+        my ($status, $text) = renderit('Ball', $number);
+        for (1 .. 3000) {
+            last if (() = slurp("$dir/told") =~ /\n/g) >= $count;
+            select undef, undef, undef, 0.02;
+        }
+        return (slurp("$dir/told"), $status, $text);
+    };
+    my ($seen, $status, $text) = $told->(2, 16);
+    is($status, 0, 'status');
+    my @lines = split /\n/, $seen;
+    like($lines[0], qr{^--hand\|16\|Ball\|work dir/16/Ball\.png\|--growing\|in \Q$work\E }, 'at the start as one that grows');
+    is($lines[1], "--hand|16|Ball|work dir/16/Ball.png|in $work file", 'then as a whole one');
+    like($text, qr{^wrote \Q$work\E/16/Ball\.png\n\z}m, 'which counts as shown');
+
+    put("$work/Ball", "reject\n");
+    ($seen, $status) = $told->(1, 16);
+    is($status, 1, 'a render that fails');
+    unlike($seen, qr/Ball\.png\|in /, 'is not handed over as a whole one');
+    put("$work/Ball", "fine\n");
+
+    put("$dir/a photo.jpg", "\xff\xd8\xff\xe0 and so on");
+    ($seen) = $told->(3, 17, MRAY_REFERENCE => "$dir/a photo.jpg");
+    like($seen, qr/^--hand\|0\|a photo\.jpg\|a photo\.jpg\|in /m, 'what it is to be compared with has number 0');
+    ($seen, undef, $text) = $told->(2, 17, MRAY_REFERENCE => "$dir/none.png");
+    unlike($seen, qr/none/, 'unless it is none');
+    like($text, qr/^WARNING: cannot show the reference \Q$dir\E\/none\.png: no such file/m, 'which is told');
+
+    unlink "$dir/told";
+    options(MRAY_SHOW => '0');
+    renderit('Ball', 17);
+    options();
+    {
+        local $ENV{DISPLAY} = '';
+        renderit('Ball', 17);
+    }
+    {
+        local $ENV{MRAY_VIEWER} = '';
+        renderit('Ball', 17);
+    }
+    put("$dir/bin/look", "#!/usr/bin/perl\nopen(my \$f, '>', '$dir/seen'); print \$f \"\@ARGV\"; close \$f;\n");
+    chmod 0755, "$dir/bin/look";
+    unlink "$dir/seen";
+    {
+        local $ENV{MRAY_VIEWER} = "$dir/bin/look";
+        renderit('Ball', 18);
+        for (1 .. 3000) { last if -s "$dir/seen"; select undef, undef, undef, 0.02; }
+        is(slurp("$dir/seen"), "$work/18/Ball.png", 'a viewer that is named comes first');
+    }
+    ok(!-e "$dir/told", 'and the window is told nothing: not where nothing is to be shown, and without a display');
+
+    rename "$dir/bin/look", "$dir/bin/xdg-open";
+    for my $none ('', "$dir/bin/missing") {
+        unlink "$dir/seen";
+        local $ENV{TAVRN_VIEW} = $none;
+        renderit('Ball', 19);
+        for (1 .. 3000) { last if -s "$dir/seen"; select undef, undef, undef, 0.02; }
+        is(slurp("$dir/seen"), "$work/19/Ball.png", "without a window ('$none') the desktop's viewer has it");
+    }
+    unlink "$dir/bin/xdg-open";
+    delete $ENV{TAVRN_RENOPTS};
+};
+
+subtest 'the picture grows under a name of its own' => sub {
+    put("$work/Ball", "fine\n");
+    put("$work/16/Ball.png.part", 'left over');
+    my ($status, $text) = renderit('Ball', 16);
+    like($text, qr{^ARGS .*--part PICTURE\.part --$}m, 'which the renderer is told');
+    ok(!-e "$work/16/Ball.png.part", 'and at which nothing lies');
 };
 
 subtest 'no renderer' => sub {
