@@ -116,8 +116,8 @@ class Commands {
     // Told on the main thread when a child's process has ended, behind all that it wrote.
     Listeners<const ChildEnd&> afterChild;
 
-    // Starts a child that stays (LineChild.h), or one whose lines somebody reads. It is none of those that the
-    // calls below tell of, but for EndChildren, which ends it like the others.
+    // Starts a child that stays (LineChild.h), or one whose lines somebody reads. It is none of those that
+    // the calls below tell of, but for EndChildren, which ends it like the others.
     std::unique_ptr<LineChild> StartLines(LineCall call, LineHands hands);
 
     // Leaves the kill file of every running child and forgets the children: stopping is their own act.

@@ -25,9 +25,7 @@ constexpr int kTick = 500;
 constexpr int kForget = 10000;    // milliseconds for which the end of a render is told
 constexpr int kWaitToTell = 300;  // milliseconds that a step may take before it is told
 
-QString Seconds(qint64 milliseconds) {
-    return Shown(DurationText(std::chrono::milliseconds(milliseconds)));
-}
+QString Seconds(qint64 milliseconds) { return Shown(DurationText(std::chrono::milliseconds(milliseconds))); }
 
 // The extension is that of the library at hand, and of this moment.
 void ShowExtension(CommandActions& commands, CommandId id, const std::string& extension) {

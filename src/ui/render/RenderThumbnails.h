@@ -13,9 +13,9 @@
 
 namespace tavrin {
 
-// A child of the view that shows them. Each file is read once, on a thread, and looked at again when Refresh says so.
-// What is no picture, is cut or has gone, or is beyond the bounds, has none, without a word. Main thread
-// only.
+// A child of the view that shows them. Each file is read once, on a thread, and looked at again when Refresh
+// says so. What is no picture, is cut or has gone, or is beyond the bounds, has none, without a word. Main
+// thread only.
 class RenderThumbnails : public QObject {
   public:
     // The place that a picture is fitted into, in device-independent pixels.
