@@ -8,6 +8,7 @@
 #include "document/DocumentReader.h"
 #include "library/DefinitionTexts.h"
 #include "library/Placeholder.h"
+#include "render/ArgInfo.h"
 #include "render/ShaderText.h"
 #include "site/Site.h"
 #include "text/Archive.h"
@@ -93,6 +94,23 @@ void TakeUnknownOptions(const DocumentForm& form, OptionsState& options) {
     }
 }
 
+// The blocks of the arguments as the library's scripts find them, without the lines on how sliders stand:
+// those make no other picture.
+std::string ArgumentsOf(const CTvDoc& document, const PreparedVariables& variables, Report& report) {
+    const std::string text = WriteArgInfo({}, document.CollectUnconnectedInputs(), variables, report);
+    std::string arguments;
+    const size_t begin = text.find("ArgName ");
+    const size_t end = text.rfind("EndArginfo");
+    for (size_t at = begin; at < end; at = text.find('\n', at) + 1) {
+        const std::string_view line = std::string_view(text).substr(at, text.find('\n', at) + 1 - at);
+        const auto isKey = [line](std::string_view key) { return line.substr(4).starts_with(key); };
+        const bool isOfSlider =
+            line.starts_with("    ") && (isKey("Stow ") || isKey("Lock ") || isKey("Pin "));
+        if (!isOfSlider) arguments += line;
+    }
+    return arguments;
+}
+
 bool Load(CTvDoc& document, const std::string& path, Report& report, std::optional<DocumentForm>& form) {
     std::string error;
     auto archive = CArchive::Open(path, error);
@@ -151,8 +169,10 @@ std::string HistoryReader::SourceOf(const CTvDoc& document, const std::string& s
     const Gathering said(site.report);
     std::string source;
     WithinMemory(site.report, "generating the shader " + shaderName, [&] {
-        for (const std::string& line : GenerateShader(document, shaderName, site, m_codeGen).code)
-            source.append(line).append("\n");
+        const ShaderText text = GenerateShader(document, shaderName, site, m_codeGen);
+        for (const std::string& line : text.code) source.append(line).append("\n");
+        const std::string arguments = ArgumentsOf(document, text.variables, site.report);
+        if (!arguments.empty()) source.append("\n").append(arguments);
         return true;
     });
     said.AddTo(notes);

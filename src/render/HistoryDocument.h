@@ -15,7 +15,9 @@ class CCodeGen;
 // A plain value, of which nothing leads back to a document.
 struct HistoryDocument {
     NetworkPicture network;
-    std::string source;  // as the library makes it now, before its filter script; lines end in line feeds
+    // As the library makes it now, before its filter script, and what that is told of the arguments, whose
+    // values stand nowhere else. Lines end in line feeds.
+    std::string source;
     // What the user has to know of it, a line each: that the file could not be read, or not all of it, what
     // stands there as a placeholder, what generation had to say.
     std::vector<std::string> notes;

@@ -187,6 +187,22 @@ TEST_F(HistoryDocumentTest, WhatGenerationSaysGoesToTheNotes) {
     EXPECT_EQ(host.Sink().log, "");
 }
 
+TEST_F(HistoryDocumentTest, ArgumentsStandBehindTheSourceWithTheirValuesAndRanges) {
+    std::vector<std::string> notes;
+    COpButton& scale = *test::BoxAt(document, 0).inputs[0];
+    scale.arg = 1;
+    scale.argname = "roughness";
+    const std::string before = reader.SourceOf(document, "marble", notes);
+    EXPECT_THAT(before, HasSubstr("noise(roughness);\n"));
+    EXPECT_THAT(before,
+                testing::EndsWith("\nArgName roughness\n{\n    BoxTitle    Noise\n    ButtonTitle scale\n"
+                                  "    Comments    \n    float       4\n    MinMax      0.000000 "
+                                  "10.000000\n}\n\n"));
+    scale.pin = scale.lock = scale.stow = 1;
+    EXPECT_EQ(reader.SourceOf(document, "marble", notes), before) << "how sliders stand is no matter";
+    EXPECT_THAT(notes, IsEmpty());
+}
+
 TEST_F(HistoryDocumentTest, ManyNotesAreBounded) {
     std::string text = "opdesk {\n";
     for (int i = 1; i <= 100; ++i)
