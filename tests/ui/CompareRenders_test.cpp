@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The window "Compare Renders" in the whole program: what it lists, how it follows the desk, where a double
 // click leads, what is taken over.
+#include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QLabel>
+#include <QListView>
+#include <QMenu>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
@@ -332,6 +336,29 @@ TEST_F(CompareRenders, AnotherDocumentOnTheDeskIsFollowed) {
     ASSERT_TRUE(Frame().OpenDocumentFile(WriteDocument("other", 1)));
     EXPECT_TRUE(WaitUntil([this] { return Rows().front() == "Boxes (1)"; }));
     EXPECT_THAT(Rows(), Contains("  box 1 | Knobs_1 | Constant_1"));
+}
+
+TEST_F(CompareRenders, TheRenderHistoryLeadsHere) {
+    StartWithKnobs();
+    Render();
+    Tune(1, 0.75F);
+    Render();
+    Do(CommandId::kRenderHistory);
+    auto& list = *Frame().Windows().Of(CommandId::kRenderHistory).findChild<QListView*>();
+    ASSERT_TRUE(WaitUntil([&list] { return list.isVisible(); }));
+    const QPoint at = list.visualRect(list.model()->index(1, 0)).center();
+    QContextMenuEvent asked(QContextMenuEvent::Mouse, at, list.viewport()->mapToGlobal(at));
+    QApplication::sendEvent(list.viewport(), &asked);
+    auto* menu = list.findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    for (QAction* item : menu->actions()) {
+        if (item->text().remove('&') == "Compare with Desk")
+            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(item).center());
+    }
+    EXPECT_TRUE(WaitUntil([this] { return Window().IsUp(); }));
+    EXPECT_EQ(Chosen("Older"), "01 Untitled");
+    EXPECT_EQ(Chosen("Newer"), "The desk");
+    EXPECT_TRUE(RowsComeTo({"Values (1)", "  Knobs_1 amount | 0.5 | 0.75"}));
 }
 
 // Source
