@@ -42,9 +42,7 @@ int SwitchOf(const Settings& settings, const char* key) {
 
 }  // namespace
 
-bool DocumentHost::WantsPlaceholders() {
-    return SwitchOf(GetSite().settings, "document.placeholders") != 0;
-}
+bool DocumentHost::WantsPlaceholders() { return SwitchOf(GetSite().settings, "document.placeholders") != 0; }
 
 std::unique_ptr<SafeCopy> DocumentHost::PutAside(const std::string&, std::string_view, std::string& error) {
     error = "there is no place for it";

@@ -116,7 +116,7 @@ TEST(ToolWindowTable, PlacesAreStoredUnderNamesThatStay) {
         {"MenuFinder", true},           {"ArgumentEditor", true},
         {"RenderOptionsEditor", false}, {"ExportOptionsEditor", false},
         {"HelpEditor", true},           {"Log", true},
-        {"UndoHistory", true},           {"CompareRenders", true},
+        {"UndoHistory", true},          {"CompareRenders", true},
     };
     std::map<std::string, bool> found;
     for (const WindowRow& row : WindowTable()) found[row.place] = row.keepsSize;

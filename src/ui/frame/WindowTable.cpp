@@ -46,10 +46,8 @@ ToolWindow* MakeCompareWindow(const WindowNeeds& needs) {
                  if (work.document.lock == 0) work.desk.SelectBox(name);
                  desk.CentreOnBox(name);
              },
-         .setOption =
-             [&app = work.app](const std::string& name, const std::string& value) {
-                 app.SetVariable(name, value, true);
-             },
+         .setOption = [&app = work.app](const std::string& name,
+                                        const std::string& value) { app.SetVariable(name, value, true); },
          .comparePictures = needs.comparePictures});
 }
 

@@ -30,8 +30,8 @@ struct WindowNeeds {
     DocumentWork& documents;
     KeepWork& keeps;
     OperatorWork& operators;
-    LogWindow& log;                                   // stands before all others
-    std::function<void(const FormAction&)> doAction;  // of a form, to be called once the frame stands
+    LogWindow& log;                                     // stands before all others
+    std::function<void(const FormAction&)> doAction;    // of a form, to be called once the frame stands
     std::function<void(int older, int newer)> compare;  // renders, or the desk; the same holds for this
     std::function<void(int first, int second)> comparePictures;
 };
