@@ -71,6 +71,12 @@ class Window {
         while (!(connection = socket.Connect())) Rest();
         m_wire.emplace(std::move(connection));
         Say(PictureMessage("hello").Set("desk", "/bench"));
+        Say(PictureMessage("frame")
+                .Set("desk", "/bench")
+                .Set("x", 10)
+                .Set("y", 10)
+                .Set("w", 800)
+                .Set("h", 600));
     }
     ~Window() {
         ::kill(m_process, SIGKILL);

@@ -2,7 +2,6 @@
 // tavrin-view: the picture window. One process for each user and display, whoever starts how many.
 #include <QApplication>
 #include <QSettings>
-#include <QTimer>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -22,8 +21,8 @@ namespace {
 using namespace tavrin;
 
 constexpr int kWrongCall = 2;
-constexpr int kFrameWait =
-    60;  // milliseconds for a desk to tell where it stands, before the window is placed
+// For a desk to tell where it stands, before the window is placed.
+constexpr std::chrono::milliseconds kFrameWait{60};
 
 constexpr const char* kHelp =
     "usage: tavrin-view [FILE]...\n"
@@ -79,7 +78,7 @@ int RunWindow(int argc, char** argv, const std::vector<PictureMessage>& first) {
     for (const PictureMessage& message : first) {
         if (message.Verb() != "comeup") window.Take(message);
     }
-    QTimer::singleShot(window.Docking().IsSettled() ? 0 : kFrameWait, &window, [&window] { window.show(); });
+    window.ShowInPlace(kFrameWait, [] { QCoreApplication::quit(); });
     const int status = QApplication::exec();
     server.reset();  // what it would tell the window is nobody's any more
     return status;

@@ -48,7 +48,8 @@ Picture::Picture(const QImage& image) : Picture(image.size(), image.hasAlphaChan
     const QImage plain = image.convertToFormat(m_image.format());
     for (int y = 0; y < Size().height(); ++y) {
         const auto* line = reinterpret_cast<const QRgb*>(plain.constScanLine(y));
-        std::copy(line, line + Size().width(), Row(y));
+        const QRgb opaque = m_hasAlpha ? 0 : 0xff000000;
+        std::transform(line, line + Size().width(), Row(y), [opaque](QRgb pixel) { return pixel | opaque; });
     }
     RowsAreThere(Size().height());
 }

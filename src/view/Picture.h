@@ -10,8 +10,8 @@
 
 namespace tavrin {
 
-// Pixels of 8 bits a channel, RGB32 or ARGB32 (not premultiplied), and smaller copies of them for views from
-// afar. Shared by all who show it; main thread only.
+// Pixels of 8 bits a channel, RGB32 (the fourth byte is 255) or ARGB32 (not premultiplied), and smaller
+// copies of them for views from afar. Shared by all who show it; main thread only.
 class Picture {
   public:
     // What may be shown: more would take memory that the desk and the renderer need.

@@ -96,7 +96,7 @@ class PictureFile::Png {
                               png_get_valid(m_png, m_info, PNG_INFO_tRNS) != 0;
         m_picture = std::make_shared<Picture>(QSize(int(width), int(height)), hasAlpha);
         if (png_get_interlace_type(m_png, m_info) != PNG_INTERLACE_NONE)
-            std::fill_n(m_picture->Row(0), size_t(width) * height, 0);
+            std::fill_n(m_picture->Row(0), size_t(width) * height, hasAlpha ? 0 : 0xff000000);
         return true;
     }
 

@@ -58,6 +58,13 @@ PictureWindow::PictureWindow(QSettings& settings, Tell tell)
 
 PictureWindow::~PictureWindow() = default;
 
+void PictureWindow::ShowInPlace(std::chrono::milliseconds most, std::function<void()> givenUp) {
+    m_givenUp = std::move(givenUp);
+    m_show.setSingleShot(true);
+    m_show.callOnTimeout([this] { show(); });
+    m_show.start(m_dock.IsSettled() ? std::chrono::milliseconds(0) : most);
+}
+
 void PictureWindow::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
     // The strip stands where there is room.
@@ -69,7 +76,7 @@ void PictureWindow::Take(const PictureMessage& message) {
     const std::string& verb = message.Verb();
     const std::string desk = message.Text("desk");
     if (verb == "comeup") return ComeUp();
-    if (verb == "close") return static_cast<void>(close());
+    if (verb == "close") return GoAway();
     if (verb == "compare") return CompareRenders(message);
     if (verb == "frame") {
         constexpr int64_t kMost = 1 << 20;
@@ -78,6 +85,7 @@ void PictureWindow::Take(const PictureMessage& message) {
         };
         const QRect frame(word("x"), word("y"), word("w"), word("h"));
         if (!frame.isEmpty()) m_dock.FrameMoved(desk, frame);
+        if (m_show.isActive()) m_show.start(0);
         return;
     }
     m_book.Take(message);
@@ -305,6 +313,13 @@ void PictureWindow::HasPainted() {
     if (m_canvas->First() != m_shown->picture || m_shown->id == m_toldShown) return;
     m_toldShown = m_shown->id;
     m_tell(m_shown->desk, PictureMessage("shown").Set("id", static_cast<int64_t>(m_shown->id)));
+}
+
+// One that was never shown is not closed by the toolkit, and the program would go on without it.
+void PictureWindow::GoAway() {
+    const bool isToCome = m_show.isActive();
+    m_show.stop();
+    isToCome ? m_givenUp() : static_cast<void>(close());
 }
 
 void PictureWindow::ComeUp() {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QTimer>
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -33,6 +35,10 @@ class PictureWindow : public QMainWindow {
     // The settings outlive it.
     PictureWindow(QSettings& settings, Tell tell);
     ~PictureWindow() override;
+
+    // Shows it as soon as its place is known: at once, or when a desk tells where it stands, or after that
+    // time. `givenUp` is called if it is asked to go before that.
+    void ShowInPlace(std::chrono::milliseconds most, std::function<void()> givenUp);
 
     // What has come from a desk, or from who renders for it.
     void Take(const PictureMessage& message);
@@ -83,6 +89,7 @@ class PictureWindow : public QMainWindow {
     void RefreshActions();
     void HasPainted();
     void ComeUp();
+    void GoAway();
 
     Tell m_tell;
     PictureBook m_book;
@@ -100,7 +107,9 @@ class PictureWindow : public QMainWindow {
     PictureEntry* m_shown = nullptr;  // of the book
     PictureEntry* m_other = nullptr;
     bool m_returnsToLive = false;  // it was left for a render that came
-    uint64_t m_toldShown = 0;      // the live picture that was told to be shown last
+    QTimer m_show;                 // until a desk tells where it stands
+    std::function<void()> m_givenUp;
+    uint64_t m_toldShown = 0;  // the live picture that was told to be shown last
 };
 
 }  // namespace tavrin

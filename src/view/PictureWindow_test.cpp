@@ -489,6 +489,27 @@ TEST_F(PictureWindowTest, ItComesUpWhereItWasMinimized) {
     EXPECT_FALSE(window.isVisible());
 }
 
+TEST_F(PictureWindowTest, ItIsShownWhereADeskStandsOrAfterAWhile) {
+    window.hide();
+    bool isGivenUp = false;
+    const auto giveUp = [&] { isGivenUp = true; };
+    window.ShowInPlace(std::chrono::hours(1), giveUp);
+    EXPECT_FALSE(window.isVisible());
+    window.Take(
+        PictureMessage("frame").Set("desk", "/desk").Set("x", 50).Set("y", 60).Set("w", 500).Set("h", 400));
+    ASSERT_TRUE(WaitUntil([&] { return window.isVisible(); }));
+    EXPECT_TRUE(WaitUntil([&] { return window.frameGeometry().topLeft() == QPoint(550, 60); }));
+    window.hide();
+    window.ShowInPlace(std::chrono::milliseconds(1), giveUp);
+    EXPECT_TRUE(WaitUntil([&] { return window.isVisible(); }));
+    window.hide();
+    window.ShowInPlace(std::chrono::hours(1), giveUp);
+    EXPECT_FALSE(isGivenUp);
+    window.Take(PictureMessage("close"));
+    EXPECT_TRUE(isGivenUp) << "before it came";
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST_F(PictureWindowTest, ItDoesNotTakeTheFocus) {
     window.hide();
     QWidget other;

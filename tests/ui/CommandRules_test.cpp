@@ -407,6 +407,9 @@ TEST_F(CommandRulesTest, TheMarksOfAFreshFrame) {
 }
 
 TEST_F(CommandRulesTest, EachMarkFollowsItsCommandThereAndBack) {
+    fs::create_directory(directory / "runtime");
+    environment.Set("XDG_RUNTIME_DIR", directory / "runtime");
+    environment.Set("TAVRN_VIEW", test::BuildPath("bin/tavrin-view"));
     Start();
     for (const Check& check : kChecks) {
         Do(static_cast<CommandId>(check.id));
