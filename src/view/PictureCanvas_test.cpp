@@ -179,10 +179,12 @@ TEST_F(PictureCanvasTest, AnotherPictureOfTheSizeComesToTheSamePlace) {
 TEST_F(PictureCanvasTest, ThePixelUnderThePointerIsTold) {
     canvas.ShowPictures(Pictured(Chart(100, 80, 7)), nullptr);
     EXPECT_FALSE(canvas.UnderPointer());
+    canvas.ZoomBy(4);
     ASSERT_TRUE(test::HoverUntil(canvas, At({33, 44}), [&] { return canvas.UnderPointer().has_value(); }));
     EXPECT_EQ(canvas.UnderPointer()->pixel, QPoint(33, 44));
     EXPECT_EQ(canvas.UnderPointer()->first, qRgb(33, 44, 7));
     EXPECT_FALSE(canvas.UnderPointer()->second);
+    canvas.Fit();
     ASSERT_TRUE(test::HoverUntil(canvas, {2, 2}, [&] { return !canvas.UnderPointer(); }))
         << "beside the picture";
     EXPECT_GT(told, 0);
