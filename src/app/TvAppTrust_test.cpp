@@ -21,6 +21,7 @@ using testing::Not;
 
 constexpr const char* kCommands =
     "editorcmd \"gedit --wait\"\nmaxhistory 5\nsourcecodeprefilter /odd/filter\n"
+    "livecommand /odd/live fast\n"
     "exportoptions\n{\n    shadersourcedir 1 /shaders\n    postsavescript 1 publish all\n}\n"
     "roe {\nframe {\nbutton {\nbuttonlabel Publish\nactionto form\nactionmsg system\nactionarg "
     "publish.sh\n}\n"
@@ -60,6 +61,7 @@ class TvAppTrustTest : public test::SmallAppTest {
     }
     void ExpectInForce(bool inForce) {
         EXPECT_EQ(Setting("sourcecodeprefilter"), inForce ? "/odd/filter" : "(none)");
+        EXPECT_EQ(Setting("livecommand"), inForce ? "/odd/live" : "(none)");
         EXPECT_EQ(app->GetSite().directories.editorCmd == "gedit --wait", inForce);
         EXPECT_EQ(app->GetSite().environment.Get("TAVRN_EDITORCMD") == "\"gedit --wait\"", inForce);
         EXPECT_EQ(app->ExportDefaults().runPostSave, inForce ? 1 : 0);
@@ -82,7 +84,7 @@ TEST_F(TvAppTrustTest, CommandsWaitForTheUsersWord) {
     ASSERT_NE(waiting, nullptr);
     EXPECT_EQ(waiting->path, Here() + "/tavrn.def");
     EXPECT_THAT(waiting->Lines(), ElementsAre("editorcmd \"gedit --wait\"", "sourcecodeprefilter /odd/filter",
-                                              "postsavescript publish all", "button Publish: publish.sh"));
+                                              "livecommand /odd/live fast", "postsavescript publish all", "button Publish: publish.sh"));
     app->AnswerForCommands(true);
     ExpectInForce(true);
     EXPECT_EQ(app->WaitingCommands(), nullptr);

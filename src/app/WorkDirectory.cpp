@@ -12,6 +12,7 @@
 #include "base/FileIo.h"
 #include "base/Files.h"
 #include "base/Paths.h"
+#include "render/LiveState.h"
 
 namespace tavrin {
 
@@ -46,6 +47,12 @@ bool IsName(std::string_view name) {
            std::all_of(letters.begin(), letters.end(), IsLetterOrDigit);
 }
 
+// What Live keeps there has a name that no shader has, and that RemoveTree leaves in peace.
+bool RemoveAll(const std::string& path, const std::function<void(const std::string&)>& log) {
+    const bool isRemoved = RemoveTree(JoinPath(path, kLiveDirectory), log);
+    return RemoveTree(path, log) && isRemoved;
+}
+
 }  // namespace
 
 bool WorkDirectory::Make(const std::string& temporaryRoot) {
@@ -77,10 +84,10 @@ void WorkDirectory::Restore() {
 }
 
 bool WorkDirectory::Remove(const std::function<void(const std::string&)>& log) {
-    return !m_isOurs || IsOfAnotherUser(m_path) || RemoveTree(m_path, log);
+    return !m_isOurs || IsOfAnotherUser(m_path) || RemoveAll(m_path, log);
 }
 
-bool WorkDirectory::CanRemove() const { return !m_isOurs || CanRemoveTree(m_path); }
+bool WorkDirectory::CanRemove() const { return !m_isOurs || CanRemoveTree(m_path, kLiveDirectory); }
 
 void WorkDirectory::ClearAbandoned(const std::string& temporaryRoot) {
     std::vector<DirEntry> entries;
@@ -90,7 +97,7 @@ void WorkDirectory::ClearAbandoned(const std::string& temporaryRoot) {
         const std::string path = JoinPath(temporaryRoot, entry.name);
         const FileDescriptor directory = OpenOwnDirectory(path);
         if (directory && TryLock(directory) && LeadsTo(path, directory))
-            RemoveTree(path, [](const std::string&) {});
+            RemoveAll(path, [](const std::string&) {});
     }
 }
 

@@ -163,6 +163,25 @@ TEST_F(WorkDirectoryTest, OfAProgramThatIsGoneIsClearedAwayAndThatOfOneThatLives
     EXPECT_THAT(Names(), IsEmpty());
 }
 
+// Its name is one of those that RemoveTree leaves.
+TEST_F(WorkDirectoryTest, WhatLiveHasLeftGoesWithIt) {
+    WorkDirectory own;
+    ASSERT_TRUE(own.Make(root));
+    fs::create_directories(own.Path() + "/.live/7");
+    directory.Write("tmp/" + PathFile(own.Path()) + "/.live/7/codegenfile", "text");
+    EXPECT_TRUE(own.CanRemove());
+    fs::create_directories(own.Path() + "/.other");
+    EXPECT_FALSE(own.CanRemove());
+    fs::remove(own.Path() + "/.other");
+    EXPECT_TRUE(own.Remove([](const std::string& line) { ADD_FAILURE() << line; }));
+    EXPECT_FALSE(fs::exists(own.Path()));
+    OtherProgram killed = Other();
+    fs::create_directories(root + "/" + killed.Name() + "/.live/1");
+    killed.Kill();
+    WorkDirectory::ClearAbandoned(root);
+    EXPECT_THAT(Names(), IsEmpty());
+}
+
 TEST_F(WorkDirectoryTest, OfAnotherUserIsTheirs) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root can become another user";
     OtherProgram theirs = Other(kNobody);

@@ -109,7 +109,7 @@ bool ListDirectory(const std::string& path, std::vector<DirEntry>& entries) {
     return true;
 }
 
-bool CanRemoveTree(const std::string& path) {
+bool CanRemoveTree(const std::string& path, std::string_view own) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return true;
     std::vector<DirEntry> entries;
@@ -120,7 +120,8 @@ bool CanRemoveTree(const std::string& path) {
         struct stat below {};
         if (::lstat(full.c_str(), &below) != 0 || !S_ISDIR(below.st_mode)) continue;
         // What is mounted there holds its place; what cannot be listed is left alone.
-        if (entry.name.front() == '.' || below.st_dev != status.st_dev) return false;
+        const bool isLeft = entry.name.front() == '.' && entry.name != own;
+        if (isLeft || below.st_dev != status.st_dev) return false;
         if (::access(full.c_str(), R_OK) != 0 || !CanRemoveTree(full)) return false;
     }
     return true;

@@ -47,8 +47,9 @@ bool ListDirectory(const std::string& path, std::vector<DirEntry>& entries);
 // false. A path that cannot be listed is left alone and counts as success.
 bool RemoveTree(const std::string& path, const std::function<void(const std::string&)>& log);
 
-// Whether RemoveTree would leave nothing of it, as far as that can be told without trying.
-bool CanRemoveTree(const std::string& path);
+// Whether RemoveTree would leave nothing of it, as far as that can be told without trying. A directory `own`
+// right below it is none of those that are left for their name: the caller removes it first.
+bool CanRemoveTree(const std::string& path, std::string_view own = {});
 
 // Makes sure that there is a directory in which files can be made, with missing parents.
 bool MakeWritableDirectory(const std::string& path, std::string& error);

@@ -203,7 +203,12 @@ void Edits::Begin(const std::string& act) {
 }
 
 void Edits::End() {
-    if (--m_depth == 0 && (!m_held || m_change.act != *m_held)) TellNoted();
+    if (--m_depth != 0) return;
+    if (m_held && m_change.act == *m_held) {
+        m_partListeners.Tell();
+    } else {
+        TellNoted();
+    }
 }
 
 Change Edits::Pending() const {

@@ -31,6 +31,12 @@ class Edits {
         return m_listeners.Add(std::move(listener));
     }
 
+    // Told after each part of an act that goes on (HeldEdit), of which the others hear only at its end: for
+    // who follows the document while the hand moves. Pending has what it has changed so far.
+    [[nodiscard]] Listeners<>::Subscription ObserveParts(Listeners<>::Listener listener) {
+        return m_partListeners.Add(std::move(listener));
+    }
+
     // What an edit changes, said before it is done or after. Without an open scope the note is an edit by
     // itself, told at once, so that nobody misses it; but it is a fault of the program, which StrayEdits
     // counts.
@@ -111,6 +117,7 @@ class Edits {
 
     CTvDoc& m_document;
     Listeners<const Change&> m_listeners;
+    Listeners<> m_partListeners;
     int m_depth = 0;
     std::optional<std::string> m_held;  // the act that goes on
     int m_strayEdits = 0;

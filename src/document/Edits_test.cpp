@@ -257,6 +257,34 @@ TEST_F(EditsTest, ListenersAreToldInTheirOrderUntilTheirSubscriptionEnds) {
     EXPECT_EQ(heard.back(), "Two: options");
 }
 
+TEST_F(EditsTest, EachPartOfAnActThatGoesOnIsToldToThoseWhoFollowTheHand) {
+    int parts = 0;
+    const auto subscription = edits.ObserveParts([&] { ++parts; });
+    {
+        const EditScope edit(document, "Options");
+        edits.OptionsChanged();
+    }
+    EXPECT_EQ(parts, 0) << "what is over is told as such";
+    {
+        const HeldEdit drag(document, "Drag");
+        for (int step = 1; step <= 3; ++step) {
+            const EditScope edit(document, "Drag");
+            const EditScope inner(document, "Inner");
+            edits.OptionsChanged();
+            EXPECT_EQ(parts, step - 1) << "not in the middle of one";
+        }
+        EXPECT_EQ(parts, 3);
+        EXPECT_TRUE(edits.Pending().options);
+        EXPECT_THAT(heard, ElementsAre("Options: options"));
+        {
+            const EditScope other(document, "Other");
+            edits.OptionsChanged();
+        }
+        EXPECT_EQ(parts, 3);
+    }
+    EXPECT_EQ(heard.size(), 3U);
+}
+
 TEST_F(EditsTest, ASubscriptionMayOutliveTheDocument) {
     Edits::Subscription late;
     {

@@ -2,6 +2,7 @@
 #include "site/ChildLog.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "text/Report.h"
 
@@ -44,6 +45,11 @@ void ChildLog::Append(int id, std::string_view piece) {
         EmitLine(id, stream, line);
         line.clear();
     }
+}
+
+void ChildLog::Note(std::string_view lines) {
+    if (std::exchange(m_openLine, kNobody) != kNobody) m_report.LogRaw("\n");
+    m_report.LogRaw(lines);
 }
 
 void ChildLog::End(int id) {

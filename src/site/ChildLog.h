@@ -21,6 +21,8 @@ class ChildLog {
     // the output of a child without one passes as it comes, whoever else runs.
     void Begin(int id, std::string label);
     void Append(int id, std::string_view piece);
+    // Whole lines of somebody who is none of these, which cut nobody's.
+    void Note(std::string_view lines);
     // No more output of this child comes.
     void End(int id);
 

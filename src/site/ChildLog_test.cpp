@@ -103,6 +103,15 @@ TEST_F(ChildLogTest, AChildWithoutALabelPassesAsItComesAndIsNoCompany) {
     EXPECT_EQ(sink.log, "ab\n[render 3] c\nd\n");
 }
 
+TEST_F(ChildLogTest, LinesOfSomebodyElseStandOnTheirOwn) {
+    log.Begin(1, "render 1");
+    log.Append(1, "half");
+    log.Note("a note\nanother\n");
+    log.Append(1, " a line\n");
+    log.Note("a third\n");
+    EXPECT_EQ(sink.log, "half\na note\nanother\n a line\na third\n");
+}
+
 TEST_F(ChildLogTest, ALineWithoutEndIsBroken) {
     log.Begin(1, "render 1");
     log.Begin(2, "render 2");

@@ -55,6 +55,13 @@ void Site::ReadLimits() {
 }
 
 // A document can bring another library into use, of which these settings say nothing.
+std::vector<std::string> Site::ProbePaths() const {
+    std::vector<std::string> paths;
+    if (settingsLibrary != directories.libName) return paths;
+    for (const std::string& file : probes) paths.push_back(LibraryPath(file));
+    return paths;
+}
+
 bool Site::PreprocessIsPure() const {
     int isPure = 0;
     return settings.GetSettingInt("preprocess.pure", isPure) && isPure != 0 &&

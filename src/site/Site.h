@@ -46,6 +46,10 @@ struct Site {
     // Takes the limits of scripts from the settings.
     void ReadLimits();
 
+    // The paths of the probe networks that the library in use names; none once a document has brought
+    // another.
+    std::vector<std::string> ProbePaths() const;
+
     // The library in use has said that what its preprocessor makes of an operator depends on files alone.
     bool PreprocessIsPure() const;
 
@@ -61,6 +65,7 @@ struct Site {
     TypeTables types;
     std::vector<std::string> menuDirs;
     std::vector<std::string> toolButtons;                // names of operators
+    std::vector<std::string> probes;                     // files of saved networks that show an output
     std::map<std::string, std::string> shaderIfaceExts;  // by shader type
     std::string extShaderSource;
     std::string extCompiledShader;

@@ -152,12 +152,19 @@ void CStatusBox::SetActivity(const QString& text, bool isUrgent) {
     repaint();
 }
 
+void CStatusBox::SetAside(const QString& text) {
+    if (m_asideText == text) return;
+    m_asideText = text;
+    ShowActivity();
+}
+
 // With the hint at most half of the box, so that a long name neither widens the frame nor pushes the status
 // away.
 void CStatusBox::ShowActivity() {
+    const QString& text = m_activityText.isEmpty() ? m_asideText : m_activityText;
     const int taken = m_hintText.isEmpty() ? 0 : m_hint->width();
     const int room = std::max(width() / 2 - taken, kLeastActivity);
-    m_activity->setText(m_activity->fontMetrics().elidedText(m_activityText, Qt::ElideMiddle, room));
+    m_activity->setText(m_activity->fontMetrics().elidedText(text, Qt::ElideMiddle, room));
 }
 
 void CStatusBox::resizeEvent(QResizeEvent* event) {

@@ -31,6 +31,9 @@ class CStatusBox : public QFrame {
     // for use while the event loop does not run.
     void SetActivity(const QString& text, bool isUrgent = false);
     const QString& Activity() const { return m_activityText; }
+    // What goes on by itself beside all that; shown while the program is busy with nothing.
+    void SetAside(const QString& text);
+    const QString& Aside() const { return m_asideText; }
     // What the user has in hand and may do with it, before the status text; empty for nothing. Broken into
     // lines where the box is narrow.
     void SetHint(const QString& text);
@@ -52,6 +55,7 @@ class CStatusBox : public QFrame {
     QString m_status;        // whole, with the field's line ends
     QString m_activityText;  // whole; the label shows what fits
     QString m_hintText;
+    QString m_asideText;
     Clock m_clock;
     long m_since = 0;  // when the text that is held was set
     int m_hold = 0;    // seconds; 0 for none

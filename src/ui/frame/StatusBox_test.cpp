@@ -156,6 +156,22 @@ TEST_F(StatusBoxTest, ActivityStandsBesideTheText) {
     EXPECT_EQ(box.Activity(), "");
 }
 
+TEST_F(StatusBoxTest, WhatGoesOnBesideIsShownWhileTheProgramIsBusyWithNothing) {
+    ShowOfWidth(1200);
+    const auto shown = [this] { return box.findChild<QLabel*>("activity")->text(); };
+    box.SetAside("Live: 14 ms");
+    EXPECT_EQ(shown(), "Live: 14 ms");
+    EXPECT_EQ(box.Activity(), "");
+    box.SetActivity("Rendering");
+    EXPECT_EQ(shown(), "Rendering");
+    box.SetAside("Live: 15 ms");
+    EXPECT_EQ(shown(), "Rendering");
+    box.SetActivity({});
+    EXPECT_EQ(shown(), "Live: 15 ms");
+    box.SetAside({});
+    EXPECT_EQ(shown(), "");
+}
+
 TEST_F(StatusBoxTest, ALongNameNeitherWidensTheBoxNorPushesTheTextAway) {
     ShowOfWidth(800);
     const int before = box.minimumSizeHint().width();
