@@ -22,7 +22,8 @@ constexpr const char* kSiteFile = "tavrn.def";
 constexpr std::string_view kCodegenPrefix = "codegen.";
 constexpr std::string_view kCodeformatPrefix = "codeformat.";
 // Settings whose value is a program that is run.
-constexpr std::array<std::string_view, 2> kCommandSettings = {"editorcmd", "sourcecodeprefilter"};
+constexpr std::array<std::string_view, 3> kCommandSettings = {"editorcmd", "sourcecodeprefilter",
+                                                              "livecommand"};
 
 // The directory of the user's own site file; empty if the environment names none.
 std::string PersonalDirectory(const Environment& environment) {
@@ -107,6 +108,8 @@ bool SiteFileReader::ReadClause(const std::string& keyword) {
         SkipBlock();
     } else if (keyword == "toolbutton") {
         ReadToolButton();
+    } else if (keyword == "probe") {
+        ReadProbe();
     } else if (keyword == "wordtranslate.clear") {
         m_site.types.ClearWords();
     } else if (keyword == "exportoptions") {
@@ -165,6 +168,12 @@ void SiteFileReader::ReadToolButton() {
     FieldScanner scanner(line);
     if (!scanner.Int() || !scanner.Literal("=")) return;
     if (const auto name = scanner.Word()) m_site.toolButtons.emplace_back(*name);
+}
+
+void SiteFileReader::ReadProbe() {
+    CArchive line = CArchive::FromText({}, RestOfLine());
+    std::string file;
+    if (ReadToken(line, file) && !file.empty()) m_site.probes.push_back(std::move(file));
 }
 
 void SiteFileReader::ReadWordTranslation() {

@@ -60,6 +60,7 @@ class SiteFileReader : private TokenParser {
   private:
     bool ReadClause(const std::string& keyword);
     void ReadToolButton();
+    void ReadProbe();
     void ReadExports();
     void ReadSetting(const std::string& key);
     void ReadWordTranslation();

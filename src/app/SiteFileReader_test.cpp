@@ -131,6 +131,24 @@ TEST_F(SiteFileReaderTest, AToolButtonWithoutANumberOrANameAddsNothing) {
     EXPECT_THAT(site.toolButtons, IsEmpty());
 }
 
+TEST_F(SiteFileReaderTest, EachProbeLineNamesOneNetworkMore) {
+    Read("probe probe/float.tvn  # numbers\nprobe \"with blanks/rgb.tvn\" more\nprobe\nprobe # none\n");
+    Read("probe /home/own.tvn\n");
+    EXPECT_THAT(site.probes, ElementsAre("probe/float.tvn", "with blanks/rgb.tvn", "/home/own.tvn"));
+    EXPECT_THAT(test.sink.alerts, IsEmpty());
+    EXPECT_EQ(Raw("probe"), "(none)") << "it is no setting, of which the last alone would count";
+}
+
+TEST_F(SiteFileReaderTest, ProbeNetworksLieInTheLibraryThatNamesThem) {
+    site.directories.libName = "glass";
+    site.directories.libDir = "/site/glass";
+    site.settingsLibrary = "glass";
+    site.probes = {"probe/float.tvn", "/home/own.tvn"};
+    EXPECT_THAT(site.ProbePaths(), ElementsAre("/site/glass/probe/float.tvn", "/home/own.tvn"));
+    site.directories.libName = "clay";
+    EXPECT_THAT(site.ProbePaths(), IsEmpty());
+}
+
 TEST_F(SiteFileReaderTest, WordsAreTranslatedByTheLastPair) {
     Read("wordtranslate.add rgb vec3 more\nwordtranslate.add xyz point\nwordtranslate.add xyz  vector\n");
     EXPECT_EQ(site.types.TranslateWord("rgb"), "vec3");

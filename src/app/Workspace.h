@@ -5,6 +5,7 @@
 #include "app/DocumentCommands.h"
 #include "app/TvApp.h"
 #include "desk/OpDesk.h"
+#include "render/Probe.h"
 #include "render/RenderSession.h"
 #include "render/ShaderExport.h"
 #include "render/ShaderViews.h"
@@ -18,9 +19,11 @@ struct Workspace {
           document(app),
           desk(document, app),
           commands(app, document, desk, announce),
+          probe(document, app),
           session(document, app.GetSite(), app.CodeGen()),
-          views(document, app.GetSite(), session),
+          views(app.GetSite(), session),
           exporter(document, app.GetSite(), session) {
+        session.SetProbe(probe);
         app.SetDocument(&document);
         app.ShaderTypeChanged();
     }
@@ -32,6 +35,7 @@ struct Workspace {
     CTvDoc document;
     COpDesk desk;
     DocumentCommands commands;
+    Probe probe;
     RenderSession session;
     ShaderViews views;
     ShaderExport exporter;

@@ -63,8 +63,28 @@ bool BatchWork::Open(const std::string& path) {
     return true;
 }
 
+bool BatchWork::Probe(const std::string& output) {
+    // A picture of something else would be taken for that of this output.
+    m_work.session.m_shown = Rendered::kProbe;
+    m_work.probe.End();
+    m_probed = output;
+    std::string error;
+    COpButton* found = tavrin::Probe::Find(m_work.document, output, error);
+    if (found == nullptr) return Fail("--probe " + output + ": " + error);
+    return m_work.probe.Show(*found);
+}
+
+// A later step may have opened another document, or taken away what the output was shown by.
+bool BatchWork::ProbeStands() {
+    if (m_work.session.m_shown != Rendered::kProbe) return true;
+    const COpButton* output = m_work.probe.Output();
+    if (output == nullptr) return Fail("nothing is made: --probe " + m_probed + " shows no output");
+    const std::string problem = m_work.probe.WhyNot(*output);
+    return problem.empty() || Fail(problem);
+}
+
 bool BatchWork::Render() {
-    const bool started = m_work.session.RenderIt();
+    const bool started = ProbeStands() && m_work.session.RenderIt();
     WaitForProcesses();
     return started;
 }
@@ -168,6 +188,7 @@ bool BatchWork::DropBesideTheRest() {
 }
 
 std::optional<std::string> BatchWork::View(const std::string& kind) {
+    if (!ProbeStands()) return std::nullopt;
     const auto path = kind == view_words::kSource        ? m_work.views.ViewShaderSource()
                       : kind == view_words::kRenderIface ? m_work.views.ViewRenderInterface()
                                                          : m_work.views.ViewShaderInterface();
@@ -223,7 +244,7 @@ void BatchWork::Command(CommandId command) {
     bool done = true;
     switch (command) {
         case CommandId::kRenderIt:
-            done = m_work.session.RenderIt();
+            done = ProbeStands() && m_work.session.RenderIt();
             break;
         case CommandId::kStopRender:
             m_work.session.StopRender();

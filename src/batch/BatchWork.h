@@ -31,7 +31,11 @@ class BatchWork : private ActionTarget {
     // goes on with what it gave.
     bool Open(const std::string& path);
 
-    bool SaveShader() { return m_work.session.SaveShader(); }
+    // What is saved, rendered and viewed from here on is this output, "BOX.OUTPUT". False, alerted with what
+    // there is, if there is no such output or it cannot be shown; then nothing is made until another can.
+    bool Probe(const std::string& output);
+
+    bool SaveShader() { return ProbeStands() && m_work.session.SaveShader(); }
     // Renders and exports return when every process that they started has ended.
     bool Render();
     bool ExportAll();
@@ -69,6 +73,7 @@ class BatchWork : private ActionTarget {
 
     Site& GetSite() { return m_app.GetSite(); }
     bool Fail(const std::string& message);
+    bool ProbeStands();
     bool MayFollow(const ExportPlan& plan);
     bool MayLoseUnread(const std::string& path, const char* writing, const char* wayOut);
     bool MayReplace(const std::string& path, DocumentFile::Now now, const char* wayOut);
@@ -82,6 +87,7 @@ class BatchWork : private ActionTarget {
     Workspace m_work;
     Actions m_actions;
     std::string m_openedPath;
+    std::string m_probed;  // as it was asked for; empty while the network is made
     BatchRules m_rules;
     bool m_closing = false;
     bool m_commandFailed = false;  // one that the present script sent

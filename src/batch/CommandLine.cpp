@@ -28,6 +28,7 @@ constexpr std::array<std::string_view, 3> kViewWords = {view_words::kSource, vie
 constexpr std::string_view kAssignment = "NAME=VALUE";
 constexpr std::string_view kExportTarget = "KIND=PATH";
 constexpr std::string_view kSeconds = "SECONDS";
+constexpr std::string_view kOutput = "BOX.OUTPUT";
 
 // Splits an operand at its first '=' and hands both parts on.
 template <void (CommandLineDelegate::*Act)(const std::string&, const std::string&)>
@@ -55,6 +56,11 @@ const std::array kSteps = {
            ActAlone<&Delegate::SaveShader>},
     Option{"--render", "", "Generate the shader, render it, and wait for the end.",
            ActAlone<&Delegate::Render>},
+    Option{
+        "--probe", kOutput,
+        "From here on save, render and view the network as if this\noutput went to the picture. Nothing of "
+        "the document changes.",
+        ActOn<&Delegate::Probe>},
     Option{"--check", "",
            "Generate, then print what a user should know before rendering,\none finding a line. A finding "
            "that is "
@@ -137,6 +143,9 @@ std::string FaultOf(const Option& option, const std::string& operand) {
     const bool isNumber = operand.size() < 10 && operand.find_first_not_of("0123456789") == std::string::npos;
     if (option.operand == kSeconds && !isNumber)
         return name + " " + operand + ": expected a number of seconds";
+    const auto dot = operand.find('.');
+    if (option.operand == kOutput && (dot == 0 || dot == std::string::npos || operand.ends_with('.')))
+        return name + " " + operand + ": expected BOX.OUTPUT, such as Noise_3.result";
     const std::string word = isPair ? operand.substr(0, equals) : operand;
     if (option.words.empty()) return {};
     if (option.operand == kExportTarget && equals + 1 == operand.size())
@@ -246,6 +255,8 @@ std::string CommandLine::HelpText() {
            "      checks, renders, then delivers the source\n"
            "  tavrin-batch --set MRAY_OBJECT=torus --save torus.tvn marble.tvn\n"
            "      changes a render option and saves under another name\n"
+           "  tavrin-batch --probe Noise_3.result --render --picture noise.png marble.tvn\n"
+           "      shows what one wire carries\n"
            "  tavrin-batch --describe Marble\n"
            "      tells what an operator does\n"
            "\n"

@@ -38,6 +38,7 @@ class CommandLineDelegate {
     virtual void Add(const std::string& operatorName) = 0;
     virtual void View(const std::string& kind) = 0;
     virtual void Check() = 0;
+    virtual void Probe(const std::string& output) = 0;
 
     // Each replaces everything else.
     virtual void Help() = 0;

@@ -42,6 +42,7 @@ class NotingDelegate : public CommandLineDelegate {
     void Add(const std::string& operatorName) override { calls.push_back("add " + operatorName); }
     void View(const std::string& kind) override { calls.push_back("view " + kind); }
     void Check() override { calls.emplace_back("check"); }
+    void Probe(const std::string& output) override { calls.push_back("probe " + output); }
     void Help() override { calls.emplace_back("help"); }
     void Version() override { calls.emplace_back("version"); }
 
@@ -79,6 +80,17 @@ TEST_F(CommandLineTest, EveryOptionReachesTheDelegateInItsPlace) {
                             "save b.tvn", "list-operators", "describe Noise", "keep-work work", "force",
                             "help", "version"));
     EXPECT_EQ(error, "");
+}
+
+TEST_F(CommandLineTest, AProbeIsAStepAmongTheOthers) {
+    EXPECT_THAT(Parse({"--probe", "Noise_3.result", "--render", "--probe=Mix_4.result", "--view", "source"}),
+                ElementsAre("probe Noise_3.result", "render", "probe Mix_4.result", "view source"));
+    for (const std::string wrong : {"Noise_3", ".result", "Noise_3."}) {
+        EXPECT_EQ(ErrorOf({"--probe", wrong}), "--probe " + wrong +
+                                                   ": expected BOX.OUTPUT, such as Noise_3.result; see "
+                                                   "tavrin-batch --help");
+    }
+    EXPECT_EQ(ErrorOf({"--probe"}), "--probe needs BOX.OUTPUT behind it; see tavrin-batch --help");
 }
 
 TEST_F(CommandLineTest, WhatIsTrustedReachesTheDelegateToo) {

@@ -84,7 +84,7 @@ DeskMenuEntries BoxMenu(const COpBox& box) {
             EditFile()};
 }
 
-DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types) {
+DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types, std::optional<bool> isShown) {
     DeskMenuEntries menu = {
         Item(button.owner->BoxTitleWid() + ": Button " + button.DisplayName(), desk_command::kNone),
         Separator(), ButtonHelp(button)};
@@ -92,6 +92,8 @@ DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types) {
     if (!button.IsOutput() && button.disableargflag == 0 && !button.IsUnknown()) {
         menu.push_back(Checked("Argument", desk_command::kArgument, button.arg != 0));
     }
+    // One that cannot be shown says why when it is chosen.
+    if (button.IsOutput() && isShown) menu.push_back(Checked("Show This", desk_command::kShowThis, *isShown));
     menu.push_back(Separator());
     if (button.kind == ButtonKind::kVinput && !button.IsUnknown()) {
         menu.push_back(Item("Copy Button Above", desk_command::kCopyButtonAbove));
@@ -130,7 +132,10 @@ std::optional<DeskMenuEntries> DeskMenu::Open(DeskPoint at) {
     m_boxSerial = box->Serial();
     m_buttonSerial = button == nullptr ? 0 : button->Serial();
     m_needs.gestures.IgnoreNextMove();
-    return button == nullptr ? BoxMenu(*box) : ButtonMenu(*button, m_needs.types);
+    if (button == nullptr) return BoxMenu(*box);
+    std::optional<bool> isShown;
+    if (m_needs.toggleShown) isShown = m_needs.shownOutput() == button;
+    return ButtonMenu(*button, m_needs.types, isShown);
 }
 
 bool DeskMenu::TargetStands() const {
@@ -145,6 +150,10 @@ void DeskMenu::Choose(int id) {
     COpBox& box = *m_needs.desk.m_mouseBox;
     if (id == desk_command::kEditFile) {
         m_needs.editFile(box.filename);
+        return;
+    }
+    if (id == desk_command::kShowThis) {
+        m_needs.toggleShown(*m_needs.desk.m_mouseButton);  // by which nothing of the document changes
         return;
     }
     if (m_needs.document.lock != 0) return;

@@ -27,6 +27,7 @@ inline constexpr int kDeleteButton = 36869;
 inline constexpr int kDeleteConnections = 36870;
 inline constexpr int kEditFile = 36871;
 inline constexpr int kArgument = 36872;
+inline constexpr int kShowThis = 36873;
 // One for each cast of a button, by its index. Casts beyond the last are not offered.
 inline constexpr int kFirstCast = 53248;
 inline constexpr int kLastCast = 53504;
@@ -47,9 +48,10 @@ struct DeskMenuEntry {
 using DeskMenuEntries = std::vector<DeskMenuEntry>;
 
 // What is offered for a box outside its buttons, and for a button. The texts are copies: boxes may go while a
-// menu is open.
+// menu is open. `isShown` tells of an output whether it stands for the picture; nothing where none can.
 DeskMenuEntries BoxMenu(const COpBox& box);
-DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types);
+DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types,
+                           std::optional<bool> isShown = std::nullopt);
 
 // The lines of the help text of a box or a button. Each CR LF ends a line, a CR or LF alone as well; what
 // ends the last line begins no further one. The empty text has no lines.
@@ -68,6 +70,10 @@ class DeskMenu {
         const TypeTables& types;
         // Opens the file of an operator in the user's editor.
         std::function<void(const std::string& operatorName)> editFile;
+        // Which output stands for the picture, null for none, and lets one do so, or no more. Without them
+        // that is not offered.
+        std::function<const COpButton*()> shownOutput = {};
+        std::function<void(COpButton& output)> toggleShown = {};
     };
     explicit DeskMenu(Needs needs) : m_needs(std::move(needs)) {}
 

@@ -196,6 +196,18 @@ Edit File... 36871
 )");
 }
 
+TEST(ButtonMenuTest, AnOutputCanBeShownWhereThereIsWhoShowsIt) {
+    const auto box = MakeBox("Mix", "input i { float { 0 0 1 0 %g } } output o { float out }", 7);
+    const COpButton& output = *box->outputs.at(0);
+    EXPECT_FALSE(Has(ButtonMenu(output, Types()), "Show This"));
+    EXPECT_FALSE(Has(ButtonMenu(*box->inputs.at(0), Types(), false), "Show This"));
+    EXPECT_THAT(TextOf(ButtonMenu(output, Types(), false)),
+                testing::HasSubstr("  [x] float 53248\n[ ] Show This 36873\n---\n"));
+    EXPECT_THAT(TextOf(ButtonMenu(output, Types(), true)), testing::HasSubstr("[x] Show This 36873\n"));
+    box->placeholder = std::make_shared<const Placeholder>();
+    EXPECT_TRUE(IsEnabled(ButtonMenu(output, Types(), false), "Show This")) << "it says why it cannot";
+}
+
 TEST(ButtonMenuTest, AnInputThatMayBeNoArgumentHasNoSuchEntry) {
     const auto box = MakeLink("a", 1);
     EXPECT_TRUE(Has(ButtonMenu(*box->inputs.at(0), {}), "Argument"));
@@ -313,6 +325,43 @@ class DeskMenuTest : public test::DocumentTest {
     DeskMenu menu{
         {document, desk, gestures, view, types, [this](const std::string& name) { edited.push_back(name); }}};
 };
+
+TEST_F(DeskMenuTest, ShowThisHandsTheOutputOnAndTheOneThatIsShownIsChecked) {
+    COpButton& first = *PutLink(0, 0).outputs[0];
+    COpButton& second = *PutLink(300, 0).outputs[0];
+    const COpButton* shown = nullptr;
+    tavrin::DeskMenu showing{{document, desk, gestures, view, types, [](const std::string&) {},
+                              [&shown] { return shown; }, [&shown](COpButton& output) { shown = &output; }}};
+    EXPECT_FALSE(Find(*showing.Open(On(first)), "Show This")->checked);
+    showing.Choose(desk_command::kShowThis);
+    EXPECT_EQ(shown, &first);
+    EXPECT_TRUE(Find(*showing.Open(On(first)), "Show This")->checked);
+    EXPECT_FALSE(Find(*showing.Open(On(second)), "Show This")->checked);
+    EXPECT_FALSE(Has(*menu.Open(On(first)), "Show This")) << "where nobody shows it";
+    EXPECT_FALSE(document.IsModified());
+}
+
+TEST_F(DeskMenuTest, AnOutputThatGoesWhileItsMenuIsOpenIsNotShown) {
+    COpBox& box = PutLink(0, 0);
+    int shown = 0;
+    tavrin::DeskMenu showing{{document, desk, gestures, view, types, [](const std::string&) {},
+                              [] { return nullptr; }, [&shown](COpButton&) { ++shown; }}};
+    ASSERT_TRUE(showing.Open(On(*box.outputs[0])));
+    desk.DeleteBox(box);
+    showing.Choose(desk_command::kShowThis);
+    EXPECT_EQ(shown, 0);
+}
+
+TEST_F(DeskMenuTest, ADeskThatWasLockedMeanwhileIsShownAllTheSame) {
+    COpBox& box = PutLink(0, 0);
+    int shown = 0;
+    tavrin::DeskMenu showing{{document, desk, gestures, view, types, [](const std::string&) {},
+                              [] { return nullptr; }, [&shown](COpButton&) { ++shown; }}};
+    ASSERT_TRUE(showing.Open(On(*box.outputs[0])));
+    document.lock = 1;
+    showing.Choose(desk_command::kShowThis);
+    EXPECT_EQ(shown, 1);
+}
 
 TEST_F(DeskMenuTest, ThereIsNoMenuForTheEmptyDeskAndNoneForLines) {
     COpBox& from = PutLink(0, 0);

@@ -39,6 +39,7 @@ DeskStyle DeskStyle::Read(const Settings& settings) {
     settings.GetSettingFloat("box.selectedlinewidth", style.selectedBoxWidth);
     ReadColor(settings, "box.hilightedcolor", style.highlightedBox);
     ReadColor(settings, "box.selectedbuttoncolor", style.selectedButton);
+    ReadColor(settings, "desk.probecolor", style.probe);
     settings.GetSettingFloat("box.connectlinewidth", style.connectWidth);
     settings.GetSettingToken("desk.font", style.font);
     ReadLimits(settings, style.zoom);

@@ -43,6 +43,7 @@ struct DeskStyle {
     float selectedBoxWidth = 3;            // of the outline, pixels
     Rgb highlightedBox{1, 1, 1};           // the one chosen in the Box Finder
     Rgb selectedButton{1.0F, 1.0F, 0.7F};  // also a candidate to wire to, and a hot grow arrow
+    Rgb probe{0.1F, 0.55F, 0.95F};         // mark of the output that stands for the picture
     float connectWidth = 3;                // of lines, pixels; also how near a click on one must be
     ZoomLimits zoom;
     std::string font = "Arial";  // face of all texts

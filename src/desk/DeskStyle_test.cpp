@@ -20,6 +20,7 @@ TEST(DeskStyle, StandsWithoutAnySetting) {
     EXPECT_EQ(style.selectedBoxWidth, 3);
     EXPECT_EQ(style.highlightedBox, (Rgb{1, 1, 1}));
     EXPECT_EQ(style.selectedButton, (Rgb{1.0F, 1.0F, 0.7F}));
+    EXPECT_EQ(style.probe, (Rgb{0.1F, 0.55F, 0.95F}));
     EXPECT_EQ(style.connectWidth, 3);
     EXPECT_EQ(style.zoom.least, 0.1F);
     EXPECT_EQ(style.zoom.most, 10);
@@ -39,6 +40,7 @@ TEST(DeskStyle, TakesEachKeyOfTheSite) {
     settings.Store("box.selectedlinewidth", "4.5");
     settings.Store("box.hilightedcolor", "0.8 0 0");
     settings.Store("box.selectedbuttoncolor", "0.9 0 0");
+    settings.Store("desk.probecolor", "0.95 0 0");
     settings.Store("box.connectlinewidth", "2");
     settings.Store("desk.font", "\"DejaVu Sans\" 12");
     settings.Store("desk.zoomminmax", "0.25 8");
@@ -54,6 +56,7 @@ TEST(DeskStyle, TakesEachKeyOfTheSite) {
     EXPECT_EQ(style.selectedBoxWidth, 4.5F);
     EXPECT_EQ(style.highlightedBox.r, 0.8F);
     EXPECT_EQ(style.selectedButton.r, 0.9F);
+    EXPECT_EQ(style.probe.r, 0.95F);
     EXPECT_EQ(style.connectWidth, 2);
     EXPECT_EQ(style.font, "DejaVu Sans");
     EXPECT_EQ(style.zoom.least, 0.25F);

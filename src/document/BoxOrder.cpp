@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The orders in which a document's boxes are walked.
+#include "document/BoxOrder.h"
+
 #include <algorithm>
 #include <unordered_set>
 
@@ -64,16 +66,34 @@ bool FeedsNothing(const COpBox& box) {
 
 }  // namespace
 
-std::vector<COpBox*> CTvDoc::BoxesByTitle() const {
+std::vector<COpBox*> InOrderOfTitles(const std::vector<COpBox*>& boxes) {
     std::vector<std::pair<std::string, COpBox*>> keyed;
-    keyed.reserve(m_boxes.size());
-    for (const auto& box : m_boxes) keyed.emplace_back(ToLower(box->BoxTitleWid()), box.get());
+    keyed.reserve(boxes.size());
+    for (COpBox* box : boxes) keyed.emplace_back(ToLower(box->BoxTitleWid()), box);
     std::stable_sort(keyed.begin(), keyed.end(),
                      [](const auto& left, const auto& right) { return left.first < right.first; });
+    std::vector<COpBox*> ordered;
+    ordered.reserve(keyed.size());
+    for (const auto& [key, box] : keyed) ordered.push_back(box);
+    return ordered;
+}
+
+std::vector<COpButton*> UnconnectedInputs(const std::vector<COpBox*>& boxes) {
+    std::vector<COpButton*> buttons;
+    for (const COpBox* box : boxes) {
+        for (const auto& input : box->inputs) {
+            if (input->IsUnknown()) continue;
+            if (input->Feeder() == nullptr) buttons.push_back(input.get());
+        }
+    }
+    return buttons;
+}
+
+std::vector<COpBox*> CTvDoc::BoxesByTitle() const {
     std::vector<COpBox*> boxes;
-    boxes.reserve(keyed.size());
-    for (const auto& [key, box] : keyed) boxes.push_back(box);
-    return boxes;
+    boxes.reserve(m_boxes.size());
+    for (const auto& box : m_boxes) boxes.push_back(box.get());
+    return InOrderOfTitles(boxes);
 }
 
 std::vector<COpBox*> CTvDoc::OrderBoxes() const {
@@ -86,16 +106,7 @@ std::vector<COpBox*> CTvDoc::OrderBoxes() const {
     return list;
 }
 
-std::vector<COpButton*> CTvDoc::CollectUnconnectedInputs() const {
-    std::vector<COpButton*> buttons;
-    for (const COpBox* box : BoxesByTitle()) {
-        for (const auto& input : box->inputs) {
-            if (input->IsUnknown()) continue;
-            if (input->Feeder() == nullptr) buttons.push_back(input.get());
-        }
-    }
-    return buttons;
-}
+std::vector<COpButton*> CTvDoc::CollectUnconnectedInputs() const { return UnconnectedInputs(BoxesByTitle()); }
 
 bool CTvDoc::BringIntoOrder() {
     const auto isBefore = [](const auto& left, const auto& right) { return left->wid < right->wid; };

@@ -38,6 +38,7 @@ bool FindPath(const OpMenu& menu, uint32_t id, std::vector<std::string>& labels)
 }  // namespace
 
 void COpRegistry::Clear() {
+    ++m_clears;
     m_root.items.clear();
     m_entries.clear();
     m_submenus.clear();

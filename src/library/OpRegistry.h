@@ -48,6 +48,8 @@ class COpRegistry {
     explicit COpRegistry(Report& report) : m_report(report) {}
 
     void Clear();
+    // Grows with each Clear: what was made of operators before may be out of date.
+    uint64_t Clears() const { return m_clears; }
     // Scans a directory into the root menu. Entries are named by four characters that are a sort key and
     // no more, a dot and the operator's name; the first of a name wins, without regard to case. A file with a
     // name that documents cannot hold is left out, which the log tells once in the registry's life.
@@ -83,6 +85,7 @@ class COpRegistry {
     void ForgetFormerNames() const;
 
     Report& m_report;
+    uint64_t m_clears = 0;
     OpMenu m_root;
     std::vector<std::unique_ptr<COpEntry>> m_entries;
     std::vector<std::unique_ptr<OpMenu>> m_submenus;

@@ -43,17 +43,22 @@ void WriteArgument(std::string& text, const COpButton& button, const NameSource&
 
 }  // namespace
 
-std::string WriteArgInfo(const CTvDoc& document, Report& report) {
+std::string WriteArgInfo(const std::string& help, const std::vector<COpButton*>& unconnected,
+                         const PreparedVariables& variables, Report& report) {
     std::string text = "Help\n{\n";
-    for (const std::string& line : HelpLines(document.customshaderhelp))
-        text.append(">").append(line).append("\n");
+    for (const std::string& line : HelpLines(help)) text.append(">").append(line).append("\n");
     text += "}\n\n";
-    const NameSource names{document.preparedVariables, &report};
-    for (const COpButton* button : document.CollectUnconnectedInputs()) {
+    const NameSource names{variables, &report};
+    for (const COpButton* button : unconnected) {
         if (button->arg != 0 && !button->values.empty()) WriteArgument(text, *button, names);
     }
     text += "EndArginfo\n";
     return text;
+}
+
+std::string WriteArgInfo(const CTvDoc& document, Report& report) {
+    return WriteArgInfo(document.customshaderhelp, document.CollectUnconnectedInputs(),
+                        document.preparedVariables, report);
 }
 
 }  // namespace tavrin

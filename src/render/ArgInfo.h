@@ -4,14 +4,21 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace tavrin {
 
+class COpButton;
 class CTvDoc;
+class PreparedVariables;
 class Report;
 
 // The section, from "Help" to "EndArginfo", lines ended by LF. An argument is an unconnected input whose
 // argument flag is set.
 std::string WriteArgInfo(const CTvDoc& document, Report& report);
+
+// The same with these unconnected inputs, in this order, and that help text.
+std::string WriteArgInfo(const std::string& help, const std::vector<COpButton*>& unconnected,
+                         const PreparedVariables& variables, Report& report);
 
 }  // namespace tavrin

@@ -134,6 +134,10 @@ bool ShaderExport::Check(const CExportOptions& options) {
         m_site.report.Alert("desk is empty");
         return false;
     }
+    if (m_session.m_shown == Rendered::kProbe) {
+        m_site.report.Alert("an output that is probed is not exported; export without the probe");
+        return false;
+    }
     return PathsOk(options) && TextsOk(options) && PostSaveOk(options);
 }
 

@@ -2,6 +2,7 @@
 #include "render/ShaderText.h"
 
 #include <unordered_set>
+#include <utility>
 
 #include "codegen/BoxMerge.h"
 #include "document/TvDoc.h"
@@ -59,26 +60,22 @@ void WarnOfClones(const std::vector<COpBox*>& boxes, Report& report) {
     }
 }
 
-// Those in a circle of wires among them.
-void LeaveOutPlaceholders(const CTvDoc& document, std::vector<COpBox*>& ordered, Report& report) {
-    for (const auto& box : document.m_boxes) {
+template <typename Boxes>
+void WarnOfPlaceholders(const Boxes& boxes, Report& report) {
+    for (const auto& box : boxes) {
         if (!box->IsPlaceholder()) continue;
         report.LogLine("WARNING: %s is a placeholder, so no code is generated for it: %s",
                        OneLine(box->BoxTitleWid()).c_str(), OneLine(box->placeholder->reason).c_str());
     }
-    std::erase_if(ordered, [](const COpBox* box) { return box->IsPlaceholder(); });
 }
 
-}  // namespace
-
-ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName, const Site& site,
-                          const CCodeGen& siteCodeGen) {
+// Of boxes of which no more is to be told than that they make no code.
+ShaderText GenerateBoxes(std::vector<COpBox*> boxes, const std::string& help, const std::string& shaderName,
+                         const Site& site, const CCodeGen& siteCodeGen) {
     CCodeGen shader = siteCodeGen;
     shader.SetVariable("_SHADERNAME_", shaderName);
-    AddHelpBanner(shader, document.customshaderhelp);
-    std::vector<COpBox*> boxes = document.OrderBoxes();
-    WarnOfCircles(document, boxes, site.report);
-    LeaveOutPlaceholders(document, boxes, site.report);
+    AddHelpBanner(shader, help);
+    std::erase_if(boxes, [](const COpBox* box) { return box->IsPlaceholder(); });
     WarnOfClones(boxes, site.report);
     ShaderText text;
     // Two passes: the name of a fixed value reads another box's variables.
@@ -92,6 +89,22 @@ ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName,
     shader.WriteCode(text.code);
     shader.WriteHints(text.hints);
     return text;
+}
+
+}  // namespace
+
+ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName, const Site& site,
+                          const CCodeGen& siteCodeGen) {
+    std::vector<COpBox*> boxes = document.OrderBoxes();
+    WarnOfCircles(document, boxes, site.report);
+    WarnOfPlaceholders(document.m_boxes, site.report);  // those in a circle among them
+    return GenerateBoxes(std::move(boxes), document.customshaderhelp, shaderName, site, siteCodeGen);
+}
+
+ShaderText GenerateShader(std::vector<COpBox*> boxes, const std::string& help, const std::string& shaderName,
+                          const Site& site, const CCodeGen& siteCodeGen) {
+    WarnOfPlaceholders(boxes, site.report);
+    return GenerateBoxes(std::move(boxes), help, shaderName, site, siteCodeGen);
 }
 
 }  // namespace tavrin

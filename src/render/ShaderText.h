@@ -10,6 +10,7 @@
 namespace tavrin {
 
 class CCodeGen;
+class COpBox;
 class CTvDoc;
 struct Site;
 
@@ -24,5 +25,9 @@ struct ShaderText {
 // that cannot be formed, and boxes that are left out, are reported; the rest is generated all the same.
 ShaderText GenerateShader(const CTvDoc& document, const std::string& shaderName, const Site& site,
                           const CCodeGen& siteCodeGen);
+
+// The same of these boxes, in this order, with that help text at the shader's head.
+ShaderText GenerateShader(std::vector<COpBox*> boxes, const std::string& help, const std::string& shaderName,
+                          const Site& site, const CCodeGen& siteCodeGen);
 
 }  // namespace tavrin

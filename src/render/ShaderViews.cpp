@@ -2,7 +2,6 @@
 #include "render/ShaderViews.h"
 
 #include "base/Files.h"
-#include "render/ArgInfo.h"
 #include "render/FilterScript.h"
 #include "render/RenderSession.h"
 #include "site/Site.h"
@@ -34,7 +33,7 @@ std::optional<std::string> ShaderViews::ViewShaderInterface() {
     if (!m_session.SaveShader()) return std::nullopt;
     const std::string argInfo = m_site.WorkPath(kArgInfo);
     std::string error;
-    if (!m_site.WriteWorkFile(kArgInfo, WriteArgInfo(m_document, m_site.report), error)) {
+    if (!m_site.WriteWorkFile(kArgInfo, m_session.ArgInfo(), error)) {
         m_site.report.Alert("unable to open %s for writing", argInfo.c_str());
         return std::nullopt;
     }

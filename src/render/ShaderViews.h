@@ -7,7 +7,6 @@
 
 namespace tavrin {
 
-class CTvDoc;
 class RenderSession;
 struct Site;
 
@@ -15,8 +14,7 @@ struct Site;
 // which has been reported. The two interface views share one file.
 class ShaderViews {
   public:
-    ShaderViews(CTvDoc& document, Site& site, RenderSession& session)
-        : m_document(document), m_site(site), m_session(session) {}
+    ShaderViews(Site& site, RenderSession& session) : m_site(site), m_session(session) {}
 
     std::optional<std::string> ViewShaderSource();
     std::optional<std::string> ViewRenderInterface();
@@ -25,7 +23,6 @@ class ShaderViews {
   private:
     int RunTool(const std::string& input, const std::string& tool, const std::string& output);
 
-    CTvDoc& m_document;
     Site& m_site;
     RenderSession& m_session;
 };

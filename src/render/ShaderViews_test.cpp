@@ -57,7 +57,7 @@ class ShaderViewsTest : public test::DocumentTest {
     Site& site = host.GetSite();
     CCodeGen siteCodeGen;
     RenderSession session{document, site, siteCodeGen};
-    ShaderViews views{document, site, session};
+    ShaderViews views{site, session};
 };
 
 TEST_F(ShaderViewsTest, TheSourceIsWhatTheFilterScriptWrote) {

@@ -18,9 +18,10 @@ namespace tavrin {
 namespace {
 
 // What waits for the user on the desk.
-QString HintOf(const COpDesk& desk, const DeskGestures& gestures) {
+QString HintOf(const COpDesk& desk, const DeskGestures& gestures, const Probe& probe) {
     if (!desk.m_pendingBoxes.empty()) return "Click to drop, Delete to throw away";
-    if (desk.m_selectedButton == nullptr) return {};
+    if (desk.m_selectedButton == nullptr)
+        return probe.Output() == nullptr ? QString() : "Showing " + Shown(probe.Name()) + ", Esc ends it";
     const bool isDrawn = gestures.Current() == DeskGestures::Kind::kWiring;
     return isDrawn ? "Release on a button to wire it" : "Click a button to wire it, the desk to let go";
 }
@@ -40,7 +41,7 @@ bool DeskWork::HasBoxes() const { return !m_needs.work.document.m_boxes.empty();
 
 void DeskWork::UpdateHints() {
     DeskGestures& gestures = m_needs.desk.Gestures();
-    m_needs.statusBox.SetHint(HintOf(m_needs.work.desk, gestures));
+    m_needs.statusBox.SetHint(HintOf(m_needs.work.desk, gestures, m_needs.work.probe));
     // Unless something else is shown by now.
     const auto stale = gestures.TakeStaleHelp();
     if (stale && m_needs.statusBox.Shows(*stale)) m_needs.statusBox.SetStatus(kDeskHint);

@@ -86,6 +86,7 @@ void OperatorWork::Reload() {
     if (revived > 0) status += "; placeholders that are real boxes again: " + std::to_string(revived);
     m_needs.statusBox.SetStatus(status);
     m_needs.reloaded();
+    m_needs.work.probe.OperatorsReloaded();
 }
 
 void OperatorWork::Customize() {

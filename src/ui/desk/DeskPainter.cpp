@@ -44,6 +44,7 @@ void DeskPainter::Paint(const Extras& extras) {
     if (!linesOver) PaintAllLines();
     PaintAllBoxes(extras.highlightedBox);
     if (linesOver) PaintAllLines();
+    if (extras.shownOutput != nullptr) PaintProbe(*extras.shownOutput);
     PaintGesture();
     if (m_parts.document.lock != 0) PaintVeil();
     m_pen.End();

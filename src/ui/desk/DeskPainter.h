@@ -14,7 +14,7 @@ namespace tavrin {
 
 // Made for one paint by the desk's pane, which has laid out the boxes and made the context current. Looks at
 // the network and changes nothing. What is out of view costs a comparison of rectangles.
-// Boxes are painted in DeskPainterBoxes.cpp.
+// Boxes are painted in DeskPainterBoxes.cpp, the mark of what stands for the picture in DeskPainterProbe.cpp.
 class DeskPainter {
   public:
     // All outlive it.
@@ -32,6 +32,7 @@ class DeskPainter {
         std::string highlightedBox;            // title and number; empty for none
         const CSgiImage* wallpaper = nullptr;  // none if it is not shown
         bool tileWallpaper = false;
+        const COpButton* shownOutput = nullptr;  // stands for the picture; none otherwise
     };
     void Paint(const Extras& extras);
 
@@ -54,6 +55,9 @@ class DeskPainter {
     void PaintButtons(const COpBox& box, bool outputs, const Rgb& color);
     void PaintMarks(const COpButton& button, const DeskRect& row);
     void PaintSelection(const DeskRect& rect);
+    void PaintFrame(const DeskRect& rect, float width, const Rgb& color);
+    void PaintProbe(const COpButton& output);
+    void PaintEye(DeskPoint middle, float scale);
     void PaintGrowArrows(const COpBox& box, const Rgb& color);
     bool IsButtonLit(const COpButton& button) const;
 

@@ -163,15 +163,18 @@ void DeskPainter::PaintMarks(const COpButton& button, const DeskRect& row) {
     }
 }
 
+// Above the marks beside the box.
 void DeskPainter::PaintSelection(const DeskRect& rect) {
-    const float width = m_parts.style.selectedBoxWidth * m_pen.Pixel();
+    PaintFrame(rect, m_parts.style.selectedBoxWidth * m_pen.Pixel(), m_parts.style.selectedBox);
+}
+
+void DeskPainter::PaintFrame(const DeskRect& rect, float width, const Rgb& color) {
     const DeskRect outer = rect.GrownBy(width);
     const std::array edges{DeskRect{outer.left, outer.bottom, width, outer.height},
                            DeskRect{rect.Right(), outer.bottom, width, outer.height},
                            DeskRect{rect.left, outer.bottom, rect.width, width},
                            DeskRect{rect.left, rect.Top(), rect.width, width}};
-    // Above the marks beside the box.
-    for (const DeskRect& edge : edges) m_pen.Polygon(edge.Corners(), m_parts.style.selectedBox);
+    for (const DeskRect& edge : edges) m_pen.Polygon(edge.Corners(), color);
 }
 
 void DeskPainter::PaintGrowArrows(const COpBox& box, const Rgb& color) {

@@ -75,7 +75,8 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
                   QTimer::singleShot(0, this, [this, message] { m_needs.fail(message, kNoFontStatus); });
               }),
       m_gestures({document, desk, m_view, *this, site.report, m_style.connectWidth, m_needs.showStatus}),
-      m_menu({document, desk, m_gestures, *this, site.types, m_needs.editFile}),
+      m_menu({document, desk, m_gestures, *this, site.types, m_needs.editFile, m_needs.shownOutput,
+              m_needs.toggleShown}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
       m_parts{document, desk, m_gestures, m_style, m_icons},
       m_widget(new DeskWidget(this, m_gestures,
@@ -229,7 +230,8 @@ void DeskPane::Paint() {
     m_gestures.UpdateGrowArrows();
     DeskPen& pen = m_plain || !m_canBatch ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
     DeskPainter(m_parts, pen)
-        .Paint({m_needs.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper});
+        .Paint({m_needs.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper,
+                m_needs.shownOutput ? m_needs.shownOutput() : nullptr});
     m_layoutDirty = false;
     m_lastZoom = m_view.Zoom();
 }

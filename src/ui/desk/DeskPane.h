@@ -34,6 +34,10 @@ class DeskPane : public QWidget, private DeskView {
         std::function<void(const std::string&, int)> fail;
         // Opens the file of an operator for editing.
         std::function<void(const std::string&)> editFile = {};
+        // Which output stands for the picture, null for none, and lets one do so, or no more. Without them no
+        // menu offers that.
+        std::function<const COpButton*()> shownOutput = {};
+        std::function<void(COpButton&)> toggleShown = {};
     };
     DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Needs needs);
     ~DeskPane() override;

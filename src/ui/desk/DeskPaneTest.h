@@ -51,10 +51,10 @@ class DeskPaneTest : public DocumentTest {
     void MakePane() {
         pane = std::make_unique<tavrin::DeskPane>(
             nullptr, document, desk, host.GetSite(),
-            tavrin::DeskPane::Needs{[this] { return highlighted; },
-                                    [this](const std::string& text) { status = text; },
-                                    [](const std::string& text, int) { ADD_FAILURE() << text; },
-                                    [this](const std::string& name) { edited.push_back(name); }});
+            tavrin::DeskPane::Needs{
+                [this] { return highlighted; }, [this](const std::string& text) { status = text; },
+                [](const std::string& text, int) { ADD_FAILURE() << text; },
+                [this](const std::string& name) { edited.push_back(name); }, [this] { return shown; }});
     }
     void Show() {
         MakePane();
@@ -144,6 +144,7 @@ class DeskPaneTest : public DocumentTest {
     Edits::Subscription listener = document.edits.Observe([this](const Change&) { ++changes; });
     std::unique_ptr<tavrin::DeskPane> pane;
     std::string highlighted;
+    const COpButton* shown = nullptr;  // the output that stands for the picture
     std::string status;
     std::vector<std::string> edited;  // operators whose files were to be opened
     int changes = 0;
