@@ -32,10 +32,13 @@ is($err, '', 'all operators are described');
 
 # [operator, [name, casts...]...]: the outputs in their order.
 my (@described, $button);
+my %vinputs;    # by operator, as a document has them: those that it does not name are none
 for my $line (split /\n/, $out) {
 	if ($line =~ /^(input|vinput|output) (\w+)$/) {
 		$button = $1 eq 'output' ? [$2] : undef;
 		push @{ $described[-1] }, $button if $button;
+		$vinputs{ $described[-1][0] } .= "opbutton.vinput " . ($2 =~ s/\d+\z//r)
+			. " $2 { x { currentcast rgba wwms { } } }\n" if $1 eq 'vinput';
 	} elsif ($line =~ /^\S/) {
 		push @described, [$line];
 		$button = undef;
@@ -56,7 +59,7 @@ for my $operator (@described) {
 		$wid++;
 		my $buttons = join '', map { "opbutton.output $_->[0] $_->[0] { x { currentcast "
 			. ($_->[$cast] // $_->[1]) . " wwms { } } }\n" } @outputs;
-		push @boxes, "opbox { filename $name wid $wid\n$buttons}\n";
+		push @boxes, "opbox { filename $name wid $wid\n" . ($vinputs{$name} // '') . "$buttons}\n";
 		for my $output (grep { $_->[$cast] } @outputs) {
 			push @words, '--probe', "${name}_$wid.$output->[0]", '--view', 'source';
 			push @wanted, [$name, $output->[0], $output->[$cast]];
