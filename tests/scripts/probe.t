@@ -35,10 +35,11 @@ my (@described, $button);
 my %vinputs;    # by operator, as a document has them: those that it does not name are none
 for my $line (split /\n/, $out) {
 	if ($line =~ /^(input|vinput|output) (\w+)$/) {
-		$button = $1 eq 'output' ? [$2] : undef;
+		my ($kind, $shown) = ($1, $2);
+		$button = $kind eq 'output' ? [$shown] : undef;
 		push @{ $described[-1] }, $button if $button;
-		$vinputs{ $described[-1][0] } .= "opbutton.vinput " . ($2 =~ s/\d+\z//r)
-			. " $2 { x { currentcast rgba wwms { } } }\n" if $1 eq 'vinput';
+		$vinputs{ $described[-1][0] } .= "opbutton.vinput " . ($shown =~ s/\d+\z//r)
+			. " $shown { x { currentcast rgba wwms { } } }\n" if $kind eq 'vinput';
 	} elsif ($line =~ /^\S/) {
 		push @described, [$line];
 		$button = undef;
