@@ -84,7 +84,8 @@ TEST_F(TvAppTrustTest, CommandsWaitForTheUsersWord) {
     ASSERT_NE(waiting, nullptr);
     EXPECT_EQ(waiting->path, Here() + "/tavrn.def");
     EXPECT_THAT(waiting->Lines(), ElementsAre("editorcmd \"gedit --wait\"", "sourcecodeprefilter /odd/filter",
-                                              "livecommand /odd/live fast", "postsavescript publish all", "button Publish: publish.sh"));
+                                              "livecommand /odd/live fast", "postsavescript publish all",
+                                              "button Publish: publish.sh"));
     app->AnswerForCommands(true);
     ExpectInForce(true);
     EXPECT_EQ(app->WaitingCommands(), nullptr);

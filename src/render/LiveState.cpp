@@ -36,10 +36,11 @@ bool LiveStates::Write(const WorkFiles& files, const std::string& name, LiveStat
     if (!Make(m_site.WorkPath(kLiveDirectory), error) || !Make(state.directory, error)) return false;
     m_known.push_back({state.id});
     const std::string below = JoinPath(kLiveDirectory, std::to_string(state.id));
-    const std::pair<const char*, const std::string&> all[] = {{"codegenfile", files.code},
-                                                              {"hintfile", files.hints},
-                                                              {"render_options", files.options},
-                                                              {"name", name + "\n"}};
+    const std::string nameLine = name + "\n";
+    const std::pair<const char*, std::string_view> all[] = {{"codegenfile", files.code},
+                                                            {"hintfile", files.hints},
+                                                            {"render_options", files.options},
+                                                            {"name", nameLine}};
     for (const auto& [file, text] : all) {
         if (m_site.WriteWorkFile(JoinPath(below, file), text, error)) continue;
         error = JoinPath(state.directory, file) + ": " + error;

@@ -276,7 +276,8 @@ TEST_F(LineChildTest, OneThatDoesNotReadDoesNotHoldUsUpEither) {
 // How it goes
 
 TEST_F(LineChildTest, LettingItGoEndsItsInput) {
-    Start("cat > /dev/null; echo end > " + directory / "asked" + "\n");
+    Start("echo ready; cat > /dev/null; echo end > " + directory / "asked" + "\n");
+    ASSERT_TRUE(PumpToLines(1));
     m_child.reset();
     EXPECT_TRUE(PumpUntilNothingIsLeft());
     EXPECT_TRUE(fs::exists(directory / "asked"));

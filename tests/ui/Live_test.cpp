@@ -57,7 +57,7 @@ while (my $dir = <STDIN>) {
     while (-e "$base/hold") { select undef, undef, undef, 0.01; }
     open my $in, '<', "$dir/codegenfile" or die;
     open my $out, '>', "$dir/picture.png" or die;
-    print $out <$in>;
+    print $out join("", <$in>);
     close $out;
     print "picture $dir/picture.png\n";
 }
@@ -118,7 +118,7 @@ class LiveTest : public test::FrameTest {
     }
     void SwitchOnWithPicture() {
         SwitchOn();
-        ASSERT_TRUE(WaitForPictures(1));
+        ASSERT_TRUE(WaitForPictures(1)) << (troubles.empty() ? "" : troubles.back()) << Log();
     }
     bool WaitForPictures(size_t count) {
         return WaitUntil([&] { return pictures.size() >= count; });
@@ -254,11 +254,7 @@ TEST_F(LiveTest, AWireThatIsMadeAndItsUndoAreSeen) {
     Desk().DropPending();
     COpBox& left = *Document().m_boxes.front();
     COpBox& right = *Document().m_boxes.back();
-    {
-        const EditScope edit(Document(), "Move");
-        Document().edits.BoxMoved(right);
-        right.xypos[0] = left.xypos[0] + 300;
-    }
+    Desk().MoveBox(right, 300, 0);
     Do(CommandId::kFitToWindow);
     Settle();
     SwitchOnWithPicture();
@@ -411,10 +407,11 @@ TEST_F(LiveTest, ALibraryWithoutALiveCommandIsRenderedByItsScripts) {
     std::string site = ReadFile(directory / "tavrin/tiny/tavrn.def");
     directory.Write("tavrin/tiny/tavrn.def", site.substr(0, site.find("livecommand")));
     fs::permissions(
-        directory.Write("tavrin/tiny/bin/renderit",
-                        "#!/usr/bin/perl\nmy ($name, $number) = @ARGV;\nmy $work = $ENV{TAVRN_WORKDIR};\n"
-                        "open my $in, '<', \"$work/$name\" or die;\n"
-                        "open my $out, '>', \"$work/$number/$name.ppm\" or die;\nprint $out <$in>;\n"),
+        directory.Write(
+            "tavrin/tiny/bin/renderit",
+            "#!/usr/bin/perl\nmy ($name, $number) = @ARGV;\nmy $work = $ENV{TAVRN_WORKDIR};\n"
+            "open my $in, '<', \"$work/$name\" or die;\n"
+            "open my $out, '>', \"$work/$number/$name.ppm\" or die;\nprint $out join(\"\", <$in>);\n"),
         fs::perms::owner_all);
     StartWithKnob();
     SwitchOnWithPicture();

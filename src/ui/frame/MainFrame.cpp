@@ -43,7 +43,7 @@ namespace tavrin {
 
 namespace {
 
-constexpr QSize kFirstSize(1280, 860);  // of a frame that was never placed
+constexpr QSize kFirstSize(1320, 860);  // of a frame that was never placed
 constexpr QSize kWindowBorder(16, 48);  // room for what the window manager draws round it
 constexpr int kToolIcon = 20;           // pixels a side
 constexpr int kTimeToRead = 10;         // seconds, of a warning
