@@ -100,11 +100,11 @@ subtest 'the form is in good order' => sub {
 };
 
 subtest 'the texts tell the options' => sub {
-	my $renderit = get("$root/installation/mray/bin/renderit");
-	my ($table) = $renderit =~ /^my %options = \((.*?)^\);/ms;
+	my $module = get("$root/installation/mray/bin/MrayOptions.pm");
+	my ($table) = $module =~ /^my %defaults = \((.*?)^\);/ms;
 	my %known = $table =~ /^\s+(MRAY_\w+)\s+=> '(.*)',$/mg;
 	is(join(' ', sort keys %known), join(' ', grep { /^MRAY_/ } sort keys %options),
-		'those of the form are those of renderit');
+		'those of the form are those of the scripts');
 	is($known{$_}, $options{$_}{value} =~ s/\.0$//r, "with the same default of $_") for sort keys %known;
 	my %told = map { $_ => 1 } map { /`(\w+)`/g } get("$root/docs/library.md") =~ /^\| (`(?:MRAY|TAVRN)_.*?) \|/mg;
 	is(join(' ', grep { !$told{$_} } sort keys %options), '', 'and are told in the manual');
