@@ -427,6 +427,9 @@ TEST_F(LiveTest, AnOutputThatIsShownIsFollowedAlsoWhileLiveIsOff) {
     AddBoxes(1, "Paint");
     directory.Write("tavrin/tiny/probe/float.tvn", Document().Store());
     StartWithKnob();
+    Frame().Desk().LayoutAll();
+    Do(CommandId::kFitToWindow);
+    Settle();
     test::DeskPointer pointer(Frame());
     pointer.ChooseAt(pointer.Of(*Document().m_boxes.front(), "result"), {"Show This"});
     ASSERT_TRUE(WaitForPictures(1)) << Log();
