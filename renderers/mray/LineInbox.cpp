@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <stdexcept>
 
@@ -27,10 +28,19 @@ std::optional<std::string> LineInbox::wait() {
     }
 }
 
-bool LineInbox::hasLine() {
-    pollfd state{descriptor_, POLLIN, 0};
-    if (text_.size() <= kLongestLine && poll(&state, 1, 0) > 0) {
-        read();
+bool LineInbox::hasLine(std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    while (text_.find('\n') == std::string::npos && text_.size() <= kLongestLine) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        pollfd state{descriptor_, POLLIN, 0};
+        const int count = poll(&state, 1, std::max(static_cast<int>(left.count()), 0));
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0 || !read()) {
+            break;
+        }
     }
     return text_.find('\n') != std::string::npos;
 }

@@ -3,6 +3,7 @@
 // without waiting for it.
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -19,8 +20,8 @@ class LineInbox {
     // was cut is none.  Throws std::runtime_error for a line that is too long.
     std::optional<std::string> wait();
 
-    // Whether a whole line is there already.
-    bool hasLine();
+    // Whether a whole line is there already, or comes within that time.
+    bool hasLine(std::chrono::milliseconds time = std::chrono::milliseconds(0));
 
   private:
     // Takes in what there is; false at the end.

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <thread>
+
 namespace tavrin::mray {
 namespace {
 
@@ -51,6 +53,22 @@ TEST_F(LineInboxTest, TellsOfALineWithoutWaiting) {
     EXPECT_FALSE(inbox.hasLine());
     finish();
     EXPECT_FALSE(inbox.hasLine());
+}
+
+TEST_F(LineInboxTest, WaitsForALineSoLongAsItMay) {
+    LineInbox inbox(ends_[0]);
+    EXPECT_FALSE(inbox.hasLine(std::chrono::milliseconds(1)));
+    std::thread hand([this] {
+        send("he");
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        send("re\n");
+    });
+    EXPECT_TRUE(inbox.hasLine(std::chrono::minutes(1)));
+    hand.join();
+    EXPECT_TRUE(inbox.hasLine(std::chrono::minutes(1)));
+    EXPECT_EQ(inbox.wait(), "here");
+    finish();
+    EXPECT_FALSE(inbox.hasLine(std::chrono::minutes(1))) << "nothing comes behind the end";
 }
 
 TEST_F(LineInboxTest, ALineWithoutAnEndIsRefused) {

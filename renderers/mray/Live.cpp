@@ -36,7 +36,7 @@ class Answers : public LiveListener {
             answer("alive", id_);
         }
     }
-    bool isOutdated() override { return inbox_.hasLine(); }
+    bool isOutdated(std::chrono::milliseconds within) override { return inbox_.hasLine(within); }
 
   private:
     const std::string& id_;

@@ -2,6 +2,7 @@
 #include "LivePictures.h"
 
 #include <chrono>
+#include <utility>
 
 #include "Heartbeat.h"
 #include "InputFiles.h"
@@ -25,6 +26,10 @@ constexpr double kShowAgain = 700'000;  // microseconds
 constexpr double kWritingShare = 10;    // and not more than this part of the time goes to that
 
 constexpr std::chrono::milliseconds kBeat{500};
+// Requests that come so fast are those of a hand that moves: what is fine then waits a while for the next
+// one, and leaves the machine to the hand.
+constexpr std::chrono::milliseconds kBusy{150};
+constexpr std::chrono::milliseconds kRest{50};
 
 using Clock = std::chrono::steady_clock;
 
@@ -42,6 +47,8 @@ LivePictures::LivePictures(const Gl& gl)
 
 bool LivePictures::draw(const Options& options, LiveListener& listener, Report& report) {
     report.checkStop();
+    const Clock::time_point now = Clock::now();
+    const bool isHandBusy = now - std::exchange(begun_, now) < kBusy;
     strange_ = 0;
     const std::vector<float> values =
         options.values.empty() ? std::vector<float>() : readValues(options.values);
@@ -56,6 +63,9 @@ bool LivePictures::draw(const Options& options, LiveListener& listener, Report& 
     const Fineness first = firstFineness(options, pace);
     if (!options.coarse.empty() && first != Fineness{1, options.samples}) {
         drawCoarse(work, first);
+        if (isHandBusy && listener.isOutdated(kRest)) {
+            return false;
+        }
     }
     return drawFine(work);
 }
@@ -110,7 +120,7 @@ bool LivePictures::drawFine(Work& work) {
     for (const Area& tile : makeTiles(options.width, options.height, grid,
                                       std::clamp(samples, kFewestSamples, kMostSamples), kTileRows)) {
         work.report.checkStop();
-        if (!work.shown.empty() && work.listener.isOutdated()) {
+        if (!work.shown.empty() && work.listener.isOutdated(std::chrono::milliseconds(0))) {
             return false;
         }
         drawTile(work, camera, tile, grid, film);

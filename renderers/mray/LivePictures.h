@@ -3,6 +3,8 @@
 // later one may have a use for.
 #pragma once
 
+#include <chrono>
+
 #include "Coarse.h"
 #include "LiveScene.h"
 #include "Painter.h"
@@ -21,8 +23,8 @@ class LiveListener {
     // The work goes on: called after each step of it, and now and then while the driver
     // compiles, by another thread.
     virtual void onStep() = 0;
-    // Whether the picture is wanted no more.
-    virtual bool isOutdated() = 0;
+    // Whether the picture is wanted no more, or will not be within that time.
+    virtual bool isOutdated(std::chrono::milliseconds within) = 0;
 };
 
 class LivePictures {
@@ -76,6 +78,7 @@ class LivePictures {
     std::vector<float> samples_;
     double pace_;
     long strange_ = 0;
+    std::chrono::steady_clock::time_point begun_{};  // the request before
 };
 
 }  // namespace tavrin::mray

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A child that stays and is spoken to in lines.
+// A child that stays and is spoken to in lines. It runs at a lower priority than the program.
 #pragma once
 
 #include <chrono>

@@ -3,7 +3,9 @@
 #include "site/LineChild.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -86,6 +88,14 @@ TEST_F(LineChildTest, ItGetsTheEnvironmentOfAllChildrenAndItsOwn) {
     });
     EXPECT_EQ(PumpToEnd(), "it ended with status 0");
     EXPECT_THAT(m_lines, ElementsAre("for all, its own, " + work + "/kill"));
+}
+
+TEST_F(LineChildTest, ItGivesWayToTheProgram) {
+    Start("read -r line; nice\n");
+    m_child->Send("go on");
+    EXPECT_EQ(PumpToEnd(), "it ended with status 0");
+    const int own = ::getpriority(PRIO_PROCESS, 0);
+    EXPECT_THAT(m_lines, ElementsAre(std::to_string(std::min(own + 5, 19))));
 }
 
 TEST_F(LineChildTest, ALineMayComeInPiecesAndTheLastOneWithoutItsEnd) {

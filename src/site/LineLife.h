@@ -58,6 +58,7 @@ class LineLife : public std::enable_shared_from_this<LineLife> {
 
     void Live();
     bool Start(std::string& why);
+    void GiveWay() const;
     bool OpenStreams(SpawnRequest& request, std::vector<FileDescriptor>& childEnds);
     // Each tells why the child is to be ended, if it is.
     std::optional<std::string> Attend();
