@@ -199,6 +199,7 @@ bool SiteFileReader::ReadShaderIface() {
 
 bool SiteFileReader::ReadCodeGen(const std::string& keyword) {
     std::string errorText;
+    m_targets.codeGen.ReadFrom(m_archive.Path());
     if (m_targets.codeGen.ParseClause(m_archive, keyword, m_site.directories.libDir, errorText)) return true;
     m_report.AlertAt(m_archive, "%s", errorText.c_str());
     return false;

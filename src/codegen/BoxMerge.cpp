@@ -5,12 +5,13 @@ namespace tavrin {
 
 CMex& BoxMerge::Start(const CCodeGen& box) {
     m_box = &box;
+    ++m_place;
     m_mex.ClearVariables();
     m_mex.Tokens() = box.Mex().Tokens();
     return m_mex;
 }
 
-void BoxMerge::Merge(const std::vector<std::string>& declarations) {
+void BoxMerge::Merge(const std::vector<Declaration>& declarations) {
     m_mex.m_state = CMex::kPlain;
     const auto expand = [this](std::string_view text) {
         constexpr size_t kGrowth = 32;  // names of variables are longer than those of buttons
@@ -25,11 +26,14 @@ void BoxMerge::Merge(const std::vector<std::string>& declarations) {
         const bool expands = CCodeGen::TakesBoxVariables(block);
         for (size_t i = 0; i < lines.Size(); ++i) {
             const CodeLine& line = lines.Line(i);
-            m_shader.AddLine(block, line.kind, expands ? expand(line.text) : line.text);
+            m_shader.AddLine(block, line.kind, expands ? expand(line.text) : line.text,
+                             {m_place, line.origin.source});
         }
         if (block != CCodeGen::kMainHeader) continue;
-        for (const std::string& declaration : declarations)
-            m_shader.AddLine(block, LineKind::kAppend, expand(declaration));
+        for (const Declaration& declaration : declarations) {
+            m_shader.AddLine(block, LineKind::kAppend, expand(declaration.text),
+                             Generated(declaration.output));
+        }
     }
 }
 

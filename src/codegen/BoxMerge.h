@@ -19,18 +19,28 @@ class BoxMerge {
 
     CCodeGen& Shader() { return m_shader; }
 
-    // Starts with a box: an expander without variables, for those of this one. It is good until the next
-    // start, and `box` is to stay for as long.
+    // The line that declares an output, which is the Nth of its box, counted from 1.
+    struct Declaration {
+        std::string text;
+        size_t output = 0;
+    };
+
+    // Starts with the next box of the order: an expander without variables, for those of this one. It is good
+    // until the next start, and `box` is to stay for as long.
     CMex& Start(const CCodeGen& box);
 
     // After a start: does what ExpandAll("all") with those variables on a copy of the box, that also has the
     // lines `declarations` at the end of "main-header", and Merge of the copy would do.
-    void Merge(const std::vector<std::string>& declarations);
+    void Merge(const std::vector<Declaration>& declarations);
+
+    // Where a line comes from that the generation itself writes for the box.
+    LineOrigin Generated(size_t line) const { return {m_place, LineSource(LineSource::kGenerated, line)}; }
 
   private:
     CCodeGen& m_shader;
     const CCodeGen* m_box = nullptr;
-    CMex m_mex;  // kept from box to box for its memory
+    uint32_t m_place = 0;  // of the box in the order of generation
+    CMex m_mex;            // kept from box to box for its memory
 };
 
 }  // namespace tavrin

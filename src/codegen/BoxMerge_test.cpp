@@ -22,11 +22,11 @@ constexpr auto kBody = CCodeGen::kMainBody;
 
 // What the steps one by one give: a copy with the declarations is expanded and then merged.
 void MergeStepByStep(CCodeGen& shader, const CCodeGen& box, const CMex& expander,
-                     const std::vector<std::string>& declarations) {
+                     const std::vector<BoxMerge::Declaration>& declarations) {
     TestSite site;
     CCodeGen copy = box;
     copy.Mex() = expander;
-    for (const std::string& line : declarations) copy.AddLine("main-header", "append", line);
+    for (const BoxMerge::Declaration& line : declarations) copy.AddLine("main-header", "append", line.text);
     copy.ExpandAll("all", site.report);
     shader.Merge(copy);
 }
@@ -41,7 +41,7 @@ TEST(BoxMerge, DeclarationsFollowTheBoxsHeader) {
     shader.AddLine("main-header", "append", "in shader");
     BoxMerge merge(shader);
     merge.Start(box).SetVariable("in", "v");
-    merge.Merge({"float in;", "color out;"});
+    merge.Merge({{"float in;", 1}, {"color out;", 2}});
     EXPECT_THAT(Everything(shader),
                 ElementsAre("5/1/v first", "5/0/in shader", "5/0/v header", "5/0/float v;", "5/0/color out;",
                             "6/0/v body", "7/0/in close"));
@@ -118,8 +118,8 @@ TEST_P(BoxMergeEquals, ExpandingACopyAndMergingIt) {
             expander.SetVariable("x", std::to_string(box));
             expander.SetVariable("x", "later");
             expander.SetVariable("y", text());
-            std::vector<std::string> declarations;
-            for (size_t i = random() % 4; i > 0; --i) declarations.push_back(text());
+            std::vector<BoxMerge::Declaration> declarations;
+            for (size_t i = random() % 4; i > 0; --i) declarations.push_back({text(), i});
             MergeStepByStep(second, codegen, expander, declarations);
             merge.Merge(declarations);
         }

@@ -38,11 +38,24 @@ void CCodeGen::AddLine(std::string_view block, std::string_view modeText, std::s
     AddLineCoded(block, ModeCode(modeText), std::move(text));
 }
 
-void CCodeGen::AddLineCoded(std::string_view block, int code, std::string text) {
+void CCodeGen::AddLineCoded(std::string_view block, int code, std::string text, LineSource source) {
     const BlockId id = FindBlock(block);
     constexpr int kKnownCodes = 6;  // three words, and the same three with a file
     if (id == kNoBlock || code < 0 || code >= kKnownCodes) return;
-    AddLine(id, static_cast<LineKind>(code % 3), std::move(text));
+    AddLine(id, static_cast<LineKind>(code % 3), std::move(text), {0, source});
+}
+
+uint32_t CCodeGen::NumberOf(const std::string& path) {
+    const auto known = std::find(m_files.begin(), m_files.end(), path);
+    const auto index = static_cast<size_t>(known - m_files.begin());
+    if (index + LineSource::kFirstFile >= LineSource::kGenerated) return LineSource::kUnknown;
+    if (known == m_files.end()) m_files.push_back(path);
+    return static_cast<uint32_t>(index + LineSource::kFirstFile);
+}
+
+std::string CCodeGen::FileOf(LineSource source) const {
+    const size_t index = source.File() - LineSource::kFirstFile;
+    return source.File() >= LineSource::kFirstFile && index < m_files.size() ? m_files[index] : std::string();
 }
 
 void CCodeGen::ExpandAll(std::string_view blockName, Report& report) {
@@ -66,7 +79,10 @@ void CCodeGen::ExpandAll(std::string_view blockName, Report& report) {
 void CCodeGen::Merge(const CCodeGen& other) {
     for (size_t block = 0; block < kBlockCount; ++block) {
         const CodeBlock& lines = other.m_blocks[block];
-        for (size_t i = 0; i < lines.Size(); ++i) m_blocks[block].Add(lines.Line(i).kind, lines.Line(i).text);
+        for (size_t i = 0; i < lines.Size(); ++i) {
+            const CodeLine& line = lines.Line(i);
+            m_blocks[block].Add(line.kind, line.text, line.origin);
+        }
     }
 }
 
@@ -80,10 +96,14 @@ bool CCodeGen::MakeComment(std::string_view text, std::string& result) const {
     return !result.empty();
 }
 
-void CCodeGen::WriteCode(std::vector<std::string>& lines) {
+void CCodeGen::WriteCode(std::vector<std::string>& lines, Origins* origins) {
     size_t count = 0;
     for (size_t block = kGlobalOpen; block <= kGlobalClose; ++block) count += m_blocks[block].Size();
     lines.reserve(lines.size() + count);
+    if (origins != nullptr) {
+        *origins = {};
+        origins->lines.reserve(count);
+    }
     m_mex.BeginLines();
     std::string line;
     int depth = 0;
@@ -95,13 +115,22 @@ void CCodeGen::WriteCode(std::vector<std::string>& lines) {
     };
     for (size_t block = kGlobalOpen; block <= kGlobalClose; ++block) {
         for (size_t i = 0; i < m_blocks[block].Size(); ++i) {
-            const std::string_view text = Trim(m_blocks[block].Line(i).text);
+            const CodeLine& from = m_blocks[block].Line(i);
+            const std::string_view text = Trim(from.text);
             if (text == "}") indent(-1);
             line.assign(indentation).append(text);
             m_mex.ExpandLine(line, lines);
+            if (origins != nullptr) origins->lines.push_back(from.origin);
             if (text == "{") indent(1);
         }
+        if (origins != nullptr) origins->ends[block] = origins->lines.size();
     }
+}
+
+CCodeGen::BlockId CCodeGen::Origins::BlockOf(size_t line) const {
+    int block = kGlobalOpen;
+    while (block < kGlobalClose && ends[AsIndex(static_cast<BlockId>(block))] <= line) ++block;
+    return static_cast<BlockId>(block);
 }
 
 void CCodeGen::WriteHints(std::vector<std::string>& lines) {

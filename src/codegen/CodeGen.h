@@ -54,11 +54,17 @@ class CCodeGen {
     // Adds a line by the words "append", "insert", "unique", alone or with "@" and a file behind; an
     // unknown block or mode does nothing.
     void AddLine(std::string_view block, std::string_view modeText, std::string text);
-    void AddLine(BlockId block, LineKind kind, std::string text) {
-        m_blocks[AsIndex(block)].Add(kind, std::move(text));
+    void AddLine(BlockId block, LineKind kind, std::string text, LineOrigin origin = {}) {
+        m_blocks[AsIndex(block)].Add(kind, std::move(text), origin);
     }
-    void AddLineCoded(std::string_view block, int code, std::string text);
+    void AddLineCoded(std::string_view block, int code, std::string text, LineSource source = {});
     static int ModeCode(std::string_view modeText);
+
+    // The clauses that are read from here on stand in this file. Those of a definition need no name: whoever
+    // has the box knows what it was read from.
+    void ReadFrom(const std::string& path) { m_readFrom = NumberOf(path); }
+    // The file of a line that comes from one that is named here; empty for any other.
+    std::string FileOf(LineSource source) const;
 
     void SetVariable(std::string_view name, std::string_view value) { m_mex.SetVariable(name, value); }
     bool AppendVariable(std::string_view name, std::string_view value, std::string_view separator) {
@@ -75,12 +81,21 @@ class CCodeGen {
     // merges boxes.
     void Merge(const CCodeGen& other);
 
+    // Where the lines of the final text come from. A plain value.
+    struct Origins {
+        std::vector<LineOrigin> lines;
+        std::array<size_t, kBlockCount> ends{};  // the number of lines up to the end of each block
+
+        BlockId BlockOf(size_t line) const;  // of a line that there is, counted from 0
+    };
+
     // The text as a comment in the target language; false if it has no comment marks.
     bool MakeComment(std::string_view text, std::string& result) const;
 
     // The final text, without the hint block: trimmed, indented by lines that hold only a brace, expanded
-    // with this object's variables, appended to `lines`.
-    void WriteCode(std::vector<std::string>& lines);
+    // with this object's variables, appended to `lines`; `origins`, where it is given,
+    // is filled anew.
+    void WriteCode(std::vector<std::string>& lines, Origins* origins = nullptr);
     void WriteHints(std::vector<std::string>& lines);
 
     // Empties blocks and expander and puts back the defaults.
@@ -106,8 +121,11 @@ class CCodeGen {
     bool ParseSetting(CArchive& archive, const std::string& keyword, bool& isSetting, std::string& errorText);
     bool ParseBlock(CArchive& archive, const std::string& keyword, const std::string& libraryDir,
                     std::string& errorText);
+    uint32_t NumberOf(const std::string& path);
 
     std::array<CodeBlock, kBlockCount> m_blocks;
+    std::vector<std::string> m_files;  // that lines come from, besides a definition
+    uint32_t m_readFrom = LineSource::kDefinition;
     CMex m_mex;
 };
 

@@ -28,12 +28,16 @@ bool ReadInlineLines(CArchive& archive, std::vector<std::string>& lines, std::st
     return false;
 }
 
-// The file form: `modeText` names the file behind its '@'.
-bool ReadFileLines(const std::string& keyword, const std::string& modeText, const std::string& libraryDir,
-                   std::vector<std::string>& lines, std::string& errorText) {
+// What the mode names behind its '@'.
+std::string TemplateFile(const std::string& modeText, const std::string& libraryDir) {
     std::string path = modeText.substr(modeText.find('@') + 1);
     if (!path.starts_with('/') && !path.starts_with('.')) path = libraryDir + "/" + path;
     std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+bool ReadFileLines(const std::string& keyword, const std::string& modeText, const std::string& path,
+                   std::vector<std::string>& lines, std::string& errorText) {
     std::string reason;
     auto file = CArchive::Open(path, reason);
     if (!file) {
@@ -111,10 +115,17 @@ bool CCodeGen::ParseBlock(CArchive& archive, const std::string& keyword, const s
         return false;
     }
     std::vector<std::string> lines;
-    const bool read = code < kFirstFileMode ? ReadInlineLines(archive, lines, errorText)
-                                            : ReadFileLines(keyword, modeText, libraryDir, lines, errorText);
-    if (!read) return false;
-    for (std::string& line : lines) AddLineCoded(keyword, code, std::move(line));
+    uint32_t file = m_readFrom;
+    size_t number = 1;
+    if (code < kFirstFileMode) {
+        number = static_cast<size_t>(archive.LineNumber());
+        if (!ReadInlineLines(archive, lines, errorText)) return false;
+    } else {
+        const std::string path = TemplateFile(modeText, libraryDir);
+        if (!ReadFileLines(keyword, modeText, path, lines, errorText)) return false;
+        file = NumberOf(path);
+    }
+    for (std::string& line : lines) AddLineCoded(keyword, code, std::move(line), LineSource(file, number++));
     return true;
 }
 

@@ -141,24 +141,26 @@ void COpBox::GenerateCode(BoxMerge& merge, const TypeTables& types, const NameSo
         if (!button->IsUnknown())
             local.AppendVariable(button->name, button->MacroValue(names), button->vargseparator);
     }
-    std::vector<std::string> declarations;
+    std::vector<BoxMerge::Declaration> declarations;
     std::string expanded;
+    size_t output = 0;
     for (const auto& button : outputs) {
+        ++output;
         if (button->IsUnknown()) continue;
         if (!button->fixedvalue.empty()) {
             local.Expand(button->fixedvalue, expanded);
             local.SetVariable(button->name, expanded);
         } else if (button->tieback.empty()) {
-            declarations.push_back(button->Declaration(types, names));
+            declarations.push_back({button->Declaration(types, names), output});
             local.SetVariable(button->name, button->VariableName(names));
         }
     }
     // A labelled gap before each box's statements.
     CCodeGen& shader = merge.Shader();
-    shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, {});
+    shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, {}, merge.Generated(0));
     std::string comment;
     if (shader.MakeComment(BoxTitleWid(), comment)) {
-        shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, std::move(comment));
+        shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, std::move(comment), merge.Generated(0));
     }
     merge.Merge(declarations);
 }

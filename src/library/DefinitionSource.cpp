@@ -36,7 +36,8 @@ std::shared_ptr<const DefinitionSource> SourceOf(const std::string& operatorPath
     auto source = std::make_shared<DefinitionSource>();
     const size_t end = EndOfDefinition(preprocessed);
     source->textHash = std::hash<std::string_view>()(preprocessed.substr(0, end));
-    std::vector<std::string> paths = SourceLines(preprocessed.substr(end)).Files();
+    source->lines = preprocessed.substr(end);
+    std::vector<std::string> paths = SourceLines(source->lines).Files();
     std::erase(paths, operatorPath);
     paths.insert(paths.begin(), operatorPath);
     for (const std::string& path : paths) {

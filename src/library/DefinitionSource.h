@@ -31,6 +31,7 @@ FileStamp StampOf(const std::string& path);
 struct DefinitionSource {
     size_t textHash = 0;           // of the definition as the preprocessor gave it; within one process
     std::vector<FileStamp> files;  // the operator's own, and all that the preprocessor names
+    std::string lines;             // the preprocessor's table, as SourceLines reads it; empty for none
     // A file may have been changed between its being read and this being made.
     bool isUncertain = false;
 };

@@ -72,6 +72,16 @@ std::vector<std::string> SourceLines::Files() const {
     return files;
 }
 
+std::vector<SourceLines::Run> SourceLines::Runs() const {
+    std::vector<Run> runs;
+    for (std::string_view rest = m_table; !rest.empty();) {
+        const auto numbers = NumbersOf(TakeLine(rest));
+        if (!numbers || (!runs.empty() && (*numbers)[0] <= runs.back().first)) continue;
+        runs.push_back({(*numbers)[0], (*numbers)[1], (*numbers)[2]});
+    }
+    return runs;
+}
+
 std::optional<SourceLines::Place> SourceLines::Find(int line) const {
     std::optional<std::array<int, 3>> run;
     for (std::string_view rest = m_table; !rest.empty();) {

@@ -27,6 +27,15 @@ class SourceLines {
 
     std::vector<std::string> Files() const;
 
+    // From which line of the text on lines come from where.
+    struct Run {
+        int first = 0;
+        int file = 0;  // of Files, counted from 1; may be none of them
+        int line = 0;
+    };
+    // In the order of the text. What stands elsewhere in the order is left out.
+    std::vector<Run> Runs() const;
+
     struct Place {
         std::string file;
         int line = 0;

@@ -86,7 +86,9 @@ ShaderText GenerateBoxes(std::vector<COpBox*> boxes, const std::string& help, co
     BoxMerge merge(shader);
     const NameSource names{text.variables, &site.report, &ends};
     for (const COpBox* box : boxes) box->GenerateCode(merge, site.types, names);
-    shader.WriteCode(text.code);
+    CCodeGen::Origins origins;
+    shader.WriteCode(text.code, &origins);
+    text.lines = LineMap(text.code, origins, shader, boxes);
     shader.WriteHints(text.hints);
     return text;
 }

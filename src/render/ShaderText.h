@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "library/CodeNames.h"
+#include "render/LineMap.h"
 
 namespace tavrin {
 
@@ -19,6 +20,7 @@ struct ShaderText {
     std::vector<std::string> code;  // before the site's filter script
     std::vector<std::string> hints;
     PreparedVariables variables;  // what fixed values were expanded with
+    LineMap lines;                // where those of the code come from
 };
 
 // Generates the code of all boxes of the document, in their order, into a copy of the site's templates. Names
