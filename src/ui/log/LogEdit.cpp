@@ -4,6 +4,8 @@
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
 
 #include "ui/base/Text.h"
@@ -192,6 +194,55 @@ QString LogEdit::Between(int from, int to) const {
 }
 
 bool LogEdit::ShowsEnd() const { return verticalScrollBar()->value() >= verticalScrollBar()->maximum(); }
+
+void LogEdit::SetLinks(LogLinks::Needs needs) {
+    m_links.emplace(std::move(needs));
+    viewport()->setMouseTracking(true);
+    viewport()->update();
+}
+
+std::optional<LogLinks::Link> LogEdit::LinkAt(QPoint place) const {
+    if (!m_links) return std::nullopt;
+    const QTextCursor cursor = cursorForPosition(place);
+    // The position is the nearest between two characters, and for a place beside the text its end.
+    for (const int position : {cursor.positionInBlock(), cursor.positionInBlock() - 1}) {
+        auto link = m_links->At(cursor.block().text(), position);
+        if (!link) continue;
+        QTextCursor first(cursor.block());
+        first.setPosition(cursor.block().position() + position);
+        QTextCursor behind = first;
+        behind.movePosition(QTextCursor::NextCharacter);
+        const QRect left = cursorRect(first);
+        const QRect right = cursorRect(behind);
+        if (QRect(left.topLeft(), QPoint(right.left(), left.bottom())).contains(place)) return link;
+    }
+    return std::nullopt;
+}
+
+void LogEdit::paintEvent(QPaintEvent* event) {
+    QPlainTextEdit::paintEvent(event);
+    if (!m_links) return;
+    QPainter painter(viewport());
+    const QPointF offset = contentOffset();
+    for (QTextBlock row = firstVisibleBlock(); row.isValid(); row = row.next()) {
+        const QRectF place = blockBoundingGeometry(row).translated(offset);
+        if (place.top() > event->rect().bottom()) break;
+        if (place.bottom() >= event->rect().top()) m_links->Paint(painter, row, place.topLeft());
+    }
+}
+
+void LogEdit::mouseMoveEvent(QMouseEvent* event) {
+    QPlainTextEdit::mouseMoveEvent(event);
+    const bool isLink = event->buttons() == Qt::NoButton && LinkAt(event->position().toPoint());
+    viewport()->setCursor(isLink ? Qt::PointingHandCursor : Qt::IBeamCursor);
+}
+
+// A click selects nothing; who selects text does not want to go anywhere.
+void LogEdit::mouseReleaseEvent(QMouseEvent* event) {
+    QPlainTextEdit::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || textCursor().hasSelection()) return;
+    if (const auto link = LinkAt(event->position().toPoint())) m_links->GoTo(*link);
+}
 
 bool LogEdit::event(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {

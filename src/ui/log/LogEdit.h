@@ -4,8 +4,10 @@
 
 #include <QPlainTextEdit>
 #include <QTextBlock>
+#include <optional>
 
 #include "ui/log/LogBuffer.h"
+#include "ui/log/LogLinks.h"
 
 namespace tavrin {
 
@@ -23,6 +25,11 @@ class LogEdit : public QPlainTextEdit {
     void SetWordWrap(bool wrap);
     bool HasWordWrap() const { return lineWrapMode() != QPlainTextEdit::NoWrap; }
 
+    // From now on names of boxes lead to them.
+    void SetLinks(LogLinks::Needs needs);
+    // Under a place of the viewport; nothing where there is none.
+    std::optional<LogLinks::Link> LinkAt(QPoint place) const;
+
     void Apply(const LogBuffer::Step& step);
     void DeleteSelection() { textCursor().removeSelectedText(); }
 
@@ -34,6 +41,9 @@ class LogEdit : public QPlainTextEdit {
   protected:
     // Keys of the window's and the frame's commands are theirs.
     bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     QMimeData* createMimeDataFromSelection() const override;
 
   private:
@@ -47,6 +57,7 @@ class LogEdit : public QPlainTextEdit {
     bool ShowsEnd() const;
 
     int m_limit;
+    std::optional<LogLinks> m_links;
     bool m_follows = true;  // the end of the text was in view when the user last scrolled
     bool m_applying = false;
 };
