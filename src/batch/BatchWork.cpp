@@ -224,7 +224,7 @@ std::string BatchWork::Check(bool& anyError) {
     if (auto archive = CArchive::Open(m_openedPath, error)) {
         findings = CheckDocumentForm(ReadDocument(std::move(*archive)), m_work.document, m_app.Registry());
     }
-    const std::vector<Finding> network = CheckNetwork(m_work.document, GetSite().report);
+    const std::vector<Finding> network = CheckNetwork(m_work.document, GetSite());
     findings.insert(findings.end(), network.begin(), network.end());
     WithinMemory(GetSite().report, "generating the shader " + m_work.session.ShaderName(), [this] {
         m_work.session.Generate();

@@ -11,24 +11,41 @@
 #include "document/TvDoc.h"
 #include "library/OpRegistry.h"
 #include "library/Placeholder.h"
-#include "text/Report.h"
+#include "site/Site.h"
 #include "text/StoredText.h"
+#include "text/Tokens.h"
 
 namespace tavrin {
 
 namespace {
 
 using Severity = Finding::Severity;
+using Mend = Finding::Mend;
 
 std::string NameOf(const COpButton& button) {
     return button.owner->BoxTitleWid() + " " + button.DisplayName();
 }
 
+std::vector<std::string> WordsOf(std::string_view text) {
+    std::vector<std::string> words;
+    while (!(text = Trim(text)).empty()) {
+        const size_t end = std::min(text.find_first_of(" \t"), text.size());
+        words.emplace_back(text.substr(0, end));
+        text.remove_prefix(end);
+    }
+    return words;
+}
+
+// An output that the box has to write: its name in the code is no other button's.
+bool IsWritten(const COpButton& output) {
+    return output.tieback.empty() && output.fixedvalue.empty() && !output.IsUnknown();
+}
+
 // Collects the findings of one network.
 class NetworkCheck {
   public:
-    NetworkCheck(const CTvDoc& document, Report& report)
-        : m_document(document), m_names{document.preparedVariables, &report} {
+    NetworkCheck(const CTvDoc& document, const Site& site)
+        : m_document(document), m_site(site), m_names{document.preparedVariables, &site.report} {
         for (const auto& box : document.m_boxes) m_boxes.push_back(box.get());
         std::stable_sort(m_boxes.begin(), m_boxes.end(),
                          [](const COpBox* left, const COpBox* right) { return left->wid < right->wid; });
@@ -36,6 +53,8 @@ class NetworkCheck {
 
     std::vector<Finding> Run() {
         FindCircles();
+        CheckLibrary();
+        CheckPicture();
         for (COpBox* box : m_boxes) {
             if (box->IsPlaceholder()) {
                 Add(Severity::kWarning, *box, {},
@@ -55,11 +74,44 @@ class NetworkCheck {
     }
 
   private:
-    void Add(Severity severity, const COpBox& box, const std::string& button, const std::string& message) {
-        m_findings.push_back({severity, box.BoxTitleWid(), button, message});
+    void Add(Severity severity, const COpBox& box, const std::string& button, const std::string& message,
+             Mend mend = Mend::kNone) {
+        m_findings.push_back({severity, box.BoxTitleWid(), button, message, mend});
     }
-    void Add(Severity severity, const COpButton& button, const std::string& message) {
-        Add(severity, *button.owner, button.DisplayName(), message);
+    void Add(Severity severity, const COpButton& button, const std::string& message,
+             Mend mend = Mend::kNone) {
+        Add(severity, *button.owner, button.DisplayName(), message, mend);
+    }
+
+    void CheckLibrary() {
+        const std::string& used = m_site.directories.libName;
+        const std::string& set = m_site.settingsLibrary;
+        if (set.empty() || used.empty() || set == used || m_boxes.empty()) return;
+        m_findings.push_back({Severity::kError,
+                              {},
+                              {},
+                              "the network is of the library " + used +
+                                  ", but the settings in force are those of " + set +
+                                  ": start the program with TAVRN_LIB=" + used});
+    }
+
+    void CheckPicture() {
+        std::string setting;
+        if (m_boxes.empty() || !m_site.settings.GetSettingRaw(kOutputBoxesKey, setting)) return;
+        const std::vector<std::string> names = WordsOf(setting);
+        const auto makesPicture = [&](const COpBox* box) {
+            return std::find(names.begin(), names.end(), box->filename) != names.end();
+        };
+        if (names.empty() || std::any_of(m_boxes.begin(), m_boxes.end(), makesPicture)) return;
+        std::string wanted = names.front();
+        for (size_t i = 1; i < names.size(); ++i) wanted += (i + 1 < names.size() ? ", " : " or ") + names[i];
+        m_findings.push_back({Severity::kWarning,
+                              {},
+                              {},
+                              "no box feeds the output: the picture will be black; add a " + wanted +
+                                  " box and wire the network to it",
+                              Mend::kAddOutputBox,
+                              names.front()});
     }
 
     void FindCircles() {
@@ -75,11 +127,23 @@ class NetworkCheck {
         const bool feeds = std::any_of(box.outputs.begin(), box.outputs.end(), isWired);
         const bool isFed = std::any_of(box.inputs.begin(), box.inputs.end(), isWired);
         if (!box.outputs.empty() && !feeds) {
-            Add(Severity::kWarning, box, {}, "feeds nothing; its code is generated all the same");
+            Add(Severity::kWarning, box, {}, "feeds nothing; its code is generated all the same",
+                Mend::kDeleteBox);
         }
+        CheckTemplates(box);
         if (box.outputs.empty() && !box.inputs.empty() && !isFed) {
             Add(Severity::kWarning, box, {}, "nothing is wired to it");
         }
+    }
+
+    void CheckTemplates(const COpBox& box) {
+        const auto isWritten = [](const auto& output) { return IsWritten(*output); };
+        if (box.codegen.HasLines() || std::none_of(box.outputs.begin(), box.outputs.end(), isWritten)) return;
+        Add(Severity::kWarning, box, {},
+            box.lacksTemplates
+                ? "is a copy without templates, so it makes no code until the document is saved and "
+                  "opened again"
+                : "its operator has no templates, so nothing writes its outputs");
     }
 
     bool IsStray(const COpButton& button) {
@@ -90,18 +154,29 @@ class NetworkCheck {
     }
 
     void CheckInput(COpButton& input) {
-        if (const COpButton* feeder = input.Feeder()) {
-            const COpButton& source = *feeder;
-            if (source.CurrentType() != input.CurrentType() && !source.values.empty()) {
-                Add(Severity::kWarning, input,
-                    "takes " + input.CurrentType() + " and is fed " + source.CurrentType() + " by " +
-                        NameOf(source));
-            }
-            return;
-        }
+        if (const COpButton* feeder = input.Feeder()) return CheckWire(input, *feeder);
         if (input.arg != 0 && input.fixedtext.empty()) return CheckArgument(input);
         if (input.MacroValue(m_names).empty())
             Add(Severity::kError, input, "nothing is wired to it, and it has no value");
+    }
+
+    // Types that are one and the same word of the target are no difference to it.
+    void CheckWire(const COpButton& input, const COpButton& source) {
+        const auto word = [this](const COpButton& button) {
+            return m_site.types.TranslateType(button.CurrentType());
+        };
+        if (!source.values.empty() && source.CurrentType() != input.CurrentType() &&
+            word(source) != word(input)) {
+            Add(Severity::kWarning, input,
+                "takes " + input.CurrentType() + " and is fed " + source.CurrentType() + " by " +
+                    NameOf(source),
+                Mend::kCutWire);
+        }
+        if (input.arg != 0 && input.fixedtext.empty()) {
+            Add(Severity::kWarning, input,
+                "is an argument, which counts for nothing while " + NameOf(source) + " is wired to it",
+                Mend::kTakeNoArgument);
+        }
     }
 
     void CheckArgument(COpButton& input) {
@@ -130,6 +205,7 @@ class NetworkCheck {
     }
 
     const CTvDoc& m_document;
+    const Site& m_site;
     NameSource m_names;
     std::vector<COpBox*> m_boxes;
     std::unordered_set<const COpBox*> m_generated;
@@ -145,8 +221,8 @@ std::string Finding::Text() const {
     return text + message;
 }
 
-std::vector<Finding> CheckNetwork(const CTvDoc& document, Report& report) {
-    return NetworkCheck(document, report).Run();
+std::vector<Finding> CheckNetwork(const CTvDoc& document, const Site& site) {
+    return NetworkCheck(document, site).Run();
 }
 
 std::vector<Finding> CheckDocumentForm(const DocumentForm& form, const CTvDoc& document,
@@ -154,7 +230,7 @@ std::vector<Finding> CheckDocumentForm(const DocumentForm& form, const CTvDoc& d
     std::vector<Finding> findings;
     std::set<std::string> seen;
     const auto add = [&](Severity severity, const std::string& message) {
-        if (seen.insert(message).second) findings.push_back({severity, {}, {}, message});
+        if (seen.insert(message).second) findings.push_back({severity, {}, {}, message, Mend::kNone, {}});
     };
     // Those the network's own findings tell of.
     std::set<std::string> placeholders;

@@ -9,6 +9,7 @@
 
 #include "document/DocumentReader.h"
 #include "site/Site.h"
+#include "site/TypeTables.h"
 #include "support/TestHost.h"
 
 namespace tavrin {
@@ -18,6 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr const char* kSource = "output out { float out }";
+constexpr const char* kTemplate = "\ncodegen.main-body append\nx;\n<<EOT>>\n";
 constexpr const char* kSurface = "input shade { float { 0.5 0 1 0 %g } }";
 
 std::vector<std::string> TextsOf(const std::vector<Finding>& findings) {
@@ -28,9 +30,9 @@ std::vector<std::string> TextsOf(const std::vector<Finding>& findings) {
 
 class NetworkCheckTest : public test::DocumentTest {
   protected:
-    std::vector<std::string> Findings() { return TextsOf(CheckNetwork(document, host.GetSite().report)); }
+    std::vector<std::string> Findings() { return TextsOf(CheckNetwork(document, host.GetSite())); }
     COpBox& Box(const std::string& name, const std::string& definition, int wid) {
-        return Add(test::MakeBox(name, definition, wid));
+        return Add(test::MakeBox(name, definition + kTemplate, wid));
     }
     COpBox& Surface(int wid = 9) { return Box("Surface", kSurface, wid); }
     // A box with such an input that feeds a surface, so that nothing but the input can be found.
@@ -189,6 +191,85 @@ TEST(Finding, ATextNamesWhatItIsAbout) {
     EXPECT_EQ((Finding{Severity::kError, "A_1", "in", "is wrong"}).Text(), "error: A_1 in: is wrong");
     EXPECT_EQ((Finding{Severity::kWarning, "A_1", {}, "is odd"}).Text(), "warning: A_1: is odd");
     EXPECT_EQ((Finding{Severity::kWarning, {}, {}, "all is odd"}).Text(), "warning: all is odd");
+}
+
+TEST_F(NetworkCheckTest, TypesThatAreOneWordOfTheTargetAreNoDifference) {
+    COpBox& source = Box("Noise", "output out { xyz out }", 1);
+    COpBox& surface = Box("Surface", "input shade { rgb { 0 0 0 %g } }", 2);
+    test::Wire(source, 0, surface, 0);
+    const std::string alarm = "warning: Surface_2 shade: takes rgb and is fed xyz by Noise_1 out";
+    EXPECT_THAT(Findings(), ElementsAre(alarm));
+    host.GetSite().types.SetWord("rgb", "vec3");
+    EXPECT_THAT(Findings(), ElementsAre(alarm));
+    host.GetSite().types.SetWord("xyz", "vec3");
+    EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(NetworkCheckTest, AnArgumentThatAWireSilencesIsAWarning) {
+    COpBox& source = Box("Noise", kSource, 1);
+    COpBox& surface = Surface(2);
+    test::Wire(source, 0, surface, 0);
+    surface.inputs[0]->arg = 1;
+    const std::vector<Finding> findings = CheckNetwork(document, host.GetSite());
+    EXPECT_THAT(TextsOf(findings),
+                ElementsAre("warning: Surface_2 shade: is an argument, which counts for nothing "
+                            "while Noise_1 out is wired to it"));
+    EXPECT_EQ(findings.front().mend, Finding::Mend::kTakeNoArgument);
+    surface.inputs[0]->Disconnect();
+    surface.inputs[0]->fixedtext = "P";
+    test::Wire(source, 0, surface, 0);
+    EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(NetworkCheckTest, ABoxWithoutTemplatesWritesNoOutput) {
+    test::Wire(Add(test::MakeBox("Bare", kSource, 1)), 0, Surface(), 0);
+    EXPECT_THAT(Findings(),
+                ElementsAre("warning: Bare_1: its operator has no templates, so nothing writes its outputs"));
+    document.m_boxes.front()->lacksTemplates = true;
+    EXPECT_THAT(Findings(),
+                ElementsAre("warning: Bare_1: is a copy without templates, so it makes no code until "
+                            "the document is saved and opened again"));
+}
+
+TEST_F(NetworkCheckTest, AnOutputThatNothingHasToWriteNeedsNoTemplates) {
+    COpBox& relay = Add(test::MakeBox("Relay",
+                                      "input in { float { 0 0 1 0 %g } } output a { tieback=in float out } "
+                                      "output b { fixedvalue=1 float out }",
+                                      1));
+    COpBox& surface = Box("Surface", "input a { float { 0 0 1 0 %g } } input b { float { 0 0 1 0 %g } }", 2);
+    test::Wire(relay, 0, surface, 0);
+    test::Wire(relay, 1, surface, 1);
+    EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(NetworkCheckTest, ANetworkWithoutABoxForThePictureIsBlackWhereTheLibrarySaysSo) {
+    Box("Sink", kSurface, 1);
+    const std::string unwired = "warning: Sink_1: nothing is wired to it";
+    EXPECT_THAT(Findings(), ElementsAre(unwired));
+    host.GetSite().settings.Store(kOutputBoxesKey, " Surface  Light Volume ");
+    EXPECT_THAT(Findings(),
+                ElementsAre("warning: no box feeds the output: the picture will be black; add a Surface, "
+                            "Light or Volume box and wire the network to it",
+                            unwired));
+    const Finding first = CheckNetwork(document, host.GetSite()).front();
+    EXPECT_EQ(first.mend, Finding::Mend::kAddOutputBox);
+    EXPECT_EQ(first.operatorName, "Surface");
+    host.GetSite().settings.Store(kOutputBoxesKey, "Light Sink");
+    EXPECT_THAT(Findings(), ElementsAre(unwired));
+    document.m_boxes.clear();
+    EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(NetworkCheckTest, ANetworkOfAnotherLibraryThanTheSettingsAreOfIsAnError) {
+    Feeding("input in { float { 0 0 1 0 %g } }");
+    host.GetSite().settingsLibrary = "mini";
+    EXPECT_THAT(Findings(), IsEmpty());
+    host.GetSite().settingsLibrary = "other";
+    EXPECT_THAT(
+        Findings(),
+        ElementsAre(
+            "error: the network is of the library mini, but the settings in force are those of other: "
+            "start the program with TAVRN_LIB=mini"));
 }
 
 class DocumentFormCheckTest : public test::DocumentTest {

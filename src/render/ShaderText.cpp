@@ -75,7 +75,7 @@ ShaderText GenerateBoxes(std::vector<COpBox*> boxes, const std::string& help, co
     CCodeGen shader = siteCodeGen;
     shader.SetVariable("_SHADERNAME_", shaderName);
     AddHelpBanner(shader, help);
-    std::erase_if(boxes, [](const COpBox* box) { return box->IsPlaceholder(); });
+    std::erase_if(boxes, [](const COpBox* box) { return box->IsPlaceholder() || box->muted != 0; });
     WarnOfClones(boxes, site.report);
     ShaderText text;
     // Two passes: the name of a fixed value reads another box's variables.
