@@ -200,6 +200,7 @@ void CarryOver(const COpBox& old, COpBox& fresh, ButtonSuccessors& successors, L
     fresh.wid = old.wid;
     std::copy(std::begin(old.xypos), std::end(old.xypos), fresh.xypos);
     fresh.selected = old.selected;
+    fresh.muted = old.muted;
     CarryInstances(old, fresh);
     CarryButtons(old.inputs, fresh, fresh.inputs, successors, losses);
     CarryButtons(old.outputs, fresh, fresh.outputs, successors, losses);

@@ -11,6 +11,7 @@
 #include "library/Aliases.h"
 #include "library/OpRegistry.h"
 #include "site/Site.h"
+#include "text/Numbers.h"
 
 namespace tavrin {
 
@@ -26,6 +27,7 @@ DocumentBuilder::DocumentBuilder(CTvDoc& document, const DocumentForm& form, Doc
 
 bool DocumentBuilder::Build() {
     const bool isWhole = TakeSections();
+    MuteBoxes();
     if (m_unknown) m_unknown->TellCount();
     if (!isWhole) return false;
     m_document.SortBoxesByWid();
@@ -47,6 +49,10 @@ bool DocumentBuilder::BuildDesk() {
     const auto desk = std::find_if(m_form.sections.begin(), m_form.sections.end(), isDesk);
     const bool isThere = desk != m_form.sections.end();
     const bool isTaken = !isThere || Take(std::get<DeskRecord>(*desk));
+    for (const SectionRecord& section : m_form.sections) {
+        if (const auto* muted = std::get_if<MutedRecord>(&section)) Take(*muted);
+    }
+    MuteBoxes();
     if (isTaken) ReportErrorsUpTo(m_form.Text().size());
     if (m_unknown) m_unknown->TellCount();
     return isThere && isTaken && m_form.IsReadToEnd();
@@ -76,6 +82,20 @@ bool DocumentBuilder::Take(const LibraryRecord& library) {
                              m_host.GetSite().directories.libName);
     }
     return true;
+}
+
+// Up to what is no number. The boxes may come later.
+bool DocumentBuilder::Take(const MutedRecord& muted) {
+    FieldScanner scanner(muted.wids);
+    while (const auto wid = scanner.Int()) m_muted.push_back(*wid);
+    return true;
+}
+
+void DocumentBuilder::MuteBoxes() {
+    for (const int wid : m_muted) {
+        const auto built = m_byWid.find(wid);
+        if (built != m_byWid.end()) built->second.box->muted = 1;
+    }
 }
 
 bool DocumentBuilder::Take(const ToolbarRecord& toolbar) {

@@ -38,6 +38,7 @@ class DocumentBuilder {
     bool TakeSections();
     bool Take(const VersionRecord&) { return true; }
     bool Take(const LibraryRecord& library);
+    bool Take(const MutedRecord& muted);
     bool Take(const ToolbarRecord& toolbar);
     bool Take(const DeskRecord& desk);
     bool Take(const RenderOptionsRecord& section);
@@ -59,6 +60,7 @@ class DocumentBuilder {
     COpButton* FindButton(const BuiltBox& built, const ConnectionRecord::End& end, bool isOutput) const;
     std::string PresentName(std::string_view operatorName);
     void ExpectOperators(const DeskRecord& desk);
+    void MuteBoxes();
     void ReportErrorsUpTo(size_t place);
     bool Stop(const DocumentRecord& record, const std::string& message);
 
@@ -72,6 +74,7 @@ class DocumentBuilder {
     std::optional<UnknownParts> m_unknown;  // where placeholders are wanted
     // For the connections; of a number that the file has twice, the last counts.
     std::unordered_map<int, BuiltBox> m_byWid;
+    std::vector<int> m_muted;  // numbers, of boxes that need not be there
 };
 
 }  // namespace tavrin

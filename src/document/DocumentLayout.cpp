@@ -10,6 +10,11 @@ namespace tavrin {
 
 void DocumentLayout::PutLibrary(std::string_view name) { Line("tavrn-renderer ", TokenText(name), kLineEnd); }
 
+// A word and its operand that programs which do not know it pass over.
+void DocumentLayout::PutMuted(std::string_view wids) {
+    Line("tavrn-muted ", QuoteString(OneLine(wids)), kLineEnd);
+}
+
 void DocumentLayout::PutToolButton(size_t number, std::string_view operatorName) {
     Line("    button ", TokenText(std::to_string(number).append("=").append(operatorName)));
 }

@@ -11,6 +11,12 @@
 
 namespace tavrin {
 
+namespace {
+
+constexpr std::string_view kMutedKeyword = "tavrn-muted";
+
+}  // namespace
+
 DocumentForm ReadDocument(CArchive archive) { return DocumentReader(std::move(archive)).Read(); }
 
 std::string NoDocumentMessage(const DocumentForm& form) {
@@ -38,6 +44,7 @@ DocumentForm DocumentReader::Read() {
 DocumentForm DocumentReader::ReadDeskAlone() {
     std::string_view token;
     while (Next(token)) {
+        if (token == kMutedKeyword && !ReadWord(&MutedRecord::wids)) break;
         if (token != "opdesk") continue;
         ReadOpDesk();
         break;
@@ -48,6 +55,7 @@ DocumentForm DocumentReader::ReadDeskAlone() {
 bool DocumentReader::ReadSection(std::string_view keyword) {
     if (keyword == kDocumentKeyword) return ReadWord(&VersionRecord::version);
     if (keyword == "tavrn-renderer") return ReadWord(&LibraryRecord::name);
+    if (keyword == kMutedKeyword) return ReadWord(&MutedRecord::wids);
     if (keyword == "toolbar") return ReadToolbar();
     if (keyword == "opdesk") return ReadOpDesk();
     if (keyword == "renderoptions") return ReadRenderOptions();

@@ -18,8 +18,8 @@ DocumentForm ReadDocument(CArchive archive);
 // What the user is told of a file whose form is no document's.
 std::string NoDocumentMessage(const DocumentForm& form);
 
-// Reads only the first desk section, wherever in the text its keyword stands; a form without a section if it
-// stands nowhere.
+// Reads only the first desk section, wherever in the text its keyword stands, and which boxes are muted if
+// that stands before it; a form without a desk section if it stands nowhere.
 DocumentForm ReadDesk(CArchive archive);
 
 // At work behind these. The desk's section is in DeskSectionReader.cpp, a box's buttons are in

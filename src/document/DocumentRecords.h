@@ -120,6 +120,10 @@ struct VersionRecord : DocumentRecord {
 struct LibraryRecord : DocumentRecord {
     std::string_view name;
 };
+// The numbers of the muted boxes, with blanks between them.
+struct MutedRecord : DocumentRecord {
+    std::string_view wids;
+};
 // The operators of the toolbar, in order.
 struct ToolbarRecord : DocumentRecord {
     std::vector<std::string_view> operators;
@@ -150,7 +154,7 @@ struct ExportOptionsRecord : DocumentRecord {
 struct HelpRecord : DocumentRecord {
     std::string text;  // without the marks before its lines, joined by CR LF
 };
-using SectionRecord = std::variant<VersionRecord, LibraryRecord, ToolbarRecord, DeskRecord,
+using SectionRecord = std::variant<VersionRecord, LibraryRecord, MutedRecord, ToolbarRecord, DeskRecord,
                                    RenderOptionsRecord, ExportOptionsRecord, HelpRecord>;
 
 // The common part of a section, whatever it is.

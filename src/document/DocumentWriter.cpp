@@ -138,6 +138,7 @@ class FrameWriter : private DocumentLayout {
         Put(header);
         PutVersion(m_host.DocumentVersion());
         PutLibrary(m_host.GetSite().directories.libName);
+        WriteMuted();
         WriteToolbar();
         BeginSection("opdesk");
         BeginBoxes();
@@ -158,6 +159,19 @@ class FrameWriter : private DocumentLayout {
     }
 
   private:
+    // Of a network without muted boxes nothing is said.
+    void WriteMuted() {
+        std::vector<int> wids;
+        for (const auto& box : m_document.m_boxes) {
+            if (box->muted != 0) wids.push_back(box->wid);
+        }
+        if (wids.empty()) return;
+        std::sort(wids.begin(), wids.end());
+        std::string text;
+        for (const int wid : wids) text += (text.empty() ? "" : " ") + std::to_string(wid);
+        PutMuted(text);
+    }
+
     void WriteToolbar() {
         BeginSection("toolbar");
         for (size_t i = 0; i < m_document.toolbar.size(); ++i) PutToolButton(i, m_document.toolbar[i]);

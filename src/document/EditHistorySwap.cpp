@@ -163,6 +163,7 @@ void EditHistory::SwapStates(Step& step, Change& change) {
     };
     for (auto& [box, state] : step.boxes) {
         std::swap(state, m_shadows.at(box).state);
+        change.wires = change.wires || state.muted != m_shadows.at(box).state.muted;  // what they carry
         PutState(m_shadows.at(box).state, *box);
         touch(*box);
     }

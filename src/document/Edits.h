@@ -45,8 +45,8 @@ class Edits {
     enum class Stood { kWaiting, kInNetwork };
     // It is about to be destroyed; by itself that modifies the document only if it stood in the network.
     void BoxWent(const COpBox& box, Stood stood);
-    void BoxTouched(COpBox& box);           // its place, its inputs, or anything of its buttons
-    void BoxMoved(COpBox& box);             // nothing but its place
+    void BoxTouched(COpBox& box);  // its place, its inputs, whether it is muted, or anything of its buttons
+    void BoxMoved(COpBox& box);    // nothing but its place
     void ButtonTouched(COpButton& button);  // nothing of its box but this button
     void ButtonTuned(COpButton& button);    // of which only what is tuned, as Change has it
     // The same by an act that does not count as a change of the document.

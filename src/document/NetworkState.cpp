@@ -138,16 +138,21 @@ void PutState(const ButtonState& state, COpButton& button) {
 }
 
 bool BoxState::operator==(const BoxState& other) const {
-    return wid == other.wid && maxinstances == other.maxinstances && SameBits(place, other.place);
+    return wid == other.wid && maxinstances == other.maxinstances && muted == other.muted &&
+           SameBits(place, other.place);
 }
 
 BoxState StateOf(const COpBox& box) {
-    return {.wid = box.wid, .maxinstances = box.maxinstances, .place = {box.xypos[0], box.xypos[1]}};
+    return {.wid = box.wid,
+            .maxinstances = box.maxinstances,
+            .muted = box.muted,
+            .place = {box.xypos[0], box.xypos[1]}};
 }
 
 void PutState(const BoxState& state, COpBox& box) {
     box.wid = state.wid;
     box.maxinstances = state.maxinstances;
+    box.muted = state.muted;
     box.xypos[0] = state.place[0];
     box.xypos[1] = state.place[1];
 }

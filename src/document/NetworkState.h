@@ -55,6 +55,7 @@ void PutState(const ButtonState& state, COpButton& button);
 struct BoxState {
     int wid = 0;
     int maxinstances = 0;
+    int muted = 0;
     std::array<float, 2> place{};  // desk units
 
     bool operator==(const BoxState& other) const;

@@ -71,6 +71,7 @@ std::optional<RevivedBox> PlaceholderRevival::Make(const COpBox& placeholder) {
     for (const Report::Pending& alert : held.All()) revived.misfits.push_back(alert.text);
     box->wid = placeholder.wid;
     box->selected = placeholder.selected;
+    box->muted = placeholder.muted;
     std::copy_n(placeholder.xypos, 2, box->xypos);
     revived.inputs = Counterparts(placeholder.inputs, builder.Inputs(), box->inputs);
     revived.outputs = Counterparts(placeholder.outputs, builder.Outputs(), box->outputs);

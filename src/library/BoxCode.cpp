@@ -50,7 +50,8 @@ std::string_view StateText(const COpButton& button) {
     return connected ? "connectednoarg" : "defaultnoarg";
 }
 
-// What an output that is tied back stands for; nothing, alerted, if its way ends nowhere.
+// What an output stands for that is tied back, or that is one of a muted box; nothing, alerted, if its way
+// ends nowhere.
 std::string TiedName(const COpButton& output, const NameSource& names, TiebackEnds& ends) {
     using Kind = TiebackEnds::Kind;
     const TiebackEnds::End end = ends.Of(output);
@@ -61,6 +62,10 @@ std::string TiedName(const COpButton& output, const NameSource& names, TiebackEn
         names.report->Alert("%s %s: can't find tieback button %s (did you delete it?)",
                             end.button->owner->BoxTitleWid().c_str(), end.button->DisplayName().c_str(),
                             end.button->tieback.c_str());
+    } else if (output.tieback.empty()) {
+        names.report->Alert(
+            "%s %s: the way through muted boxes leads back to itself; cut one of the connections between",
+            output.owner->BoxTitleWid().c_str(), output.DisplayName().c_str());
     } else {
         names.report->Alert(
             "%s %s: the tieback to %s leads back to itself; cut one of the connections between",
@@ -72,7 +77,7 @@ std::string TiedName(const COpButton& output, const NameSource& names, TiebackEn
 }  // namespace
 
 std::string COpButton::VariableName(const NameSource& names) const {
-    if (!tieback.empty()) {
+    if (PassesThrough()) {
         TiebackEnds own;
         return TiedName(*this, names, names.ends == nullptr ? own : *names.ends);
     }
@@ -83,6 +88,20 @@ std::string COpButton::VariableName(const NameSource& names) const {
         .append(std::to_string(owner->wid))
         .append("_")
         .append(DisplayName());
+}
+
+bool COpButton::IsOfMutedBox() const { return owner->muted != 0 && IsOutput(); }
+
+const COpButton* COpButton::FirstOfItsType() const {
+    const std::string& type = CurrentType();
+    for (const auto& input : owner->inputs) {
+        if (!input->IsUnknown() && (type.empty() || input->CurrentType() == type)) return input.get();
+    }
+    return nullptr;
+}
+
+const COpButton* COpButton::PassedInput() const {
+    return tieback.empty() ? FirstOfItsType() : owner->FindButton(tieback);
 }
 
 std::string COpButton::ArgumentName(const NameSource& names) const {

@@ -84,7 +84,8 @@ void COpButton::DropPeer(COpButton& peer) {
 const COpButton* COpButton::Feeder() const {
     if (connections.Empty() || IsUnknown()) return nullptr;
     const COpButton* source = connections.First();
-    return source->IsUnknown() ? nullptr : source;
+    if (source->IsUnknown()) return nullptr;
+    return source->IsOfMutedBox() && !source->PassesThrough() ? nullptr : source;
 }
 
 bool COpButton::CanConnect(const COpButton& other) const {

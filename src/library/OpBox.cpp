@@ -26,6 +26,7 @@ COpBox::COpBox(const COpBox& other)
       icontext(other.icontext),
       boxhelp(other.boxhelp),
       maxinstances(other.maxinstances),
+      muted(other.muted),
       lacksTemplates(other.lacksTemplates || other.codegen.HasLines()),
       vinputNames(other.vinputNames),
       source(other.source),

@@ -109,10 +109,16 @@ class COpButton : public LiveObject<COpButton> {
     // The declaration of the button's variable.
     std::string Declaration(const TypeTables& types, const NameSource& names) const;
 
+    // An output that stands for an input of its box: the one that it is tied back to or, if the box is muted,
+    // its first input of the output's type. An output without any type takes the first input.
+    bool PassesThrough() const { return !tieback.empty() || (IsOfMutedBox() && FirstOfItsType() != nullptr); }
+    // The input; null if that is not there, which it is for the definition to say of a tieback.
+    const COpButton* PassedInput() const;
+
     // Connections. There is no record for one: each end holds the other.
 
-    // What feeds an input as far as generation goes: null without a wire, and where either end is unknown to
-    // the library.
+    // What feeds an input as far as generation goes: null without a wire, where either end is unknown to the
+    // library, and where a muted box has nothing to stand for its output.
     const COpButton* Feeder() const;
 
     // The two may be wired as far as kinds and flags go.
@@ -143,6 +149,8 @@ class COpButton : public LiveObject<COpButton> {
     void Unpark() { Revive(); }
 
   private:
+    bool IsOfMutedBox() const;  // as an output
+    const COpButton* FirstOfItsType() const;
     void Isolate();
     void AddPeer(COpButton& peer);
     void DropPeer(COpButton& peer);

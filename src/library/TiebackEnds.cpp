@@ -11,7 +11,7 @@ namespace tavrin {
 TiebackEnds::End TiebackEnds::Of(const COpButton& start) {
     std::vector<const COpButton*> way;
     End end{Kind::kOutput, &start};
-    while (!end.button->tieback.empty()) {
+    while (end.button->PassesThrough()) {
         const COpButton& output = *end.button;
         // Until its end is known, an output is taken for part of a circle: met again on this way, it is one.
         const auto [known, isNew] = m_ends.try_emplace(&output);
@@ -20,7 +20,7 @@ TiebackEnds::End TiebackEnds::Of(const COpButton& start) {
             break;
         }
         way.push_back(&output);
-        const COpButton* target = output.owner->FindButton(output.tieback);
+        const COpButton* target = output.PassedInput();
         if (target == nullptr) {
             end.kind = Kind::kMissing;
             break;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where outputs that are tied back lead in the end.
+// Where outputs that are tied back lead in the end, and those of muted boxes.
 #pragma once
 
 #include <unordered_map>
@@ -14,7 +14,7 @@ class TiebackEnds {
   public:
     enum class Kind {
         kInput,    // an input that nothing feeds
-        kOutput,   // an output that is not tied back
+        kOutput,   // an output that stands for itself
         kMissing,  // an output whose tieback names no button of its box any more
         kCircle,   // none: the way leads round
     };
@@ -23,7 +23,7 @@ class TiebackEnds {
         const COpButton* button = nullptr;
     };
 
-    // An output that is not tied back is its own end.
+    // An output that stands for itself is its own end.
     End Of(const COpButton& output);
 
   private:

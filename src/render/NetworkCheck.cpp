@@ -11,6 +11,7 @@
 #include "document/TvDoc.h"
 #include "library/OpRegistry.h"
 #include "library/Placeholder.h"
+#include "library/TiebackEnds.h"
 #include "site/Site.h"
 #include "text/StoredText.h"
 #include "text/Tokens.h"
@@ -45,7 +46,7 @@ bool IsWritten(const COpButton& output) {
 class NetworkCheck {
   public:
     NetworkCheck(const CTvDoc& document, const Site& site)
-        : m_document(document), m_site(site), m_names{document.preparedVariables, &site.report} {
+        : m_document(document), m_site(site), m_names{document.preparedVariables, &site.report, &m_ends} {
         for (const auto& box : document.m_boxes) m_boxes.push_back(box.get());
         std::stable_sort(m_boxes.begin(), m_boxes.end(),
                          [](const COpBox* left, const COpBox* right) { return left->wid < right->wid; });
@@ -59,6 +60,10 @@ class NetworkCheck {
             if (box->IsPlaceholder()) {
                 Add(Severity::kWarning, *box, {},
                     "is a placeholder, so no code is generated for it: " + OneLine(box->placeholder->reason));
+                continue;
+            }
+            if (box->muted != 0) {
+                CheckMuted(*box);
                 continue;
             }
             CheckBox(*box);
@@ -119,6 +124,27 @@ class NetworkCheck {
         m_generated.insert(ordered.begin(), ordered.end());
     }
 
+    // Of its buttons those count that stand for others.
+    void CheckMuted(const COpBox& box) {
+        Add(Severity::kWarning, box, {}, "is muted, so no code is generated for it");
+        std::unordered_set<const COpButton*> passed;
+        for (const auto& output : box.outputs) {
+            if (IsStray(*output)) continue;
+            CheckOutput(*output);
+            passed.insert(output->PassedInput());
+        }
+        for (const auto& input : box.inputs) {
+            if (!IsStray(*input) && passed.contains(input.get())) CheckInput(*input);
+        }
+    }
+
+    // What a wire carries in the end, past muted boxes.
+    const COpButton& Carried(const COpButton& source) {
+        if (source.owner->muted == 0) return source;
+        const TiebackEnds::End end = m_ends.Of(source);
+        return end.kind == TiebackEnds::Kind::kCircle ? source : *end.button;
+    }
+
     void CheckBox(const COpBox& box) {
         if (!m_generated.contains(&box)) {
             Add(Severity::kError, box, {}, "is part of a circle of wires, so no code is generated for it");
@@ -154,10 +180,19 @@ class NetworkCheck {
     }
 
     void CheckInput(COpButton& input) {
-        if (const COpButton* feeder = input.Feeder()) return CheckWire(input, *feeder);
+        if (const COpButton* feeder = input.Feeder()) return CheckWire(input, Carried(*feeder));
+        CheckIdleWire(input);
         if (input.arg != 0 && input.fixedtext.empty()) return CheckArgument(input);
         if (input.MacroValue(m_names).empty())
             Add(Severity::kError, input, "nothing is wired to it, and it has no value");
+    }
+
+    void CheckIdleWire(const COpButton& input) {
+        const COpButton* source = input.connections.First();
+        if (source == nullptr || source->owner->muted == 0 || source->IsUnknown()) return;
+        Add(Severity::kWarning, input,
+            "takes its own value, since " + NameOf(*source) +
+                " is muted and no input of its box has its type");
     }
 
     // Types that are one and the same word of the target are no difference to it.
@@ -206,6 +241,7 @@ class NetworkCheck {
 
     const CTvDoc& m_document;
     const Site& m_site;
+    TiebackEnds m_ends;
     NameSource m_names;
     std::vector<COpBox*> m_boxes;
     std::unordered_set<const COpBox*> m_generated;

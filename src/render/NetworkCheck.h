@@ -46,8 +46,8 @@ inline constexpr const char* kOutputBoxesKey = "check.outputboxes";
 // Looks at the boxes in the order of their numbers: inputs without any value, types that differ along a
 // wire in the words of the target, arguments of one name, arguments that a wire has silenced, tiebacks that
 // lead nowhere, boxes that feed nothing, boxes without templates, boxes in a circle, more boxes of an
-// operator than it allows, placeholders and stray buttons; and, first, at the network as a whole: whether a
-// box makes the picture, and whether the settings in force are those of its library.
+// operator than it allows, muted boxes, placeholders and stray buttons; and, first, at the network as a
+// whole: whether a box makes the picture, and whether the settings in force are those of its library.
 std::vector<Finding> CheckNetwork(const CTvDoc& document, const Site& site);
 
 // Looks at what a document's file says for what its opening passes over or stops at: operators that the

@@ -12,7 +12,7 @@ namespace {
 
 std::string TextOf(const COpBox& box) {
     std::ostringstream text;
-    text << box.wid << ' ' << box.maxinstances << ' ';
+    text << box.wid << ' ' << box.maxinstances << ' ' << box.muted << ' ';
     Put(text, box.xypos[0]);
     Put(text, box.xypos[1]);
     for (const auto* side : {&box.inputs, &box.outputs}) {

@@ -34,7 +34,7 @@ std::string TextOf(const COpButton& button) {
 
 std::string TextOf(const COpBox& box) {
     std::ostringstream text;
-    text << box.Serial() << ' ' << box.BoxTitleWid() << ' ' << box.maxinstances << ' ';
+    text << box.Serial() << ' ' << box.BoxTitleWid() << ' ' << box.maxinstances << ' ' << box.muted << ' ';
     Put(text, {box.xypos[0], box.xypos[1]});
     text << (COpBox::IsLive(&box) ? "\n" : " GONE\n");
     for (const auto* side : {&box.inputs, &box.outputs}) {
