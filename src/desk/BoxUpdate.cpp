@@ -142,7 +142,9 @@ void BoxUpdate::MoveSelection() {
     const auto follow = [this](COpButton* button) {
         return COpButton::IsLive(button) ? Successor(*button) : nullptr;
     };
-    m_desk.m_selectedButton = follow(m_desk.m_selectedButton);
+    COpButton* selected = m_desk.m_pulledInput == nullptr ? follow(m_desk.m_selectedButton) : nullptr;
+    m_desk.ClearSelectedButton();  // a wire in hand goes back to where it was
+    m_desk.m_selectedButton = selected;
     std::unordered_set<const COpButton*> wired;
     for (const Wire& wire : m_wires) wired.insert(wire.target);
     std::vector<COpButton*> connects;

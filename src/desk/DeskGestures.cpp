@@ -17,10 +17,10 @@ const char* const kDeskHint =
 namespace {
 
 constexpr float kAutoScrollStep = 8;  // pixels
+constexpr const char* kMove = "Move";
 constexpr const char* kLoopHelp = ">>>\r\n>>> HEY!!!  That would make an endless loop\r\n>>>";
-// A press and a release word it differently.
+// A release words it differently.
 constexpr const char* kLoopAtPress = "That would create endless loop!  Watch status box for warnings.";
-constexpr const char* kLoopAtRelease = "That would create an endless loop!  Watch status box for warnings.";
 
 template <typename Object>
 bool HasGone(const Object* object, uint64_t serial) {
@@ -72,6 +72,7 @@ void DeskGestures::PressButton(COpButton& button) {
         }
         return;
     }
+    desk.ClearSelectedButton();
     desk.m_selectedButton = &button;
     m_growArrowsShown = m_growArrowsShown || IsVinput(&button);
     m_gesture = Kind::kWiring;
@@ -143,6 +144,7 @@ void DeskGestures::Move(const PointerState& event) {
     COpBox* box = HitBox(m_needs.document, at);
     FollowButton(box, box == nullptr ? nullptr : HitButton(*box, at), at);
     const DeskPoint delta{at.x - Mouse().x, at.y - Mouse().y};
+    if (pointer.left && m_gesture == Kind::kWiring) PullWire();
     if (pointer.left && m_gesture == Kind::kMoving) MoveBoxes(delta);
     if (pointer.left && m_gesture != Kind::kIdle) m_needs.windows.Repaint();
     DragPending(at, delta);
@@ -215,26 +217,45 @@ std::optional<std::string> DeskGestures::TakeStaleHelp() {
 void DeskGestures::LeftUp(const PointerState& pointer) {
     m_autoScroll = false;
     m_needs.windows.Repaint();
-    const EditScope wire(m_needs.document, {});  // growing an input and wiring it are one act
     const DeskPoint at = m_needs.view.ToDesk(pointer.at);
+    if (m_gesture == Kind::kMoving && m_hasMoved) {
+        const EditScope move(m_needs.document, kMove);  // one act with the drag
+        m_needs.desk.DropOnWire();
+    }
+    const bool hasDrawn = m_gesture == Kind::kWiring && m_hasDrawn;
+    Finish(at);
+    if (hasDrawn) DropWire(at);
+}
+
+void DeskGestures::Finish(DeskPoint at) {
+    const EditScope wire(m_needs.document, {});  // growing an input and wiring it are one act
     COpButton* grown = nullptr;
     if (m_growArrowsShown) {
         const bool above = IsInGrowArrow(at, true);
         if (above || IsInGrowArrow(at, false)) grown = m_needs.desk.GrowVinput(above);
         m_growArrowsShown = false;
     }
-    if (m_gesture == Kind::kWiring) FinishWire(grown);
+    COpButton* pulled = m_needs.desk.m_pulledInput;
+    if (m_gesture == Kind::kWiring && pulled != nullptr) {
+        FinishPull(*pulled, grown, at);
+    } else if (m_gesture == Kind::kWiring) {
+        FinishWire(grown);
+    }
     if (m_gesture == Kind::kBandAdd || m_gesture == Kind::kBandToggle) FinishBand();
     EndGesture();
 }
 
+// A wire that is in hand still goes back to its input.
 void DeskGestures::EndGesture() {
+    if (m_needs.desk.m_pulledInput != nullptr) m_needs.desk.ClearSelectedButton();
     m_gesture = Kind::kIdle;
+    m_hasMoved = m_hasDrawn = false;
     m_drag.reset();
 }
 
 void DeskGestures::MoveBoxes(DeskPoint delta) {
-    if (!m_drag) m_drag.emplace(m_needs.document, "Move");
+    if (!m_drag) m_drag.emplace(m_needs.document, kMove);
+    m_hasMoved = m_hasMoved || delta.x != 0 || delta.y != 0;
     m_needs.desk.MoveSelectedBoxes(delta.x, delta.y);
 }
 
@@ -244,26 +265,6 @@ void DeskGestures::Cancel() {
     m_autoScroll = false;
     m_growArrowsShown = false;
     m_needs.windows.Repaint();
-}
-
-void DeskGestures::FinishWire(COpButton* grown) {
-    const COpButton* selected = m_needs.desk.m_selectedButton;
-    if (selected == nullptr) return;
-    COpButton* target = nullptr;
-    for (COpButton* candidate : {m_needs.desk.m_mouseButton, grown}) {
-        if (candidate != nullptr && selected->CanConnect(*candidate)) target = candidate;
-    }
-    if (target == nullptr) return;  // the button stays selected: a click on another one wires them as well
-    if (selected->WouldLoop(*target)) {
-        m_needs.report.Alert("%s", kLoopAtRelease);
-    } else {
-        Wire(*target);
-    }
-}
-
-void DeskGestures::Wire(COpButton& target) {
-    m_needs.desk.Connect(*m_needs.desk.m_selectedButton, target);
-    m_needs.desk.ClearSelectedButton();
 }
 
 void DeskGestures::FinishBand() {

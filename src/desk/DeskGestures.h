@@ -26,8 +26,9 @@ struct PointerState {
 extern const char* const kDeskHint;
 
 // A state machine that a window feeds with its events and asks what to draw. It owns nothing but the gesture
-// that runs; the selection and what lies under the mouse are the desk's. Wires that may not be are refused
-// with an alert; nothing else can fail. Nothing may be fed while the document is locked.
+// that runs; the selection and what lies under the mouse are the desk's. What becomes of a wire in hand
+// stands in DeskWires.cpp. Wires that may not be are refused with an alert; nothing else can fail. Nothing
+// may be fed while the document is locked.
 class DeskGestures {
   public:
     enum class Kind { kIdle, kMoving, kWiring, kBandAdd, kBandToggle };
@@ -41,6 +42,9 @@ class DeskGestures {
         Report& report;
         float lineWidth;  // pixels; how near a click on a line must be
         std::function<void(const std::string&)> showStatus;
+        // A wire that was drawn from the picked button was let go of there, over the empty desk. Who takes it
+        // up returns true, and the button stays picked until they let it go.
+        std::function<bool(COpButton& button, DeskPoint at)> wireDropped = {};
     };
     explicit DeskGestures(Needs needs) : m_needs(std::move(needs)) {}
 
@@ -50,8 +54,12 @@ class DeskGestures {
     // Another button went down: what it pans is counted from there.
     void OtherDown(const PointerState& pointer) { m_mousePoint = pointer.at; }
     // Ends a gesture without its result: no release will come, since the desk has been locked, a box has come
-    // up over it, or it shows another document. A button that was picked stays picked.
+    // up over it, or it shows another document. A button that was picked stays picked; a wire that was pulled
+    // off its input is where it was.
     void Cancel();
+    // Escape: lets go of the picked button or the wire in hand, where the library wants that. False if there
+    // was none, and the key is free for something else.
+    bool LetGo();
     // To be called at even times while a gesture runs: scrolls while boxes are held beyond the window's edge.
     void Tick();
     // The help that was shown last if it is that of a box or button which is gone since, once; who shows it
@@ -82,7 +90,13 @@ class DeskGestures {
     void DragPending(DeskPoint at, DeskPoint delta);
     void ShowHelp();
     std::string HelpUnderPointer() const;
+    void Finish(DeskPoint at);
+    void PullWire();
+    COpButton* TargetOf(const COpButton& picked, COpButton* grown) const;
+    bool IsEmptyDesk(DeskPoint at) const;
     void FinishWire(COpButton* grown);
+    void FinishPull(COpButton& input, COpButton* grown, DeskPoint at);
+    void DropWire(DeskPoint at);
     void Wire(COpButton& target);
     void FinishBand();
     void MoveBoxes(DeskPoint delta);
@@ -110,6 +124,8 @@ class DeskGestures {
     bool m_growArrowDownHot = false;
     bool m_ignoreNextMove = false;
     bool m_autoScroll = false;
+    bool m_hasMoved = false;      // boxes, in this gesture
+    bool m_hasDrawn = false;      // a wire, off the button that was pressed
     DeskPoint m_autoScrollDelta;  // pixels
 };
 

@@ -10,7 +10,12 @@ DeskRules DeskRules::Read(const Settings& settings) {
         int value = 0;
         return settings.GetSettingInt(key, value) && value != 0;
     };
-    return {isOn("desk.copytemplates"), isOn("desk.plainanchors")};
+    return {.copyTemplates = isOn("desk.copytemplates"),
+            .plainAnchors = isOn("desk.plainanchors"),
+            .pullWires = isOn("desk.pullwires"),
+            .dropWires = isOn("desk.dropwires"),
+            .escapeWires = isOn("desk.escapewires"),
+            .insertBoxes = isOn("desk.insertboxes")};
 }
 
 }  // namespace tavrin

@@ -16,6 +16,14 @@ struct DeskRules {
     bool copyTemplates = false;
     // Anchors move as far as the boxes are seen to move. Else by that times the zoom.
     bool plainAnchors = false;
+    // A wire can be pulled off the input that it enters. Else a press there picks the input.
+    bool pullWires = false;
+    // A button that is dragged from lets go where the drag ends over the empty desk. Else it stays picked.
+    bool dropWires = false;
+    // Escape lets go of a picked button, and of a wire in hand, before it does anything else.
+    bool escapeWires = false;
+    // A box that is dropped on a wire goes between its ends.
+    bool insertBoxes = false;
 };
 
 }  // namespace tavrin

@@ -47,6 +47,21 @@ TEST(DeskRules, ALibraryThatSaysNothingHasTheRulesOfOld) {
     EXPECT_TRUE(rules.plainAnchors);
 }
 
+TEST(DeskRules, WhatIsWantedOfWiresIsChosenOneByOne) {
+    const std::vector<std::pair<const char*, bool DeskRules::*>> rules = {
+        {"desk.pullwires", &DeskRules::pullWires},
+        {"desk.dropwires", &DeskRules::dropWires},
+        {"desk.escapewires", &DeskRules::escapeWires},
+        {"desk.insertboxes", &DeskRules::insertBoxes},
+    };
+    for (const auto& [chosen, ignored] : rules) {
+        Settings settings;
+        settings.Store(chosen, "1");
+        for (const auto& [name, rule] : rules)
+            EXPECT_EQ(DeskRules::Read(settings).*rule, std::string(name) == chosen) << name;
+    }
+}
+
 // Before the desk is made, which reads them.
 struct Settled : test::DocumentTest {
     Settled() {

@@ -58,7 +58,11 @@ void COpDesk::ValidateReferences() {
     });
     if (m_selectedButton != nullptr && !COpButton::IsLive(m_selectedButton)) {
         report.LogLine("WARNING: m_selectedButton is invalid");
-        m_selectedButton = nullptr;
+        ClearSelectedButton();
+    }
+    if (m_pulledInput != nullptr && !COpButton::IsLive(m_pulledInput)) {
+        report.LogLine("WARNING: m_pulledInput is invalid");
+        ClearSelectedButton();
     }
     std::erase_if(m_selectedConnects, [&report](const COpButton* button) {
         if (COpButton::IsLive(button)) return false;

@@ -140,7 +140,9 @@ void COpDesk::DropPending() {
         m_document.edits.BoxDropped(*box);
         m_document.m_boxes.push_front(std::move(box));
     }
+    const bool isOne = m_pendingBoxes.size() == 1;
     m_pendingBoxes.clear();
+    if (isOne && m_rules.insertBoxes) InsertIntoWire(*m_document.m_boxes.front());
 }
 
 void COpDesk::RemoveBox(std::unique_ptr<COpBox> box) {
@@ -177,7 +179,7 @@ void COpDesk::ForgetBox(const COpBox& box, Edits::Stood stood) {
 
 void COpDesk::ForgetButton(const COpButton& button) {
     if (m_mouseButton == &button) m_mouseButton = nullptr;
-    if (m_selectedButton == &button) m_selectedButton = nullptr;
+    if (m_selectedButton == &button || m_pulledInput == &button) ClearSelectedButton();
 }
 
 void COpDesk::RaiseBox(const COpBox& box) {
@@ -213,7 +215,8 @@ void COpDesk::FollowSwap(const Change& change) {
     for (COpBox* box : change.came) m_view->LayoutBox(*box);
     for (COpBox* box : change.touched) m_view->LayoutBox(*box);
     const auto isGone = [](const COpButton* button) { return !COpButton::IsLive(button); };
-    if (isGone(m_selectedButton)) m_selectedButton = nullptr;
+    // A wire in hand may have another end now.
+    if (isGone(m_selectedButton) || m_pulledInput != nullptr) ClearSelectedButton();
     if (isGone(m_mouseButton)) m_mouseButton = nullptr;
     if (!COpBox::IsLive(m_mouseBox)) m_mouseBox = nullptr;
     std::erase_if(m_selectedConnects,

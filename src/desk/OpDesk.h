@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "desk/DeskGeometry.h"
+#include "desk/DeskLayout.h"
 #include "desk/DeskRules.h"
 #include "desk/WidPool.h"
 #include "document/TvDoc.h"
@@ -34,7 +35,7 @@ using BoxReplacements = std::unordered_map<const COpBox*, std::unique_ptr<COpBox
 // A box on a desk is in exactly one of three places: the network (saved and generated), the pending boxes
 // (numbered, waiting under the mouse), the clipboard (clones without a number). Clipboard and context menus
 // stand in DeskClipboard.cpp, selection and references in DeskSelection.cpp, replacement in BoxUpdate.cpp,
-// what becomes of placeholders in DeskRevival.cpp.
+// what becomes of placeholders in DeskRevival.cpp, order and flow in DeskEdits.cpp.
 class COpDesk {
   public:
     using BoxVector = std::vector<std::unique_ptr<COpBox>>;
@@ -53,7 +54,8 @@ class COpDesk {
     bool AdmitBox(COpBox& box);
     // Takes over all boxes of another document as pending boxes, with new numbers; the list is emptied.
     void MergeBoxes(CTvDoc::BoxList& boxes);
-    // Puts the pending boxes on top of the network.
+    // Puts the pending boxes on top of the network; a single one on a wire goes between, where the library
+    // wants that.
     void DropPending();
     // Puts real boxes in the place of all placeholders whose operators can be had again, with their wires, as
     // one edit, and in that of those on the clipboard; the log tells which, and what does not fit any more.
@@ -101,6 +103,26 @@ class COpDesk {
                AnyBoxSelected();
     }
 
+    // Put boxes in order, as DeskLayout.h tells; what is in order already is no edit. With less than two
+    // boxes nothing happens, and others are not moved.
+    void AlignSelected(DeskAlign align);
+    void DistributeSelected(DeskAxis axis);
+    enum class TidyScope { kSelected, kAll };
+    void Tidy(TidyScope scope);
+
+    // Puts a box of the network between the ends of the wire under it that it fits into; false if it fits
+    // into none.
+    bool InsertIntoWire(COpBox& box);
+    // The same for the one selected box, where the library wants that.
+    void DropOnWire();
+    // DeleteSelection, after which what fed the boxes feeds what they fed, as far as types match.
+    void DeleteKeepingFlow();
+    // Mutes the selected boxes, or unmutes them if all of them are muted.
+    void MuteSelected();
+    // The wire of the input `from` enters the input `to` instead; callers have tested that it may.
+    void MoveWire(COpButton& from, COpButton& to);
+    void CutWire(COpButton& input);
+
     // Through the document's history, if it keeps one; not while an edit goes on. What waits under the mouse
     // is destroyed.
     bool CanUndo() const;
@@ -120,7 +142,7 @@ class COpDesk {
 
     // Without a word: who selects others then tells it once.
     void ClearBoxSelection();
-    void ClearSelectedButton() { m_selectedButton = nullptr; }
+    void ClearSelectedButton() { m_selectedButton = m_pulledInput = nullptr; }
     void ClearSelectedConnects() { m_selectedConnects.clear(); }
     bool AnyBoxSelected() const;
     // The box of this title alone; nothing happens where there is none.
@@ -132,11 +154,13 @@ class COpDesk {
     void ValidateReferences();
     // After every New and Open: forgets the old network and takes up the new one.
     void OnInitialUpdate();
+    const DeskRules& Rules() const { return m_rules; }
 
     BoxVector m_clipboardBoxes;
     BoxVector m_pendingBoxes;
-    bool m_pendingPlaced = false;                // the pending boxes have been under the mouse
-    COpButton* m_selectedButton = nullptr;       // one end of a connection still to be made
+    bool m_pendingPlaced = false;           // the pending boxes have been under the mouse
+    COpButton* m_selectedButton = nullptr;  // one end of a connection still to be made
+    COpButton* m_pulledInput = nullptr;     // whose wire is in hand, with its output as the selected button
     std::vector<COpButton*> m_selectedConnects;  // inputs, each standing for the connection that enters it
     COpBox* m_mouseBox = nullptr;
     COpButton* m_mouseButton = nullptr;
@@ -161,6 +185,10 @@ class COpDesk {
     void PutInPlace(std::unique_ptr<COpBox>& place, RevivedBox revived);
     BoxVector TakeSelectedBoxes();
     COpButton* LiveMouseButton() const;
+    std::vector<COpBox*> BoxesToArrange(bool all) const;
+    template <typename Arrange>
+    void ArrangeBoxes(const char* act, const std::vector<COpBox*>& boxes, Arrange arrange);
+    void PlaceBox(COpBox& box, DeskPoint corner);
 
     CTvDoc& m_document;
     DocumentHost& m_host;
