@@ -140,6 +140,9 @@ void DeskInvariants::CheckReferences() {
     };
     if (m_desk.m_selectedButton != nullptr && !isInNetwork(m_desk.m_selectedButton))
         Fail("the selected button is stale");
+    if (m_desk.m_pulledInput != nullptr &&
+        (!isInNetwork(m_desk.m_pulledInput) || m_desk.m_selectedButton == nullptr))
+        Fail("the wire in hand is stale");
     if (m_desk.m_mouseButton != nullptr && !isInNetwork(m_desk.m_mouseButton))
         Fail("the button under the mouse is stale");
     if (m_desk.m_mouseBox != nullptr && !m_network.contains(m_desk.m_mouseBox))

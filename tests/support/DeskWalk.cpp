@@ -31,6 +31,9 @@ const std::vector<DeskWalk::Choice>& DeskWalk::Choices() {
         {3, "pan", &DeskWalk::Pan},
         {2, "scroll", &DeskWalk::Scroll},
         {6, "edit", &DeskWalk::Edit},
+        {6, "flow", &DeskWalk::Flow},
+        {5, "pull a wire", &DeskWalk::PullAWire},
+        {5, "drop on a line", &DeskWalk::DropOnALine},
         {3, "copy and paste", &DeskWalk::CopyAndPaste},
         {7, "add and drop", &DeskWalk::AddAndDrop},
         {2, "add and leave", &DeskWalk::AddAndLeave},
@@ -367,6 +370,42 @@ void DeskWalk::Edit() {
     if (OneIn(4)) Press(Anywhere());  // in the midst of a gesture
     m_ground.hands.Edit(static_cast<WalkEdit>(Below(static_cast<size_t>(WalkEdit::kCount))));
     if (OneIn(2)) m_ground.hands.Edit(WalkEdit::kZoomReset);
+}
+
+void DeskWalk::Flow() {
+    if (OneIn(6)) Press(Anywhere());  // in the midst of a gesture
+    if (OneIn(6)) m_ground.hands.Edit(WalkEdit::kSelectAll);
+    m_ground.hands.Flow(static_cast<WalkFlow>(Below(static_cast<size_t>(WalkFlow::kCount))), Below(6));
+    m_ground.hands.Paint();
+    if (OneIn(2)) Release();
+}
+
+// Where the library wants no pulling, it picks the input.
+void DeskWalk::PullAWire() {
+    std::vector<const COpButton*> inputs;
+    for (const auto& box : m_ground.document.m_boxes) {
+        for (const auto& input : box->inputs) {
+            if (!input->connections.Empty()) inputs.push_back(input.get());
+        }
+    }
+    if (inputs.empty()) return;
+    m_pointer.shift = m_pointer.control = false;
+    Press(ButtonRect(ButtonPlace::Of(*inputs[Below(inputs.size())])).Middle());
+    Drag(Anywhere());
+    if (OneIn(4)) m_ground.hands.Flow(WalkFlow::kEscape, 0);
+    if (OneIn(3)) Drag(OnAButton());
+    if (OneIn(10)) Meanwhile();
+    Release();
+}
+
+void DeskWalk::DropOnALine() {
+    const COpBox* box = AnyBox();
+    if (box == nullptr) return;
+    if (OneIn(2)) m_ground.hands.Edit(WalkEdit::kUnselectAll);
+    m_pointer.shift = m_pointer.control = false;
+    Press(PanelRect(*box).Middle());
+    Drag(OnALine());
+    Release();
 }
 
 void DeskWalk::CopyAndPaste() {

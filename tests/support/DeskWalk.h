@@ -28,6 +28,18 @@ enum class WalkEdit {
     kCount,
 };
 
+// Edits that put boxes in order and keep their flow.
+enum class WalkFlow {
+    kAlign,
+    kDistribute,
+    kTidySelected,
+    kTidyAll,
+    kDeleteKeepingFlow,
+    kMute,
+    kEscape,
+    kCount,
+};
+
 // How the walk goes through a context menu that has opened.
 struct WalkMenu {
     // The place of the item to choose among these; of a submenu's title to go on into it. Nothing leaves the
@@ -48,6 +60,8 @@ class DeskHands {
     virtual void Wheel(bool forward) = 0;
     virtual void Tick() = 0;  // the time of a gesture goes on
     virtual void Edit(WalkEdit edit) = 0;
+    // `which` chooses among the kinds of an edit. Nothing where the hands have no way to it.
+    virtual void Flow(WalkFlow, uint32_t /*which*/) {}
     // Clicks there with the right button and goes through the menu that comes, if one does.
     virtual void Menu(const PointerState& pointer, const WalkMenu& menu) = 0;
     virtual void AddOperator(const std::string& name) = 0;
@@ -128,6 +142,9 @@ class DeskWalk {
     void Pan();
     void Scroll();
     void Edit();
+    void Flow();
+    void PullAWire();
+    void DropOnALine();
     void CopyAndPaste();
     void Tidy();
     void AddAndDrop();

@@ -77,7 +77,15 @@ class DeskWalkTest : public DocumentTest, public testing::WithParamInterface<uin
     }
 
     void AddOperators();
+    // With every second seed, the library wants what it may want of wires.
+    bool ChooseRules() {
+        if (GetParam() % 2 != 0) return false;
+        for (const char* name : {"pullwires", "dropwires", "escapewires", "insertboxes"})
+            host.GetSite().settings.Store(std::string("desk.") + name, "1");
+        return true;
+    }
     void Edit(WalkEdit edit) override;
+    void Flow(WalkFlow flow, uint32_t which) override;
     void Menu(const PointerState& pointer, const WalkMenu& menu) override;
     void Move(const PointerState& pointer) override {
         if (document.lock == 0) gestures.Move(pointer);
@@ -123,6 +131,7 @@ class DeskWalkTest : public DocumentTest, public testing::WithParamInterface<uin
     WalkView view;
     Edits::Subscription changes =
         document.edits.Observe([this](const Change& change) { view.OnChange(change); });
+    const bool hasRules = ChooseRules();  // before there is a desk, which reads them
     SeenDesk desk{document, host, view};
     DeskViewport viewport{document, {0.1F, 10}};
     DeskGestures gestures{
@@ -207,6 +216,28 @@ inline void DeskWalkTest::Edit(WalkEdit edit) {
         case WalkEdit::kZoomOut:
         case WalkEdit::kCount:
             viewport.ZoomOut();
+            return;
+    }
+}
+
+inline void DeskWalkTest::Flow(WalkFlow flow, uint32_t which) {
+    if (document.lock != 0) return;
+    switch (flow) {
+        case WalkFlow::kAlign:
+            return desk.AlignSelected(static_cast<DeskAlign>(which));
+        case WalkFlow::kDistribute:
+            return desk.DistributeSelected(which % 2 == 0 ? DeskAxis::kAcross : DeskAxis::kUp);
+        case WalkFlow::kTidySelected:
+            return desk.Tidy(COpDesk::TidyScope::kSelected);
+        case WalkFlow::kTidyAll:
+            return desk.Tidy(COpDesk::TidyScope::kAll);
+        case WalkFlow::kDeleteKeepingFlow:
+            return desk.DeleteKeepingFlow();
+        case WalkFlow::kMute:
+            return desk.MuteSelected();
+        case WalkFlow::kEscape:
+        case WalkFlow::kCount:
+            gestures.LetGo();
             return;
     }
 }
