@@ -40,6 +40,21 @@ std::optional<int> CommandQueue::Result(size_t number) {
     }
 }
 
+bool CommandQueue::HasEnded(size_t number) {
+    CollectEnded();
+    return m_jobs[number].state == Job::State::kEnded;
+}
+
+void CommandQueue::End(size_t number) {
+    if (HasEnded(number)) return;
+    Job& job = m_jobs[number];
+    if (job.state == Job::State::kRunning) {
+        std::erase(m_running, number);
+        m_commands.EndCommand(job.process);
+    }
+    job.state = Job::State::kEnded;
+}
+
 void CommandQueue::Start(size_t number) {
     Job& job = m_jobs[number];
     job.process = m_commands.StartCommand(job.words);

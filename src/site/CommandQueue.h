@@ -28,6 +28,11 @@ class CommandQueue {
     void Continue();
     // Waits for the command to end. Its exit code; nothing, unreported, if it could not be started.
     std::optional<int> Result(size_t number);
+    // Whether its result is there, so that nothing has to be waited for.
+    bool HasEnded(size_t number);
+    // Ends a command that takes too long; one that has not been started never will be. Its result is nothing,
+    // unless it was there before.
+    void End(size_t number);
 
   private:
     struct Job {

@@ -12,6 +12,7 @@
 
 #include "base/Files.h"
 #include "site/Commands.h"
+#include "support/Patience.h"
 #include "support/TestSite.h"
 
 namespace tavrin {
@@ -146,6 +147,54 @@ TEST_F(CommandQueueTest, AWaitIsToldLikeAnyOther) {
     EXPECT_EQ(queue.Result(Add(queue, "await go")), 0);
     EXPECT_GE(tellings, 3);
     EXPECT_FALSE(isWaiting);
+}
+
+TEST_F(CommandQueueTest, WhetherACommandHasEndedIsToldWithoutWaiting) {
+    CommandQueue queue(commands, 1);
+    const size_t first = Add(queue, "await go; exit 3");
+    const size_t second = Add(queue, "exit 4");
+    EXPECT_FALSE(queue.HasEnded(first)) << "it has not begun";
+    queue.Continue();
+    EXPECT_FALSE(queue.HasEnded(first));
+    EXPECT_FALSE(queue.HasEnded(second));
+    directory.Write("go", "");
+    EXPECT_TRUE(test::SleepUntil([&] { return queue.HasEnded(first); }));
+    EXPECT_FALSE(queue.HasEnded(second)) << "asking starts nothing";
+    EXPECT_EQ(queue.Result(first), 3);
+    EXPECT_EQ(queue.Result(second), 4);
+    EXPECT_TRUE(queue.HasEnded(second));
+}
+
+TEST_F(CommandQueueTest, ACommandThatIsEndedMakesRoomAndHasNoResult) {
+    CommandQueue queue(commands, 1);
+    const size_t hanging = Add(queue, "touch $D/begun; await never");
+    const size_t next = Add(queue, "exit 5");
+    queue.Continue();
+    EXPECT_TRUE(test::SleepUntil([&] { return Has("begun"); }));
+    queue.End(hanging);
+    EXPECT_TRUE(queue.HasEnded(hanging));
+    EXPECT_EQ(queue.Result(hanging), std::nullopt);
+    EXPECT_EQ(queue.Result(next), 5);
+}
+
+TEST_F(CommandQueueTest, ACommandThatIsEndedBeforeItsTurnIsNeverStarted) {
+    CommandQueue queue(commands, 1);
+    const size_t first = Add(queue, "await go");
+    const size_t second = Add(queue, "say second");
+    queue.Continue();
+    queue.End(second);
+    directory.Write("go", "");
+    EXPECT_EQ(queue.Result(first), 0);
+    EXPECT_EQ(queue.Result(second), std::nullopt);
+    EXPECT_FALSE(Has("said"));
+}
+
+TEST_F(CommandQueueTest, EndingACommandThatHasEndedLeavesItsResult) {
+    CommandQueue queue(commands, 1);
+    const size_t number = Add(queue, "exit 6");
+    EXPECT_EQ(queue.Result(number), 6);
+    queue.End(number);
+    EXPECT_EQ(queue.Result(number), 6);
 }
 
 }  // namespace
