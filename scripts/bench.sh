@@ -5,10 +5,10 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/build.sh release >/dev/null
-for bench in Expansion Generation Documents DeskModel Undo; do build/release/bench/bench_$bench; done
+for bench in Expansion Generation Documents DeskModel Layout Undo; do build/release/bench/bench_$bench; done
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-build/release/bench/bench_Opening "$PWD/installation/mray" "$work"
+for bench in Opening Search; do build/release/bench/bench_$bench "$PWD/installation/mray" "$work"; done
 for bench in ArgumentEditor ColorPicker Compare DeskPaint Forms Live LogWindow Sliders Start View; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
 perl bench/pipeline.pl build/release/bin/tavrin-batch
 perl bench/live.pl build/release/bin/tavrin-batch
