@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Rectangles that are put in order: on small ones all is told by number, on random networks by what must hold.
+// Rectangles that are put in order: on small ones all is told by number, on random networks by what must
+// hold.
 #include "desk/DeskLayout.h"
 
 #include <gmock/gmock.h>
@@ -133,8 +134,8 @@ Network AnyNetwork(unsigned seed, size_t count, bool withCircles = false) {
             const size_t from = random() % to;
             if (from % islands != to % islands) continue;
             const bool back = withCircles && random() % 5 == 0;
-            network.wires.push_back({back ? to : from, back ? from : to,
-                                     static_cast<float>(random() % 32), static_cast<float>(random() % 32)});
+            network.wires.push_back({back ? to : from, back ? from : to, static_cast<float>(random() % 32),
+                                     static_cast<float>(random() % 32)});
         }
     }
     return network;
@@ -329,8 +330,7 @@ float MedianMove(const std::vector<DeskRect>& before, const std::vector<DeskRect
     const float right = median(across);
     const float higher = median(up);
     std::vector<float> moves;
-    for (size_t i = 0; i < before.size(); ++i)
-        moves.push_back(std::hypot(across[i] - right, up[i] - higher));
+    for (size_t i = 0; i < before.size(); ++i) moves.push_back(std::hypot(across[i] - right, up[i] - higher));
     return median(moves);
 }
 
@@ -380,18 +380,39 @@ TEST(TidyRects, CrossingsThatNeedNotBeAreUndone) {
     }
 }
 
+TEST(TidyRects, ALongWirePassesBesideTheBoxesBetweenItsEnds) {
+    for (const bool isUpper : {false, true}) {
+        Network network = Boxes(4);  // a chain, and a wire from its first box to its last
+        for (size_t i = 0; i < 3; ++i)
+            network.wires.push_back({i, i + 1, 25, i == 2 && !isUpper ? 40.0F : 25.0F});
+        network.wires.push_back({0, 3, 25, isUpper ? 40.0F : 10.0F});
+        const auto rects = network.Tidied();
+        const DeskPoint start{rects[0].Right(), rects[0].bottom + 25};
+        const DeskPoint end{rects[3].left, rects[3].bottom + network.wires.back().toHeight};
+        for (const size_t inner : {1, 2}) {
+            for (float part = 0; part <= 1; part += 1.0F / 256) {
+                const DeskPoint point{start.x + (end.x - start.x) * part, start.y + (end.y - start.y) * part};
+                EXPECT_FALSE(rects[inner].GrownBy(4).Contains(point)) << inner;
+            }
+            EXPECT_EQ(rects[inner].bottom < start.y, isUpper) << "on the side where the wires do not cross";
+        }
+    }
+}
+
 TEST(TidyRects, AnyNumbersGiveNumbers) {
     const float infinite = std::numeric_limits<float>::infinity();
     const float none = std::numeric_limits<float>::quiet_NaN();
     Network network;
-    network.rects = {{none, 0, 100, 50},     {infinite, -infinite, 100, 50}, {0, 0, infinite, none},
-                     {3e38F, -3e38F, 1, 1},  {0, 0, -5, -7},                 {1, 2, 100, 50}};
+    network.rects = {{none, 0, 100, 50},     {infinite, -infinite, 100, 50},
+                     {0, 0, infinite, none}, {3e38F, -3e38F, 1, 1},
+                     {0, 0, -5, -7},         {1, 2, 100, 50}};
     network.wires = {{0, 1, none, infinite}, {1, 2, -5, 3e38F}, {2, 2, 0, 0}, {3, 99, 0, 0}, {99, 3, 0, 0}};
     for (const auto& corners :
          {TidyRects(network.rects, network.wires), AlignRects(network.rects, DeskAlign::kMiddleAcross),
           DistributeRects(network.rects, DeskAxis::kUp)}) {
         ASSERT_EQ(corners.size(), network.rects.size());
-        for (const DeskPoint& corner : corners) EXPECT_TRUE(std::isfinite(corner.x) && std::isfinite(corner.y));
+        for (const DeskPoint& corner : corners)
+            EXPECT_TRUE(std::isfinite(corner.x) && std::isfinite(corner.y));
     }
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Columns and places; the order within columns is found in IslandOrder.cpp.
+// The columns. The order within them is found in IslandOrder.cpp, the places in IslandPlaces.cpp.
 #include "desk/IslandLayout.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kShortenings = 8;   // passes over all boxes
+constexpr int kShortenings = 8;     // passes over all boxes
 constexpr int kStraightenings = 6;  // passes over all columns, there and back
 
 }  // namespace
@@ -36,6 +36,7 @@ std::vector<IslandLayout::Place> IslandLayout::Arrange() {
     ChooseColumns();
     FillColumns();
     ReduceCrossings();
+    FindLanes();
     Straighten();
     return Places();
 }
@@ -96,8 +97,8 @@ void IslandLayout::ChooseColumns() {
     ShortenWires();
 }
 
-// A box with more wires from the left than to the right, or as many, goes left as far as it may: so what feeds
-// nothing stands beside what it is fed by, and not at the far end.
+// A box with more wires from the left than to the right, or as many, goes left as far as it may: so what
+// feeds nothing stands beside what it is fed by, and not at the far end.
 void IslandLayout::ShortenWires() {
     std::vector<size_t> boxes(m_boxes.size());
     std::iota(boxes.begin(), boxes.end(), size_t{0});
@@ -151,75 +152,6 @@ void IslandLayout::StackColumn(const Column& column) {
         m_bottom[box] = bottom;
         bottom += m_boxes[box].height + m_gaps.up;
     }
-}
-
-// There and back over the columns, each of which follows what its boxes are wired to.
-void IslandLayout::Straighten() {
-    for (int pass = 0; pass < kStraightenings; ++pass) {
-        for (const Column& column : m_columns) Settle(column, Pull::kFeeders);
-        for (size_t i = m_columns.size(); i-- > 0;) Settle(m_columns[i], Pull::kConsumers);
-    }
-    for (const Column& column : m_columns) Settle(column, Pull::kBoth);
-    for (size_t i = m_columns.size(); i-- > 0;) Settle(m_columns[i], Pull::kBoth);
-}
-
-// Puts each box of a column where its wires run level on average, as far as the order and the gaps allow. Least
-// squares under an order are found by pooling those that come too near to one another.
-void IslandLayout::Settle(const Column& column, Pull pull) {
-    struct Pool {
-        double wanted;  // of the lowest one's bottom, as if all gaps and heights were none
-        double weight;
-        size_t count;
-    };
-    std::vector<Pool> pools;
-    pools.reserve(column.size());
-    double below = 0;  // what the boxes under this one take
-    for (const size_t box : column) {
-        double sum = 0;
-        double weight = 0;
-        const auto add = [&](const std::vector<End>& ends) {
-            for (const End& end : ends) {
-                sum += Anchor(end) - end.ownHeight;
-                weight += 1;
-            }
-        };
-        if (pull != Pull::kConsumers) add(m_feeders[box]);
-        if (pull != Pull::kFeeders) add(m_consumers[box]);
-        // Who has no wire to that side stays, unless others push.
-        Pool pool = weight == 0 ? Pool{m_bottom[box] - below, 0.25, 1} : Pool{sum / weight - below, weight, 1};
-        while (!pools.empty() && pools.back().wanted > pool.wanted) {
-            const Pool& last = pools.back();
-            const double both = last.weight + pool.weight;
-            pool = {(last.wanted * last.weight + pool.wanted * pool.weight) / both, both,
-                    last.count + pool.count};
-            pools.pop_back();
-        }
-        pools.push_back(pool);
-        below += m_boxes[box].height + m_gaps.up;
-    }
-    below = 0;
-    size_t place = 0;
-    for (const Pool& pool : pools) {
-        for (size_t i = 0; i < pool.count; ++i) {
-            const size_t box = column[place++];
-            m_bottom[box] = pool.wanted + below;
-            below += m_boxes[box].height + m_gaps.up;
-        }
-    }
-}
-
-std::vector<IslandLayout::Place> IslandLayout::Places() const {
-    std::vector<Place> places(m_boxes.size());
-    double left = 0;
-    for (const Column& column : m_columns) {
-        double widest = 0;
-        for (const size_t box : column) {
-            places[box] = {left, m_bottom[box]};
-            widest = std::max(widest, m_boxes[box].width);
-        }
-        left += widest + m_gaps.across;
-    }
-    return places;
 }
 
 }  // namespace tavrin

@@ -10,8 +10,8 @@
 
 namespace tavrin {
 
-// For one island, made and asked once. All is decided by the wires and the order of the boxes in the list, but
-// for what the wires leave open: there the lower of two boxes stays the lower one.
+// For one island, made and asked once. All is decided by the wires and the order of the boxes in the list,
+// but for what the wires leave open: there the lower of two boxes stays the lower one.
 class IslandLayout {
   public:
     struct Box {
@@ -34,8 +34,8 @@ class IslandLayout {
     struct End {
         size_t wire;
         size_t box;
-        double height;       // of the wire's end there, above the other box's bottom
-        double ownHeight;    // of its end here
+        double height;     // of the wire's end there, above the other box's bottom
+        double ownHeight;  // of its end here
     };
     using Column = std::vector<size_t>;  // boxes from the lowest up
 
@@ -56,9 +56,27 @@ class IslandLayout {
     void Stack();
     void StackColumn(const Column& column);
     // The places.
+    // Where a long wire passes a column between its ends: boxes are to leave room for it.
+    struct Lane {
+        size_t wire = 0;
+        double bottom = 0;
+        double height = 0;
+        size_t boxesBelow = 0;
+    };
+    // What stands in a column, one above the other: a box, or a lane of the column.
+    struct Item {
+        bool isLane;
+        size_t index;
+    };
+    void FindLanes();
     void Straighten();
-    enum class Pull { kFeeders, kConsumers, kBoth };
-    void Settle(const Column& column, Pull pull);
+    void PlaceLanes(size_t column);
+    double HeightAt(const LayoutWire& wire, double x) const;
+    void Follow(Lane& lane, size_t column) const;
+    size_t ChoosePlace(const Lane& lane, size_t column) const;
+    enum class Pull { kFeeders, kConsumers, kNone };
+    void Settle(size_t column, Pull pull);
+    double Gap(const Item& lower, const Item& upper) const;
     std::vector<Place> Places() const;
 
     double Anchor(const End& end) const { return m_bottom[end.box] + end.height; }
@@ -66,12 +84,16 @@ class IslandLayout {
     std::vector<Box> m_boxes;
     std::vector<LayoutWire> m_wires;
     LayoutGaps m_gaps;
-    std::vector<std::vector<End>> m_feeders;    // of each box
+    std::vector<std::vector<End>> m_feeders;  // of each box
     std::vector<std::vector<End>> m_consumers;
-    std::vector<bool> m_closesCircle;           // of each wire
-    std::vector<size_t> m_columnOf;             // of each box, from the left
+    std::vector<bool> m_closesCircle;  // of each wire
+    std::vector<size_t> m_columnOf;    // of each box, from the left
     std::vector<Column> m_columns;
-    std::vector<double> m_bottom;               // of each box
+    std::vector<double> m_bottom;            // of each box
+    std::vector<double> m_left;              // of each column, and behind the last
+    std::vector<double> m_width;             // of each column
+    std::vector<std::vector<Lane>> m_lanes;  // of each column
+    std::vector<std::vector<Item>> m_items;  // of each column, from the lowest up
     size_t m_crossings = 0;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// In which order the boxes of a column stand: a descent to where no attempt gives fewer crossings. Each attempt
-// depends on the order alone that it starts from, so that a layout begun with the order found stays there.
+// In which order the boxes of a column stand: a descent to where no attempt gives fewer crossings. Each
+// attempt depends on the order alone that it starts from, so that a layout begun with the order found stays
+// there.
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -11,12 +12,12 @@ namespace tavrin {
 
 namespace {
 
-constexpr int kSweeps = 6;                // in a row, before they are given up
-constexpr size_t kMostRounds = 200;       // of a small island
-constexpr size_t kMostWork = 400'000;     // wires that all rounds of a large one look at
-constexpr size_t kMostStretches = 8;      // of one wire that are looked at, from either end
-constexpr size_t kMostSwaps = 16;         // of one box in a row
-constexpr size_t kManyWires = 64;         // of a box that is not swapped: others are, round it
+constexpr int kSweeps = 6;             // in a row, before they are given up
+constexpr size_t kMostRounds = 200;    // of a small island
+constexpr size_t kMostWork = 400'000;  // wires that all rounds of a large one look at
+constexpr size_t kMostStretches = 8;   // of one wire that are looked at, from either end
+constexpr size_t kMostSwaps = 16;      // of one box in a row
+constexpr size_t kManyWires = 64;      // of a box that is not swapped: others are, round it
 
 // A wire between two neighbouring columns.
 struct Stretch {
