@@ -224,9 +224,20 @@ TEST_F(MutedCode, ACircleOfMutedBoxesThatAFileHasBroughtIsTold) {
     Wire(second, 0, first, 0);
     Wire(second, 0, sink, 0);
     EXPECT_EQ(Shown(), "show(, v(1 1 1), defaultnoarg);");
+    EXPECT_THAT(Findings(),
+                Contains("error: Sink_3 f: is fed by muted boxes that feed one another: cut a wire "
+                         "between them"));
     EXPECT_THAT(Alerts(),
                 Contains("Second_2 o: the way through muted boxes leads back to itself; cut one of the "
                          "connections between"));
+}
+
+TEST_F(MutedCode, TheArgumentsOfAMutedBoxStayThoseOfTheShader) {
+    COpBox& mix = Put("Mix", kMix);
+    mix.inputs[0]->arg = mix.inputs[1]->arg = 1;
+    const auto before = document.CollectUnconnectedInputs();
+    mix.muted = 1;
+    EXPECT_EQ(document.CollectUnconnectedInputs(), before);
 }
 
 TEST_F(MutedCode, AMutedBoxThatFeedsNothingIsLeftOut) {

@@ -140,10 +140,9 @@ class NetworkCheck {
 
     // What a wire carries in the end, past muted boxes.
     const COpButton& Carried(const COpButton& source) {
-        if (source.owner->muted == 0) return source;
-        const TiebackEnds::End end = m_ends.Of(source);
-        return end.kind == TiebackEnds::Kind::kCircle ? source : *end.button;
+        return source.owner->muted == 0 || LeadsRound(source) ? source : *m_ends.Of(source).button;
     }
+    bool LeadsRound(const COpButton& source) { return m_ends.Of(source).kind == TiebackEnds::Kind::kCircle; }
 
     void CheckBox(const COpBox& box) {
         if (!m_generated.contains(&box)) {
@@ -180,7 +179,13 @@ class NetworkCheck {
     }
 
     void CheckInput(COpButton& input) {
-        if (const COpButton* feeder = input.Feeder()) return CheckWire(input, Carried(*feeder));
+        if (const COpButton* feeder = input.Feeder()) {
+            if (feeder->owner->muted != 0 && LeadsRound(*feeder)) {
+                Add(Severity::kError, input,
+                    "is fed by muted boxes that feed one another: cut a wire between them", Mend::kCutWire);
+            }
+            return CheckWire(input, Carried(*feeder));
+        }
         CheckIdleWire(input);
         if (input.arg != 0 && input.fixedtext.empty()) return CheckArgument(input);
         if (input.MacroValue(m_names).empty())
