@@ -121,20 +121,26 @@ class FlowWalk {
 
 }  // namespace
 
+COpButton* FitFor(const COpButton& picked, const COpBox& box) {
+    const std::string& type = picked.CurrentType();
+    COpButton* fit = Best(picked.IsOutput() ? box.inputs : box.outputs, [&](const COpButton& own) {
+        if (!IsFree(own) || !own.CanConnect(picked)) return 0;
+        return own.CurrentType() == type ? 2 : HasCast(own, type) ? 1 : 0;
+    });
+    return fit == nullptr || picked.WouldLoop(*fit) ? nullptr : fit;
+}
+
 std::optional<Insertion> FitBetween(COpButton& source, COpButton& target, const COpBox& box) {
     const std::string& sent = source.CurrentType();
     const std::string& taken = target.CurrentType();
-    COpButton* input = Best(box.inputs, [&](const COpButton& own) {
-        if (!IsFree(own) || !own.CanConnect(source)) return 0;
-        return own.CurrentType() == sent ? 2 : HasCast(own, sent) ? 1 : 0;
-    });
+    COpButton* input = FitFor(source, box);
     COpButton* output = Best(box.outputs, [&](const COpButton& own) {
         if (!IsFree(own) || !own.CanConnect(target)) return 0;
         if (own.CurrentType() == taken) return 3;
         return own.CurrentType() == sent ? 2 : HasCast(own, taken) ? 1 : 0;
     });
     if (input == nullptr || output == nullptr) return std::nullopt;
-    if (source.WouldLoop(*input) || output->WouldLoop(target)) return std::nullopt;
+    if (output->WouldLoop(target)) return std::nullopt;
     return Insertion{&source, &target, input, output};
 }
 

@@ -19,6 +19,11 @@ struct Insertion {
     COpButton* output = nullptr;
 };
 
+// The button of the box that a wire from the picked button would enter: one that nothing is wired to, of its
+// type, else with a cast for it; the first of them. Null if there is none, or if the wire would close a
+// circle.
+COpButton* FitFor(const COpButton& picked, const COpBox& box);
+
 // An input and an output of the box that nothing is wired to, of the types that the wire has, else with casts
 // for them, as a wire drawn by hand would be legal and would close no circle; the casts stay as they are.
 // Nothing if there are none.

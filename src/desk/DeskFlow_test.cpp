@@ -121,6 +121,21 @@ TEST_F(Fitting, ABoxThatWouldCloseACircleDoesNotFit) {
     EXPECT_FALSE(FitBetween(*source.outputs[0], *behind.inputs[0], box)) << "the target feeds it";
 }
 
+TEST_F(Fitting, APickedButtonIsWiredToTheFirstFreeOneOfItsType) {
+    COpBox& box =
+        Box("input a { rgb { 0 0 0 %g } } input b { rgb { 0 0 0 %g } float { 0 0 1 0 %g } }\n"
+            "input c { float { 0 0 1 0 %g } } output x { rgb out } output y { float out }");
+    const auto nameOf = [](const COpButton* button) { return button == nullptr ? "" : button->name; };
+    EXPECT_EQ(nameOf(FitFor(*source.outputs[0], box)), "c");
+    EXPECT_EQ(nameOf(FitFor(*source.outputs[1], box)), "a");
+    EXPECT_EQ(nameOf(FitFor(*target.inputs[0], box)), "y");
+    Wire(Link(), 0, box, 2);
+    EXPECT_EQ(nameOf(FitFor(*source.outputs[0], box)), "b") << "it has a cast for it";
+    Wire(Link(), 0, box, 1);
+    EXPECT_EQ(nameOf(FitFor(*source.outputs[0], box)), "");
+    EXPECT_EQ(nameOf(FitFor(*box.outputs[1], box)), "") << "a box does not feed itself";
+}
+
 // Looking for the wire.
 
 TEST_F(Flow, TheWireUnderTheMiddleOfABoxIsTheOneItFitsInto) {
