@@ -195,6 +195,8 @@ TEST_F(OperatorSearchTest, OfHelpTheLineIsShownInWhichItWasFound) {
     ASSERT_TRUE(library.Load());
     EXPECT_THAT(Findings("second here"), ElementsAre("Noise", "The [second] line [here]."));
     EXPECT_THAT(Findings("third first"), ElementsAre("Noise", "The [first] line."));
+    EXPECT_THAT(Findings("line"), ElementsAre("Noise", "The first [line].")) << "the first of several";
+    EXPECT_THAT(Findings("ine"), ElementsAre("Noise", "The first l[ine]."));
 }
 
 TEST_F(OperatorSearchTest, PiecesThatTouchOrOverlapAreOne) {
@@ -222,6 +224,19 @@ TEST_F(OperatorSearchTest, SlipsAreForgivenInNamesAliasesAndMenus) {
     EXPECT_THAT(Find("ganite"), ElementsAre("Grain"));
     EXPECT_THAT(Findings("ganite"), ElementsAre("Grain", "[Granite]"));
     EXPECT_EQ(search.Find("treshold")[0].rank, SearchRank::kSlip);
+}
+
+TEST_F(OperatorSearchTest, OfSeveralNamesTheOneWithTheFewestSlipsIsShown) {
+    Add("0100.Abcdefxy", "alias Abcdefgx\n");
+    ASSERT_TRUE(library.Load());
+    EXPECT_THAT(Findings("abcdefgh"), ElementsAre("Abcdefxy", "[Abcdefgx]"));
+    EXPECT_THAT(Findings("abcdefyx"), ElementsAre("[Abcdefxy]"));
+}
+
+TEST_F(OperatorSearchTest, OfSeveralNamesWithTheSameSlipsTheFirstIsShown) {
+    Add("0100.Marbles", "alias Marblex\n");
+    ASSERT_TRUE(library.Load());
+    EXPECT_THAT(Findings("mabrle"), ElementsAre("[Marble]s"));
 }
 
 // Bytes
@@ -354,8 +369,8 @@ TEST_F(WireSearchTest, AnotherEndIsAnotherSearchAndNoneFindsAll) {
 TEST_F(WireSearchTest, WhatIsReadMeanwhileIsOfferedByTheNextSearch) {
     library.Scan();
     const OpenEnd end = End(true, "float");
-    EXPECT_THAT(Find("", &end), IsEmpty()) << "no definition has been read";
-    EXPECT_EQ(Find("").size(), 6U) << "but names are there";
+    EXPECT_EQ(Find("").size(), 6U) << "names are there";
+    EXPECT_THAT(Find("", &end), IsEmpty()) << "but no definition has been read";
     ASSERT_TRUE(library.Fill());
     EXPECT_THAT(Find("", &end), ElementsAre("Amount", "Sink", "Blend"));
 }
