@@ -22,9 +22,11 @@ using testing::IsEmpty;
 
 class SuppliedSearch : public testing::Test {
   protected:
-    // The library is read once for all tests.
+    // The library is read once for all tests. The time stands still: no run takes too long here.
     struct Supplied {
-        Supplied() : registry(own.report), index(registry, own.site) {
+        Supplied()
+            : registry(own.report),
+              index(registry, own.site, {}, [] { return std::chrono::steady_clock::time_point(); }) {
             own.site.settingsLibrary = own.site.directories.libName;
             own.site.settings.Store("preprocess.pure", "1");
             registry.AddDirectory(own.site.LibraryPath("menu"));
