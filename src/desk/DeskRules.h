@@ -2,6 +2,8 @@
 // How the desk behaves where a library may choose.
 #pragma once
 
+#include <optional>
+
 namespace tavrin {
 
 class Settings;
@@ -24,6 +26,19 @@ struct DeskRules {
     bool escapeWires = false;
     // A box that is dropped on a wire goes between its ends.
     bool insertBoxes = false;
+    // What a press would meet lights up before it.
+    bool hover = false;
+    // Pixels beside a line where a press still hits it, the nearest line if there are several. Else a line is
+    // hit as far from its middle as it is wide, the first one of the network.
+    std::optional<float> lineSlack = {};
+    // What is pasted, merged or copied comes to lie in sight. Else where the rules of old put it, which may be
+    // beyond the window's edge or nowhere until the mouse comes.
+    bool copiesInSight = false;
+    // Tab or a letter that is typed over the desk opens the search for an operator there, and so does a wire
+    // that is let go of over the empty desk.
+    bool search = false;
+    // Shift and Delete deletes boxes and joins what they stood between. Else it cuts them.
+    bool keepFlow = false;
 };
 
 }  // namespace tavrin

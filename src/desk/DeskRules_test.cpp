@@ -53,6 +53,9 @@ TEST(DeskRules, WhatIsWantedOfWiresIsChosenOneByOne) {
         {"desk.dropwires", &DeskRules::dropWires},
         {"desk.escapewires", &DeskRules::escapeWires},
         {"desk.insertboxes", &DeskRules::insertBoxes},
+        {"desk.keepflow", &DeskRules::keepFlow},
+        {"desk.copiesinsight", &DeskRules::copiesInSight},
+        {"desk.search", &DeskRules::search},
     };
     for (const auto& [chosen, ignored] : rules) {
         Settings settings;

@@ -36,7 +36,9 @@ const QStringList& Names() {
             "stop-render live render-options argument-editor view-source view-render-interface "
             "view-shader-interface display-log clear-log shader-help documentation about wallpaper customize "
             "status-bar scroll-bars sound-effects debug-mode log-save log-copy log-clear log-wrap "
-            "log-editable picture-window picture-single compare-toggle compare-wipe compare-difference")
+            "log-editable picture-window picture-single compare-toggle compare-wipe compare-difference "
+            "delete-join mute tidy align-left align-centre align-right align-top align-middle align-bottom "
+            "distribute-across distribute-down minimap")
             .split(' ');
     return names;
 }

@@ -2,6 +2,8 @@
 // Every command by each of its ways: from the menu, by its keys, from the toolbar.
 #include <QMenuBar>
 #include <QPushButton>
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "ui/library/MenuFinder.h"
@@ -41,6 +43,49 @@ void OpensSaved(Bench& t) {
     t.Document().customshaderhelp = "changed";
     t.Document().SetModified();
     t.Settle();
+}
+
+// By their numbers.
+std::vector<COpBox*> Boxes(Bench& t) {
+    std::vector<COpBox*> boxes;
+    for (const auto& box : t.Document().m_boxes) boxes.push_back(box.get());
+    std::sort(boxes.begin(), boxes.end(),
+              [](const COpBox* left, const COpBox* right) { return left->wid < right->wid; });
+    return boxes;
+}
+
+// Three that are selected, none of them in line with another, each feeding the next.
+void MakesAChain(Bench& t) {
+    t.AddSelectedBoxes(3);
+    const std::vector<COpBox*> boxes = Boxes(t);
+    for (size_t i = 0; i < boxes.size(); ++i) {
+        boxes[i]->xypos[0] = static_cast<float>(130 * i * (i + 1));
+        boxes[i]->xypos[1] = static_cast<float>(70 * i * (i + 1));
+        if (i != 0) t.Desk().Connect(*boxes[i - 1]->outputs.at(0), *boxes[i]->inputs.at(0));
+    }
+    t.Frame().Desk().LayoutAll();
+    t.Settle();
+}
+
+void SelectsOnly(Bench& t, COpBox& box) {
+    t.Desk().SelectBox(box.BoxTitleWid());
+    t.Settle();
+}
+
+// That all three have the same of it, which they had not before.
+void ExpectInLine(Bench& t, float (*measure)(const DeskRect&)) {
+    for (const COpBox* box : Boxes(t)) {
+        EXPECT_NEAR(measure(BoxRect(*box)), measure(BoxRect(*Boxes(t).front())), 0.01F) << box->wid;
+    }
+    t.Desk().Undo();
+    EXPECT_GT(std::abs(measure(BoxRect(*Boxes(t).at(1))) - measure(BoxRect(*Boxes(t).front()))), 1.0F);
+}
+
+void ExpectEvenlySpread(Bench& t, float (*from)(const DeskRect&), float (*to)(const DeskRect&)) {
+    const auto rect = [&t](size_t i) { return BoxRect(*Boxes(t).at(i)); };
+    EXPECT_NEAR(from(rect(1)) - to(rect(0)), from(rect(2)) - to(rect(1)), 0.01F);
+    t.Desk().Undo();
+    EXPECT_GT(std::abs(from(rect(2)) - to(rect(1)) - (from(rect(1)) - to(rect(0)))), 1.0F);
 }
 
 // Starts an export of one kind, of which the script is told by a place of its own.
@@ -167,6 +212,74 @@ const std::vector<Effect>& Effects() {
          [](Bench& t) {
              EXPECT_EQ(t.BoxCount(), 0);
              EXPECT_TRUE(t.Desk().m_clipboardBoxes.empty());
+         }},
+        {"DeleteAndJoin", Id::kDeleteKeepingFlow, "Edit", "", false,
+         [](Bench& t) {
+             MakesAChain(t);
+             SelectsOnly(t, *Boxes(t).at(1));
+         },
+         [](Bench& t) {
+             ASSERT_EQ(t.BoxCount(), 2);
+             EXPECT_EQ(Boxes(t).at(1)->inputs.at(0)->connections.First(), Boxes(t).at(0)->outputs.at(0).get());
+             EXPECT_TRUE(t.Desk().m_clipboardBoxes.empty());
+         }},
+        {"MuteBoxes", Id::kMuteBoxes, "Edit", "Ctrl+Shift+M", false,
+         [](Bench& t) {
+             MakesAChain(t);
+             SelectsOnly(t, *Boxes(t).at(1));
+         },
+         [](Bench& t) {
+             EXPECT_EQ(Boxes(t).at(0)->muted, 0);
+             EXPECT_EQ(Boxes(t).at(1)->muted, 1);
+             EXPECT_TRUE(t.Document().IsModified());
+         }},
+        {"Tidy", Id::kTidy, "Edit", "Ctrl+Shift+T", false, MakesAChain,
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.bottom; });
+         }},
+        {"TidyOfOneSelected", Id::kTidy, "Edit", "Ctrl+Shift+T", false,
+         [](Bench& t) {
+             MakesAChain(t);
+             SelectsOnly(t, *Boxes(t).at(1));
+         },
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.bottom; });
+         }},
+        {"AlignLeft", Id::kAlignLeft, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.left; });
+         }},
+        {"AlignCentre", Id::kAlignCentre, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.Middle().x; });
+         }},
+        {"AlignRight", Id::kAlignRight, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.Right(); });
+         }},
+        {"AlignTop", Id::kAlignTop, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.Top(); });
+         }},
+        {"AlignMiddle", Id::kAlignMiddle, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.Middle().y; });
+         }},
+        {"AlignBottom", Id::kAlignBottom, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectInLine(t, [](const DeskRect& rect) { return rect.bottom; });
+         }},
+        {"DistributeAcross", Id::kDistributeAcross, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectEvenlySpread(
+                 t, [](const DeskRect& rect) { return rect.left; },
+                 [](const DeskRect& rect) { return rect.Right(); });
+         }},
+        {"DistributeDown", Id::kDistributeDown, "Edit", "", false, MakesAChain,
+         [](Bench& t) {
+             ExpectEvenlySpread(
+                 t, [](const DeskRect& rect) { return rect.bottom; },
+                 [](const DeskRect& rect) { return rect.Top(); });
          }},
         {"SelectAllBoxes", Id::kSelectAllBoxes, "Edit", "Ctrl+A", true,
          [](Bench& t) {

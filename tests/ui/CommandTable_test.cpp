@@ -44,6 +44,17 @@ constexpr Listed kListed[] = {
     {57634, "Copy", "Ctrl+C"},
     {57637, "Paste", "Ctrl+V Shift+Ins"},
     {32774, "Delete", "Del"},
+    {32947, "Delete and Join", ""},
+    {32948, "Mute Boxes", "Ctrl+Shift+M"},
+    {32949, "Tidy", "Ctrl+Shift+T"},
+    {32950, "Align Left", ""},
+    {32951, "Align Centre", ""},
+    {32952, "Align Right", ""},
+    {32953, "Align Top", ""},
+    {32954, "Align Middle", ""},
+    {32955, "Align Bottom", ""},
+    {32956, "Distribute Across", ""},
+    {32957, "Distribute Down", ""},
     {32844, "Stow All Sliders", ""},
     {32845, "Unstow All Sliders", ""},
     {32846, "Pin All Sliders", ""},
@@ -190,8 +201,9 @@ TEST_F(CommandTableTest, NoKeyIsBoundTwice) {
                                << Bytes(key.toString());
         }
     }
-    EXPECT_EQ(owners.size(), 32U + 3U - 1U)
-        << "all accelerators, those of Undo and Redo, but not that for printing, which nothing does";
+    EXPECT_EQ(owners.size(), 32U + 3U + 2U - 1U)
+        << "all accelerators, those of Undo and Redo, of Mute and Tidy, but not that for printing, which "
+           "nothing does";
 }
 
 TEST_F(CommandTableTest, TheHotKeysAreF1ToF8InTheOrderOfTheirCommands) {
@@ -219,8 +231,8 @@ TEST_F(CommandTableTest, TheMenusHoldTheirItemsInOrder) {
               "New|Open...|Merge...|-|Save|Save As...|-|Export Options...|Export >|Export All|-|"
               "Run Script...|Halt Script|-|Recent Files|-|-|Exit");
     EXPECT_EQ(Bytes(Items("Edit").join('|')),
-              "Undo|Redo|Undo History|-|Render History|-|Cut|Copy|Paste|Delete|-|Select All Boxes|Unselect "
-              "All Boxes|-|"
+              "Undo|Redo|Undo History|-|Render History|-|Cut|Copy|Paste|Delete|Delete and Join|Mute "
+              "Boxes|-|Arrange >|-|Select All Boxes|Unselect All Boxes|-|"
               "Stow All Sliders|Unstow All Sliders|-|Pin All Sliders|Unpin All Sliders|-|"
               "Lock All Sliders|Unlock All Sliders");
     EXPECT_EQ(Bytes(Items("Find").join('|')), "Box Finder|Menu Finder");
@@ -250,6 +262,13 @@ TEST_F(CommandTableTest, TheExportPopupHoldsTheFourKindsOfFile) {
               "Shader Source (.src)|Compiled Shader (.cmp)|Render Interface (.rif)|Shader Interface (.cus)");
 }
 
+TEST_F(CommandTableTest, TheArrangePopupHoldsTheWaysToPutBoxesInOrder) {
+    Start();
+    EXPECT_EQ(MenuTexts(Menu("Edit")->findChild<QMenu*>()).join('|'),
+              "Tidy|-|Align Left|Align Centre|Align Right|Align Top|Align Middle|Align Bottom|-|Distribute "
+              "Across|Distribute Down");
+}
+
 // Of the two commands of the same title, Options has the switch and the others have the window.
 TEST_F(CommandTableTest, RenderHistoryOfOptionsIsACommandOfItsOwn) {
     Start();
@@ -263,7 +282,10 @@ TEST_F(CommandTableTest, EachLetterChoosesOneItemOfItsMenu) {
     Start();
     const QList<QAction*> bar = Frame().menuBar()->actions();
     QList<QList<QAction*>> levels = {bar.mid(0, 7)};
-    for (const QAction* title : bar.mid(0, 7)) levels << title->menu()->actions();
+    for (const QAction* title : bar.mid(0, 7)) {
+        levels << title->menu()->actions();
+        for (const QMenu* submenu : title->menu()->findChildren<QMenu*>()) levels << submenu->actions();
+    }
     for (const auto& level : levels) {
         std::map<QString, std::string> letters;
         for (const QAction* item : level) {

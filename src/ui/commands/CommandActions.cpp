@@ -2,6 +2,7 @@
 #include "ui/commands/CommandActions.h"
 
 #include <QAction>
+#include <QKeySequence>
 #include <QMainWindow>
 #include <QMenu>
 #include <QShortcut>
@@ -71,6 +72,14 @@ void CommandActions::On(CommandId id, CommandHandler handler) {
 void CommandActions::Run(CommandId id) {
     if (const auto handler = m_handlers.find(id); handler != m_handlers.end()) handler->second.run();
     m_hasRun();
+}
+
+void CommandActions::MoveKey(const QKeySequence& key, CommandId from, CommandId to) {
+    QList<QKeySequence> left = Get(from).shortcuts();
+    left.removeAll(key);
+    Get(from).setShortcuts(left);
+    Get(to).setShortcuts(Get(to).shortcuts() << key);
+    Get(to).setToolTip(PlainText(Get(to).text()) + " (" + key.toString() + ")");
 }
 
 void CommandActions::SetText(CommandId id, const QString& text) {

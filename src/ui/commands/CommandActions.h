@@ -9,6 +9,7 @@
 #include "ui/commands/CommandTable.h"
 
 class QAction;
+class QKeySequence;
 class QMainWindow;
 class QMenu;
 class QToolBar;
@@ -37,6 +38,8 @@ class CommandActions {
     void Run(CommandId id);
 
     QAction& Get(CommandId id) const { return *m_actions.at(id); }
+    // Takes a key from one command and gives it to another, where a library wants that.
+    void MoveKey(const QKeySequence& key, CommandId from, CommandId to);
     // The menu's text, the key left out; '&' and all.
     void SetText(CommandId id, const QString& text);
     // Brings the actions in line with the rules.

@@ -17,6 +17,8 @@
 #include "ui/base/QtQueue.h"
 #include "ui/commands/DeskWork.h"
 #include "ui/commands/DocumentWork.h"
+#include "ui/commands/EscapeKey.h"
+#include "ui/commands/FlowWork.h"
 #include "ui/commands/HelpWork.h"
 #include "ui/commands/KeepWork.h"
 #include "ui/commands/LiveWork.h"
@@ -195,8 +197,25 @@ void MainFrame::CreateWork() {
     m_options = std::make_unique<OptionWork>(
         OptionWork::Needs{GetSite(), m_profile, *m_desk, *m_sliders, *m_statusBox});
     m_deskWork = std::make_unique<DeskWork>(DeskWork::Needs{*this, *m_work, *m_desk, *m_statusBox});
-    m_probeWork = std::make_unique<ProbeWork>(ProbeWork::Needs{
-        *this, *m_work, *m_desk, m_commands.Get(CommandId::kZoomReset), [this] { m_idle.Request(); }});
+    CreateEscapeKey();
+    m_probeWork = std::make_unique<ProbeWork>(ProbeWork::Needs{*m_work, *m_desk, [this] {
+                                                                   m_escapeKey->Follow();
+                                                                   m_idle.Request();
+                                                               }});
+}
+
+// What is in hand goes before what is only looked at.
+void MainFrame::CreateEscapeKey() {
+    const COpDesk& desk = m_work->desk;
+    Probe& probe = m_work->probe;
+    const EscapeKey::Step letGo{[this, &desk] {
+                                    return m_work->document.lock == 0 && desk.Rules().escapeWires &&
+                                           desk.m_selectedButton != nullptr;
+                                },
+                                [this] { m_desk->Gestures().LetGo(); }};
+    const EscapeKey::Step endProbe{[&probe] { return probe.Output() != nullptr; }, [&probe] { probe.End(); }};
+    m_escapeKey = std::make_unique<EscapeKey>(EscapeKey::Needs{
+        *this, m_commands.Get(CommandId::kZoomReset), {letGo, endProbe}, [this] { m_idle.Request(); }});
 }
 
 void MainFrame::CreateWindows() {
@@ -216,6 +235,7 @@ void MainFrame::CreateWindows() {
 void MainFrame::AddCommands() {
     m_documents->AddTo(m_commands);
     m_deskWork->AddTo(m_commands);
+    AddFlowCommands(m_commands, *m_work);
     m_renders->AddTo(m_commands);
     m_live->AddTo(m_commands);
     m_pictureWork->AddTo(m_commands);

@@ -28,6 +28,7 @@ class CStatusBox;
 class DeskPane;
 class DeskWork;
 class DocumentWork;
+class EscapeKey;
 struct FormAction;
 class KeepWork;
 class LiveWork;
@@ -103,6 +104,7 @@ class MainFrame : public QMainWindow, private TitleView {
     void CreateBars();
     void CreatePictures();
     void CreateWork();
+    void CreateEscapeKey();
     void CreateWindows();
     void AddCommands();
     void StartIdleWork(std::unique_ptr<Splash> splash);
@@ -156,6 +158,7 @@ class MainFrame : public QMainWindow, private TitleView {
     std::unique_ptr<OperatorWork> m_operators;
     std::unique_ptr<OptionWork> m_options;
     std::unique_ptr<DeskWork> m_deskWork;
+    std::unique_ptr<EscapeKey> m_escapeKey;
     std::unique_ptr<ProbeWork> m_probeWork;
     std::unique_ptr<FrameWindows> m_windows;
     std::unique_ptr<ScriptWork> m_scripts;
