@@ -156,14 +156,7 @@ void PictureBook::TakeLive(const PictureMessage& message) {
     if (file.empty()) return;
     PictureEntry* live = FindLive(message.Text("desk"));
     const bool isNew = live == nullptr;
-    if (isNew) {
-        auto made = std::make_unique<PictureEntry>();
-        made->kind = Kind::kLive;
-        made->desk = message.Text("desk");
-        made->started = QDateTime::currentDateTime();
-        live = &Add(std::move(made));
-        Sort();
-    }
+    if (isNew) live = &AddLive(message.Text("desk"));
     live->state = message.Number("final").value_or(1) != 0 ? State::kDone : State::kRunning;
     live->waitingFile = file;
     live->waitingId = uint64_t(message.Number("id").value_or(0));
@@ -178,18 +171,23 @@ void PictureBook::TakeTrouble(const PictureMessage& message) {
     PictureEntry* live = FindLive(message.Text("desk"));
     const bool isNew = live == nullptr;
     if (isNew) {
-        auto made = std::make_unique<PictureEntry>();
-        made->kind = Kind::kLive;
-        made->desk = message.Text("desk");
-        made->started = QDateTime::currentDateTime();
-        live = &Add(std::move(made));
-        Sort();
+        live = &AddLive(message.Text("desk"));
         m_view.listChanged();
     }
     live->state = State::kFailed;
     live->trouble = message.Text("text");
     if (isNew) m_view.came(*live);
     m_view.changed(*live);
+}
+
+PictureEntry& PictureBook::AddLive(const std::string& desk) {
+    auto made = std::make_unique<PictureEntry>();
+    made->kind = Kind::kLive;
+    made->desk = desk;
+    made->started = QDateTime::currentDateTime();
+    PictureEntry& added = Add(std::move(made));
+    Sort();
+    return added;
 }
 
 PictureEntry& PictureBook::Add(std::unique_ptr<PictureEntry> entry) {

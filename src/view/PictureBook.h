@@ -88,6 +88,7 @@ class PictureBook {
     void TakeLive(const PictureMessage& message);
     void TakeTrouble(const PictureMessage& message);
     void TakeWords(PictureEntry& entry, const PictureMessage& message);
+    PictureEntry& AddLive(const std::string& desk);
     PictureEntry& Add(std::unique_ptr<PictureEntry> entry);
     void Remove(PictureEntry& entry);
     void Sort();
