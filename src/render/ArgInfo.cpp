@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "render/ArgInfo.h"
 
+#include <algorithm>
+
 #include "document/TvDoc.h"
 #include "library/ValueVisitor.h"
 #include "render/HelpLines.h"
+#include "render/LineMap.h"
 #include "text/Numbers.h"
 
 namespace tavrin {
@@ -41,24 +44,49 @@ void WriteArgument(std::string& text, const COpButton& button, const NameSource&
     text += "}\n\n";
 }
 
+// Counts on from the lines that were counted before.
+class LineCounter {
+  public:
+    explicit LineCounter(const std::string& text) : m_text(text) {}
+    size_t Count() {
+        const auto from = m_text.begin() + static_cast<std::ptrdiff_t>(m_counted);
+        m_lines += static_cast<size_t>(std::count(from, m_text.end(), '\n'));
+        m_counted = m_text.size();
+        return m_lines;
+    }
+
+  private:
+    const std::string& m_text;
+    size_t m_counted = 0;
+    size_t m_lines = 0;
+};
+
 }  // namespace
 
 std::string WriteArgInfo(const std::string& help, const std::vector<COpButton*>& unconnected,
-                         const PreparedVariables& variables, Report& report) {
+                         const PreparedVariables& variables, Report& report,
+                         std::vector<ArgumentLines>* places) {
     std::string text = "Help\n{\n";
     for (const std::string& line : HelpLines(help)) text.append(">").append(line).append("\n");
     text += "}\n\n";
     const NameSource names{variables, &report};
+    LineCounter lines(text);
     for (const COpButton* button : unconnected) {
-        if (button->arg != 0 && !button->values.empty()) WriteArgument(text, *button, names);
+        if (button->arg == 0 || button->values.empty()) continue;
+        const size_t before = lines.Count();
+        WriteArgument(text, *button, names);
+        if (places == nullptr) continue;
+        const COpBox& box = *button->owner;
+        places->push_back(
+            {before + 1, lines.Count() - before - 1, box.wid, box.filename, button->DisplayName()});
     }
     text += "EndArginfo\n";
     return text;
 }
 
-std::string WriteArgInfo(const CTvDoc& document, Report& report) {
+std::string WriteArgInfo(const CTvDoc& document, Report& report, std::vector<ArgumentLines>* places) {
     return WriteArgInfo(document.customshaderhelp, document.CollectUnconnectedInputs(),
-                        document.preparedVariables, report);
+                        document.preparedVariables, report, places);
 }
 
 }  // namespace tavrin

@@ -24,7 +24,7 @@ class LineMap::Maker {
         if (file == LineSource::kGenerated) {
             const auto output = static_cast<size_t>(origin.source.Line());
             if (box != nullptr && output > 0 && output <= box->outputs.size())
-                run.output = box->outputs[output - 1]->DisplayName();
+                run.button = box->outputs[output - 1]->DisplayName();
         } else if (file == LineSource::kDefinition && box != nullptr) {
             PlaceInDefinition(*box, origin.source.Line(), run);
         } else if (file >= LineSource::kFirstFile) {
@@ -85,7 +85,7 @@ class LineMap::Maker {
 LineMap::LineMap(const std::vector<std::string>& code, const CCodeGen::Origins& origins,
                  const CCodeGen& shader, const std::vector<COpBox*>& boxes) {
     m_boxes.reserve(boxes.size());
-    for (const COpBox* box : boxes) m_boxes.push_back({box->BoxTitleWid(), box->filename});
+    for (const COpBox* box : boxes) m_boxes.push_back({box->wid, box->filename});
     Maker maker(*this, shader, boxes);
     size_t line = 1;
     for (size_t i = 0; i < code.size(); ++i) {
@@ -104,7 +104,7 @@ void LineMap::Add(Run run) {
                                 ? last.line == 0
                                 : last.line > 0 && static_cast<size_t>(run.line - last.line) == last.count;
         if (last.first + last.count == run.first && last.box == run.box && last.block == run.block &&
-            last.file == run.file && last.output == run.output && goesOn) {
+            last.file == run.file && last.button == run.button && goesOn) {
             last.count += run.count;
             return;
         }
@@ -112,18 +112,24 @@ void LineMap::Add(Run run) {
     m_runs.push_back(std::move(run));
 }
 
-std::optional<LinePlace> LineMap::Find(size_t line) const {
+const LineMap::Run* LineMap::RunOf(size_t line) const {
     const auto behind = std::upper_bound(m_runs.begin(), m_runs.end(), line,
                                          [](size_t wanted, const Run& run) { return wanted < run.first; });
-    if (behind == m_runs.begin()) return std::nullopt;
+    if (behind == m_runs.begin()) return nullptr;
     const Run& run = *std::prev(behind);
-    if (line >= run.first + run.count) return std::nullopt;
+    return line < run.first + run.count ? &run : nullptr;
+}
+
+std::optional<LinePlace> LineMap::Find(size_t line) const {
+    const Run* found = RunOf(line);
+    if (found == nullptr) return std::nullopt;
+    const Run& run = *found;
     LinePlace place;
     if (run.box > 0) {
-        place.box = m_boxes[run.box - 1].title;
+        place.box = m_boxes[run.box - 1].Title();
         place.operatorName = m_boxes[run.box - 1].operatorName;
     }
-    place.output = run.output;
+    place.button = run.button;
     if (run.block != CCodeGen::kNoBlock) place.clause = CCodeGen::BlockName(run.block);
     if (run.file > 0) place.file = m_files[run.file - 1];
     if (run.line > 0) place.line = run.line + static_cast<int>(line - run.first);
@@ -131,12 +137,35 @@ std::optional<LinePlace> LineMap::Find(size_t line) const {
 }
 
 std::vector<size_t> LineMap::LinesOf(const std::string& box) const {
+    return LinesOf(std::unordered_set<std::string>{box});
+}
+
+std::vector<size_t> LineMap::LinesOf(const std::unordered_set<std::string>& boxes) const {
+    std::vector<bool> isWanted;
+    for (const Box& box : m_boxes) isWanted.push_back(boxes.contains(box.Title()));
     std::vector<size_t> lines;
     for (const Run& run : m_runs) {
-        if (run.box == 0 || m_boxes[run.box - 1].title != box) continue;
+        if (run.box == 0 || !isWanted[run.box - 1]) continue;
         for (size_t i = 0; i < run.count; ++i) lines.push_back(run.first + i);
     }
     return lines;
+}
+
+LineMap LineMap::Through(const std::vector<size_t>& from) const {
+    LineMap map;
+    map.m_boxes = m_boxes;
+    map.m_files = m_files;
+    for (size_t i = 0; i < from.size(); ++i) {
+        const Run* source = RunOf(from[i]);
+        if (source == nullptr) continue;
+        Run run = *source;
+        run.first = i + 1;
+        run.count = 1;
+        if (run.line > 0) run.line += static_cast<int>(from[i] - source->first);
+        map.Add(std::move(run));
+    }
+    map.m_lineCount = from.size();
+    return map;
 }
 
 }  // namespace tavrin

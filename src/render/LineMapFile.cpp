@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// The map of lines as a file, which scripts read:
-//
-//   #source lines 1
-//   box TITLE OPERATOR                  each box, in the order of generation
-//   file PATH                           each file that a line comes from
-//   line FIRST COUNT BOX CLAUSE FILE LINE
-//                                       so many lines from FIRST on were written by the BOXth box (0: by
-//                                       none), in that block, from LINE on of the FILEth file (0: not known)
-//   output LINE BOX CLAUSE NAME         the line declares that output of the box
+// The map of lines as a file, which scripts read and docs/formats.md describes.
 #include <charconv>
+#include <map>
+#include <utility>
 
 #include "render/LineMap.h"
+#include "text/StoredText.h"
 
 namespace tavrin {
 
@@ -39,32 +34,48 @@ bool TakeBlock(std::string_view& text, CCodeGen::BlockId& block) {
 
 }  // namespace
 
-std::string LineMap::Store(size_t before) const {
+std::string LineMap::Store(size_t before, const std::vector<ArgumentLines>& arguments) const {
     std::string text(kHead);
     text += '\n';
-    for (const Box& box : m_boxes)
-        text.append("box ").append(box.title).append(" ").append(box.operatorName) += '\n';
+    std::map<std::pair<int, std::string>, size_t> numbers;
+    const auto store = [&](const Box& box) {
+        const auto [known, isNew] = numbers.emplace(std::pair(box.wid, box.operatorName), numbers.size() + 1);
+        if (!isNew) return known->second;
+        text.append("box ").append(std::to_string(box.wid)).append(" ");
+        text.append(OneLine(box.operatorName)) += '\n';
+        return known->second;
+    };
+    std::vector<size_t> boxes{0};
+    for (const Box& box : m_boxes) boxes.push_back(store(box));
+    for (const ArgumentLines& argument : arguments) store({argument.wid, argument.operatorName});
     for (const std::string& file : m_files) text.append("file ").append(file) += '\n';
-    const auto number = [&text](size_t value) { text.append(" ").append(std::to_string(value)); };
-    for (const Run& run : m_runs) {
-        const std::string_view block = CCodeGen::BlockName(run.block);
-        if (!run.output.empty()) {
-            text += "output";
-            number(run.first + before);
-            number(run.box);
-            text.append(" ").append(block).append(" ").append(run.output) += '\n';
-            continue;
-        }
-        text += "line";
-        number(run.first + before);
-        number(run.count);
-        number(run.box);
-        text.append(" ").append(block);
-        number(run.file);
-        number(static_cast<size_t>(run.line));
-        text += '\n';
+    for (const ArgumentLines& argument : arguments) {
+        StoreRun(text, {argument.first, argument.count, store({argument.wid, argument.operatorName}), 0, 0,
+                        CCodeGen::kNoBlock, argument.button});
+    }
+    for (Run run : m_runs) {
+        run.first += before;
+        run.box = boxes[run.box];
+        StoreRun(text, run);
     }
     return text;
+}
+
+void LineMap::StoreRun(std::string& text, const Run& run) {
+    const auto number = [&text](size_t value) { text.append(" ").append(std::to_string(value)); };
+    const bool isOutput = !run.button.empty() && !run.IsArgument();
+    text += run.IsArgument() ? "argument" : isOutput ? "output" : "line";
+    number(run.first);
+    if (!isOutput) number(run.count);
+    number(run.box);
+    if (!run.IsArgument()) text.append(" ").append(CCodeGen::BlockName(run.block));
+    if (!run.button.empty()) {
+        text.append(" ").append(OneLine(run.button)) += '\n';
+        return;
+    }
+    number(run.file);
+    number(static_cast<size_t>(run.line));
+    text += '\n';
 }
 
 // Reads one line after the other into a map; each tells whether it fits what was read before.
@@ -78,14 +89,17 @@ class LineMap::Parser {
         if (word == "file") return TakeFile(line);
         if (word == "line") return TakeRun(line);
         if (word == "output") return TakeOutput(line);
+        if (word == "argument") return TakeArgument(line);
         return false;
     }
 
   private:
     bool TakeBox(std::string_view line) {
-        const std::string_view title = TakeUpTo(line, ' ');
-        if (title.empty() || line.empty()) return false;
-        m_map.m_boxes.push_back({std::string(title), std::string(line)});
+        int wid = 0;
+        const std::string_view word = TakeUpTo(line, ' ');
+        const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), wid);
+        if (error != std::errc() || end != word.data() + word.size() || line.empty()) return false;
+        m_map.m_boxes.push_back({wid, std::string(line)});
         return true;
     }
     bool TakeFile(std::string_view line) {
@@ -107,8 +121,17 @@ class LineMap::Parser {
         run.count = 1;
         if (!TakeNumber(line, run.first) || !TakeNumber(line, run.box) || !TakeBlock(line, run.block))
             return false;
-        run.output = line;
-        return !run.output.empty() && run.box > 0 && Accept(std::move(run));
+        return TakeButton(line, std::move(run));
+    }
+    bool TakeArgument(std::string_view line) {
+        Run run;
+        if (!TakeNumber(line, run.first) || !TakeNumber(line, run.count) || !TakeNumber(line, run.box))
+            return false;
+        return TakeButton(line, std::move(run));
+    }
+    bool TakeButton(std::string_view name, Run run) {
+        run.button = name;
+        return !name.empty() && run.box > 0 && Accept(std::move(run));
     }
     bool Accept(Run run) {
         if (run.first <= m_map.m_lineCount || run.count == 0 || run.box > m_map.m_boxes.size() ||

@@ -15,7 +15,7 @@
 namespace tavrin {
 
 void PrintTo(const LinePlace& place, std::ostream* out) {
-    *out << place.box << "|" << place.operatorName << "|" << place.output << "|" << place.clause << "|"
+    *out << place.box << "|" << place.operatorName << "|" << place.button << "|" << place.clause << "|"
          << place.file << ":" << place.line;
 }
 
@@ -42,7 +42,8 @@ class LineMapTest : public test::DocumentTest {
     LinePlace PlaceOf(const std::string& line) {
         const ShaderText text = Generate();
         for (size_t i = 0; i < text.code.size(); ++i) {
-            if (Trim(text.code[i]) == line) return text.lines.Find(i + 1).value_or(LinePlace{"no place", {}, {}, {}, {}, 0});
+            if (Trim(text.code[i]) == line)
+                return text.lines.Find(i + 1).value_or(LinePlace{"no place", {}, {}, {}, {}, 0});
         }
         return {"no such line", {}, {}, {}, {}, 0};
     }
@@ -219,9 +220,29 @@ TEST_F(LineMapTest, AgreesWithLinesThatNameTheirOwnPlace) {
     EXPECT_GT(found, 200U);
 }
 
+TEST(LineMapFile, TellsOfArgumentsAheadOfTheSource) {
+    CCodeGen shader;
+    shader.AddLine(CCodeGen::kMainBody, LineKind::kAppend, "a");
+    std::vector<std::string> code;
+    CCodeGen::Origins origins;
+    shader.WriteCode(code, &origins);
+    const std::string text = LineMap(code, origins, shader, {})
+                                 .Store(20, {{5, 9, 12, "Clear Coat", "Ks"}, {15, 2, 3, "A\nB\r", "x\ny"}});
+    std::string error;
+    const auto map = LineMap::Read(text, error);
+    ASSERT_TRUE(map) << error << text;
+    EXPECT_EQ(map->Find(4), std::nullopt);
+    EXPECT_EQ(map->Find(5), (LinePlace{"Clear Coat_12", "Clear Coat", "Ks", "", "", 0}));
+    EXPECT_EQ(map->Find(13), map->Find(5));
+    EXPECT_EQ(map->Find(14), std::nullopt);
+    EXPECT_EQ(map->Find(16)->button, "x y") << "names are of one line";
+    EXPECT_EQ(map->Find(21)->clause, "main-body");
+    EXPECT_EQ(map->Store(0), text);
+}
+
 TEST(LineMapFile, IsReadAsItWasWritten) {
     const std::string text =
-        "#source lines 1\nbox A_1 A\nbox B_2 B\nfile /a b\nfile /c\n"
+        "#source lines 1\nbox 1 A\nbox 2 B\nfile /a b\nfile /c\n"
         "line 3 2 1 main-body 1 7\noutput 5 2 main-header out\nline 6 4 0 global-open 0 0\n";
     std::string error;
     const auto map = LineMap::Read(text, error);
@@ -235,7 +256,7 @@ TEST(LineMapFile, IsReadAsItWasWritten) {
 }
 
 TEST(LineMapFile, WhatDoesNotFitTogetherIsRefusedWithItsLine) {
-    const std::string head = "#source lines 1\nbox A_1 A\nfile /a\n";
+    const std::string head = "#source lines 1\nbox 1 A\nfile /a\n";
     for (const char* line : {
              "line 1 1 2 main-body 1 1",    // no such box
              "line 1 1 1 main-body 2 1",    // no such file
@@ -249,7 +270,9 @@ TEST(LineMapFile, WhatDoesNotFitTogetherIsRefusedWithItsLine) {
              "line x 1 1 main-body 1 1",
              "output 1 0 main-header out",  // of no box
              "output 1 1 main-header ",     // without a name
-             "box A_2",
+             "box 2",
+             "box A_2 A",
+             "argument 1 1 0 size",
              "file ",
              "else",
              "",

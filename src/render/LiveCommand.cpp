@@ -79,8 +79,9 @@ void LiveCommand::Hear(const std::string& line) {
     if (m_underway.empty()) return Fail("it answered what it was not asked: " + Quoted(line));
     if (verb == "coarse" || verb == "picture") return HearPicture(line, rest, verb == "picture");
     if (verb == "error") {
+        const std::string notes = m_notes.Waiting();
         m_notes.Say();
-        return m_answers.OnError(TakeFirst().id, VisibleOneLine(rest));
+        return m_answers.OnError(TakeFirst().id, VisibleOneLine(rest), notes);
     }
     if (line != "dropped") return Fail("it answered " + Quoted(line));
     if (m_underway.size() == 1) return Fail("it dropped a state that no newer one follows");

@@ -18,8 +18,8 @@ class LiveAnswers {
     virtual ~LiveAnswers() = default;
     // One that is not final is followed by a better one, or by another answer.
     virtual void OnPicture(uint64_t id, const std::string& path, bool isFinal) = 0;
-    // It gives no picture, for its own sake.
-    virtual void OnError(uint64_t id, const std::string& text) = 0;
+    // It gives no picture, for its own sake. `notes` are lines that say more of that.
+    virtual void OnError(uint64_t id, const std::string& text, const std::string& notes) = 0;
     // A newer one has come before its last picture.
     virtual void OnDropped(uint64_t id) = 0;
     // The maker takes no more, and those that it had are not answered. `why` is a sentence.
@@ -54,6 +54,8 @@ class LiveNotes {
     void Forget() { m_notes.clear(); }
     // The first one; empty for none.
     std::string First() const;
+    // Those that were not said yet, as lines.
+    const std::string& Waiting() const { return m_notes; }
 
   private:
     static constexpr size_t kMostBytes = 16 << 10;  // of one state's notes

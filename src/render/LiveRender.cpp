@@ -146,14 +146,18 @@ void LiveRender::OnPicture(uint64_t id, const std::string& path, bool isFinal) {
     const auto started = m_underway.find(id);
     const auto time = started == m_underway.end() ? Clock::duration(0) : Clock::now() - started->second;
     m_states.NotePicture(id);
-    if (isFinal) NoteAnswer(id);
+    if (isFinal) {
+        NoteAnswer(id);
+        m_session.marks.Replace({});
+    }
     m_hands.picture(
         {id, path, isFinal, std::chrono::duration_cast<std::chrono::milliseconds>(time), m_remark});
     AskForNext();
 }
 
-void LiveRender::OnError(uint64_t id, const std::string& text) {
+void LiveRender::OnError(uint64_t id, const std::string& text, const std::string& notes) {
     NoteAnswer(id);
+    m_session.marks.Replace(text + "\n" + notes);
     m_hands.trouble(text);
     AskForNext();
 }

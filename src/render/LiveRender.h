@@ -72,7 +72,7 @@ class LiveRender : private LiveAnswers {
     };
 
     void OnPicture(uint64_t id, const std::string& path, bool isFinal) override;
-    void OnError(uint64_t id, const std::string& text) override;
+    void OnError(uint64_t id, const std::string& text, const std::string& notes) override;
     void OnDropped(uint64_t id) override;
     void OnFailure(const std::string& why) override;
 

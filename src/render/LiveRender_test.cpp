@@ -35,10 +35,31 @@ TEST_F(LiveRenderTest, AStateIsWhatARenderWouldFind) {
     EXPECT_TRUE(pictures[0].isFinal);
     const WorkFiles files = session.MakeWorkFiles();
     EXPECT_EQ(test::ReadFile(directory + "/codegenfile"), files.code);
+    EXPECT_EQ(test::ReadFile(directory + "/linemap"), files.lines);
     EXPECT_EQ(test::ReadFile(directory + "/hintfile"), files.hints);
     EXPECT_EQ(test::ReadFile(directory + "/render_options"), "setenv SIZE \"320,240\"\r\n");
     EXPECT_EQ(test::ReadFile(directory + "/name"), "plastic\n");
     EXPECT_THAT(troubles, IsEmpty());
+}
+
+TEST_F(LiveRenderTest, BoxesThatTheErrorsOfAStateNameAreMarkedUntilThereIsAPicture) {
+    Script("live",
+           "Next();\nprint \"note x: line 1 (box Noise_4): too\\nerror x: line 2 (box Link_1): bad\\n\";\n"
+           "Next();\nprint \"note x: line 1 (box Noise_4): too\\nerror other\\n\";\n" +
+               std::string(kPaints));
+    live.SwitchOn();
+    Change();
+    ASSERT_TRUE(PumpUntil([this] { return troubles.size() == 1; }));
+    ASSERT_NE(session.marks.Find("Link_1"), nullptr);
+    EXPECT_EQ(*session.marks.Find("Link_1"), "x: line 2 (box Link_1): bad");
+    EXPECT_NE(session.marks.Find("Noise_4"), nullptr) << "of what is told besides";
+    Change();
+    ASSERT_TRUE(PumpUntil([this] { return troubles.size() == 2; }));
+    EXPECT_EQ(session.marks.Find("Link_1"), nullptr);
+    EXPECT_NE(session.marks.Find("Noise_4"), nullptr) << "although the log has heard of it before";
+    Change();
+    ASSERT_TRUE(PumpToPictures(1));
+    EXPECT_TRUE(session.marks.IsEmpty());
 }
 
 TEST_F(LiveRenderTest, RendersKnowNothingOfIt) {

@@ -82,8 +82,9 @@ void LiveRuns::Finish() {
 }
 
 void LiveRuns::GiveUp(const std::string& text) {
+    const std::string notes = m_notes.Waiting();
     m_notes.Say();
-    m_answers.OnError(std::exchange(m_state, std::nullopt)->id, text);
+    m_answers.OnError(std::exchange(m_state, std::nullopt)->id, text, notes);
 }
 
 }  // namespace tavrin

@@ -38,6 +38,7 @@ bool LiveStates::Write(const WorkFiles& files, const std::string& name, LiveStat
     const std::string below = JoinPath(kLiveDirectory, std::to_string(state.id));
     const std::string nameLine = name + "\n";
     const std::pair<const char*, std::string_view> all[] = {{"codegenfile", files.code},
+                                                            {"linemap", files.lines},
                                                             {"hintfile", files.hints},
                                                             {"render_options", files.options},
                                                             {"name", nameLine}};

@@ -217,7 +217,7 @@ std::optional<ProbeShader> Probe::Generate(const std::string& shaderName, const 
     ProbeShader shader;
     shader.text = GenerateShader(wire.boxes, help, shaderName, site, siteCodeGen);
     shader.argInfo = WriteArgInfo(help, UnconnectedInputs(InOrderOfTitles(wire.boxes)), shader.text.variables,
-                                  site.report);
+                                  site.report, &shader.arguments);
     return shader;
 }
 

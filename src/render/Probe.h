@@ -20,7 +20,8 @@ class ProbeNetwork;
 // What is generated for a probed output. A plain value.
 struct ProbeShader {
     ShaderText text;
-    std::string argInfo;  // of the boxes that it is generated of
+    std::string argInfo;                        // of the boxes that it is generated of
+    std::vector<ArgumentLines> arguments = {};  // where they stand in it
 };
 
 // Owned by the workspace. The output goes to the picture through a saved network that the library names, by

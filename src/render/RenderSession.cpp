@@ -38,7 +38,8 @@ bool IsControl(char c) {
 // Names that the work directory has for files of its own, numbered history directories among them.
 bool IsWorkFile(const std::string& name) {
     constexpr std::array kFiles = {
-        "", ".", "..", "codegenfile", "hintfile", "render_options", "errors.txt", "arginfo", ".live"};
+        "",           ".",       "..",    "codegenfile", "linemap", "hintfile", "render_options",
+        "errors.txt", "arginfo", ".live", "sourcefiles"};
     return std::find(kFiles.begin(), kFiles.end(), name) != kFiles.end() || name.starts_with("kill.") ||
            name.starts_with("boxdef.") || name.find_first_not_of("0123456789") == std::string::npos;
 }
@@ -56,7 +57,10 @@ RenderSession::RenderSession(CTvDoc& document, Site& site, const CCodeGen& siteC
       m_leaves(m_history.afterLeave.Add([this](int number) { records.Forget(number); })),
       m_ends(site.commands.afterChild.Add([this](const ChildEnd& end) { records.End(end); })),
       m_saves(document.afterSave.Add(
-          [this](const DocumentFile& before) { m_history.NoteSaved(before, *m_document.Origin().file); })) {
+          [this](const DocumentFile& before) { m_history.NoteSaved(before, *m_document.Origin().file); })),
+      m_changes(document.edits.Observe([this](const Change& change) {
+          if (change.replaced) marks.Begin();
+      })) {
     int multiple = 1;
     site.settings.GetSettingInt("multiplerenders", multiple);
     m_multipleRenders = multiple != 0;
@@ -90,6 +94,7 @@ bool RenderSession::ShaderNameOk() {
 
 bool RenderSession::SaveShader() {
     if (!ShaderNameOk()) return false;
+    marks.Begin();
     return WithinMemory(m_site.report, "generating the shader " + ShaderName(),
                         [this] { return WriteWorkFiles(MakeWorkFiles(m_shown)) && RunFilter(); });
 }
@@ -100,12 +105,16 @@ std::optional<ProbeShader> RenderSession::GenerateProbe(Rendered shown) {
 }
 
 WorkFiles RenderSession::MakeWorkFiles(Rendered shown) {
-    if (const auto probed = GenerateProbe(shown)) {
-        return {probed->argInfo + JoinLines(probed->text.code), JoinLines(probed->text.hints),
-                RenderOptionsText()};
+    std::optional<ProbeShader> shader = GenerateProbe(shown);
+    if (!shader) {
+        shader.emplace();
+        shader->text = Generate();
+        shader->argInfo = WriteArgInfo(m_document, m_site.report, &shader->arguments);
     }
-    const ShaderText text = Generate();
-    return {WriteArgInfo(m_document, m_site.report) + JoinLines(text.code), JoinLines(text.hints),
+    const ShaderText& text = shader->text;
+    const auto before = std::count(shader->argInfo.begin(), shader->argInfo.end(), '\n');
+    return {shader->argInfo + JoinLines(text.code),
+            text.lines.Store(static_cast<size_t>(before), shader->arguments), JoinLines(text.hints),
             RenderOptionsText()};
 }
 
@@ -129,7 +138,7 @@ bool RenderSession::WriteWorkFiles(const WorkFiles& files) {
         m_site.report.Alert("%s: %s", m_site.WorkPath(name).c_str(), error.c_str());
         return false;
     };
-    if (!write("codegenfile", files.code)) return false;
+    if (!write("codegenfile", files.code) || !write("linemap", files.lines)) return false;
     WriteRenderOptions(files.options);
     return write("hintfile", files.hints);
 }
@@ -180,6 +189,7 @@ bool RenderSession::RenderIt() {
 void RenderSession::StartScript(const std::string& name) {
     RenderRecord record;
     record.number = m_nextRender++;
+    marks.SetRender(record.number);
     record.name = name;
     record.started = std::chrono::system_clock::now();
     record.differs = WhatDiffers();

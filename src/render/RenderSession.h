@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "desk/BoxMarks.h"
 #include "document/TvDoc.h"
 #include "render/NetworkPicture.h"
 #include "render/RenderHistory.h"
@@ -23,7 +24,8 @@ struct Site;
 
 // The texts of the work files that scripts find their input in. A plain value.
 struct WorkFiles {
-    std::string code;  // the arguments, then the source as it is before the filter script
+    std::string code;   // the arguments, then the source as it is before the filter script
+    std::string lines;  // where those of the code come from
     std::string hints;
     std::string options;  // of the render
 
@@ -72,6 +74,9 @@ class RenderSession {
     const RenderHistory& History() const { return m_history; }
     // What is known of each render, listed there or not.
     RenderRecords records;
+    // What the last run says of boxes: a render, an export, a view, or a state of Live. Who shows the log
+    // lets them hear it.
+    BoxMarks marks;
     // Opens the document of an entry, a line of the history. It goes back to the file that it had when it was
     // rendered; where that is not known, its path becomes the place of a document of that name where document
     // dialogs open. False, reported, if the line is no entry or the document cannot be opened; it then stays
@@ -108,6 +113,7 @@ class RenderSession {
     Listeners<int>::Subscription m_leaves;
     Listeners<const ChildEnd&>::Subscription m_ends;
     Listeners<const DocumentFile&>::Subscription m_saves;
+    Edits::Subscription m_changes;
     std::optional<NetworkPicture> m_lastRendered;
 };
 

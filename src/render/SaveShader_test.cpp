@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <new>
+#include <sstream>
 
 #include "render/RenderSession.h"
 #include "site/Site.h"
@@ -103,6 +104,59 @@ TEST_F(SaveShaderTest, TheCodeFileHoldsTheArgumentsThenTheSource) {
         "surface plastic\n\nCi = Paint_2_Ks;\n");
 }
 
+TEST_F(SaveShaderTest, AMapBesideTheCodeFileTellsWhoseItsLinesAre) {
+    COpBox& box = Add(test::MakeBox(
+        "Clear Coat", "input Ks { float { 0.5 0 1 0 %g } }\ncodegen.main-body append\nCi = Ks;\n<<EOT>>\n",
+        2));
+    box.inputs[0]->arg = 1;
+    box.inputs[0]->comments = "in two\nlines";
+    EXPECT_TRUE(session.SaveShader());
+    std::string error;
+    const auto map = LineMap::Read(Read("linemap"), error);
+    ASSERT_TRUE(map) << error;
+    std::istringstream code(Read("codegenfile"));
+    size_t number = 0;
+    size_t ofArgument = 0;
+    std::string coded;
+    for (std::string line; std::getline(code, line);) {
+        const LinePlace place = map->Find(++number).value_or(LinePlace{});
+        if (place.button == "Ks" && place.clause.empty()) ++ofArgument;
+        if (line.starts_with("Ci =")) coded = place.box + " " + place.clause;
+        if (line.starts_with("ArgName")) {
+            EXPECT_EQ(place.box, "Clear Coat_2");
+        }
+        if (line.starts_with("surface")) {
+            EXPECT_EQ(place.box, "");
+        }
+    }
+    EXPECT_EQ(ofArgument, 12U) << "from ArgName to the brace";
+    EXPECT_EQ(coded, "Clear Coat_2 main-body");
+    EXPECT_EQ(map->LineCount(), number) << "no line more, none less";
+}
+
+TEST_F(SaveShaderTest, AMapThatCannotBeWrittenStopsTheRun) {
+    Block("linemap");
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_THAT(Alerts(), ElementsAre(InWork("linemap") + ": Is a directory"));
+    EXPECT_FALSE(fs::exists(InWork("redirect.args")));
+}
+
+TEST_F(SaveShaderTest, ANewRunTakesTheMarksOfTheLastOneAway) {
+    session.marks.Hear("box Paint_2: bad\n");
+    document.SetPath("/x/my plastic.tvn");
+    EXPECT_FALSE(session.SaveShader());
+    EXPECT_NE(session.marks.Find("Paint_2"), nullptr) << "that was no run";
+    document.SetPath("/x/plastic.tvn");
+    EXPECT_TRUE(session.SaveShader());
+    EXPECT_TRUE(session.marks.IsEmpty());
+}
+
+TEST_F(SaveShaderTest, MarksAreOfTheDocumentThatTheyCameWith) {
+    session.marks.Hear("box Paint_2: bad\n");
+    document.edits.Replaced();
+    EXPECT_TRUE(session.marks.IsEmpty());
+}
+
 TEST_F(SaveShaderTest, TheHintsHaveAFileOfTheirOwn) {
     EXPECT_TRUE(session.SaveShader());
     EXPECT_EQ(Read("hintfile"), "hints of plastic\n");
@@ -126,7 +180,7 @@ TEST_F(SaveShaderTest, WhiteSpaceInTheNameStopsBeforeAnyFileIsWritten) {
 }
 
 TEST_F(SaveShaderTest, ANameThatTheWorkDirectoryHasForAFileOfItsOwnIsRefused) {
-    for (const char* name : {"codegenfile", "hintfile", "render_options", "errors.txt", "arginfo",
+    for (const char* name : {"codegenfile", "linemap", "hintfile", "render_options", "errors.txt", "arginfo",
                              "boxdef.tmp", "boxdef.3.errors", "kill.3", "12", ""}) {
         host.Sink().alerts.clear();
         document.SetPath("/x/" + std::string(name) + ".tvn");

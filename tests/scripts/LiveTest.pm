@@ -8,7 +8,7 @@ use File::Path 'make_path';
 use IO::Handle;
 use POSIX ();
 use Time::HiRes ();
-use ScriptTest qw(put);
+use ScriptTest qw(line_map put);
 
 our @EXPORT_OK = qw(ends shader state until_true);
 
@@ -117,7 +117,10 @@ sub ends {
 sub state {
 	my ($dir, $name, $code, %options) = @_;
 	make_path($dir);
-	put("$dir/codegenfile", $code) if defined $code;
+	if (defined $code) {
+		put("$dir/codegenfile", $code);
+		put("$dir/linemap", line_map($code));
+	}
 	put("$dir/hintfile", '');
 	put("$dir/render_options", join '', map { "setenv $_ \"$options{$_}\"\n" } sort keys %options);
 	put("$dir/name", "$name\n");

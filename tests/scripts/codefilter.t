@@ -5,7 +5,9 @@ use warnings;
 use File::Path 'make_path';
 use File::Temp 'tempdir';
 use FindBin;
+use lib $FindBin::Bin;
 use POSIX ();
+use ScriptTest 'line_map';
 use Test::More;
 
 my $filter = "$FindBin::Bin/../../installation/mray/bin/codefilter";
@@ -46,6 +48,15 @@ sub run_on {
 }
 
 sub run { run_on(put('in', $_[0])) }
+
+# The same with the map of its lines beside it, or with another map.
+sub run_mapped {
+	my ($code, $map) = @_;
+	put('scratch/linemap', $map // line_map($code));
+	run($code);
+	unlink "$dir/scratch/linemap";
+	return $status;
+}
 
 sub wait_for {
 	my ($test) = @_;
@@ -274,9 +285,9 @@ run(section([], @knobs) . $scene);
 is(files(), 'demo demo.spv', 'back to a surface, the whole shader of the module is gone');
 
 choose('module');
-is(run(section([], @knobs) . ($scene =~ s/mr_x = helper/mr_x = nowhere/r)), 1, 'a fault in a module');
+is(run_mapped(section([], @knobs) . ($scene =~ s/mr_x = helper/mr_x = nowhere/r)), 1, 'a fault in a module');
 my @lines = split /\n/, $source;
-like($err, qr{^demo: line (\d+) \(box Noise_1\): 'nowhere'}m, 'is placed at its box');
+like($err, qr{^demo: line (\d+) \(box Noise_1, operator Noise, /operators/Noise line \d+\): 'nowhere'}m, 'is placed at its box');
 $err =~ /line (\d+)/;
 like($lines[$1 - 1], qr/nowhere/, 'and its line in the module');
 ok(!-e "$base.spv", 'and leaves nothing compiled');
@@ -322,10 +333,10 @@ unlink glob "$dir/scratch/*";
 
 # ---- errors of the check
 
-is(run(section([]) . shader([], '    Noise_1_result = foo;', '    ', '    // Clear Coat_12',
+is(run_mapped(section([]) . shader([], '    Noise_1_result = foo;', '    ', '    // Clear Coat_12',
 	'    tvColor = vec4(bar);')), 1, 'a faulty shader');
-like($err, qr{^demo: line 8 \(box Noise_1\): 'foo' : undeclared identifier$}m, 'the box of the first error');
-like($err, qr{^demo: line 11 \(box Clear Coat_12\): 'bar' : undeclared identifier$}m, 'and of the second');
+like($err, qr{^demo: line 8 \(box Noise_1, operator Noise, /operators/Noise line 1\): 'foo' : undeclared identifier$}m, 'the box of the first error');
+like($err, qr{^demo: line 11 \(box Clear Coat_12, operator Clear Coat, /operators/Clear Coat line 1\): 'bar' : undeclared identifier$}m, 'and of the second');
 unlike($err, qr{terminated|compilation errors|ERROR|\Q$dir\E}, 'and nothing that helps nobody');
 ok(-e $base, 'the source is there to look at');
 ok(!-e "$base.spv", 'a compiled shader is not');
@@ -335,12 +346,97 @@ like($err, qr{^demo: line 3 \(glsl/wrong\.glsl line 2\): 'nowhere'}m, 'is placed
 is(run(section([], arg('Ks', 'float', 'vec3(1.0)', box => 'Mix', button => 'amount')) . shader([], @good)), 1,
 	'a value that does not fit');
 like($err, qr{line 3 \(box Mix, button amount\): }, 'is placed at its button');
-is(run(section([]) . shader([], '    tvColor = vec4(1.0) +;')), 1, 'a syntax error');
-like($err, qr{^demo: line 8 \(box Noise_1\): syntax error}m, 'is placed at its box');
+is(run_mapped(section([]) . shader([], '    tvColor = vec4(1.0) +;')), 1, 'a syntax error');
+like($err, qr{^demo: line 8 \(box Noise_1, operator Noise, /operators/Noise line 1\): syntax error}m, 'is placed at its box');
 is(run(section([]) . shader([], @good, '    }')), 1, 'one brace too many');
 like($err, qr{^demo: line \d+}m, 'is told');
 is(run(section([]) . shader(['float early() { return oops; }'], @good)), 1, 'a fault before main');
 like($err, qr{^demo: line 2: 'oops'}m, 'has no box');
+
+# ---- the source alone
+
+unlink glob "$dir/scratch/*";
+$ENV{TAVRN_SOURCEONLY} = 1;
+is(run_mapped(section([]) . shader([], '    Noise_1_result = foo;')), 0, 'a faulty source that is only to be looked at');
+is($err, '', 'is none');
+is_deeply([sort map { s{.*/}{}r } glob "$dir/scratch/*"], ['demo', 'demo.linemap'], 'the source is there, with its map');
+{
+	local $ENV{TAVRN_RENOPTS} = put('module_options', qq{setenv TAVRN_SHADER_TYPE "module"\r\n});
+	my $code = section([]) . shader([], '    Noise_1_result = foo;');
+	$code =~ s/^out .*\n//m;
+	is(run_mapped($code), 0, 'the same as a module');
+	my @lines = split /\n/, $source;
+	my ($at) = grep { $lines[$_] =~ /Noise_1_result = foo;/ } 0 .. $#lines;
+	my @runs = (get("$base.linemap") // '') =~ /^line (\d+ \d+) 1 main-body/mg;
+	my ($run) = grep { my ($first, $count) = split; $first <= $at + 1 && $at + 1 < $first + $count } @runs;
+	ok($run, 'the map of a module tells of the module, not of what would be compiled') or diag "line $at of @runs";
+}
+delete $ENV{TAVRN_SOURCEONLY};
+unlink glob "$dir/scratch/*";
+
+# ---- the map of lines
+
+my $faulty = section([], arg('Ks', 'float', '0.5', box => 'Mix', button => 'amount'))
+	. shader(['//@use wrong', 'float ok() { return 1.0; }'], '    Noise_1_result = foo;', '    tvColor = vec4(wrong() * Ks);');
+is(run_mapped($faulty), 1, 'a fault in a box and one in a library file');
+like($err, qr{^demo: line 13 \(box Noise_1, operator Noise, /operators/Noise line 1\): 'foo'}m,
+	'lines of other files that are put in shift the box');
+like($err, qr{^demo: line 3 \(glsl/wrong\.glsl line 2\): 'nowhere'}m, 'and have places of their own');
+is(get("$base.linemap"), <<"END_MAP", 'the map of the made source is left for those who compile it later');
+#source lines 1
+box 1 Noise
+box 7 Mix
+file /operators/Noise
+file /operators/Mix
+file $dir/lib/glsl/wrong.glsl
+line 1 1 0 main-body 0 0
+line 2 2 0 global-open 3 1
+line 5 2 0 main-body 0 0
+argument 7 1 2 amount
+line 8 4 0 main-body 0 0
+line 12 1 1 main-body 0 0
+line 13 2 1 main-body 1 1
+line 15 1 0 main-body 0 0
+END_MAP
+$ENV{TAVRN_LIB} = '/operators';
+is(run_mapped(section([]) . shader([], '    Noise_1_result = foo;')), 1, 'a file of the library');
+like($err, qr{^demo: line 8 \(box Noise_1, operator Noise, Noise line 1\): 'foo'}m, 'is told as it is called there');
+$ENV{TAVRN_LIB} = "$dir/lib";
+is(run_mapped(section([], arg('Ks', 'float', '', box => 'Mix', button => 'amount')) . shader([], @good)), 1, 'an argument');
+like($err, qr{^demo: box Mix_7, button amount: argument 'Ks' has no value$}m, 'is told with the number of its box');
+is(run_mapped(section([], arg('Ks', 'float', 'vec3(1.0)', box => 'Mix', button => 'amount')) . shader([], @good)), 1,
+	'and where it is compiled');
+like($err, qr{^demo: line 3 \(box Mix_7, button amount\): }m, 'as well');
+{
+	my $code = section([]) . shader([], '    Noise_1_result = foo;');
+	my $map = line_map($code);
+	my $lines = () = $code =~ /\n/g;
+	my $nothing = qr{so boxes cannot be named\n};
+	for my $case (['', 'line 1 is not "#source lines 1"'], ["else\n", 'line 1 is not "#source lines 1"'],
+			["$map\0\xff\n", 'line \d+ is none of a map of lines, or does not fit those before it'],
+			[$map . "line 9 1 1 main-body 1 1\n", 'line \d+ is none of a map'],
+			[$map =~ s/^line 9 1 /line 9 99999999999999999999 /mr, 'line \d+ is none of a map'],
+			[$map =~ s/^line 9 1 /line 9 -1 /mr, 'line \d+ is none of a map'],
+			[$map =~ s/main-body 1 1$/main-body 2 1/mr, 'line \d+ is none of a map'],
+			[$map =~ s/^line 14 1 1 /line 14 1 2 /mr, 'line \d+ is none of a map'],
+			[$map . 'line ' . ($lines + 1) . " 7 0 main-body 0 0\n", 'it is of a source of ' . ($lines + 7) . " lines, and this one has $lines"],
+			[$map =~ s/.*\n\z//r, 'it is of a source of ' . ($lines - 1) . " lines, and this one has $lines"]) {
+		my ($text, $why) = @$case;
+		is(run_mapped($code, $text), 1, "a map that is of no use: $why");
+		like($err, qr{^demo: warning: \Q$dir\E/scratch/linemap: $why.*, $nothing}m, 'is told');
+		like($err, qr{^demo: line 8: 'foo' : undeclared identifier$}m, 'and the place is told by its line');
+		ok(!-e "$base.linemap", 'and nobody gets another map');
+	}
+	mkdir "$dir/scratch/linemap";
+	run($code);
+	like($err, qr{^demo: warning: \Q$dir\E/scratch/linemap: it is no file, $nothing}m, 'nor a directory');
+	rmdir "$dir/scratch/linemap";
+	is(run_mapped($code, $map =~ s/^box 1 Noise$/box 1 \e[31mN\to) ise/mr =~ s{^file .*}{file /a\x07 b}mr), 1, 'hostile names');
+	like($err, qr{^demo: line 8 \(box  \[31mN o\) ise_1, operator  \[31mN o\) ise, /a  b line 1\): 'foo'}m,
+		'come without what a terminal would heed');
+	is(run_mapped($code, $map =~ s/^line (\d+) 1 1 main-body 1 1$/output $1 1 main-header scale/mr), 1, 'the line of an output');
+	like($err, qr{^demo: line 8 \(box Noise_1, output scale\): 'foo'}m, 'tells that');
+}
 
 # ---- the help text
 
@@ -443,9 +539,9 @@ unlink "$base.frag";
 	}
 	choose(undef);
 	unlink "$base.frag";
-	is(run(section([]) . shader([], "#extension GL_ARB_shading_language_include : require")), 1,
+	is(run_mapped(section([]) . shader([], "#extension GL_ARB_shading_language_include : require")), 1,
 		'an extension for it');
-	like($err, qr{^demo: line 8 \(box Noise_1\): #extension GL_ARB_shading_language_include is refused}m,
+	like($err, qr{^demo: line 8 \(box Noise_1, operator Noise, /operators/Noise line 1\): #extension GL_ARB_shading_language_include is refused}m,
 		'is refused with its box');
 	my $words = join '', map { "$_\n" } '#version 330 core', '/*', '*' x 72, 'Use it by #include "demo"', '*' x 72, '*/';
 	is(run(section(['Use it by #include "demo"']) . (shader([], @good) =~ s/^#version.*\n/$words/r)), 0,

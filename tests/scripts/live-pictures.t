@@ -147,8 +147,8 @@ subtest 'a large picture' => sub {
 subtest 'what the driver refuses' => sub {
 	my $state = state("$dir/states/" . ++$number, 'Shown', shader("tvColor = vec4(oops * 0.500000);\n\n// Wood_2\ntvColor.r = vec2(1.0);"), %options);
 	my @lines = $live->asked($state);
-	like($lines[-1], qr/^error Shown: line \d+ \(box Ball_1\): .*oops/, 'names the box');
-	like(join("\n", @lines), qr/^note Shown: line \d+ \(box Wood_2\): /m, 'each of them');
+	like($lines[-1], qr/^error Shown: line \d+ \(box Ball_1, operator Ball, \S+ line \d+\): .*oops/, 'names the box');
+	like(join("\n", @lines), qr/^note Shown: line \d+ \(box Wood_2, operator Wood, \S+ line \d+\): /m, 'each of them');
 	like((seen(state("$dir/states/" . ++$number, 'Shown', shader('const float mr_a = 0.5; tvColor = vec4(mr_a * 0.250000);'), %options), 'constants'))[1],
 		qr/new/, 'while this is none');
 };

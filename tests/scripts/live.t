@@ -96,7 +96,7 @@ subtest 'a state is answered with its pictures' => sub {
 		. " --coarse $state/coarse.png --values $state/live.values -- $state/live.frag $state/picture.png",
 		'the renderer is asked once');
 	is(join(' ', map { s{.*/}{}r } sort glob "$state/*"),
-		'codegenfile hintfile live.frag live.values name picture.png render_options', 'all files are in its directory');
+		'codegenfile hintfile linemap live.frag live.values name picture.png render_options', 'all files are in its directory');
 };
 
 subtest 'render options hold' => sub {
@@ -201,12 +201,12 @@ subtest 'errors name the box' => sub {
 	my @lines = $live->asked($state);
 	my @text = split /\n/, get("$state/live.frag");
 	my ($at) = grep { $text[$_ - 1] =~ /wrong/ } 1 .. @text;
-	is($lines[-1], "error Ball: line $at (box Marble_2): error: no good", 'and the line that a render has');
+	is($lines[-1], "error Ball: line $at (box Marble_2, operator Marble, /operators/Marble line 1): error: no good", 'and the line that a render has');
 	is_deeply([@lines[0 .. $#lines - 1]], ['note other', 'note other', 'note Ball: link it', 'note other'], 'the rest are notes');
 	like(scalar $live->asked(made('mute')), qr/^error Ball: the driver refuses the shader$/, 'or that there is none to name');
 	is(scalar $live->asked(made('fails')), 'error Ball: mray-render: no memory', 'what else the renderer says is told');
 	like(scalar $live->asked(made($fine, arguments => [['sin', 'float', '1.0']])),
-		qr/^error Ball: box Ball, button sin: an argument cannot be named 'sin'/, 'so is what the filter says');
+		qr/^error Ball: box Ball_7, button sin: an argument cannot be named 'sin'/, 'so is what the filter says');
 	my @warned = $live->asked(made($fine, arguments => [['Ks', 'float', '1.0'], ['Ks', 'float', '2.0']]));
 	like($warned[0], qr/^note Ball: warning: argument 'Ks'/, 'and what it warns of');
 	like($warned[-1], qr/^picture /, 'which is no error');

@@ -8,6 +8,8 @@ use warnings;
 use Test::More;
 use File::Temp qw(tempdir);
 use FindBin;
+use lib $FindBin::Bin;
+use ScriptTest 'line_map';
 use Time::HiRes qw(time);
 
 my $root = "$FindBin::Bin/../..";
@@ -25,6 +27,13 @@ sub put {
     open(my $out, '>', $path) or die "$path: $!";
     print $out $text;
     close $out;
+}
+
+# A shader with the map of its lines, as codefilter leaves them.
+sub put_mapped {
+    my ($name, $text, $extension) = @_;
+    put("$work/$name" . ($extension // ''), $text);
+    put("$work/$name.linemap", line_map($text));
 }
 
 sub slurp {
@@ -162,8 +171,9 @@ subtest 'what concerns the shader alone is done to its copy' => sub {
     put("$work/Ball", "fine\n");
     renderit('Ball', 5);
     is(slurp("$work/5/Ball.frag"), "fine\n", 'text without a main stays as it is');
-    put("$work/Ball", "// reject\n\n\n\n\nvoid main()\n{\n    // Noise_3\n    oops;\n}\n");
-    like((renderit('Ball', 5))[1], qr/^Ball: line 9 \(box Noise_3\): error: no good$/m, 'messages still name the box');
+    put_mapped('Ball', "// reject\n\n\n\n\nvoid main()\n{\n    // Noise_3\n    oops;\n}\n");
+    like((renderit('Ball', 5))[1], qr/^Ball: line 9 \(box Noise_3, operator Noise, \S+ line 1\): error: no good$/m, 'messages still name the box');
+    unlink "$work/Ball.linemap";
     delete $ENV{TAVRN_RENOPTS};
 };
 
@@ -189,16 +199,25 @@ subtest 'bad calls' => sub {
 
 subtest 'messages name the box' => sub {
     my $shader = "%s\nfloat f()\n{\n}\nvoid main()\n{\n    // Noise_3\n    float a;\n    a = oops;\n    // Wood_4\n}\n";
-    put("$work/Bad", sprintf $shader, '// reject');
+    put_mapped('Bad', sprintf $shader, '// reject');
     my ($status, $text) = renderit('Bad', 6);
     is($status, 1, 'status');
-    like($text, qr/^Bad: line 9 \(box Noise_3\): error: no good$/m, 'inside a box');
+    like($text, qr{^Bad: line 9 \(box Noise_3, operator Noise, /operators/Noise line 2\): error: no good$}m, 'inside a box');
     like($text, qr/^Bad: more$/m, 'no line');
     like($text, qr/^other$/m, 'other messages stay');
     unlike($text, qr/^wrote/m, 'nothing written');
-    put("$work/Bad", sprintf $shader, '// early');
+    put_mapped('Bad', sprintf $shader, '// early');
     (undef, $text) = renderit('Bad', 6);
-    like($text, qr/^Bad: line 3: error: no good$/m, 'outside main');
+    like($text, qr/^Bad: line 3: error: no good$/m, 'outside of all boxes');
+    put("$work/Bad", sprintf($shader, '// reject') . "\n");
+    (undef, $text) = renderit('Bad', 6);
+    like($text, qr/^Bad: warning: \S.*Bad\.linemap: it is of a source of 11 lines, and this one has 12, so boxes cannot be named$/m,
+        'a map of another shader is told');
+    like($text, qr/^Bad: line 9: error: no good$/m, 'and names none');
+    unlink "$work/Bad.linemap";
+    (undef, $text) = renderit('Bad', 6);
+    like($text, qr/^Bad: line 9: error: no good$/m, 'neither does none');
+    unlike($text, qr/linemap/, 'which is nothing to tell');
 };
 
 subtest 'a shader that is only a part' => sub {
@@ -206,11 +225,11 @@ subtest 'a shader that is only a part' => sub {
     put("$work/Part.frag", "whole\n");
     is((renderit('Part', 6))[0], 0, 'status');
     is(slurp("$work/6/Part.frag"), "whole\n", 'the whole shader is rendered');
-    put("$work/Part.frag", "// reject\nvec4 f()\n{\n}\n// Not_1\nvec4 Part(float a)\n{\n    // Noise_3\n    b = oops;\n}\n");
+    put_mapped('Part', "// reject\nvec4 f()\n{\n}\n// Not_1\nvec4 Part(float a)\n{\n    // Noise_3\n    b = oops;\n}\n", '.frag');
     my ($status, $text) = renderit('Part', 6);
     is($status, 1, 'a fault');
-    like($text, qr/^Part: line 9 \(box Noise_3\): error: no good$/m, 'names the box of the part');
-    put("$work/Part.frag", "// reject\nvec4 f()\n{\n    // Noise_3\n}\n\n\n\n\n\n");
+    like($text, qr{^Part: line 9 \(box Noise_3, operator Noise, /operators/Noise line 1\): error: no good$}m, 'names the box of the part');
+    put_mapped('Part', "// reject\nvec4 f()\n{\n    // Noise_3\n}\n\n\n\n\n\n", '.frag');
     (undef, $text) = renderit('Part', 6);
     like($text, qr/^Part: line 9: error: no good$/m, 'but not behind it');
     unlink "$work/Part";
@@ -507,10 +526,10 @@ subtest 'the real renderer' => sub {
     is($alpha{'0.5'}{key}, $alpha{'0.5'}{rim}, 'the view of alpha does not show the light');
     isnt($alpha{'0.5'}{key}, $alpha{'1.0'}{key}, 'but what covers the background');
     options(MRAY_SIZE => '40x30');
-    put("$work/Real", "#version 330 core\n$prelude" . sprintf $body, ' * oops');
+    put_mapped('Real', "#version 330 core\n$prelude" . sprintf $body, ' * oops');
     ($status, $text) = renderit('Real', 11);
     is($status, 1, 'a bad shader');
-    like($text, qr/^Real: line \d+ \(box Plain_1\): .*oops/m, 'names the box');
+    like($text, qr/^Real: line \d+ \(box Plain_1, operator Plain, .* line \d+\): .*oops/m, 'names the box');
     $ENV{TAVRN_KILLFILE} = "$dir/opts";
     put("$work/Real", "#version 330 core\n$prelude" . sprintf $body, '');
     ($status, $text) = renderit('Real', 12);

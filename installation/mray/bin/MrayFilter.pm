@@ -21,7 +21,7 @@ use warnings;
 
 my $here = __FILE__ =~ m{^(.*)/}s ? $1 : '.';
 $here = "./$here" unless $here =~ m{^\.{0,2}/|^\.\.?\z};
-require "$here/MrayShader.pm";
+require "$here/$_.pm" for qw(MrayShader MrayLines);
 
 my $stat;
 my %kept;
@@ -30,17 +30,21 @@ my %kept;
 # which does what stat does as exactly as it can, tells that they are the same.
 sub keep_files { ($stat) = @_ }
 
-# Takes the lines of the generated source, without their ends. $say is given lines
-# about things that are no failure, $fail one or several about a failure, and does not
-# return. Gives:
-#   source    the records of what is compiled: a record holds the text of a line, where
-#             it comes from, and "help", "prelude", "argument" or "main" for lines of
-#             these parts; behind "argument" the argument
+# Takes the lines of the generated source, without their ends, and the path of their map
+# of lines. $say is given lines about things that are no failure, $fail one or several
+# about a failure, and does not return. Gives:
+#   source    the records of what is compiled. A record holds
+#               the text of a line
+#               where it comes from: a line of the generated source, a reference to a file
+#               and a line of it, or an empty text
+#               "help", "prelude", "argument" or "main" for lines of these parts
+#               the argument that it declares
+#               whether it stands in main, or behind
 #   shown     the records of what the user gets: the same, but for a module
 #   ahead     the number of lines of source before those of shown
 #   arguments those that are declared
 sub make {
-	my ($name, $type, $input, $say, $fail) = @_;
+	my ($name, $type, $input, $map, $say, $fail) = @_;
 	my $info = MrayShader::arginfo($input, $fail);
 	my $self = {
 		name => $name,
@@ -48,6 +52,7 @@ sub make {
 		say => $say,
 		fail => $fail,
 		info => $info,
+		lines => MrayLines->new($map, scalar @$input, $say),
 		arguments => [],
 		source => [],
 		wires => [],    # the variables that boxes declare in main
@@ -61,7 +66,8 @@ sub make {
 	$self->{shown} = $self->{source};
 	if ($type eq 'module') {
 		require "$here/MrayModule.pm";
-		my $module = MrayModule::make($name, $self->{arguments}, $self->{source}, $fail);
+		my $origin = sub { origin($self, $_[0]) };
+		my $module = MrayModule::make($name, $self->{arguments}, $self->{source}, $origin, $fail);
 		@$self{qw(shown source ahead)} = @$module{qw(module complete ahead)};
 	}
 	return $self;
@@ -74,10 +80,29 @@ sub text_of { join '', map { "$_->[0]\n" } @_ }
 sub where {
 	my ($self, $number) = @_;
 	my ($source, $count) = ($self->{source}, scalar @{ $self->{shown} });
-	my $at = $number >= 1 && $number <= @$source ? $source->[$number - 1][1] : '';
+	my $at = $number >= 1 && $number <= @$source ? origin($self, $source->[$number - 1]) : '';
 	my $shown = $number - $self->{ahead};
 	return ($shown >= 1 && $shown <= $count ? "line $shown" : "line $number of $self->{name}.frag")
 		. ($at eq '' ? '' : " ($at)") . ': ';
+}
+
+# Where the line of a record comes from, in words; empty where nobody knows.
+sub origin {
+	my ($self, $record) = @_;
+	my (undef, $from, undef, $argument) = @$record;
+	return place($self, $argument) if $argument;
+	return '' if $from eq '';
+	return $self->{lines}->place($from) if !ref $from;
+	my ($file) = $from->[0] =~ m{(glsl/[^/]*)\z};
+	return "$file line $from->[1]";
+}
+
+# The map of the records of one kind, "source" or "shown"; nothing where there is none of
+# the generated source.
+sub map_of {
+	my ($self, $kind) = @_;
+	return undef if !$self->{lines}->is_known;
+	return $self->{lines}->of_made(map { $_->[1] } @{ $self->{$kind} });
 }
 
 # A value can hold any text, and the shader of a stranger's document is not to read
@@ -94,7 +119,12 @@ sub refuse_other_files {
 
 # ---------------------------------------------------------------- arguments
 
-sub place { "box $_[0]{box}, button $_[0]{button}" }
+# Its section tells the operator only.
+sub place {
+	my ($self, $argument) = @_;
+	my $place = $self->{lines}->place($argument->{line});
+	return $place ne '' ? $place : "box $argument->{box}, button $argument->{button}";
+}
 
 # Stops on arguments that cannot be declared, and marks those that share another's
 # name and so its value.
@@ -103,7 +133,7 @@ sub check_arguments {
 	my (%first, @errors);
 	for my $arg (@{ $self->{info}{arguments} }) {
 		my $n = $arg->{name};
-		my $at = place($arg);
+		my $at = place($self, $arg);
 		if ($n !~ /^[A-Za-z_]\w*\z/a) {
 			push @errors, "$at: '$n' is no name for an argument: letters, digits and _ only";
 			next;
@@ -134,10 +164,10 @@ sub check_arguments {
 		if (!$other) {
 			$first{$n} = $arg;
 		} elsif ($other->{glsl} ne $arg->{glsl}) {
-			push @errors, "argument '$n' is a $other->{glsl} in " . place($other)
+			push @errors, "argument '$n' is a $other->{glsl} in " . place($self, $other)
 				. " but a $arg->{glsl} in $at";
 		} else {
-			$self->{say}->("warning: argument '$n' stands in " . place($other)
+			$self->{say}->("warning: argument '$n' stands in " . place($self, $other)
 				. " and in $at: they share the value of the first, $other->{value}");
 			$arg->{shared} = 1;
 		}
@@ -149,7 +179,7 @@ sub check_arguments {
 sub check_names {
 	my ($self) = @_;
 	my %wire = map { $_ => 1 } @{ $self->{wires} };
-	my @errors = map { place($_) . ": an argument cannot be named '$_->{name}',"
+	my @errors = map { place($self, $_) . ": an argument cannot be named '$_->{name}',"
 		. " which is the name of a wire" } grep { $wire{ $_->{name} } } @{ $self->{info}{arguments} };
 	$self->{fail}->(@errors) if @errors;
 }
@@ -162,7 +192,7 @@ sub declarations {
 		my $remark = join '  ', grep { $_ ne '' } MrayShader::remark_of($arg),
 			defined $arg->{low} ? sprintf('[%g %g]', $arg->{low}, $arg->{high}) : '';
 		$line .= " // $remark" if $remark ne '';
-		push @{ $self->{source} }, [$line, place($arg), 'argument', $arg];
+		push @{ $self->{source} }, [$line, $arg->{line}, 'argument', $arg];
 	}
 }
 
@@ -171,9 +201,9 @@ sub declarations {
 sub assemble {
 	my ($self, $input) = @_;
 	my $source = $self->{source};
-	my @lines = @$input[$self->{info}{taken} .. $#$input];
-	my $main = 0;       # inside main
-	my $box = '';
+	my $ahead = $self->{info}{taken};
+	my @lines = @$input[$ahead .. $#$input];
+	my $main = 0;       # inside main, or behind it
 	for (my $i = 0; $i < @lines; $i++) {
 		my $text = $lines[$i];
 		$text =~ s/^\s+|\s+$//g;
@@ -197,17 +227,13 @@ sub assemble {
 		if (!$main) {
 			if ($text =~ /^void\s+main\s*\(/) {
 				$main = 1;
-				push @$source, [$lines[$i], '', 'main'];
+				push @$source, [$lines[$i], $ahead + $i + 1, 'main'];
 				next;
 			}
-		} elsif ($lines[$i - 1] =~ /^\s*$/ && $text =~ m{^// (\S.*_\d+)$}) {
-			$box = "box $1";
-		} elsif ($box eq '' && $text =~ /^\w+ ((\S*?_\d+)_\w+);$/) {
+		} elsif ($text =~ /^\w+ (\S*?_\d+_\w+);$/) {
 			push @{ $self->{wires} }, $1;
-			push @$source, [$lines[$i], "box $2"];
-			next;
 		}
-		push @$source, [$lines[$i], $box];
+		push @$source, [$lines[$i], $ahead + $i + 1, undef, undef, $main];
 	}
 	@$source or $self->{fail}->('there is no generated source behind the arginfo section');
 	@{ $self->{info}{arguments} } && !$self->{marker}
@@ -268,7 +294,7 @@ sub library_file {
 		if ($line =~ m{^\s*//\@use\s+(.*?)\s*$}) {
 			push @{ $file->{uses} }, $1;
 		} else {
-			push @{ $file->{records} }, [$line, "glsl/$wanted.glsl line $number"];
+			push @{ $file->{records} }, [$line, [$path, $number]];
 		}
 	}
 	close $in;

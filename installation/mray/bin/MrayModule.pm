@@ -11,16 +11,17 @@ package MrayModule;
 use strict;
 use warnings;
 
-# Takes the shader's name, its arguments and a reference to the records of its
-# lines. Gives the records of the module, those of a complete shader that calls
+# Takes the shader's name, its arguments, a reference to the records of its lines, and
+# what tells in words where the line of a record comes from. Gives the records of the module, those of a complete shader that calls
 # it, and the number of lines of the latter that stand before the module.
 sub make {
-	my ($name, $arguments, $source, $fail) = @_;
+	my ($name, $arguments, $source, $origin, $fail) = @_;
 	my (@directives, @prelude, @help, @before, @body, @after);
 	my $part = \@before;
 	my $state = { depth => 0, round => 0, comment => 0 };
 	for my $record (@$source) {
-		my ($text, $where, $kind) = (@$record, '');
+		my ($text, $from, $kind) = @$record;
+		$kind //= '';
 		if ($kind eq 'help') {
 			push @help, $record;
 		} elsif ($kind eq 'prelude') {
@@ -30,7 +31,7 @@ sub make {
 			$state = { depth => 0, round => 0, comment => 0 };
 			my $rest = $text =~ s/^[^)]*\)\s*//r;
 			code_of($rest, $state);
-			push @body, ['{', ''], ['    vec4 tvColor;', ''], [$1, $where] if $rest =~ /^\{(.*)/;
+			push @body, ['{', ''], ['    vec4 tvColor;', ''], [$1, $from, undef, undef, 1] if $rest =~ /^\{(.*)/;
 		} elsif ($text eq "// Shader $name") {
 			# The module has an introduction of its own.
 		} elsif ($text =~ /^\s*#\s*(?:version|extension)\b/) {
@@ -40,17 +41,17 @@ sub make {
 			my $code = code_of($text, $state);
 			if ($part != \@body) {
 				$was == 0 && $inside == 0 && $code =~ /^\s*((?:layout\s*\(.*?\)\s*|flat\s+)*(?:uniform|in|out)\s.*\w)/
-					and $fail->(($where eq '' ? '' : "$where: ") . "a module cannot have '$1' of its own");
+					and $fail->(join ': ', grep { $_ ne '' } $origin->($record), "a module cannot have '$1' of its own");
 				push @$part, $record;
 				next;
 			}
 			$text =~ s/\breturn\s*;/return tvColor;/g if $code =~ /\breturn\s*;/;
 			if ($was > 0 && $state->{depth} <= 0) {
-				push @body, ['    return tvColor;', ''], [$text, $where];
+				push @body, ['    return tvColor;', ''], [$text, $from];
 				$part = \@after;
 				next;
 			}
-			push @body, [$text, $where];
+			push @body, [$text, $from, undef, undef, 1];
 			push @body, ['    vec4 tvColor;', ''] if $was == 0 && $state->{depth} > 0;
 		}
 	}
@@ -173,7 +174,7 @@ sub head {
 		my $remark = join '  ', grep { $_ ne '' } "= $arg->{value}",
 			defined $arg->{low} ? sprintf('[%g %g]', $arg->{low}, $arg->{high}) : '', MrayShader::remark_of($arg);
 		push @lines, [sprintf("    %-${wide}s // %s", shift @declared, $remark),
-			"box $arg->{box}, button $arg->{button}"];
+			$arg->{line}, undef, $arg];
 	}
 	return (@lines, [')', '']);
 }

@@ -75,7 +75,7 @@ sub taken {
 
 # Reads the section at the head of @$lines, which have no line ends. Gives
 # {help => [LINE...], arguments => [ARGUMENT...], taken => lines of the section};
-# an argument has name, box, button, comment, stow, lock, pin, and where the
+# an argument has name, line (of the section, from 1 on), box, button, comment, stow, lock, pin, and where the
 # section tells them type, value, low and high.
 sub arginfo {
 	my ($lines, $fail) = @_;
@@ -109,7 +109,7 @@ sub arginfo {
 		next if $line =~ /^\s*$/;
 		last if $line =~ /^EndArginfo\s*$/;
 		$line =~ /^ArgName\s+(.*?)\s*$/ or $damaged->("'ArgName' or 'EndArginfo'");
-		my %arg = (name => $1, box => '?', button => '?', comment => '', stow => 0, lock => 0, pin => 0);
+		my %arg = (name => $1, line => $taken, box => '?', button => '?', comment => '', stow => 0, lock => 0, pin => 0);
 		$expect->('{');
 		my $key = '';
 		while (($line = $next->("'}' after argument $arg{name}")) !~ /^\}\s*$/) {

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # A state of the network that is being worked on, as the program tells of it: a
-# directory with the files codegenfile, render_options and name.
+# directory with the files codegenfile, linemap, render_options and name.
 
 package MrayState;
 
@@ -34,7 +34,7 @@ sub read_from {
 	die [$trouble] if $trouble;
 	local $ENV{TAVRN_RENOPTS} = "$dir/render_options";
 	my $type = MrayShader::shader_type(MrayShader::options($fail), $fail);
-	my $made = MrayFilter::make($name, $type, \@lines, $say, $fail);
+	my $made = MrayFilter::make($name, $type, \@lines, "$dir/linemap", $say, $fail);
 	MrayFilter::refuse_other_files($made);
 	return ($options, $made);
 }

@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
 # Takes the values out of a shader, so that shaders which differ in nothing else have
-# one source: the values of the arguments and the numbers in the boxes' statements
-# become members of a block
+# one source: the values of the arguments and the numbers in main become
+# members of a block
 #
 #   layout(std140) uniform mrValues { ARGUMENT...; vec4 mrValue[N]; };
 #
 # and a list of numbers in the layout of that block.
 #
 # What stays as it is: whole numbers, since they count and index; 0.0 and 1.0; numbers
-# that must be known to the compiler; all that is not in the statements of a box.
+# that must be known to the compiler; all that is not in main.
 # Comments and empty lines go, as some of them quote values.
 
 package MrayValues;
@@ -38,17 +38,16 @@ sub taken_out {
 	members($self, $made->{arguments}) if $made->{type} eq 'surface';
 	my ($place, @lines);
 	for my $record (@{ $made->{source} }) {
-		my ($text, $where, $kind, $argument) = @$record;
+		my ($text, undef, $kind, $argument, $in_main) = @$record;
 		next if defined $kind && $kind eq 'help';
 		return if substr($text, -1) eq '\\';
-		my $from_box = substr($where, 0, 4) eq 'box ';
-		$place = @lines if !defined $place && ($from_box || defined $kind);
+		$place = @lines if !defined $place && ($in_main || defined $kind);
 		$self->{last} = 1 if $text =~ /^void\s+main\s*\(/;
 		next if $argument && $self->{inside}{ $argument->{name} };
 		$text = uncommented($self, $text);
 		next if $text !~ /\S/;
 		# The last main of a module calls it with the arguments' values.
-		$text = replaced($self, $text) if $from_box || $self->{last} && !defined $kind;
+		$text = replaced($self, $text) if $in_main || $self->{last} && !defined $kind;
 		push @lines, $text;
 	}
 	return if !defined $place || $self->{comment};
