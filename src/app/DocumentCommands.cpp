@@ -57,6 +57,13 @@ bool DocumentCommands::Open(const std::string& path) {
     return true;
 }
 
+bool DocumentCommands::OpenExample(const std::string& path) {
+    if (!m_document.Open(path)) return false;
+    m_document.BecomeCopy();
+    HasBeenOpened("a copy of " + path);
+    return true;
+}
+
 void DocumentCommands::HasBeenOpened(const std::string& what) {
     Refresh();
     Log("opened", what);
@@ -95,7 +102,7 @@ bool DocumentCommands::Merge(const std::string& path, const std::function<void()
         if (opened) opened();
         CTvDoc scratch(m_app);
         if (!scratch.LoadDesk(form)) return false;
-        m_desk.MergeBoxes(scratch.m_boxes);
+        m_desk.MergeBoxes(scratch.m_boxes, scratch.frames);
         return true;
     });
 }

@@ -28,6 +28,9 @@ class DocumentCommands {
     // Document dialogs open in the file's directory from here on. False if the file cannot be opened; the
     // document is then as it was. A file that could not be read to its end counts as opened.
     bool Open(const std::string& path);
+    // Opens a file to begin something new with: the document is a copy without a path, so that saving asks
+    // for one and the file stays as it is. Document dialogs open where they did. False as above.
+    bool OpenExample(const std::string& path);
     // To be called when the document was read by another way; the log says that this was opened.
     void HasBeenOpened(const std::string& what);
     // Reads a copy of unsaved work, taken of the document that belongs to `documentPath` (empty if it had

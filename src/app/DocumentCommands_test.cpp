@@ -109,6 +109,44 @@ TEST_F(DocumentCommandsTest, TheFormShowsTheOptionsOfTheOpenedDocument) {
     EXPECT_EQ(field.text, "9");
 }
 
+TEST_F(DocumentCommandsTest, AnExampleIsACopyThatHasItsNameAndNoFile) {
+    app->GetSite().directories.docBrowserDir = "/shaders";
+    const std::string path = SavedDocument("there/a.tvn", "light");
+    const std::string before = test::ReadFile(path);
+    ASSERT_TRUE(commands->OpenExample(path));
+    EXPECT_EQ(document->Path(), "");
+    EXPECT_EQ(app->WindowTitle(), "a.tvn [light]");
+    EXPECT_EQ(document->m_boxes.size(), 1U);
+    EXPECT_FALSE(document->IsModified());
+    EXPECT_EQ(app->GetSite().directories.docBrowserDir, "/shaders");
+    EXPECT_THAT(sink.log, MatchesRegex("opened a copy of .*/there/a.tvn at [01][0-9]:[0-5][0-9] [AP]M\r\n"));
+
+    const std::string own = directory / "own.tvn";
+    ASSERT_TRUE(commands->SaveAs(own));
+    EXPECT_EQ(document->Path(), own);
+    EXPECT_EQ(app->WindowTitle(), "own.tvn [light]");
+    EXPECT_EQ(test::ReadFile(path), before);
+}
+
+TEST_F(DocumentCommandsTest, AnExampleThatCannotBeOpenedLeavesEverythingAsItWas) {
+    ASSERT_TRUE(commands->Open(SavedDocument("there/a.tvn", "light")));
+    EXPECT_FALSE(commands->OpenExample(directory / "none.tvn"));
+    EXPECT_THAT(sink.LastAlert(), HasSubstr("none.tvn"));
+    EXPECT_FALSE(commands->OpenExample(directory.Write("picture.tvn", "\x89PNG\r\n")));
+    EXPECT_THAT(sink.LastAlert(), HasSubstr("picture.tvn"));
+    EXPECT_EQ(document->m_boxes.size(), 1U);
+    EXPECT_EQ(document->Title(), "a.tvn");
+}
+
+TEST_F(DocumentCommandsTest, WhatFollowsAnExampleIsNotCalledByItsName) {
+    ASSERT_TRUE(commands->OpenExample(SavedDocument("a.tvn", "light")));
+    commands->StartUntitled();
+    EXPECT_EQ(document->Title(), "Untitled.tvn");
+    ASSERT_TRUE(commands->OpenExample(SavedDocument("a.tvn", "light")));
+    commands->New();
+    EXPECT_EQ(document->Title(), "untitled.tvn");
+}
+
 TEST_F(DocumentCommandsTest, AFileThatCannotBeOpenedLeavesEverythingAsItWas) {
     ASSERT_TRUE(commands->Open(SavedDocument("there/a.tvn", "light")));
     sink.log.clear();

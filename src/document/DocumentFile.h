@@ -20,6 +20,7 @@ struct DocumentFile {
     std::string path;                 // empty while nobody has said where to
     std::optional<ContentMark> held;  // when it was read or written last; nothing before that
     bool cutShort = false;            // an error kept part of it from being read, which is still there
+    std::string copyOf;               // the file of which the document began as a copy; empty for none
 
     // What stands at the path now. A directory cannot be replaced, so it counts as nothing new.
     enum class Now {

@@ -66,6 +66,7 @@ void CTvDoc::DeleteContents() {
     edits.ForgetNotes();
     if (m_history != nullptr) m_history->Forget();
     m_boxes.clear();
+    frames.clear();
     toolbar = site.toolButtons;
     showiconimages = SwitchOf(site.settings, "desk.showiconimages");
     showvarnames = SwitchOf(site.settings, "desk.showvarnames");
@@ -152,8 +153,16 @@ void CTvDoc::BecomeRecovered(const std::string& path, bool wasCutShort, std::opt
     m_modifiedBeside = true;
 }
 
+// What was cut short is still in danger where it stands.
+void CTvDoc::BecomeCopy() {
+    const std::string original = Path();
+    m_origin.file = NewFile({});
+    m_origin.file->copyOf = original;
+}
+
 bool CTvDoc::IsNetworkSaved() const {
-    if (!m_origin.file->held || m_differsFromFile) return false;
+    const DocumentFile& file = *m_origin.file;
+    if ((!file.held && file.copyOf.empty()) || m_differsFromFile) return false;
     return m_history == nullptr ? !m_modified : m_history->IsAtSaved();
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/Listeners.h"
+#include "document/DeskFrame.h"
 #include "document/DocumentFile.h"
 #include "document/Edits.h"
 #include "document/ExportOptions.h"
@@ -121,6 +122,9 @@ class CTvDoc {
     bool WouldLoseUnread(const std::string& path) const;
     // What stands at a path that leads to the document's own file; any other is as known.
     DocumentFile::Now LookAt(const std::string& path) const;
+    // It was opened to begin something new with: it has no file from here on, so that who saves it is asked
+    // where to, and what it was read from stays as it is. Until then it is called by the name of that.
+    void BecomeCopy();
 
     const std::string& Path() const { return m_origin.file->path; }
     // Whatever stands there is none of the document's. One that was cut short stays so.
@@ -128,8 +132,8 @@ class CTvDoc {
     // `origin` is what this gave earlier: the document goes back to the file that it had then.
     const DocumentOrigin& Origin() const { return m_origin; }
     void SetOrigin(const DocumentOrigin& origin) { m_origin = origin; }
-    // File name, "Untitled.tvn" without a path.
-    std::string Title() const { return TitleOf(Path()); }
+    // File name; without a path that of what it is a copy of, else "Untitled.tvn".
+    std::string Title() const { return TitleOf(Path().empty() ? m_origin.file->copyOf : Path()); }
     static std::string TitleOf(const std::string& path);
     // It was read from a file that the user has not written here: what it says is to be exported, and which
     // command is to be run after that, is the wish of somebody else. Saving does not change that.
@@ -140,7 +144,8 @@ class CTvDoc {
     bool DiffersFromFile() const { return m_differsFromFile; }
     void SetDiffersFromFile() { m_differsFromFile = true; }
     bool IsModified() const { return m_modified; }
-    // The network and its options are what the file holds, whatever has been seen of the desk meanwhile.
+    // The network and its options are what the file holds, or the one that it is a copy of, whatever has been
+    // seen of the desk meanwhile.
     bool IsNetworkSaved() const;
     // For what reads and writes documents, and for `edits`: an edit is noted there.
     void SetModified(bool modified = true) { m_modified = modified; }
@@ -164,11 +169,14 @@ class CTvDoc {
     // regard to case.
     std::vector<COpButton*> CollectUnconnectedInputs() const;
     void SortBoxesByWid();
+    // Neither a box nor a frame nor a note stands on the desk.
+    bool IsBare() const { return m_boxes.empty() && frames.empty(); }
 
     using BoxList = std::list<std::unique_ptr<COpBox>>;
 
     std::vector<std::string> toolbar;  // names of operators
     BoxList m_boxes;                   // in stacking order, topmost first
+    DeskFrames frames;                 // behind the boxes
     int showiconimages = 0;
     int linetype = 0;  // 1 trace, 0 direct
     int drawlinesoverboxes = 0;

@@ -185,6 +185,32 @@ TEST_F(TvDoc, AFileThatStopsTheReadingIsOpenWithWhatWasReadAndCutShort) {
     EXPECT_FALSE(document.WasCutShort());
 }
 
+TEST_F(TvDoc, ACopyIsCalledByWhatItWasReadFromAndHasNoFile) {
+    host.AddOperator("op", "");
+    const std::string path = Write("doc.tvn", "opdesk { opbox { filename op wid 2 } }\n");
+    ASSERT_TRUE(document.Open(path));
+    document.BecomeCopy();
+    EXPECT_EQ(document.Path(), "");
+    EXPECT_EQ(document.Title(), "doc.tvn");
+    EXPECT_FALSE(document.IsModified());
+    EXPECT_TRUE(document.IsNetworkSaved());
+    document.SetModified();
+    EXPECT_FALSE(document.IsNetworkSaved());
+    document.SetPath({});
+    EXPECT_EQ(document.Title(), "Untitled.tvn");
+    EXPECT_FALSE(document.IsNetworkSaved());
+}
+
+TEST_F(TvDoc, ACopyOfWhatWasCutShortMayBeSavedAnywhereButThere) {
+    host.AddOperator("op", "");
+    const std::string path = Write("doc.tvn", "opdesk { opbox { filename op wid 2 }\noops }\n");
+    ASSERT_TRUE(document.Open(path));
+    document.BecomeCopy();
+    EXPECT_FALSE(document.WasCutShort());
+    EXPECT_TRUE(document.WouldLoseUnread(path));
+    EXPECT_FALSE(document.WouldLoseUnread(host.Directory() / "other.tvn"));
+}
+
 // Has no memory left for the second box.
 class PoorHost : public test::TestHost {
   protected:
