@@ -401,6 +401,28 @@ TEST_F(HitTest, ALineIsHitWithinItsWidthAndGivesItsInput) {
     EXPECT_EQ(HitConnection(document, {292, 14}, 3), to.inputs.at(0).get());
 }
 
+TEST_F(HitTest, TheNearestLineInReachIsFound) {
+    COpBox& from = AddPlaced(0, 1, 0, 0);
+    COpBox& to = AddPlaced(1, 0, 300, 0);
+    COpBox& above = AddPlaced(1, 0, 300, 40);
+    test::Wire(from, 0, to, 0);  // level at 16
+    test::Wire(from, 0, above, 0);
+    EXPECT_EQ(NearestConnection(document, {250, 18}, 6), to.inputs.at(0).get());
+    EXPECT_EQ(NearestConnection(document, {250, 44}, 6), above.inputs.at(0).get());
+    EXPECT_EQ(NearestConnection(document, {250, 44}, 40), above.inputs.at(0).get());
+    EXPECT_EQ(NearestConnection(document, {200, 10.1F}, 6), to.inputs.at(0).get());
+    EXPECT_EQ(NearestConnection(document, {200, 9.9F}, 6), nullptr);
+    document.linetype = 1;
+    EXPECT_EQ(NearestConnection(document, {296, 54}, 6), above.inputs.at(0).get());
+}
+
+TEST(DistanceToSegment, IsThatToItsNearestPoint) {
+    EXPECT_FLOAT_EQ(DistanceToSegment({5, 2}, {0, 0}, {10, 0}), 2);
+    EXPECT_FLOAT_EQ(DistanceToSegment({-3, 4}, {0, 0}, {10, 0}), 5);
+    EXPECT_FLOAT_EQ(DistanceToSegment({0, 10}, {0, 0}, {10, 10}), std::sqrt(50.0F));
+    EXPECT_FLOAT_EQ(DistanceToSegment({3, 4}, {0, 0}, {0, 0}), 5);
+}
+
 TEST(HitsSegment, ToleranceIsStrictAndTheEndsAreHalfOpen) {
     const P start{0, 0};
     EXPECT_TRUE(HitsSegment({-2, 0}, start, {10, 0}, 2));

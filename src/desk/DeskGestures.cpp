@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "desk/DeskGestures.h"
 
+#include "desk/BoxMarks.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -18,6 +20,7 @@ namespace {
 
 constexpr float kAutoScrollStep = 8;  // pixels
 constexpr const char* kMove = "Move";
+constexpr const char* kResize = "Resize";
 constexpr const char* kLoopHelp = ">>>\r\n>>> HEY!!!  That would make an endless loop\r\n>>>";
 // A release words it differently.
 constexpr const char* kLoopAtPress = "That would create endless loop!  Watch status box for warnings.";
@@ -36,8 +39,9 @@ bool IsVinput(const COpButton* button) {
 
 void DeskGestures::LeftDown(const PointerState& pointer) {
     m_needs.windows.Repaint();
+    m_hover = {};
     EndGesture();
-    if (!m_needs.desk.m_pendingBoxes.empty()) {
+    if (m_needs.desk.HasPending()) {
         m_needs.desk.DropPending();
         return;
     }
@@ -52,12 +56,20 @@ void DeskGestures::LeftDown(const PointerState& pointer) {
         PressButton(*button);
     } else if (box != nullptr) {
         PressBox(*box, pointer);
-    } else if (COpButton* input =
-                   HitConnection(m_needs.document, at, m_needs.lineWidth / m_needs.view.Zoom())) {
+    } else if (COpButton* input = LineAt(at)) {
         PressLine(*input, pointer);
+    } else if (const auto frame = HitFrame(m_needs.document.frames, at, m_needs.view.Zoom())) {
+        PressFrame(*frame, at, pointer);
     } else {
         PressEmptyDesk(at, pointer);
     }
+}
+
+COpButton* DeskGestures::LineAt(DeskPoint at) const {
+    const float zoom = m_needs.view.Zoom();
+    const std::optional<float> slack = m_needs.desk.Rules().lineSlack;
+    if (!slack) return HitConnection(m_needs.document, at, m_needs.lineWidth / zoom);
+    return NearestConnection(m_needs.document, at, (m_needs.lineWidth * 0.5F + *slack) / zoom);
 }
 
 void DeskGestures::PressButton(COpButton& button) {
@@ -83,17 +95,48 @@ void DeskGestures::PressBox(COpBox& box, const PointerState& pointer) {
     desk.ClearSelectedButton();
     desk.ClearSelectedConnects();
     m_gesture = Kind::kMoving;
+    desk.TakeAlong();
     const bool wasSelected = box.selected != 0;
     if (wasSelected && !pointer.control) return;  // what is selected stays, ready to be dragged
     if (!pointer.control && !pointer.shift) desk.ClearBoxSelection();
     box.selected = wasSelected ? 0 : 1;
     if (box.selected != 0) desk.RaiseBox(box);
+    desk.TakeAlong();
     m_needs.document.edits.SelectionChanged();
+}
+
+// As a box. The other corner and the sides that are not dragged stay where they are.
+void DeskGestures::PressFrame(const FrameHit& hit, DeskPoint at, const PointerState& pointer) {
+    COpDesk& desk = m_needs.desk;
+    desk.ClearSelectedButton();
+    desk.ClearSelectedConnects();
+    const bool wasSelected = desk.m_selectedFrames.contains(hit.number);
+    if (!wasSelected || pointer.control) {
+        if (!pointer.control && !pointer.shift) desk.ClearBoxSelection();
+        if (wasSelected) {
+            desk.m_selectedFrames.erase(hit.number);
+        } else {
+            desk.m_selectedFrames.insert(hit.number);
+        }
+        m_needs.document.edits.SelectionChanged();
+    }
+    desk.TakeAlong();
+    m_gesture = hit.corner ? Kind::kResizing : Kind::kMoving;
+    if (!hit.corner) return;
+    m_resized = hit;
+    const DeskPoint corner = FrameRect(m_needs.document.frames.at(hit.number)).Corners()[*hit.corner];
+    m_cornerFromHand = {corner.x - at.x, corner.y - at.y};
+}
+
+std::optional<FrameHit> DeskGestures::FrameAt(DeskPoint at) const {
+    if (m_needs.document.frames.empty() || m_needs.desk.HasPending()) return std::nullopt;
+    if (HitBox(m_needs.document, at) != nullptr || LineAt(at) != nullptr) return std::nullopt;
+    return HitFrame(m_needs.document.frames, at, m_needs.view.Zoom());
 }
 
 void DeskGestures::PressLine(COpButton& input, const PointerState& pointer) {
     COpDesk& desk = m_needs.desk;
-    const bool anyBox = desk.AnyBoxSelected();
+    const bool anyBox = desk.AnySelected();
     desk.ClearBoxSelection();
     desk.ClearSelectedButton();
     if (!pointer.control && !pointer.shift) desk.ClearSelectedConnects();
@@ -113,7 +156,7 @@ void DeskGestures::PressEmptyDesk(DeskPoint at, const PointerState& pointer) {
     desk.ClearSelectedButton();
     desk.ClearSelectedConnects();
     m_gesture = pointer.control ? Kind::kBandToggle : Kind::kBandAdd;
-    if (pointer.control || pointer.shift || !desk.AnyBoxSelected()) return;
+    if (pointer.control || pointer.shift || !desk.AnySelected()) return;
     desk.ClearBoxSelection();
     m_needs.document.edits.SelectionChanged();
 }
@@ -138,18 +181,50 @@ void DeskGestures::Move(const PointerState& event) {
     if (pans && view.Pan(pointer.at.x - m_mousePoint.x, pointer.at.y - m_mousePoint.y)) {
         m_needs.windows.UpdateScrollBars();
         m_needs.windows.Repaint();
+        m_hover = {};
         Remember(pointer, at);
         return;
     }
     COpBox* box = HitBox(m_needs.document, at);
-    FollowButton(box, box == nullptr ? nullptr : HitButton(*box, at), at);
+    COpButton* button = box == nullptr ? nullptr : HitButton(*box, at);
+    FollowButton(box, button, at);
+    m_pointerInside = true;
+    FollowHover(box, button, at);
     const DeskPoint delta{at.x - Mouse().x, at.y - Mouse().y};
     if (pointer.left && m_gesture == Kind::kWiring) PullWire();
     if (pointer.left && m_gesture == Kind::kMoving) MoveBoxes(delta);
+    if (pointer.left && m_gesture == Kind::kResizing) ResizeFrame(at);
     if (pointer.left && m_gesture != Kind::kIdle) m_needs.windows.Repaint();
     DragPending(at, delta);
-    if (m_gesture != Kind::kMoving) ShowHelp();
+    if (m_gesture != Kind::kMoving && m_gesture != Kind::kResizing) ShowHelp();
     Remember(pointer, at);
+}
+
+// Only what changes is painted anew: the pointer moves all the time.
+void DeskGestures::FollowHover(const COpBox* box, const COpButton* button, DeskPoint at) {
+    const COpDesk& desk = m_needs.desk;
+    const bool isQuiet =
+        m_gesture == Kind::kIdle && desk.m_pendingBoxes.empty() && desk.m_selectedButton == nullptr;
+    if (!desk.Rules().hover || !isQuiet) return SetHover({});
+    SetHover({box, button, box == nullptr ? LineAt(at) : nullptr});
+}
+
+void DeskGestures::SetHover(const Hover& hover) {
+    if (m_hover == hover) return;
+    m_hover = hover;
+    m_needs.windows.Repaint();
+}
+
+void DeskGestures::PointerLeft() {
+    m_pointerInside = false;
+    SetHover({});
+}
+
+void DeskGestures::LookAgain() {
+    if (!m_pointerInside || !m_needs.desk.Rules().hover) return;
+    const DeskPoint at = m_needs.view.ToDesk(m_mousePoint);
+    const COpBox* box = HitBox(m_needs.document, at);
+    FollowHover(box, box == nullptr ? nullptr : HitButton(*box, at), at);
 }
 
 void DeskGestures::FollowAutoScroll(DeskPoint at, bool leftDown) {
@@ -188,7 +263,8 @@ void DeskGestures::DragPending(DeskPoint at, DeskPoint delta) {
             desk.MoveBox(*box, at.x, at.y - box->layout.bodyHeight * 0.5F);
         }
     }
-    if (!desk.m_pendingBoxes.empty()) m_needs.windows.Repaint();
+    if (desk.m_pendingBoxes.empty()) desk.MovePendingFrames(delta);
+    if (desk.HasPending()) m_needs.windows.Repaint();
     desk.m_pendingPlaced = true;
 }
 
@@ -204,7 +280,8 @@ std::string DeskGestures::HelpUnderPointer() const {
     const COpDesk& desk = m_needs.desk;
     const COpButton* button = desk.m_mouseButton;
     const COpButton* selected = desk.m_selectedButton;
-    if (button == nullptr) return desk.m_mouseBox != nullptr ? desk.m_mouseBox->boxhelp : kDeskHint;
+    if (button == nullptr)
+        return desk.m_mouseBox != nullptr ? HelpOf(*desk.m_mouseBox, m_needs.marks) : kDeskHint;
     const bool warns = selected != nullptr && selected->CanConnect(*button) && selected->WouldLoop(*button);
     return warns ? kLoopHelp : button->HelpText();
 }
@@ -259,6 +336,19 @@ void DeskGestures::MoveBoxes(DeskPoint delta) {
     m_needs.desk.MoveSelectedBoxes(delta.x, delta.y);
 }
 
+std::optional<size_t> DeskGestures::HotCorner() const {
+    if (m_gesture == Kind::kResizing) return m_resized.corner;
+    if (m_gesture != Kind::kIdle) return std::nullopt;
+    const auto hit = FrameAt(Mouse());
+    return hit ? hit->corner : std::nullopt;
+}
+
+void DeskGestures::ResizeFrame(DeskPoint at) {
+    if (!m_drag) m_drag.emplace(m_needs.document, kResize);
+    m_needs.desk.ResizeFrame(m_resized.number, *m_resized.corner,
+                             {at.x + m_cornerFromHand.x, at.y + m_cornerFromHand.y});
+}
+
 void DeskGestures::Cancel() {
     if (m_gesture == Kind::kIdle) return;
     EndGesture();
@@ -276,6 +366,13 @@ void DeskGestures::FinishBand() {
         changed = changed || box->selected != selected;
         box->selected = selected;
     }
+    std::set<int>& frames = m_needs.desk.m_selectedFrames;
+    for (const auto& [number, frame] : m_needs.document.frames) {
+        if (!band.Encloses(FrameRect(frame))) continue;
+        const bool wasSelected = frames.erase(number) != 0;
+        if (m_gesture == Kind::kBandAdd || !wasSelected) frames.insert(number);
+        changed = changed || m_gesture == Kind::kBandToggle || !wasSelected;
+    }
     if (changed) m_needs.document.edits.SelectionChanged();
 }
 
@@ -288,6 +385,7 @@ void DeskGestures::Tick() {
     m_needs.view.ScrollBy(pixels);
     m_needs.desk.m_mouseDesk[0] += delta.x;
     m_needs.desk.m_mouseDesk[1] += delta.y;
+    if (m_gesture == Kind::kResizing) ResizeFrame(Mouse());
     m_needs.windows.Repaint();
     m_needs.windows.UpdateScrollBars();
 }

@@ -8,9 +8,12 @@
 #include <string>
 
 #include "desk/DeskViewport.h"
+#include "desk/FrameGeometry.h"
 #include "desk/OpDesk.h"
 
 namespace tavrin {
+
+class BoxMarks;
 
 // The pointer as an event of the window tells it.
 struct PointerState {
@@ -31,7 +34,7 @@ extern const char* const kDeskHint;
 // may be fed while the document is locked.
 class DeskGestures {
   public:
-    enum class Kind { kIdle, kMoving, kWiring, kBandAdd, kBandToggle };
+    enum class Kind { kIdle, kMoving, kWiring, kBandAdd, kBandToggle, kResizing };
 
     // All outlive it. `windows` is told what to repaint, `showStatus` what help to show.
     struct Needs {
@@ -45,6 +48,8 @@ class DeskGestures {
         // A wire that was drawn from the picked button was let go of there, over the empty desk. Who takes it
         // up returns true, and the button stays picked until they let it go.
         std::function<bool(COpButton& button, DeskPoint at)> wireDropped = {};
+        // What the last run says of boxes, which comes before their help; null for nothing.
+        const BoxMarks* marks = nullptr;
     };
     explicit DeskGestures(Needs needs) : m_needs(std::move(needs)) {}
 
@@ -60,11 +65,20 @@ class DeskGestures {
     // Escape: lets go of the picked button or the wire in hand, where the library wants that. False if there
     // was none, and the key is free for something else.
     bool LetGo();
+    // The pointer is outside the desk's window, or what it does there reaches the desk no more.
+    void PointerLeft();
+    // The view has moved under a pointer at rest.
+    void LookAgain();
     // To be called at even times while a gesture runs: scrolls while boxes are held beyond the window's edge.
     void Tick();
     // The help that was shown last if it is that of a box or button which is gone since, once; who shows it
     // is to show something else.
     std::optional<std::string> TakeStaleHelp();
+    // The frame or note that a press there would take hold of, whatever lies below it. Nothing where a box or
+    // a wire lies above.
+    std::optional<FrameHit> FrameAt(DeskPoint at) const;
+    // The corner of a frame or note that is dragged, or that a press would take hold of.
+    std::optional<size_t> HotCorner() const;
     // The next move only tells where the pointer is: a menu has closed, and this is no drag.
     void IgnoreNextMove() { m_ignoreNextMove = true; }
 
@@ -76,6 +90,16 @@ class DeskGestures {
     DeskRect Band() const { return DeskRect::Between(m_bandAnchor, Mouse()); }
     bool GrowArrowsShown() const { return m_growArrowsShown; }
     void HideGrowArrows() { m_growArrowsShown = false; }
+    // What a press would meet, to be lit before it; only to be compared with, since it may be gone. Nothing
+    // while a gesture runs, boxes wait or a button is picked, nor in a library that does not want it.
+    struct Hover {
+        const COpBox* box = nullptr;
+        const COpButton* button = nullptr;  // of the box
+        const COpButton* line = nullptr;    // the input that stands for it
+        bool operator==(const Hover&) const = default;
+    };
+    const Hover& Hovered() const { return m_hover; }
+    bool HasMoved() const { return m_hasMoved; }  // boxes, in the gesture that runs
     bool IsGrowArrowHot(bool above) const { return above ? m_growArrowUpHot : m_growArrowDownHot; }
 
   private:
@@ -83,8 +107,12 @@ class DeskGestures {
     void PressButton(COpButton& button);
     void PressBox(COpBox& box, const PointerState& pointer);
     void PressLine(COpButton& input, const PointerState& pointer);
+    void PressFrame(const FrameHit& hit, DeskPoint at, const PointerState& pointer);
     void PressEmptyDesk(DeskPoint at, const PointerState& pointer);
 
+    COpButton* LineAt(DeskPoint at) const;
+    void FollowHover(const COpBox* box, const COpButton* button, DeskPoint at);
+    void SetHover(const Hover& hover);
     void FollowAutoScroll(DeskPoint at, bool leftDown);
     void FollowButton(COpBox* box, COpButton* button, DeskPoint at);
     void DragPending(DeskPoint at, DeskPoint delta);
@@ -100,6 +128,7 @@ class DeskGestures {
     void Wire(COpButton& target);
     void FinishBand();
     void MoveBoxes(DeskPoint delta);
+    void ResizeFrame(DeskPoint at);
     void EndGesture();
     bool IsInGrowArrow(DeskPoint at, bool above) const;
     void Remember(const PointerState& pointer, DeskPoint at);
@@ -118,7 +147,11 @@ class DeskGestures {
     std::optional<HeldEdit> m_drag;  // all that is moved until the release is one act
     WindowPoint m_mousePoint;        // last position in the window
     ShownHelp m_help;                // what was shown last
+    Hover m_hover;
+    bool m_pointerInside = false;
     DeskPoint m_bandAnchor;
+    FrameHit m_resized;          // in a gesture of that kind
+    DeskPoint m_cornerFromHand;  // of the corner that is dragged
     bool m_growArrowsShown = false;
     bool m_growArrowUpHot = false;
     bool m_growArrowDownHot = false;

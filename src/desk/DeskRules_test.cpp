@@ -56,12 +56,28 @@ TEST(DeskRules, WhatIsWantedOfWiresIsChosenOneByOne) {
         {"desk.keepflow", &DeskRules::keepFlow},
         {"desk.copiesinsight", &DeskRules::copiesInSight},
         {"desk.search", &DeskRules::search},
+        {"desk.hover", &DeskRules::hover},
     };
     for (const auto& [chosen, ignored] : rules) {
         Settings settings;
         settings.Store(chosen, "1");
         for (const auto& [name, rule] : rules)
             EXPECT_EQ(DeskRules::Read(settings).*rule, std::string(name) == chosen) << name;
+    }
+}
+
+TEST(DeskRules, TheSlackOfLinesIsANumberOfPixelsOrNone) {
+    Settings settings;
+    EXPECT_EQ(DeskRules::Read(settings).lineSlack, std::nullopt);
+    settings.Store("desk.connectslack", "4");
+    EXPECT_EQ(DeskRules::Read(settings).lineSlack, 4);
+    settings.Store("desk.connectslack", "0");
+    EXPECT_EQ(DeskRules::Read(settings).lineSlack, 0);
+    settings.Store("desk.connectslack", "1e30");  // all of the desk would be wires
+    EXPECT_EQ(DeskRules::Read(settings).lineSlack, 100);
+    for (const char* none : {"-1", "wide", "nan"}) {
+        settings.Store("desk.connectslack", none);
+        EXPECT_EQ(DeskRules::Read(settings).lineSlack, std::nullopt) << none;
     }
 }
 

@@ -14,6 +14,10 @@ COpButton* HitButton(const COpBox& box, DeskPoint point);
 // The input whose connection runs within `tolerance` desk units of the point, or nothing.
 COpButton* HitConnection(const CTvDoc& document, DeskPoint point, float tolerance);
 
+// Of the connections that run within `reach` desk units of the point the nearest one, of like ones the first.
+COpButton* NearestConnection(const CTvDoc& document, DeskPoint point, float reach);
+
 bool HitsSegment(DeskPoint point, DeskPoint start, DeskPoint end, float tolerance);
+float DistanceToSegment(DeskPoint point, DeskPoint start, DeskPoint end);
 
 }  // namespace tavrin

@@ -73,6 +73,7 @@ bool DeskWidget::event(QEvent* event) {
         case QEvent::EnabledChange:
             m_rightPress.reset();
             m_gestures.Cancel();
+            m_gestures.PointerLeft();
             RunTimer();
             break;
         default:
@@ -93,6 +94,7 @@ void DeskWidget::mousePressEvent(QMouseEvent* event) {
 
 void DeskWidget::mouseMoveEvent(QMouseEvent* event) {
     m_gestures.Move(StateOf(*event));
+    FollowCorner();
     const bool pans = event->modifiers().testFlag(Qt::ShiftModifier);
     if (m_rightPress && pans && (event->pos() - *m_rightPress).manhattanLength() > kUnsteadyHand)
         m_rightPress.reset();
@@ -103,6 +105,25 @@ void DeskWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) m_gestures.LeftUp(StateOf(*event));
     RunTimer();
     RightUp(*event);
+}
+
+void DeskWidget::leaveEvent(QEvent* event) {
+    m_gestures.PointerLeft();
+    QOpenGLWidget::leaveEvent(event);
+}
+
+void DeskWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+    const bool isLeft = event->buttons() == Qt::LeftButton;
+    if (isLeft && m_hooks.doubleClicked(event->pos())) return;
+    QOpenGLWidget::mouseDoubleClickEvent(event);
+}
+
+// The pointer tells in which direction a corner may be dragged.
+void DeskWidget::FollowCorner() {
+    const auto corner = m_gestures.HotCorner();
+    if (!corner) return unsetCursor();
+    const bool rises = *corner % 2 == 0;
+    setCursor(rises ? Qt::SizeBDiagCursor : Qt::SizeFDiagCursor);
 }
 
 // With any other button it is no click.

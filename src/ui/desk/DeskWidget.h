@@ -21,6 +21,8 @@ class DeskWidget : public QOpenGLWidget {
         std::function<void()> resized;
         std::function<void(const std::string&)> fail;  // the platform cannot draw a desk; called once
         std::function<void(QPoint)> menuWanted;        // by a click of the right button there
+        // Whether something there takes a double click of the left button, which is a press otherwise.
+        std::function<bool(QPoint)> doubleClicked;
     };
     DeskWidget(QWidget* parent, DeskGestures& gestures, Hooks hooks);
 
@@ -33,11 +35,14 @@ class DeskWidget : public QOpenGLWidget {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
 
   private:
     void Fail();
     void RunTimer();
+    void FollowCorner();
     void RightDown(const QMouseEvent& event);
     void RightUp(const QMouseEvent& event);
 
