@@ -210,6 +210,7 @@ bool SiteFileReader::ReadCodeGen(const std::string& keyword) {
 void SiteFileReader::ReadDataType() {
     std::string name;
     TypeTables::Declaration declaration;
+    TypeMark mark;
     std::string_view line;
     while (m_archive.ReadLine(line) && !line.starts_with('}')) {
         FieldScanner scanner(line.substr(0, line.find('#')));
@@ -222,6 +223,10 @@ void SiteFileReader::ReadDataType() {
             declaration.head = text;
         } else if (*word == "declaretail") {
             declaration.tail = text;
+        } else if (*word == "color") {
+            mark.color = ReadMarkColor(text);
+        } else if (*word == "shape") {
+            mark.shape = ReadMarkShape(text);
         } else {
             m_report.AlertAt(m_archive, "invalid keyword in datatype.add clause: %s",
                              std::string(*word).c_str());
@@ -229,6 +234,32 @@ void SiteFileReader::ReadDataType() {
         }
     }
     m_site.types.SetDataType(name, std::move(declaration));
+    m_site.types.SetMark(name, mark);
+}
+
+std::optional<std::array<float, 3>> SiteFileReader::ReadMarkColor(const std::string& text) {
+    FieldScanner scanner(text);
+    std::array<float, 3> color{};
+    for (float& component : color) {
+        const auto number = scanner.Float();
+        if (!number || !(*number >= 0 && *number <= 1)) {
+            m_report.AlertAt(m_archive,
+                             "the color of a type is three numbers from 0 to 1, such as 0.9 0.7 0.2: %s",
+                             text.c_str());
+            return std::nullopt;
+        }
+        component = *number;
+    }
+    return color;
+}
+
+std::optional<TypeShape> SiteFileReader::ReadMarkShape(const std::string& text) {
+    const auto shape = TypeShapeNamed(text);
+    if (shape) return shape;
+    std::string names;
+    for (const std::string_view name : kTypeShapeNames) names.append(names.empty() ? "" : ", ").append(name);
+    m_report.AlertAt(m_archive, "the shape of a type is one of %s: %s", names.c_str(), text.c_str());
+    return std::nullopt;
 }
 
 }  // namespace tavrin

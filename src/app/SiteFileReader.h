@@ -2,12 +2,14 @@
 // The reader of site definitions files, `tavrn.def`.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "site/TypeMark.h"
 #include "text/TokenParser.h"
 
 namespace tavrin {
@@ -67,6 +69,9 @@ class SiteFileReader : private TokenParser {
     bool ReadShaderIface();
     bool ReadCodeGen(const std::string& keyword);
     void ReadDataType();
+    // Nothing, alerted, for what is none.
+    std::optional<std::array<float, 3>> ReadMarkColor(const std::string& text);
+    std::optional<TypeShape> ReadMarkShape(const std::string& text);
     void SkipBlock();
     std::string RestOfLine();
 

@@ -243,6 +243,37 @@ TEST_F(SiteFileReaderTest, ADataTypeReplacesTheOneOfItsName) {
     EXPECT_EQ(Tail("float"), "");
 }
 
+TEST_F(SiteFileReaderTest, ADataTypeMayHaveAColorAndAShape) {
+    Read(
+        "datatype.add {\nname rgb\ncolor 0.9 0.5 0 # warm\nshape square\n}\n"
+        "datatype.add {\nname vec2\nshape \"diamond\"\n}\n");
+    EXPECT_EQ(site.types.GetMark("rgb").color, (std::array<float, 3>{0.9F, 0.5F, 0}));
+    EXPECT_EQ(site.types.GetMark("rgb").shape, TypeShape::kSquare);
+    EXPECT_EQ(site.types.GetMark("generic:vec2").color, std::nullopt);
+    EXPECT_EQ(site.types.GetMark("generic:vec2").shape, TypeShape::kDiamond);
+    EXPECT_EQ(site.types.GetMark("float").shape, std::nullopt);
+    EXPECT_THAT(test.sink.alerts, IsEmpty());
+    Read("datatype.clearall\n");
+    EXPECT_EQ(site.types.GetMark("rgb").shape, std::nullopt);
+}
+
+TEST_F(SiteFileReaderTest, AColorOrAShapeThatIsNoneIsToldAndTheTypeGoesOn) {
+    Read(
+        "datatype.add {\nname rgb\ncolor 1 2 0\nshape round\ndeclarehead \"vec3 \"\n}\n"
+        "datatype.add {\nname xyz\ncolor blue\n}\nafter 1\n");
+    EXPECT_THAT(test.sink.alerts,
+                ElementsAre("tavrn.def near line 4: the color of a type is three numbers from 0 to 1, such as "
+                            "0.9 0.7 0.2: 1 2 0",
+                            "tavrn.def near line 5: the shape of a type is one of circle, square, diamond, "
+                            "triangle, wedge, bar: round",
+                            "tavrn.def near line 10: the color of a type is three numbers from 0 to 1, such as "
+                            "0.9 0.7 0.2: blue"));
+    EXPECT_EQ(site.types.GetMark("rgb").color, std::nullopt);
+    EXPECT_EQ(site.types.GetMark("rgb").shape, std::nullopt);
+    EXPECT_EQ(Head("rgb"), "vec3 ");
+    EXPECT_EQ(Raw("after"), "1");
+}
+
 TEST_F(SiteFileReaderTest, ACommentIsCutOffInsideQuotesToo) {
     Read("datatype.add {\nname odd\ndeclarehead \"a#b\"\n}\n");
     EXPECT_EQ(Head("odd"), "\"a");

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "site/TypeMark.h"
+
 namespace tavrin {
 
 // A type word that begins with this carries the target's own word behind it, which is never translated.
@@ -37,12 +39,16 @@ class TypeTables {
     void SetDataType(const std::string& name, Declaration declaration) {
         m_dataTypes[name] = std::move(declaration);
     }
-    // Leaves the four built-in types and nothing else.
+    // By the type's own word, as declarations are; one that says nothing for a type without any.
+    const TypeMark& GetMark(const std::string& type) const;
+    void SetMark(const std::string& name, const TypeMark& mark) { m_marks[name] = mark; }
+    // Leaves the four built-in types, without marks, and nothing else.
     void ResetDataTypes();
 
   private:
     std::map<std::string, std::string> m_wordTranslate;
     std::map<std::string, Declaration> m_dataTypes;
+    std::map<std::string, TypeMark> m_marks;
 };
 
 }  // namespace tavrin
