@@ -41,6 +41,16 @@ DeskStyle DeskStyle::Read(const Settings& settings) {
     ReadColor(settings, "box.selectedbuttoncolor", style.selectedButton);
     ReadColor(settings, "desk.probecolor", style.probe);
     settings.GetSettingFloat("box.connectlinewidth", style.connectWidth);
+    ReadColor(settings, "desk.hovercolor", style.hover);
+    const auto isOn = [&settings](const char* key) {
+        int value = 0;
+        return settings.GetSettingInt(key, value) && value != 0;
+    };
+    style.smoothText = isOn("desk.smoothtext");
+    settings.GetSettingFloat("desk.hidelabels", style.leastLetters);
+    style.smoothLines = isOn("desk.smoothlines");
+    style.typeMarks = isOn("desk.typemarks");
+    style.typeLines = isOn("desk.typewires");
     settings.GetSettingToken("desk.font", style.font);
     ReadLimits(settings, style.zoom);
     settings.GetSettingToken("desk.setbgimage", style.wallpaper);

@@ -45,6 +45,12 @@ struct DeskStyle {
     Rgb selectedButton{1.0F, 1.0F, 0.7F};  // also a candidate to wire to, and a hot grow arrow
     Rgb probe{0.1F, 0.55F, 0.95F};         // mark of the output that stands for the picture
     float connectWidth = 3;                // of lines, pixels; also how near a click on one must be
+    Rgb hover{1, 1, 1};                    // what a press would meet, where the library lights it
+    bool smoothText = false;               // letters have shades; labels are never too small to be read
+    float leastLetters = 0;                // device pixels; labels of smaller letters are left out
+    bool smoothLines = false;              // lines have shades at their edges
+    bool typeMarks = false;                // buttons bear the colour and the shape of their types
+    bool typeLines = false;                // lines have the colours of their types
     ZoomLimits zoom;
     std::string font = "Arial";  // face of all texts
     std::string wallpaper;       // path of an image as the site names it; empty for none

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 #include "site/Settings.h"
 
 namespace tavrin {
@@ -22,6 +25,12 @@ TEST(DeskStyle, StandsWithoutAnySetting) {
     EXPECT_EQ(style.selectedButton, (Rgb{1.0F, 1.0F, 0.7F}));
     EXPECT_EQ(style.probe, (Rgb{0.1F, 0.55F, 0.95F}));
     EXPECT_EQ(style.connectWidth, 3);
+    EXPECT_EQ(style.hover, (Rgb{1, 1, 1}));
+    EXPECT_FALSE(style.smoothText);
+    EXPECT_EQ(style.leastLetters, 0);
+    EXPECT_FALSE(style.smoothLines);
+    EXPECT_FALSE(style.typeMarks);
+    EXPECT_FALSE(style.typeLines);
     EXPECT_EQ(style.zoom.least, 0.1F);
     EXPECT_EQ(style.zoom.most, 10);
     EXPECT_EQ(style.font, "Arial");
@@ -43,6 +52,8 @@ TEST(DeskStyle, TakesEachKeyOfTheSite) {
     settings.Store("desk.probecolor", "0.95 0 0");
     settings.Store("box.connectlinewidth", "2");
     settings.Store("desk.font", "\"DejaVu Sans\" 12");
+    settings.Store("desk.hovercolor", "0.96 0 0");
+    settings.Store("desk.hidelabels", "7");
     settings.Store("desk.zoomminmax", "0.25 8");
     settings.Store("desk.setbgimage", "icons/paper.rgb");
     const DeskStyle style = DeskStyle::Read(settings);
@@ -58,10 +69,29 @@ TEST(DeskStyle, TakesEachKeyOfTheSite) {
     EXPECT_EQ(style.selectedButton.r, 0.9F);
     EXPECT_EQ(style.probe.r, 0.95F);
     EXPECT_EQ(style.connectWidth, 2);
+    EXPECT_EQ(style.hover.r, 0.96F);
+    EXPECT_EQ(style.leastLetters, 7);
     EXPECT_EQ(style.font, "DejaVu Sans");
     EXPECT_EQ(style.zoom.least, 0.25F);
     EXPECT_EQ(style.zoom.most, 8);
     EXPECT_EQ(style.wallpaper, "icons/paper.rgb");
+}
+
+TEST(DeskStyle, EachLookIsChosenForItself) {
+    const std::vector<std::pair<std::string, bool DeskStyle::*>> looks = {
+        {"desk.smoothtext", &DeskStyle::smoothText},
+        {"desk.smoothlines", &DeskStyle::smoothLines},
+        {"desk.typemarks", &DeskStyle::typeMarks},
+        {"desk.typewires", &DeskStyle::typeLines},
+    };
+    for (const auto& [chosen, ignored] : looks) {
+        Settings settings;
+        settings.Store(chosen, "1");
+        for (const auto& [name, look] : looks)
+            EXPECT_EQ(DeskStyle::Read(settings).*look, name == chosen) << chosen << ", " << name;
+        settings.Store(chosen, "0");
+        EXPECT_FALSE(DeskStyle::Read(settings).*ignored) << chosen;
+    }
 }
 
 TEST(DeskStyle, TheColorOfLinesIsAlsoThatOfStippledOnesUnlessTheyHaveTheirOwn) {

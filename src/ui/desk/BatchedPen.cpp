@@ -16,8 +16,6 @@ namespace {
 // What would take too much of the texture is drawn plainly.
 constexpr int kWidestWriting = 1024;
 constexpr int kLargestIcon = 256;
-// Before a letter's place is cut to whole pixels: what lies on one is not to fall below it by rounding.
-constexpr float kCutMargin = 0.0001F;
 
 }  // namespace
 
@@ -40,6 +38,7 @@ void BatchedPen::ForgetPictures() {
     Flush();  // what waits to be drawn looks at the texture as it is
     m_atlas.Clear();
     m_icons.clear();
+    m_marks.clear();
     for (auto& writings : m_writings) writings.clear();
     m_generation = Fonts().Generation();
 }
@@ -94,7 +93,9 @@ void BatchedPen::Ink(int font, const std::u32string& letters, const Writing& wri
         for (int y = 0; y < glyph.height; ++y) {
             unsigned char* row = m_atlas.Row(writing.place, y + glyph.bottom - writing.bottom);
             for (int x = 0; x < glyph.width; ++x) {
-                if (glyph.HasInk(x, y)) std::memset(row + 4 * (pen + glyph.left + x), 0xFF, 4);
+                // Letters may reach into one another.
+                unsigned char* pixel = row + 4 * (pen + glyph.left + x);
+                if (glyph.InkAt(x, y) > *pixel) std::memset(pixel, glyph.InkAt(x, y), 4);
             }
         }
         pen += Fonts().AdvanceOf(font, letter);
@@ -117,12 +118,31 @@ void BatchedPen::Text(int font, const std::string& text, const Rgb& color, DeskP
         return;
     }
     if (writing->place.width == 0) return;
-    const DeskPoint begin = FromCorner(at);
-    constexpr float kCut = kPixelCentre + kCutMargin;
+    const DeskPoint begin = PixelOfText(at);
     Picture(writing->place,
-            {std::floor(begin.x + kCut) + static_cast<float>(writing->left),
-             std::floor(begin.y + kCut) + static_cast<float>(writing->bottom),
+            {begin.x + static_cast<float>(writing->left), begin.y + static_cast<float>(writing->bottom),
              static_cast<float>(writing->place.width), static_cast<float>(writing->place.height)},
+            color);
+}
+
+void BatchedPen::Cover(const Glyph& mark, const Rgb& color, int x, int y) {
+    auto known = m_marks.find(&mark);
+    if (known == m_marks.end()) {
+        const auto place = Room(mark.width, mark.height);
+        if (!place) {
+            Flush();
+            CoverByPixels(mark, color, x, y);
+            return;
+        }
+        for (int row = 0; row < mark.height; ++row) {
+            unsigned char* to = m_atlas.Row(*place, row);
+            for (int i = 0; i < mark.width; ++i) std::memset(to + 4 * i, mark.InkAt(i, row), 4);
+        }
+        known = m_marks.emplace(&mark, *place).first;
+    }
+    Picture(known->second,
+            {static_cast<float>(x), static_cast<float>(y), static_cast<float>(mark.width),
+             static_cast<float>(mark.height)},
             color);
 }
 

@@ -31,7 +31,12 @@ class BatchedPen : public DeskPen {
         m_layers.AddPolygon(corners, color);
     }
     void Line(std::span<const DeskPoint> points, const LineLook& look) override {
-        m_layers.AddLine(points, {look.color, DeviceWidth(look), look.stippled});
+        const LineLook device{look.color, DeviceWidth(look), look.stippled};
+        if (IsSmooth(look)) {
+            m_layers.AddSmoothLine(points, device, 1 / DevicePixels());
+        } else {
+            m_layers.AddLine(points, device);
+        }
     }
 
   protected:
@@ -41,6 +46,7 @@ class BatchedPen : public DeskPen {
     }
     void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) override;
     void Image(const CSgiImage& image, DeskPoint lowerLeft) override;
+    void Cover(const Glyph& mark, const Rgb& color, int x, int y) override;
     void Flush() override;
 
   private:
@@ -65,7 +71,8 @@ class BatchedPen : public DeskPen {
 
     DrawLayers m_layers;
     DeskAtlas m_atlas;
-    std::array<std::unordered_map<std::string, Writing>, DeskFonts::kSizes> m_writings;
+    std::array<std::unordered_map<std::string, Writing>, DeskFonts::kAllSizes> m_writings;
+    std::unordered_map<const Glyph*, Place> m_marks;
     std::unordered_map<const CSgiImage*, Place> m_icons;
     int m_generation = 0;  // of the letters in the texture
 };

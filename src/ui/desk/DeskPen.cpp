@@ -3,8 +3,10 @@
 
 #include <GL/gl.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <vector>
 
 #include "images/SgiImage.h"
 
@@ -19,6 +21,8 @@ constexpr size_t kRowBytes = 4;  // of a stipple pattern with 32 rows
 constexpr size_t kPatternBytes = 32 * kRowBytes;
 // Device pixels; no text is so long that it would be seen from there.
 constexpr float kFarAway = 1e6F;
+// Before a letter's place is cut to whole pixels: what lies on one is not to fall below it by rounding.
+constexpr float kCutMargin = 0.0001F;
 
 GLsizei Rounded(float length) { return static_cast<GLsizei>(std::lround(length)); }
 
@@ -28,8 +32,8 @@ void DeskPen::Begin(const Rgb& background) {
     m_zoom = m_view.Zoom();
     m_ratio = m_fonts.PixelRatio();
     m_visible = m_view.Visible();
-    m_labelFont = DeskFonts::LabelFont(m_zoom);
-    m_titleFont = DeskFonts::TitleFont(m_zoom);
+    m_labelFont = m_fonts.ForLabels(m_zoom);
+    m_titleFont = m_fonts.ForTitles(m_zoom);
     glViewport(0, 0, Rounded(m_view.Width() * m_ratio), Rounded(m_view.Height() * m_ratio));
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
@@ -60,7 +64,8 @@ void DeskPen::Fill(const DeskRect& rect, const Rgb& color) { Quads(rect.Corners(
 
 // The edges are mitred where they meet.
 void DeskPen::Bevel(const DeskRect& rect, const Rgb& color) {
-    const float edge = m_zoom < 1 ? desk_lengths::kBevel / m_zoom : desk_lengths::kBevel;
+    const float thin = m_fonts.IsSmooth() ? DeskFonts::kThinnestEdge : 1;
+    const float edge = desk_lengths::kBevel * std::max(1.0F, thin / m_zoom);
     const DeskRect inner = rect.GrownBy(-edge);
     const DeskPoint lowLeft{rect.left, rect.bottom};
     const DeskPoint lowRight{rect.Right(), rect.bottom};
@@ -96,15 +101,14 @@ void DeskPen::Veil(const Rgb& color) {
 // From the window's corner, which is always valid: so what follows may begin outside the window. The corner
 // is told in pixels, since desk units far from the origin are not fine enough. The colour in use when the
 // raster is moved is that of the text.
-void DeskPen::MoveRaster(DeskPoint to) const {
+void DeskPen::MoveRasterToPixel(DeskPoint to) const {
     static constexpr unsigned char kNothing[4] = {};
     const float corner = kPixelCentre / m_ratio;
-    const DeskPoint move = FromCorner(to);
     glPushMatrix();
     glLoadIdentity();
     glRasterPos2f(corner, corner);
     glPopMatrix();
-    glBitmap(1, 1, 0, 0, move.x, move.y, kNothing);
+    glBitmap(1, 1, 0, 0, to.x, to.y, kNothing);
 }
 
 void DeskPen::TextAt(int font, const std::string& text, const Rgb& color, DeskPoint at) {
@@ -115,15 +119,82 @@ void DeskPen::TextAt(int font, const std::string& text, const Rgb& color, DeskPo
 }
 
 void DeskPen::TextByLists(int font, const std::string& text, const Rgb& color, DeskPoint at) {
-    glColor3f(color.r, color.g, color.b);
-    MoveRaster(at);
-    m_lists.Draw(font, text);
+    if (!m_fonts.IsSmooth()) {
+        glColor3f(color.r, color.g, color.b);
+        MoveRaster(at);
+        m_lists.Draw(font, text);
+        return;
+    }
+    const DeskPoint begin = PixelOfText(at);
+    int x = static_cast<int>(begin.x);
+    const int y = static_cast<int>(begin.y);
+    for (const char32_t letter : LettersOf(text)) {
+        const Glyph& glyph = m_fonts.GlyphOf(font, letter);
+        CoverByPixels(glyph, color, x + glyph.left, y + glyph.bottom);
+        x += m_fonts.AdvanceOf(font, letter);
+    }
+}
+
+DeskPoint DeskPen::PixelOfText(DeskPoint at) const {
+    const DeskPoint begin = FromCorner(at);
+    constexpr float kCut = kPixelCentre + kCutMargin;
+    return {std::floor(begin.x + kCut), std::floor(begin.y + kCut)};
+}
+
+void DeskPen::CoverByPixels(const Glyph& mark, const Rgb& color, int x, int y) {
+    if (mark.width == 0) return;
+    std::vector<unsigned char> pixels;
+    pixels.reserve(mark.ink.size() * 4);
+    for (const unsigned char ink : mark.ink) {
+        const auto covered = [ink](float channel) {
+            return static_cast<unsigned char>(std::lround(channel * static_cast<float>(ink)));
+        };
+        pixels.insert(pixels.end(), {covered(color.r), covered(color.g), covered(color.b), ink});
+    }
+    MoveRasterToPixel({static_cast<float>(x), static_cast<float>(y)});
+    glPixelZoom(1, 1);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glDrawPixels(mark.width, mark.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    glDisable(GL_BLEND);
+}
+
+// Of whole pixels and with its middle on one or between two, so that all marks of a size are alike.
+void DeskPen::Mark(const MarkLook& look, DeskPoint middle) {
+    const auto wanted = static_cast<int>(std::lround(look.size * DevicePixels()));
+    const int pixels = std::clamp(wanted, 1, DeskMarks::kMostPixels);
+    const int edge = std::max(1, static_cast<int>(std::lround(m_ratio)));
+    const DeskPoint at = FromCorner(middle);
+    const bool isNear = std::abs(at.x) < kFarAway && std::abs(at.y) < kFarAway;
+    if (!isNear) return;
+    const int left = static_cast<int>(std::lround(at.x - static_cast<float>(pixels) * 0.5F));
+    const int bottom = static_cast<int>(std::lround(at.y - static_cast<float>(pixels) * 0.5F));
+    const auto cover = [&](int inset, const Rgb& color) {
+        const Glyph& mark = m_marks.MarkOf(look.shape, pixels, inset);
+        if (mark.width > 0) Cover(mark, color, left + mark.left, bottom + mark.bottom);
+    };
+    cover(0, kInk);
+    cover(edge, look.color);
+    if (!look.filled) cover(edge + std::max(edge, pixels / 6), kInk);
+}
+
+// As far above the lowest pixels of the rectangle in each of them, so that rows look alike; what is left over
+// goes below, where some letters reach.
+float DeskPen::SmoothBaseLine(const DeskRect& rect, float capital) const {
+    const float lowest = std::round(FromCorner({rect.left, rect.bottom}).y);
+    const float below = std::round((rect.height * DevicePixels() - capital) * 0.5F);
+    return m_visible.bottom + (lowest + below) / DevicePixels();
 }
 
 void DeskPen::Centred(int font, const std::string& text, const DeskRect& rect) {
     if (font == DeskFonts::kNone || text.empty()) return;
     const DeskFonts::Metrics metrics = m_fonts.MetricsOf(font);
     const float width = m_fonts.TextWidth(font, text) * Pixel();
+    if (m_fonts.IsSmooth()) {
+        const float left = rect.left + (rect.width - width) * 0.5F;
+        TextAt(font, text, kInk, {left, SmoothBaseLine(rect, metrics.capital * m_ratio)});
+        return;
+    }
     const float height = (metrics.height + metrics.leading) * Pixel();
     TextAt(font, text, kInk,
            {rect.left + (rect.width - width) * 0.5F,

@@ -7,6 +7,7 @@
 
 #include "desk/DeskStyle.h"
 #include "desk/DeskViewport.h"
+#include "ui/desk/DeskMarks.h"
 #include "ui/desk/DeskTextLists.h"
 
 namespace tavrin {
@@ -18,6 +19,14 @@ struct LineLook {
     Rgb color;
     float width = 1;  // pixels
     bool stippled = false;
+};
+
+// The mark of a type at a button.
+struct MarkLook {
+    TypeShape shape = TypeShape::kCircle;
+    Rgb color;
+    float size = 1;  // of the square that it fills, desk units
+    bool filled = true;
 };
 
 // Draws into the current context with OpenGL 1.1, between Begin and End, what is told first below what is
@@ -33,6 +42,8 @@ class DeskPen {
 
     // What was kept in a context before is gone.
     virtual void ContextIsNew() { m_lists.ContextIsNew(); }
+    // Lines get shades at their edges, unless they are stippled.
+    void SetSmoothLines(bool smooth) { m_smoothLines = smooth; }
     // Sets the context up for the view as it stands, and clears the window.
     void Begin(const Rgb& background);
     void End();
@@ -67,12 +78,28 @@ class DeskPen {
     void CentredLabel(const std::string& text, const DeskRect& rect) { Centred(m_labelFont, text, rect); }
     void CentredTitle(const std::string& text, const DeskRect& rect) { Centred(m_titleFont, text, rect); }
 
+    // In an edge of ink; what is not filled has a hole of it. In objects it comes among the texts.
+    void Mark(const MarkLook& look, DeskPoint middle);
+
+    // Texts in a size of their own, in points at a zoom of 1; lengths in desk units. Nothing in kNone.
+    int FontOf(float points) const { return m_fonts.ForTitles(points / kTitlePoints); }
+    float LineHeight(int font) {
+        const DeskFonts::Metrics metrics = m_fonts.MetricsOf(font);
+        return (metrics.height + metrics.leading) * Pixel();
+    }
+    float DescentOf(int font) { return m_fonts.MetricsOf(font).descent * Pixel(); }
+    float WidthOf(int font, const std::string& text) { return m_fonts.TextWidth(font, text) * Pixel(); }
+    void TextIn(int font, const std::string& text, const Rgb& color, DeskPoint at) {
+        TextAt(font, text, color, at);
+    }
+
     // One pixel of the image is one desk unit large. Images stay as they are while there is a pen.
     void Icon(const CSgiImage& image, DeskPoint lowerLeft);
     // Stands in the middle of the window, or fills it with copies from the lower left corner on.
     void Wallpaper(const CSgiImage& image, bool tiled);
 
   protected:
+    static constexpr float kTitlePoints = 12;      // what titles have at a zoom of 1
     static constexpr float kPixelCentre = 0.375F;  // shift by which lines land on pixel centres
 
     // After Begin.
@@ -83,6 +110,9 @@ class DeskPen {
     virtual void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) = 0;
     // Some of it is in view.
     virtual void Image(const CSgiImage& image, DeskPoint lowerLeft) = 0;
+    // What it covers gets the colour. Its lower left corner is at a pixel, from the lower left one of what is
+    // seen on. It stays as it is while there is a pen, and its picture is known again by its address.
+    virtual void Cover(const Glyph& mark, const Rgb& color, int x, int y) = 0;
     // Draws what waits to be drawn.
     virtual void Flush() {}
 
@@ -94,19 +124,28 @@ class DeskPen {
         return {(at.x - m_visible.left) * DevicePixels(), (at.y - m_visible.bottom) * DevicePixels()};
     }
     float DeviceWidth(const LineLook& look) const;
+    bool IsSmooth(const LineLook& look) const { return m_smoothLines && !look.stippled; }
+    // The pixel in which a text begins.
+    DeskPoint PixelOfText(DeskPoint at) const;
     // The ways of OpenGL for single letters and images.
     void TextByLists(int font, const std::string& text, const Rgb& color, DeskPoint at);
     void ImageByPixels(const CSgiImage& image, DeskPoint lowerLeft, float scale);
+    // As Cover does.
+    void CoverByPixels(const Glyph& mark, const Rgb& color, int x, int y);
 
   private:
-    void MoveRaster(DeskPoint to) const;
+    void MoveRaster(DeskPoint to) const { MoveRasterToPixel(FromCorner(to)); }
+    void MoveRasterToPixel(DeskPoint to) const;
     void TextAt(int font, const std::string& text, const Rgb& color, DeskPoint at);
+    float SmoothBaseLine(const DeskRect& rect, float capital) const;
     void Centred(int font, const std::string& text, const DeskRect& rect);
     void Tile(const CSgiImage& image);
 
     const DeskViewport& m_view;
     DeskFonts& m_fonts;
     DeskTextLists m_lists;
+    DeskMarks m_marks;
+    bool m_smoothLines = false;
     float m_zoom = 1;
     float m_ratio = 1;  // device pixels in a window pixel
     DeskRect m_visible;

@@ -142,17 +142,26 @@ void DrawLayers::AddLine(std::span<const DeskPoint> points, const LineLook& look
     const auto first = static_cast<int>(layer.lines.size());
     if (look.stippled) {
         for (const DeskPoint& point : points) layer.lines.push_back({point, look.color});
-        layer.runs.push_back({look.width, true, first, static_cast<int>(points.size())});
+        layer.runs.push_back({look.width, true, false, first, static_cast<int>(points.size())});
         return;
     }
     for (size_t i = 1; i < points.size(); ++i) {
         layer.lines.push_back({points[i - 1], look.color});
         layer.lines.push_back({points[i], look.color});
     }
-    const bool goesOn =
-        !layer.runs.empty() && !layer.runs.back().stippled && layer.runs.back().width == look.width;
-    if (!goesOn) layer.runs.push_back({look.width, false, first, 0});
+    const bool goesOn = !layer.runs.empty() && !layer.runs.back().stippled && !layer.runs.back().smooth &&
+                        layer.runs.back().width == look.width;
+    if (!goesOn) layer.runs.push_back({look.width, false, false, first, 0});
     layer.runs.back().count = static_cast<int>(layer.lines.size()) - layer.runs.back().first;
+}
+
+void DrawLayers::AddSmoothLine(std::span<const DeskPoint> points, const LineLook& look, float pixel) {
+    if (points.size() < 2) return;
+    Layer& layer = LayerFor(Kind::kLines);
+    const auto first = static_cast<int>(layer.strokes.size());
+    AddStroke(points, look.width, pixel, look.color, layer.strokes);
+    if (layer.runs.empty() || !layer.runs.back().smooth) layer.runs.push_back({1, false, true, first, 0});
+    layer.runs.back().count = static_cast<int>(layer.strokes.size()) - layer.runs.back().first;
 }
 
 void DrawLayers::Clear() {
@@ -161,6 +170,7 @@ void DrawLayers::Clear() {
         tavrin::Empty(layer.faces);
         tavrin::Empty(layer.pictures);
         tavrin::Empty(layer.lines);
+        tavrin::Empty(layer.strokes);
         tavrin::Empty(layer.runs);
         tavrin::Empty(layer.polygons);
     }
@@ -189,8 +199,8 @@ void DrawLayers::DrawPictures(const std::vector<PictureVertex>& vertices, float 
     glLoadIdentity();
     glScalef(1 / pixelRatio, 1 / pixelRatio, 1);
     glEnable(GL_TEXTURE_2D);
-    glEnable(GL_ALPHA_TEST);
-    glAlphaFunc(GL_GREATER, 0.5F);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glEnableClientState(GL_COLOR_ARRAY);
@@ -201,25 +211,28 @@ void DrawLayers::DrawPictures(const std::vector<PictureVertex>& vertices, float 
     glDisableClientState(GL_COLOR_ARRAY);
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);
     glDisableClientState(GL_VERTEX_ARRAY);
-    glDisable(GL_ALPHA_TEST);
+    glDisable(GL_BLEND);
     glDisable(GL_TEXTURE_2D);
     glPopMatrix();
 }
 
 void DrawLayers::DrawLines(const Layer& layer) {
-    if (layer.lines.empty()) return;
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glVertexPointer(2, GL_FLOAT, sizeof(Vertex), &layer.lines[0].at);
-    glColorPointer(3, GL_FLOAT, sizeof(Vertex), &layer.lines[0].color);
     for (const Run& run : layer.runs) {
+        if (run.smooth) {
+            DrawStrokes(layer.strokes.data() + run.first, run.count);
+            continue;
+        }
+        glEnableClientState(GL_VERTEX_ARRAY);
+        glEnableClientState(GL_COLOR_ARRAY);
+        glVertexPointer(2, GL_FLOAT, sizeof(Vertex), &layer.lines[0].at);
+        glColorPointer(3, GL_FLOAT, sizeof(Vertex), &layer.lines[0].color);
         glLineWidth(run.width);
         if (run.stippled) glEnable(GL_LINE_STIPPLE);
         glDrawArrays(run.stippled ? GL_LINE_STRIP : GL_LINES, run.first, run.count);
         if (run.stippled) glDisable(GL_LINE_STIPPLE);
+        glDisableClientState(GL_COLOR_ARRAY);
+        glDisableClientState(GL_VERTEX_ARRAY);
     }
-    glDisableClientState(GL_COLOR_ARRAY);
-    glDisableClientState(GL_VERTEX_ARRAY);
 }
 
 }  // namespace tavrin

@@ -8,6 +8,7 @@
 
 #include "desk/DeskGeometry.h"
 #include "ui/desk/DeskPen.h"
+#include "ui/desk/SmoothStroke.h"
 
 namespace tavrin {
 
@@ -35,6 +36,8 @@ class DrawLayers {
     // lower left corner: however far the view is from the desk's origin, these are exact.
     void AddPicture(const Span& texture, const Span& window, const Rgb& color);
     void AddLine(std::span<const DeskPoint> points, const LineLook& look);  // its width in device pixels
+    // The same with shades at its edges; `pixel` is a device pixel in desk units.
+    void AddSmoothLine(std::span<const DeskPoint> points, const LineLook& look, float pixel);
 
     // Everything, lowest first; nothing is left. An object that has begun goes on above it. `bindTexture`
     // makes the pictures' texture the current one.
@@ -69,6 +72,7 @@ class DrawLayers {
     struct Run {
         float width = 1;  // device pixels
         bool stippled = false;
+        bool smooth = false;  // stands among the strokes
         int first = 0;
         int count = 0;
     };
@@ -76,6 +80,7 @@ class DrawLayers {
         std::vector<Vertex> faces;
         std::vector<PictureVertex> pictures;
         std::vector<Vertex> lines;
+        std::vector<StrokeCorner> strokes;
         std::vector<Run> runs;  // stippled ones are single strips, whose pattern runs on round corners
         std::vector<Vertex> polygons;
     };

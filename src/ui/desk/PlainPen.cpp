@@ -3,6 +3,10 @@
 
 #include <GL/gl.h>
 
+#include <vector>
+
+#include "ui/desk/SmoothStroke.h"
+
 namespace tavrin {
 
 namespace {
@@ -27,6 +31,12 @@ void PlainPen::Polygon(std::span<const DeskPoint> corners, const Rgb& color) {
 }
 
 void PlainPen::Line(std::span<const DeskPoint> points, const LineLook& look) {
+    if (IsSmooth(look)) {
+        std::vector<StrokeCorner> corners;
+        AddStroke(points, DeviceWidth(look), 1 / DevicePixels(), look.color, corners);
+        DrawStrokes(corners.data(), static_cast<int>(corners.size()));
+        return;
+    }
     glLineWidth(DeviceWidth(look));
     if (look.stippled) glEnable(GL_LINE_STIPPLE);
     Shape(GL_LINE_STRIP, points, look.color);
@@ -36,6 +46,8 @@ void PlainPen::Line(std::span<const DeskPoint> points, const LineLook& look) {
 void PlainPen::Text(int font, const std::string& text, const Rgb& color, DeskPoint at) {
     TextByLists(font, text, color, at);
 }
+
+void PlainPen::Cover(const Glyph& mark, const Rgb& color, int x, int y) { CoverByPixels(mark, color, x, y); }
 
 void PlainPen::Image(const CSgiImage& image, DeskPoint lowerLeft) {
     ImageByPixels(image, lowerLeft, 1 / Pixel());

@@ -19,6 +19,7 @@ class PlainPen : public DeskPen {
     void Quads(std::span<const DeskPoint> corners, const Rgb& color) override;
     void Text(int font, const std::string& text, const Rgb& color, DeskPoint at) override;
     void Image(const CSgiImage& image, DeskPoint lowerLeft) override;
+    void Cover(const Glyph& mark, const Rgb& color, int x, int y) override;
 };
 
 }  // namespace tavrin
