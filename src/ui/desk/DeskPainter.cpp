@@ -6,12 +6,14 @@
 #include <cmath>
 #include <span>
 
+#include "desk/DeskFlow.h"
 #include "document/TvDoc.h"
 
 namespace tavrin {
 
 namespace {
 
+constexpr float kLitExtra = 2;             // pixels by which lines that invite something are wider
 constexpr float kVeilShade = 0.2F;         // how much darker than the background
 constexpr DeskPoint kVarNameOffset{4, 6};  // of a variable's name from the start of its line, desk units
 
@@ -19,6 +21,20 @@ constexpr DeskPoint kVarNameOffset{4, 6};  // of a variable's name from the star
 bool IsDrawable(const Polyline& line) {
     return std::all_of(line.begin(), line.end(),
                        [](DeskPoint point) { return std::isfinite(point.x) && std::isfinite(point.y); });
+}
+
+// The one box that would go between a wire's ends if it was let go of here; null for none.
+const COpBox* BoxInHand(const COpDesk& desk, const CTvDoc& document, const DeskGestures& gestures) {
+    if (!desk.Rules().insertBoxes) return nullptr;
+    if (desk.m_pendingBoxes.size() == 1 && desk.m_pendingPlaced) return desk.m_pendingBoxes.front().get();
+    if (gestures.Current() != DeskGestures::Kind::kMoving || !gestures.HasMoved()) return nullptr;
+    const COpBox* only = nullptr;
+    for (const auto& box : document.m_boxes) {
+        if (box->selected == 0) continue;
+        if (only != nullptr) return nullptr;
+        only = box.get();
+    }
+    return only;
 }
 
 // Without the segments at both ends that are out of view.
@@ -38,41 +54,65 @@ std::span<const DeskPoint> PartInView(const Polyline& line, const DeskRect& visi
 }  // namespace
 
 void DeskPainter::Paint(const Extras& extras) {
+    m_pen.SetSmoothLines(m_parts.style.smoothLines);
     m_pen.Begin(m_parts.style.background);
     if (extras.wallpaper != nullptr) m_pen.Wallpaper(*extras.wallpaper, extras.tileWallpaper);
+    PaintFrames();
     const bool linesOver = m_parts.document.drawlinesoverboxes != 0;
     if (!linesOver) PaintAllLines();
     PaintAllBoxes(extras.highlightedBox);
     if (linesOver) PaintAllLines();
+    if (extras.marks != nullptr) PaintErrorMarks(*extras.marks);
     if (extras.shownOutput != nullptr) PaintProbe(*extras.shownOutput);
     PaintGesture();
     if (m_parts.document.lock != 0) PaintVeil();
     m_pen.End();
 }
 
-void DeskPainter::PaintAllLines() {
+void DeskPainter::FindLitLines() {
     const auto& selected = m_parts.desk.m_selectedConnects;
     m_selectedLines = {selected.begin(), selected.end()};
+    m_insertionLine = nullptr;
+    if (const COpBox* box = BoxInHand(m_parts.desk, m_parts.document, m_parts.gestures)) {
+        if (const auto place = FindInsertion(m_parts.document, *box)) m_insertionLine = place->target;
+    }
+    m_litLines = m_selectedLines;
+    for (const COpButton* line : {m_insertionLine, m_parts.gestures.Hovered().line}) {
+        if (line != nullptr) m_litLines.insert(line);
+    }
+}
+
+LineLook DeskPainter::LookOf(const COpButton& output, const COpButton& input, bool isLit) const {
+    const DeskStyle& style = m_parts.style;
+    const float wide = style.connectWidth + kLitExtra;
+    if (&input == m_insertionLine) return {style.selectedConnect, wide};
+    const bool isHovered = &input == m_parts.gestures.Hovered().line;
+    if (isHovered) return {m_selectedLines.contains(&input) ? style.selectedConnect : style.hover, wide};
+    if (isLit) return {style.selectedConnect, style.connectWidth};
+    const bool stippled = input.CurrentType() != output.CurrentType();
+    const Rgb& color = stippled && !style.typeLines ? style.stippleLine : LineColor(output);
+    return {color, style.connectWidth, stippled};
+}
+
+void DeskPainter::PaintAllLines() {
+    FindLitLines();
     PaintLines(m_parts.document.m_boxes);
     if (m_parts.desk.m_pendingPlaced) PaintLines(m_parts.desk.m_pendingBoxes);
 }
 
-// The selected ones come out above the others.
+// The lit ones come out above the others; one in hand is where the pointer is.
 template <typename Boxes>
 void DeskPainter::PaintLines(const Boxes& boxes) {
     const DeskStyle& style = m_parts.style;
     // A name stands above the start of its line, wherever the line goes.
     const bool hasNames = m_parts.document.showvarnames != 0 && m_pen.HasLabels();
-    const DeskRect visible = m_pen.Visible().GrownBy((style.connectWidth + 1) * m_pen.Pixel());
-    for (const bool selected : {false, true}) {
-        if (selected && m_selectedLines.empty()) break;
+    const DeskRect visible = m_pen.Visible().GrownBy((style.connectWidth + kLitExtra + 1) * m_pen.Pixel());
+    for (const bool isLit : {false, true}) {
+        if (isLit && m_litLines.empty()) break;
         for (const auto& box : boxes) {
             const auto paint = [&](const ButtonPlace& from, const ButtonPlace& to, COpButton& input) {
-                if (m_selectedLines.contains(&input) != selected) return true;
-                const COpButton& output = *from.box->outputs[from.index];
-                const bool stippled = !selected && input.CurrentType() != output.CurrentType();
-                const Rgb& plain = selected ? style.selectedConnect : style.connect;
-                PaintLine(from, to, {stippled ? style.stippleLine : plain, style.connectWidth, stippled});
+                if (&input == m_parts.desk.m_pulledInput || m_litLines.contains(&input) != isLit) return true;
+                PaintLine(from, to, LookOf(*from.box->outputs[from.index], input, isLit));
                 return true;
             };
             if (hasNames) {
@@ -116,7 +156,7 @@ void DeskPainter::PaintGesture() {
         selected != nullptr && selected != m_parts.desk.m_mouseButton && selected->disableconnectflag == 0;
     if (gestures.Current() == Kind::kWiring && drawsWire) {
         m_pen.Line(std::array{ButtonAnchor(ButtonPlace::Of(*selected)), gestures.Mouse()},
-                   {m_parts.style.connect, m_parts.style.connectWidth, false});
+                   {LineColor(*selected), m_parts.style.connectWidth, false});
     }
     if (gestures.Current() == Kind::kBandAdd || gestures.Current() == Kind::kBandToggle) {
         const DeskRect band = gestures.Band();

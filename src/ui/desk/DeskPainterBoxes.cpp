@@ -18,6 +18,8 @@ constexpr float kCrossDistance = 12;
 constexpr float kCrossSize = 4;
 constexpr float kCrossWidth = 2;  // pixels
 constexpr float kArgumentDistance = 7;
+constexpr float kArgumentBesideMark = 11;  // where the mark of the type stands between
+constexpr float kHoverWidth = 2;           // pixels of the outline of a box that a press would meet
 constexpr std::array<DeskPoint, 6> kHexagon{
     {{-2, 0}, {-1, 1.74F}, {1, 1.74F}, {2, 0}, {1, -1.74F}, {-1, -1.74F}}};
 constexpr float kMarksWidth = kCrossDistance + kCrossSize;  // what a box's marks stand out of it
@@ -33,7 +35,7 @@ constexpr float kArrowMargin = 3;
 
 void DeskPainter::PaintAllBoxes(const std::string& highlightedBox) {
     // What may stand out of a box.
-    const float pixels = std::max(0.0F, m_parts.style.selectedBoxWidth) + kCrossWidth + 1;
+    const float pixels = std::max(0.0F, m_parts.style.selectedBoxWidth) + kHoverWidth + kCrossWidth + 1;
     const float around = desk_lengths::kGrowArrowHeight + kMarksWidth + pixels * m_pen.Pixel();
     const auto paint = [&](const COpBox& box) {
         const DeskRect bounds = BoxRect(box).GrownBy(around);
@@ -53,14 +55,18 @@ void DeskPainter::PaintAllBoxes(const std::string& highlightedBox) {
 void DeskPainter::PaintBox(const COpBox& box, bool isHighlighted) {
     const DeskStyle& style = m_parts.style;
     const Rgb own = isHighlighted ? style.highlightedBox : style.ColorOf(box.color);
-    const Rgb color = box.IsPlaceholder() && !isHighlighted ? Veiled(own) : own;
+    const bool isVeiled = box.IsPlaceholder() || box.muted != 0;
+    const Rgb color = isVeiled && !isHighlighted ? Veiled(own) : own;
     PaintFace(TitleRect(box), color, box.IsPlaceholder());
     m_pen.CentredLabel(ShownTitle(box, ' '), TitleRect(box));
     PaintPanel(box, color, isHighlighted);
     PaintButtons(box, false, color);
     PaintButtons(box, true, color);
+    if (box.muted != 0) PaintPass(box);
     if (box.IsPlaceholder()) PaintDashes(BoxRect(box));
     if (box.selected != 0) PaintSelection(BoxRect(box));
+    const DeskGestures::Hover& hover = m_parts.gestures.Hovered();
+    if (hover.box == &box && hover.button == nullptr) PaintHover(box);
     if (m_parts.gestures.GrowArrowsShown() && m_parts.desk.m_mouseBox == &box) PaintGrowArrows(box, color);
 }
 
@@ -126,11 +132,17 @@ void DeskPainter::PaintButtons(const COpBox& box, bool outputs, const Rgb& color
     for (size_t index = buttons.size(); index-- > 0;) {
         const COpButton& button = *buttons[index];
         const DeskRect row = ButtonRect({&box, outputs, index});
-        const Rgb plain = button.stray != nullptr ? Veiled(color) : color;
-        PaintFace(row, IsButtonLit(button) ? m_parts.style.selectedButton : plain, button.IsUnknown());
+        PaintFace(row, FaceOf(button, color), button.IsUnknown());
         m_pen.CentredLabel(ShownName(button), row);
         PaintMarks(button, row);
+        PaintTypeMark(button, row, outputs);
     }
+}
+
+Rgb DeskPainter::FaceOf(const COpButton& button, const Rgb& box) const {
+    if (IsButtonLit(button)) return m_parts.style.selectedButton;
+    if (m_parts.gestures.Hovered().button == &button) return m_parts.style.hover;
+    return button.stray != nullptr ? Veiled(box) : box;
 }
 
 // The button that was picked, and the one under the mouse if the two may be wired.
@@ -155,9 +167,11 @@ void DeskPainter::PaintMarks(const COpButton& button, const DeskRect& row) {
         }
     }
     if (button.arg != 0) {
+        const bool isBesideMark = m_parts.style.typeMarks && button.disableconnectflag == 0;
+        const float distance = isBesideMark ? kArgumentBesideMark : kArgumentDistance;
         auto corners = kHexagon;
         for (DeskPoint& corner : corners) {
-            corner = {row.left - kArgumentDistance + corner.x, middle + corner.y};
+            corner = {row.left - distance + corner.x, middle + corner.y};
         }
         m_pen.Polygon(corners, kArgumentMark);
     }
@@ -166,6 +180,13 @@ void DeskPainter::PaintMarks(const COpButton& button, const DeskRect& row) {
 // Above the marks beside the box.
 void DeskPainter::PaintSelection(const DeskRect& rect) {
     PaintFrame(rect, m_parts.style.selectedBoxWidth * m_pen.Pixel(), m_parts.style.selectedBox);
+}
+
+// Round the outline of a selected one.
+void DeskPainter::PaintHover(const COpBox& box) {
+    const float outline = box.selected != 0 ? std::max(0.0F, m_parts.style.selectedBoxWidth) : 0;
+    PaintFrame(BoxRect(box).GrownBy(outline * m_pen.Pixel()), kHoverWidth * m_pen.Pixel(),
+               m_parts.style.hover);
 }
 
 void DeskPainter::PaintFrame(const DeskRect& rect, float width, const Rgb& color) {

@@ -4,6 +4,7 @@
 #include <QContextMenuEvent>
 #include <QCursor>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
@@ -12,14 +13,17 @@
 #include <cstdlib>
 
 #include "base/Paths.h"
+#include "desk/BoxMarks.h"
 #include "site/Site.h"
 #include "ui/desk/DeskContextMenu.h"
+#include "ui/desk/Minimap.h"
 
 namespace tavrin {
 
 namespace {
 
 constexpr int kNoFontStatus = -1;  // exit status where there is no font to be had
+constexpr int kLitTime = 1500;     // milliseconds for which a box is lit that one was led to
 
 // The wheel zooms wherever it is turned over the pane.
 class DeskScrollBar : public QScrollBar {
@@ -52,6 +56,17 @@ std::optional<ScrollAction> ActionOf(int sliderAction) {
     }
 }
 
+// The text that a search begins with by this key: none by Tab alone. Nothing for keys that begin no search.
+std::optional<QString> SearchBegunBy(const QKeyEvent& key) {
+    const auto held = key.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
+    if (key.key() == Qt::Key_Tab && key.modifiers() == Qt::NoModifier) return QString();
+    const QString text = key.text();
+    // A letter that the keyboard makes with AltGr is one as well.
+    const bool isCommand = held != Qt::NoModifier && held != Qt::GroupSwitchModifier;
+    if (isCommand || text.isEmpty() || !text.at(0).isPrint() || text.at(0).isSpace()) return std::nullopt;
+    return text;
+}
+
 // A bar of the toolkit ends at its last position, not at the far end of what there is.
 void Show(QScrollBar& bar, const ScrollRange& range) {
     bar.setRange(range.minimum, std::max(range.maximum - range.page, range.position));
@@ -73,16 +88,26 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
       m_fonts(m_style.font,
               [this](const std::string& message) {
                   QTimer::singleShot(0, this, [this, message] { m_needs.fail(message, kNoFontStatus); });
-              }),
-      m_gestures({document, desk, m_view, *this, site.report, m_style.connectWidth, m_needs.showStatus}),
+              },
+              {m_style.smoothText, m_style.leastLetters}),
+      m_gestures({document, desk, m_view, *this, site.report, m_style.connectWidth, m_needs.showStatus,
+                  m_needs.wireDropped, m_needs.marks}),
       m_menu({document, desk, m_gestures, *this, site.types, m_needs.editFile, m_needs.shownOutput,
-              m_needs.toggleShown}),
+              m_needs.toggleShown, [this](int number) { EditFrame(number); }, m_needs.marks}),
       m_icons(site.directories.tavrnDir, m_style, site.report),
-      m_parts{document, desk, m_gestures, m_style, m_icons},
+      m_types(site.types),
+      m_parts{document, desk, m_gestures, m_style, m_icons, &m_types},
       m_widget(new DeskWidget(this, m_gestures,
                               {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
                                [this](const std::string& message) { m_needs.fail(message, EXIT_FAILURE); },
-                               [this](QPoint at) { OpenMenu(at); }})),
+                               [this](QPoint at) { OpenMenu(at); },
+                               [this](QPoint at) { return EditFrameAt(at); }})),
+      m_frameEditor(new FrameEditor(m_widget, {document, desk, m_view, [this] { setFocus(); }})),
+      m_minimap(new Minimap(m_widget, {document, m_view, m_style,
+                                       [this](DeskPoint middle) {
+                                           m_view.CentreView(middle);
+                                           ViewChanged(true);
+                                       }})),
       m_across(MakeScrollBar(Qt::Horizontal)),
       m_down(MakeScrollBar(Qt::Vertical)) {
     setFocusPolicy(Qt::ClickFocus);  // a click takes the keys from a field beside the desk
@@ -95,6 +120,13 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
     grid->setRowStretch(0, 1);
     grid->setColumnStretch(0, 1);
     LoadWallpaper();
+    m_lit.setSingleShot(true);
+    m_lit.setInterval(kLitTime);
+    m_lit.callOnTimeout([this] {
+        m_litBox.clear();
+        Repaint();
+    });
+    if (m_needs.marks != nullptr) m_marks = m_needs.marks->afterChange.Add([this] { Repaint(); });
     m_desk.SetView(this);
     m_changes = m_document.edits.Observe([this](const Change& change) { OnChange(change); });
     m_fonts.MetricsOf(0);  // a platform without fonts is to fail at once, by the smallest size
@@ -104,6 +136,7 @@ DeskPane::~DeskPane() { m_desk.SetView(nullptr); }
 
 void DeskPane::OnChange(const Change& change) {
     if (change.replaced || change.swapped) m_gestures.Cancel();
+    if (change.HasBoxes() || change.selection || change.frames) m_minimap->NetworkChanged();
     if (change.HasBoxes()) UpdateScrollBars();
     if (change.IsSeenOnDesk()) Repaint();
 }
@@ -130,7 +163,13 @@ void DeskPane::LayoutAll() {
     for (const auto& box : m_desk.m_clipboardBoxes) LayOut(*box, measure);
 }
 
-void DeskPane::Repaint() { m_widget->update(); }
+void DeskPane::Repaint() {
+    m_widget->update();
+    const DeskGestures::Kind gesture = m_gestures.Current();
+    if (gesture == DeskGestures::Kind::kMoving || gesture == DeskGestures::Kind::kResizing)
+        m_minimap->NetworkChanged();
+    m_frameEditor->Follow();
+}
 
 void DeskPane::SetWallpaper(std::unique_ptr<CSgiImage> image) {
     m_wallpaper = std::move(image);
@@ -148,6 +187,15 @@ void DeskPane::LoadWallpaper() {
 void DeskPane::ViewChanged(bool changed) {
     if (!changed) return;
     UpdateScrollBars();
+    m_gestures.LookAgain();
+    Repaint();
+}
+
+void DeskPane::GoToBox(const std::string& boxTitleWid) {
+    if (m_document.lock == 0) m_desk.SelectBox(boxTitleWid);
+    CentreOnBox(boxTitleWid);
+    m_litBox = boxTitleWid;
+    m_lit.start();
     Repaint();
 }
 
@@ -157,6 +205,7 @@ void DeskPane::SetScrollBarsShown(bool shown) {
 }
 
 void DeskPane::UpdateScrollBars() {
+    m_minimap->ViewChanged();
     m_across->setVisible(m_showScrollBars);
     m_down->setVisible(m_showScrollBars);
     if (!m_showScrollBars) return;
@@ -174,6 +223,18 @@ void DeskPane::Scroll(Qt::Orientation orientation, int sliderAction) {
         m_view.ScrollVertically(*action, m_down->sliderPosition());
     }
     ViewChanged(true);
+}
+
+// Before the toolkit takes the Tab key for going on to the next field.
+bool DeskPane::event(QEvent* event) {
+    if (event->type() == QEvent::KeyPress && m_needs.search) {
+        const auto begun = SearchBegunBy(static_cast<const QKeyEvent&>(*event));
+        if (begun && m_gestures.Current() == DeskGestures::Kind::kIdle && m_needs.search(*begun)) {
+            event->accept();
+            return true;
+        }
+    }
+    return QWidget::event(event);
 }
 
 void DeskPane::wheelEvent(QWheelEvent* event) {
@@ -197,10 +258,23 @@ void DeskPane::OpenMenu(QPoint at) {
     menu->popup(m_widget->mapToGlobal(at));
 }
 
+bool DeskPane::EditFrameAt(QPoint at) {
+    const auto hit =
+        m_gestures.FrameAt(m_view.ToDesk({static_cast<float>(at.x()), static_cast<float>(at.y())}));
+    if (!hit || hit->corner) return false;
+    EditFrame(hit->number);
+    return true;
+}
+
 std::optional<DeskPoint> DeskPane::CursorOnDesk() const {
     const QPoint at = m_widget->mapFromGlobal(QCursor::pos());
     if (!m_widget->isVisible() || !m_widget->rect().contains(at)) return std::nullopt;
     return m_view.ToDesk({static_cast<float>(at.x()), static_cast<float>(at.y())});
+}
+
+std::optional<DeskRect> DeskPane::Sight() const {
+    if (!m_widget->isVisible() || m_widget->size().isEmpty()) return std::nullopt;
+    return m_view.Visible();
 }
 
 void DeskPane::Resized() {
@@ -230,8 +304,8 @@ void DeskPane::Paint() {
     m_gestures.UpdateGrowArrows();
     DeskPen& pen = m_plain || !m_canBatch ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
     DeskPainter(m_parts, pen)
-        .Paint({m_needs.highlightedBox(), m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper,
-                m_needs.shownOutput ? m_needs.shownOutput() : nullptr});
+        .Paint({m_litBox.empty() ? m_needs.highlightedBox() : m_litBox, m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper,
+                m_needs.shownOutput ? m_needs.shownOutput() : nullptr, m_needs.marks});
     m_layoutDirty = false;
     m_lastZoom = m_view.Zoom();
 }

@@ -2,6 +2,7 @@
 // The desk as a piece of the frame: its window with scroll bars round it.
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -14,6 +15,7 @@
 #include "ui/desk/DeskIcons.h"
 #include "ui/desk/DeskPainter.h"
 #include "ui/desk/DeskWidget.h"
+#include "ui/desk/FrameEditor.h"
 #include "ui/desk/PlainPen.h"
 #include "ui/windows/WheelNotches.h"
 
@@ -21,6 +23,7 @@ class QScrollBar;
 
 namespace tavrin {
 
+class Minimap;
 struct Site;
 
 // Lives as long as the frame, its parent; document, desk and site outlive it.
@@ -38,6 +41,13 @@ class DeskPane : public QWidget, private DeskView {
         // menu offers that.
         std::function<const COpButton*()> shownOutput = {};
         std::function<void(COpButton&)> toggleShown = {};
+        // An operator is to be searched for by a text that begins so. False if nothing comes of it, and the
+        // key is free for something else. Without it typing on the desk does nothing.
+        std::function<bool(const QString& begun)> search = {};
+        // As DeskGestures::Needs has it.
+        std::function<bool(COpButton& button, DeskPoint at)> wireDropped = {};
+        // What the last run says of boxes; outlives the pane. Null for nothing.
+        const BoxMarks* marks = nullptr;
     };
     DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site, Needs needs);
     ~DeskPane() override;
@@ -49,15 +59,23 @@ class DeskPane : public QWidget, private DeskView {
     void LayoutAll();
     void SetScrollBarsShown(bool shown);
     bool ScrollBarsShown() const { return m_showScrollBars; }
+    Minimap& Map() { return *m_minimap; }
 
     void ZoomIn() { ViewChanged(m_view.ZoomIn()); }
     void ZoomOut() { ViewChanged(m_view.ZoomOut()); }
     void ZoomReset() { ViewChanged(m_view.ZoomReset()); }
     void FitToWindow() { ViewChanged(m_view.FitToWindow()); }
     void CentreOnBox(const std::string& boxTitleWid) { ViewChanged(m_view.CentreOnBox(boxTitleWid)); }
+    // Selects it alone, which a lock forbids, brings it into view and lights it for a while.
+    void GoToBox(const std::string& boxTitleWid);
+    // The box that is lit; empty for none.
+    const std::string& LitBox() const { return m_litBox; }
 
-    // Where the cursor is, unless it is outside the desk.
-    std::optional<DeskPoint> CursorOnDesk() const;
+    std::optional<DeskPoint> CursorOnDesk() const override;
+    std::optional<DeskRect> Sight() const override;
+
+    // Lets the text of a frame or note be typed where it stands; see FrameEditor.
+    void EditFrame(int number) { m_frameEditor->Open(number); }
 
     DeskGestures& Gestures() { return m_gestures; }
     const DeskViewport& View() const { return m_view; }
@@ -73,6 +91,7 @@ class DeskPane : public QWidget, private DeskView {
     void SetPlain(bool plain) { m_plain = plain; }
 
   protected:
+    bool event(QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
@@ -82,6 +101,7 @@ class DeskPane : public QWidget, private DeskView {
     void Scroll(Qt::Orientation orientation, int sliderAction);
     void ViewChanged(bool changed);
     void OpenMenu(QPoint at);
+    bool EditFrameAt(QPoint at);
     void ContextIsNew();
     void Paint();
     void Resized();
@@ -99,6 +119,7 @@ class DeskPane : public QWidget, private DeskView {
     DeskGestures m_gestures;
     DeskMenu m_menu;
     DeskIcons m_icons;
+    TypeLooks m_types;
     DeskPainter::Parts m_parts;
     PlainPen m_plainPen{m_view, m_fonts};
     BatchedPen m_batchedPen{m_view, m_fonts};
@@ -106,10 +127,15 @@ class DeskPane : public QWidget, private DeskView {
     bool m_canBatch = true;  // in the context as it is
     std::unique_ptr<CSgiImage> m_wallpaper;
     DeskWidget* m_widget;
+    FrameEditor* m_frameEditor;
+    Minimap* m_minimap;
     QScrollBar* m_across;
     QScrollBar* m_down;
     Edits::Subscription m_changes;
     bool m_showScrollBars = true;
+    std::string m_litBox;
+    QTimer m_lit;
+    Listeners<>::Subscription m_marks;
     bool m_layoutDirty = true;  // every box is laid out on the next paint
     float m_lastZoom = 0;       // of the last paint
     WheelNotches m_wheel;
