@@ -137,5 +137,24 @@ TEST_F(LibraryWords, AFileThatIsNotThereOrIsWrongIsToldAndIsAsGoodAsNone) {
     EXPECT_THAT(site.report.TakePending()->text, HasSubstr("my.words near line 2: \"nonsense\""));
 }
 
+TEST(SuppliedWords, AreThoseOfTheShadersThatTheSuppliedLibraryMakes) {
+    test::CollectingSink sink;
+    Report report;
+    report.SetSink(&sink);
+    std::string error;
+    auto archive = CArchive::Open(test::SourcePath("installation/mray/glsl.words"), error);
+    ASSERT_TRUE(archive) << error;
+    const auto words = SourceWords::Read(*archive, report);
+    ASSERT_TRUE(words) << sink.LastAlert();
+    EXPECT_EQ(words->ClassOf("if"), SourceClass::kKeyword);
+    EXPECT_EQ(words->ClassOf("vec3"), SourceClass::kType);
+    EXPECT_EQ(words->ClassOf("smoothstep"), SourceClass::kFunction);
+    EXPECT_EQ(words->ClassOf("mrNoise"), SourceClass::kFunction);
+    EXPECT_EQ(words->ClassOf("tvLambert"), SourceClass::kFunction);
+    EXPECT_EQ(words->ClassOf("tvColor"), SourceClass::kVariable);
+    EXPECT_EQ(words->ClassOf("Noise_1_result"), SourceClass::kPlain);
+    EXPECT_EQ(words->Directive(), "#");
+}
+
 }  // namespace
 }  // namespace tavrin
