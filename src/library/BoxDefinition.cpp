@@ -87,6 +87,7 @@ void COpBox::ForgetDefinition() {
     codegen.Reset();
     castlock.clear();
     aliases.clear();
+    keywords.clear();
     vinputNames.clear();
     source.reset();
     lacksTemplates = false;

@@ -94,6 +94,7 @@ bool DefinitionReader::ReadClause(const std::string& keyword) {
     if (keyword == "output") return ReadOutput();
     if (keyword == "defs") return ReadDefs();
     if (keyword == "alias") return ReadAlias(m_box.aliases);
+    if (keyword == "keywords") return ReadKeywords();
     if (keyword.starts_with(kCodegenPrefix)) {
         std::string errorText;
         if (m_box.codegen.ParseClause(m_archive, keyword.substr(kCodegenPrefix.size()), m_libraryDir,
@@ -111,6 +112,16 @@ bool DefinitionReader::ReadAlias(std::vector<std::string>& aliases) {
     if (!Operand(name)) return false;
     if (std::find(aliases.begin(), aliases.end(), name) == aliases.end()) aliases.push_back(std::move(name));
     return true;
+}
+
+// A block that is not closed would take the rest of the definition for words.
+bool DefinitionReader::ReadKeywords() {
+    if (!Expect("{")) return false;
+    for (std::string word; Operand(word);) {
+        if (word == "}") return true;
+        m_box.keywords.push_back(std::move(word));
+    }
+    return false;
 }
 
 // Loose on purpose: whatever is no clause is passed over, the opening brace among it.

@@ -38,6 +38,7 @@ class DefinitionReader : private TokenParser {
     bool ReadClause(const std::string& keyword);
     bool ReadDefs();
     bool ReadAlias(std::vector<std::string>& aliases);
+    bool ReadKeywords();
     bool ReadInput(ButtonKind kind);
     bool ReadInputProperty(COpButton& button, const std::string& keyword);
     bool ReadOutput();

@@ -153,6 +153,20 @@ TEST(DefinitionReader, HelpThatIsNeverClosedTakesTheRestOfTheFileAndIsToldWhereI
 
 // Options
 
+TEST(DefinitionReader, KeywordsAreTheWordsOfTheirBlocks) {
+    const Reading reading("keywords { voronoi \"dried mud\" }\nkeywords { }\nicontext x\nkeywords { b }\n");
+    ASSERT_TRUE(reading.ok);
+    EXPECT_THAT(reading.box.keywords, ElementsAre("voronoi", "dried mud", "b"));
+    EXPECT_EQ(reading.box.icontext, "x");
+    EXPECT_THAT(COpBox(reading.box).keywords, IsEmpty());
+}
+
+TEST(DefinitionReader, KeywordsWithoutTheirBracesAreUnexpectedInput) {
+    ExpectError("keywords { voronoi\nicontext x\n", "3: unexpected input");
+    ExpectError("keywords voronoi\n", "1: unexpected input");
+    ExpectError("keywords", "1: unexpected input");
+}
+
 TEST(DefinitionReader, DefsWithoutBracesWorks) {
     const Reading reading("defs maxinstances 3 castlock.add a b }\nicontext x");
     EXPECT_TRUE(reading.ok);

@@ -66,6 +66,17 @@ WireFit FitOf(const OpenEnd& end, const KnownButton& button) {
 
 }  // namespace
 
+void ForgetDefinition(KnownOperator& known) {
+    KnownOperator bare;
+    bare.id = known.id;
+    bare.name = std::move(known.name);
+    bare.menu = std::move(known.menu);
+    bare.path = std::move(known.path);
+    bare.problem = std::move(known.problem);
+    bare.revision = known.revision;
+    known = std::move(bare);
+}
+
 void LearnDefinition(KnownOperator& known, const std::string& text, const std::string& libraryDir) {
     CArchive archive = CArchive::FromText(known.path, text);
     Report silent;
@@ -74,6 +85,9 @@ void LearnDefinition(KnownOperator& known, const std::string& text, const std::s
     box.filename = known.name;
     const bool isRead = box.ReadDefinition(archive, libraryDir, silent, known.path);
     known.aliases = std::move(box.aliases);
+    known.keywords = std::move(box.keywords);
+    known.icon = std::move(box.iconimg);
+    known.color = std::to_array(box.color);
     known.help = std::move(box.boxhelp);
     known.buttons.clear();
     known.problem.clear();
@@ -86,11 +100,9 @@ void LearnDefinition(KnownOperator& known, const std::string& text, const std::s
 }
 
 void LearnNetwork(KnownOperator& known, std::string_view text) {
+    ForgetDefinition(known);
     known.source = KnownOperator::Source::kNetwork;
-    known.aliases.clear();
-    known.buttons.clear();
     known.problem.clear();
-    known.help.clear();
     while (!text.empty()) {
         const size_t end = std::min(text.find('\n'), text.size());
         const std::string_view line = Trim(text.substr(0, end));

@@ -2,6 +2,7 @@
 // What is known of an operator without a box of it: enough to find it by, and to tell where a wire would go.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -39,12 +40,18 @@ struct KnownOperator {
     std::string path;  // its file
     Source source = Source::kName;
     std::vector<std::string> aliases;  // those that are heeded
+    std::vector<std::string> keywords;
+    std::string icon;              // as the definition names it
+    std::array<float, 3> color{};  // of its boxes
     // Of the box; of a saved network the comments at its beginning. Lines joined by CR LF.
     std::string help;
     std::vector<KnownButton> buttons;  // inputs, then outputs; none of one that no box can be made of
     std::string problem;               // why it cannot be read, for the user; empty where it can
     uint64_t revision = 0;             // of the index, when this was changed last
 };
+
+// Leaves nothing but where it stands and what is wrong with it.
+void ForgetDefinition(KnownOperator& known);
 
 // Takes over what a definition says, in place of what was known. Nothing is reported. What stood before an
 // error stays, without the buttons, and `problem` tells the error. Relative files of templates lie in

@@ -39,6 +39,31 @@ OpenEnd End(bool isOutput, std::vector<std::string> types, size_t current = 0) {
 
 // Definitions
 
+TEST(KnownOperator, ADefinitionGivesKeywordsIconAndColour) {
+    const KnownOperator known = Learned(
+        "iconimg \"lib/icons/Cells.sgi\"\ncolor 0.25 0.5 1\nkeywords {\nvoronoi \"dried mud\"\ncracks\n}\n");
+    EXPECT_THAT(known.keywords, ElementsAre("voronoi", "dried mud", "cracks"));
+    EXPECT_EQ(known.icon, "lib/icons/Cells.sgi");
+    EXPECT_THAT(known.color, ElementsAre(0.25F, 0.5F, 1.0F));
+    EXPECT_EQ(known.problem, "");
+}
+
+TEST(KnownOperator, WhatIsLearntOfANetworkLeavesNothingOfADefinition) {
+    KnownOperator known = Learned("iconimg a.sgi\ncolor 1 1 1\nkeywords { a }\noutput o { float out }\n");
+    known.id = 7;
+    known.revision = 9;
+    const std::string name = known.name;
+    LearnNetwork(known, "# A network.\n");
+    EXPECT_THAT(known.keywords, IsEmpty());
+    EXPECT_EQ(known.icon, "");
+    EXPECT_THAT(known.color, ElementsAre(0, 0, 0));
+    EXPECT_THAT(known.buttons, IsEmpty());
+    EXPECT_EQ(known.name, name);
+    EXPECT_EQ(known.id, 7U);
+    EXPECT_EQ(known.revision, 9U);
+    EXPECT_EQ(known.help, "A network.");
+}
+
 TEST(KnownOperator, ADefinitionGivesAliasesHelpAndButtonsWithAllTheirCasts) {
     const KnownOperator known = Learned(
         "alias Blend\nboxhelp {\nMixes two.\nBy a third.\n}\n"

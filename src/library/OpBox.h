@@ -79,9 +79,10 @@ class COpBox : public LiveObject<COpBox> {
     int size[2] = {0, 0};     // least width and height in desk units; 0 lets the texts decide
     float color[3] = {0, 0, 0};
     std::string icontext;
-    std::string boxhelp;               // lines joined by CR LF
-    std::vector<std::string> aliases;  // what the definition says that it was called before
-    int maxinstances = 0;              // how many the desk may hold; 0 means any number
+    std::string boxhelp;                // lines joined by CR LF
+    std::vector<std::string> aliases;   // what the definition says that it was called before
+    std::vector<std::string> keywords;  // by which the operator is found as well; a clone has none
+    int maxinstances = 0;               // how many the desk may hold; 0 means any number
     // Makes no code: each output stands for an input of its type, as COpButton::PassedInput has it.
     int muted = 0;
     std::multimap<std::string, std::string> castlock;  // names of buttons whose casts move together

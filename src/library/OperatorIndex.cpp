@@ -106,6 +106,9 @@ void OperatorIndex::KeepWhatIsKnown(std::vector<KnownOperator> former) {
         KnownOperator& old = *found->second;
         known.source = old.source;
         known.aliases = std::move(old.aliases);
+        known.keywords = std::move(old.keywords);
+        known.icon = std::move(old.icon);
+        known.color = old.color;
         known.help = std::move(old.help);
         known.buttons = std::move(old.buttons);
         known.problem = std::move(old.problem);
@@ -171,10 +174,7 @@ void OperatorIndex::LookAtFile(size_t place) {
 bool OperatorIndex::ReadOwnFile(KnownOperator& known, std::string& text) {
     std::string problem;
     if (!ReadBounded(known.path, text, problem)) {
-        known.source = Source::kName;
-        known.aliases.clear();
-        known.help.clear();
-        known.buttons.clear();
+        ForgetDefinition(known);
         known.problem = std::move(problem);
         Changed(known);
         return false;

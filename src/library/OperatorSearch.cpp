@@ -259,6 +259,8 @@ SearchFinding OperatorSearch::Shown(const KnownOperator& known, const SearchedOp
             return {part.field, known.name, {}, {}};
         case SearchField::kAlias:
             return {part.field, known.aliases[part.item], {}, {}};
+        case SearchField::kKeyword:
+            return {part.field, known.keywords[part.item], {}, {}};
         case SearchField::kMenu:
             return {part.field, known.menu, {}, {}};
         case SearchField::kHelp:

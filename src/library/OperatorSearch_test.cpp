@@ -53,6 +53,26 @@ class OperatorSearchTest : public testing::Test {
 
 // The order
 
+TEST_F(OperatorSearchTest, KeywordsCountAsMuchAsFormerNames) {
+    Add("0100.Plain/0010.Cells", "keywords { voronoi \"dried mud\" }\n");
+    Add("0100.Plain/0020.Noise", "boxhelp {\nA voronoi is another thing.\n}\n");
+    Add("0100.Plain/0030.Other", "alias Voronoi2\n");
+    ASSERT_TRUE(library.Load());
+    EXPECT_THAT(Find("voronoi"), ElementsAre("Cells", "Other", "Noise"));
+    EXPECT_EQ(search.Find("voronoi").front().rank, SearchRank::kWholeAlias);
+    EXPECT_THAT(Find("dried mud"), ElementsAre("Cells"));
+    EXPECT_THAT(Findings("mud"), ElementsAre("Cells", "dried [mud]"));
+    EXPECT_THAT(Find("voronio"), ElementsAre("Cells", "Other")) << "a slip of the hand";
+    EXPECT_THAT(Find("dm"), ElementsAre("Cells")) << "its initials";
+}
+
+TEST_F(OperatorSearchTest, KeywordsStayKnownOverAReload) {
+    Add("0100.Plain/0010.Cells", "keywords { voronoi }\n");
+    ASSERT_TRUE(library.Load());
+    library.Scan();
+    EXPECT_THAT(Find("voronoi"), ElementsAre("Cells"));
+}
+
 TEST_F(OperatorSearchTest, HitsStandInTheOrderOfTheirRanks) {
     AddHelp("0100.Plain/0002.Twelfth", "It has a sandpaint in it.");
     AddHelp("0100.Plain/0004.Eleventh", "Good for paint.");

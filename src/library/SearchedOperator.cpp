@@ -49,6 +49,7 @@ SearchRank BestOf(SearchField field) {
         case SearchField::kName:
             return SearchRank::kWholeName;
         case SearchField::kAlias:
+        case SearchField::kKeyword:
             return SearchRank::kWholeAlias;
         case SearchField::kMenu:
             return SearchRank::kMenuWord;
@@ -71,6 +72,7 @@ SearchRank Worse(SearchRank rank, int steps) {
 SearchedOperator::SearchedOperator(const KnownOperator& known) {
     Add(SearchField::kName, 0, known.name);
     for (size_t i = 0; i < known.aliases.size(); ++i) Add(SearchField::kAlias, i, known.aliases[i]);
+    for (size_t i = 0; i < known.keywords.size(); ++i) Add(SearchField::kKeyword, i, known.keywords[i]);
     Add(SearchField::kMenu, 0, known.menu);
     for (size_t i = 0; i < known.buttons.size(); ++i) {
         const KnownButton& button = known.buttons[i];
@@ -123,7 +125,9 @@ std::optional<SearchedOperator::Match> SearchedOperator::FindPiece(std::string_v
 std::optional<SearchedOperator::Match> SearchedOperator::FindInitialsOf(SearchField field,
                                                                         std::string_view word) const {
     for (size_t i = 0; i < m_beginnings.size(); ++i) {
-        if (m_parts[i].field != field || FindInitials(word, TextOf(m_parts[i]), m_beginnings[i]).empty())
+        const bool isKeyword = m_parts[i].field == SearchField::kKeyword && field == SearchField::kAlias;
+        if ((m_parts[i].field != field && !isKeyword) ||
+            FindInitials(word, TextOf(m_parts[i]), m_beginnings[i]).empty())
             continue;
         return Match{field == SearchField::kName ? SearchRank::kNameWords : SearchRank::kAliasWords, i, {}};
     }

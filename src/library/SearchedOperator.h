@@ -20,7 +20,7 @@ enum class SearchRank : uint8_t {
     kNameBeginning,
     kNameWords,  // the beginning of a word of the name, or of several
     kInName,
-    kWholeAlias,
+    kWholeAlias,  // or keyword, as the others below
     kAliasBeginning,
     kAliasWords,
     kInAlias,
@@ -34,7 +34,7 @@ enum class SearchRank : uint8_t {
 };
 
 // What a text of an operator is.
-enum class SearchField : uint8_t { kName, kAlias, kMenu, kButton, kOption, kHelp, kButtonHelp };
+enum class SearchField : uint8_t { kName, kAlias, kKeyword, kMenu, kButton, kOption, kHelp, kButtonHelp };
 
 // Made of what is known, and to be made anew when that changes. ASCII letters have no case here, all other
 // bytes are what they are.
@@ -42,7 +42,7 @@ class SearchedOperator {
   public:
     struct Part {
         SearchField field = SearchField::kName;
-        size_t item = 0;    // among the aliases or buttons
+        size_t item = 0;    // among the aliases, keywords or buttons
         size_t option = 0;  // kOption: among those of the button
         size_t begin = 0;
         size_t end = 0;
@@ -64,7 +64,8 @@ class SearchedOperator {
     // False if no word that begins so has a match with slips.
     bool MayHaveSlips(std::string_view word, uint64_t bytesOfWord) const;
 
-    // The best first: name, aliases, menu, each button's name and options, help, each button's help.
+    // The best first: name, aliases, keywords, menu, each button's name and options, help, each button's
+    // help.
     const std::vector<Part>& Parts() const { return m_parts; }
     std::string_view TextOf(const Part& part) const {
         return std::string_view(m_text).substr(part.begin, part.end - part.begin);
@@ -82,7 +83,7 @@ class SearchedOperator {
 
     std::string m_text;  // the parts with line feeds between them
     std::vector<Part> m_parts;
-    // Where words begin in the name, the aliases and the menu, which are the first parts.
+    // Where words begin in the name, the aliases, the keywords and the menu, which are the first parts.
     std::vector<std::vector<bool>> m_beginnings;
     uint64_t m_bytesOfNames = 0;  // of those
 };

@@ -58,6 +58,7 @@ TEST_F(SuppliedSearch, EachOperatorIsReadToTheEnd) {
     for (const KnownOperator& known : Index().Operators()) {
         EXPECT_EQ(known.problem, "") << known.name;
         EXPECT_NE(known.help, "") << known.name;
+        EXPECT_EQ(known.keywords.empty(), known.source == KnownOperator::Source::kNetwork) << known.name;
         const bool isNetwork = known.source == KnownOperator::Source::kNetwork;
         EXPECT_TRUE(isNetwork || known.source == KnownOperator::Source::kDefinition) << known.name;
         EXPECT_EQ(known.buttons.empty(), isNetwork) << known.name;
@@ -86,14 +87,24 @@ TEST_F(SuppliedSearch, WhatAnArtistTypesFindsWhatWasMeant) {
         {"met", {"Metal"}},
         {"shading glow", {"Glow"}},
         {"turbulence", {"Marble"}},
-        {"rough", {"ClearCoat", "Metal", "Plastic"}},
+        {"rough", {"Matte", "Metal", "Plastic", "ClearCoat"}},
         {"multiply", {"Math", "Mix"}},
         {"subtract", {"Math"}},
         {"nosie", {"Noise"}},
         {"piant", {"WornPaint"}},
         {"treshold", {"Threshold"}},
         {"clear caot", {"ClearCoat"}},
-        {"color", {"Adjust", "Coordinates", "Coverage", "Layers", "Mix"}},
+        {"color", {"Tint", "Adjust", "Ramp"}},
+        {"voronoi", {"Cells"}},
+        {"fresnel", {"Facing"}},
+        {"gloss", {"Plastic"}},
+        {"normal map", {"Bump"}},
+        {"emission", {"Glow"}},
+        {"uv", {"Coordinates"}},
+        {"reroute", {"Relay"}},
+        {"color ramp", {"Ramp"}},
+        {"map range", {"Remap"}},
+        {"hsv", {"Adjust"}},
         {"qqq", {}},
     };
     OperatorSearch search(Index());
