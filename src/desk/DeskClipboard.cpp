@@ -32,18 +32,20 @@ void COpDesk::CopySelection() {
         if (box->selected != 0) selected.push_back(box.get());
     }
     CopyBoxes(selected, m_clipboardBoxes, m_rules);
+    CopySelectedFrames(selected.empty() ? nullptr : selected.front());
 }
 
 void COpDesk::CutBoxes() {
     const EditScope edit(m_document, "Cut");
     CopySelection();  // while the connections among the boxes still stand
+    for (const int number : std::set<int>(m_selectedFrames)) DeleteFrame(number);
     BoxVector cut = TakeSelectedBoxes();
     if (cut.empty()) return;
     Discard(cut, Edits::Stood::kInNetwork);
 }
 
 void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
-    if (m_clipboardBoxes.empty()) return;
+    if (!CanPaste()) return;
     const EditScope edit(m_document, "Paste");
     ClearSelections();
     DeletePending();
@@ -53,7 +55,8 @@ void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
     CopyBoxes(source, clones, m_rules);
 
     m_pendingPlaced = cursor.has_value();
-    DeskPoint delta{clones.front()->xypos[0], clones.front()->xypos[1]};
+    DeskPoint delta;
+    if (!clones.empty()) delta = {clones.front()->xypos[0], clones.front()->xypos[1]};
     if (cursor) {
         // The view may have moved under a resting mouse; its next move is counted from here.
         m_mouseDesk[0] = cursor->x;
@@ -66,12 +69,15 @@ void COpDesk::PasteBoxes(const std::optional<DeskPoint>& cursor) {
         if (AdmitBox(*clone, counts)) m_pendingBoxes.push_back(std::move(clone));
     }
     clones.clear();  // those that were refused, with their connections
+    BringFrames(m_clipboardFrames, cursor);
+    if (m_rules.copiesInSight) ShowPending(cursor);
     m_pendingAct = "Paste";
     m_document.edits.BroughtBoxes();
 }
 
 void COpDesk::DeleteSelection() {
     const EditScope edit(m_document, "Delete");
+    for (const int number : std::set<int>(m_selectedFrames)) DeleteFrame(number);
     BoxVector deleted = TakeSelectedBoxes();
     Discard(deleted, Edits::Stood::kInNetwork);
     DeletePending();
@@ -89,6 +95,7 @@ void COpDesk::DuplicateBox(const COpBox& box) {
     if (m_rules.copyTemplates) clone->TakeTemplates(box);
     MoveBox(*clone, kDuplicateOffset[0], kDuplicateOffset[1]);
     if (!AdmitBox(*clone)) return;
+    if (m_rules.copiesInSight) SetBesides(*clone);
     m_document.edits.BoxDropped(*clone);
     m_document.m_boxes.push_front(std::move(clone));
 }

@@ -18,6 +18,23 @@ namespace {
 
 constexpr size_t kVectorRoom = 100;
 
+// The anchor of the first box, else the corner of the first frame.
+DeskPoint OriginOf(const CTvDoc::BoxList& boxes, const DeskFrames& frames) {
+    if (!boxes.empty()) return {boxes.front()->xypos[0], boxes.front()->xypos[1]};
+    const DeskFrame& first = frames.begin()->second;
+    return {first.left, first.bottom};
+}
+
+std::vector<DeskFrame> FramesSeenFrom(DeskPoint origin, const DeskFrames& frames) {
+    std::vector<DeskFrame> seen;
+    for (const auto& [number, frame] : frames) {
+        DeskFrame& own = seen.emplace_back(frame);
+        own.left -= origin.x;
+        own.bottom -= origin.y;
+    }
+    return seen;
+}
+
 }  // namespace
 
 COpDesk::COpDesk(CTvDoc& document, DocumentHost& host)
@@ -75,7 +92,7 @@ void COpDesk::BringOperator(const std::string& name) {
 
 void COpDesk::AddMacro(const DocumentForm& network) {
     CTvDoc scratch(m_host);
-    if (scratch.LoadDesk(network)) MergeBoxes(scratch.m_boxes);
+    if (scratch.LoadDesk(network)) MergeBoxes(scratch.m_boxes, scratch.frames);
 }
 
 void COpDesk::AddBox(const std::string& name) {
@@ -116,33 +133,23 @@ bool COpDesk::AdmitBox(COpBox& box, InstanceCounts& counts) {
     return true;
 }
 
-void COpDesk::MergeBoxes(CTvDoc::BoxList& boxes) {
-    if (boxes.empty()) return;
+void COpDesk::MergeBoxes(CTvDoc::BoxList& boxes, const DeskFrames& frames) {
+    if (boxes.empty() && frames.empty()) return;
     const EditScope edit(m_document, "Merge");
     ClearSelections();
     DeletePending();
-    const float origin[2] = {boxes.front()->xypos[0], boxes.front()->xypos[1]};
+    const DeskPoint origin = OriginOf(boxes, frames);
     InstanceCounts counts = CountInstances();
     for (auto& box : boxes) {
-        MoveBox(*box, -origin[0], -origin[1]);
+        MoveBox(*box, -origin.x, -origin.y);
         if (AdmitBox(*box, counts)) m_pendingBoxes.push_back(std::move(box));
     }
     boxes.clear();  // destroys those that were refused, with their connections
     m_pendingPlaced = false;
+    BringFrames(FramesSeenFrom(origin, frames), m_view->CursorOnDesk());
+    if (m_rules.copiesInSight) ShowPending(m_view->CursorOnDesk());
     m_pendingAct = "Merge";
     m_document.edits.BroughtBoxes();
-}
-
-void COpDesk::DropPending() {
-    if (m_pendingBoxes.empty()) return;
-    const EditScope edit(m_document, m_pendingAct);
-    for (auto& box : m_pendingBoxes) {
-        m_document.edits.BoxDropped(*box);
-        m_document.m_boxes.push_front(std::move(box));
-    }
-    const bool isOne = m_pendingBoxes.size() == 1;
-    m_pendingBoxes.clear();
-    if (isOne && m_rules.insertBoxes) InsertIntoWire(*m_document.m_boxes.front());
 }
 
 void COpDesk::RemoveBox(std::unique_ptr<COpBox> box) {
@@ -210,6 +217,7 @@ void COpDesk::GoToStep(size_t place) {
 }
 
 void COpDesk::FollowSwap(const Change& change) {
+    ForgetGoneFrames();
     m_usedWids.Clear();
     for (const auto& box : m_document.m_boxes) m_usedWids.Add(box->wid);
     for (COpBox* box : change.came) m_view->LayoutBox(*box);
@@ -236,8 +244,9 @@ void COpDesk::MoveBox(COpBox& box, float dx, float dy) {
 void COpDesk::MoveSelectedBoxes(float dx, float dy) {
     if (dx == 0.0F && dy == 0.0F) return;
     const EditScope edit(m_document, "Move");
+    MoveSelectedFrames(dx, dy);
     for (const auto& box : m_document.m_boxes) {
-        if (box->selected == 0) continue;
+        if (box->selected == 0 && !m_carriedBoxes.contains(box->Serial())) continue;
         m_document.edits.BoxMoved(*box);
         MoveBox(*box, dx, dy);
     }

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every command by each of its ways: from the menu, by its keys, from the toolbar.
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
 
+#include "desk/FrameGeometry.h"
+#include "ui/commands/SearchWork.h"
+#include "ui/desk/Minimap.h"
 #include "ui/library/MenuFinder.h"
 #include "ui/library/OperatorToolBar.h"
 #include "ui/library/TestLibrary.h"
+#include "ui/search/SearchPopup.h"
 #include "ui/support/CommandBench.h"
 
 namespace tavrin {
@@ -86,6 +91,13 @@ void ExpectEvenlySpread(Bench& t, float (*from)(const DeskRect&), float (*to)(co
     EXPECT_NEAR(from(rect(1)) - to(rect(0)), from(rect(2)) - to(rect(1)), 0.01F);
     t.Desk().Undo();
     EXPECT_GT(std::abs(from(rect(2)) - to(rect(1)) - (from(rect(1)) - to(rect(0)))), 1.0F);
+}
+
+// Where the title of a new frame, or the text of a new note, is typed.
+QPlainTextEdit& FrameEditorOf(Bench& t) {
+    auto* editor = t.Frame().Desk().findChild<QPlainTextEdit*>();
+    EXPECT_TRUE(editor->isVisible());
+    return *editor;
 }
 
 // Starts an export of one kind, of which the script is told by a place of its own.
@@ -281,6 +293,26 @@ const std::vector<Effect>& Effects() {
                  t, [](const DeskRect& rect) { return rect.bottom; },
                  [](const DeskRect& rect) { return rect.Top(); });
          }},
+        {"FrameSelectedBoxes", Id::kAddFrame, "Edit", "", false, [](Bench& t) { t.AddSelectedBoxes(2); },
+         [](Bench& t) {
+             ASSERT_EQ(t.Document().frames.size(), 1U);
+             const DeskRect rect = FrameRect(t.Document().frames.begin()->second);
+             for (const COpBox* box : Boxes(t)) EXPECT_TRUE(rect.Encloses(BoxRect(*box)));
+             EXPECT_EQ(FrameEditorOf(t).toPlainText(), "Frame");
+         }},
+        {"FrameOfNoBox", Id::kAddFrame, "Edit", "", false, Nothing,
+         [](Bench& t) {
+             ASSERT_EQ(t.Document().frames.size(), 1U);
+             const DeskRect rect = FrameRect(t.Document().frames.begin()->second);
+             EXPECT_TRUE(t.Frame().Desk().View().Visible().Encloses(rect));
+         }},
+        {"AddNote", Id::kAddNote, "Edit", "", false, Nothing,
+         [](Bench& t) {
+             ASSERT_EQ(t.Document().frames.size(), 1U);
+             EXPECT_EQ(t.Document().frames.begin()->second.kind, DeskFrame::Kind::kNote);
+             EXPECT_EQ(FrameEditorOf(t).toPlainText(), "Note");
+             EXPECT_TRUE(FrameEditorOf(t).hasFocus());
+         }},
         {"SelectAllBoxes", Id::kSelectAllBoxes, "Edit", "Ctrl+A", true,
          [](Bench& t) {
              t.AddBoxes(3);
@@ -296,6 +328,12 @@ const std::vector<Effect>& Effects() {
          [](Bench& t) { EXPECT_TRUE(t.IsUp("Box Finder")); }},
         {"MenuFinder", Id::kMenuFinder, "Find", "Ctrl+M", true, Nothing,
          [](Bench& t) { EXPECT_TRUE(t.IsUp("Menu Finder")); }},
+        {"Search", Id::kSearch, "Find", "", false, Nothing,
+         [](Bench& t) {
+             EXPECT_TRUE(WaitUntil([&] {
+                 return t.Frame().Search().Popup() != nullptr && t.Frame().Search().Popup()->isVisible();
+             }));
+         }},
 
         // View
         {"FitToWindow", Id::kFitToWindow, "View", "Ctrl+F", true,
@@ -323,6 +361,21 @@ const std::vector<Effect>& Effects() {
          [](Bench& t) { EXPECT_FLOAT_EQ(t.Document().zoomFactor, 1.1F); }},
         {"ZoomOut", Id::kZoomOut, "View", "Down", true, [](Bench& t) { t.AddBoxes(1); },
          [](Bench& t) { EXPECT_FLOAT_EQ(t.Document().zoomFactor, 1 / 1.1F); }},
+        {"Minimap", Id::kMinimap, "View", "", false,
+         [](Bench& t) {
+             t.AddBoxes(1);
+             t.Document().offset[0] = 5000;
+         },
+         [](Bench& t) { EXPECT_TRUE(t.Frame().Desk().Map().isVisible()); }},
+        {"HideMinimap", Id::kMinimap, "View", "", false,
+         [](Bench& t) {
+             t.AddBoxes(1);
+             t.Document().offset[0] = 5000;
+             t.Do(Id::kMinimap);
+             EXPECT_TRUE(t.Frame().Desk().Map().isVisible());
+             t.Settle();
+         },
+         [](Bench& t) { EXPECT_FALSE(t.Frame().Desk().Map().isVisible()); }},
 
         // Options
         {"FreezeSliders", Id::kFreezeSliders, "Options", "F3", true, Nothing,
@@ -469,6 +522,8 @@ const std::vector<Effect>& Effects() {
          [](Bench& t) { EXPECT_FALSE(t.IsChecked(Id::kLive)); }},
         {"CompareRenders", Id::kCompareRenders, "Render", "", false, Nothing,
          [](Bench& t) { EXPECT_TRUE(t.IsUp("Compare Renders")); }},
+        {"Check", Id::kCheck, "Render", "", false, Nothing, [](Bench& t) { EXPECT_TRUE(t.IsUp("Check")); }},
+        {"Source", Id::kSource, "Render", "", false, Nothing, [](Bench& t) { EXPECT_TRUE(t.IsUp("Source")); }},
         {"PictureWindow", Id::kPictureWindow, "Render", "", false,
          [](Bench& t) {
              t.environment.Set("TAVRN_VIEW", test::BuildPath("bin/tavrin-view"));
@@ -607,10 +662,11 @@ TEST(CommandEffectsTable, EveryCommandThatAMenuHoldsHasARow) {
     };
     for (const MenuSpec& menu : MenuBarLayout()) collect(collect, menu.slots);
     for (const Effect& effect : Effects()) missing.erase(effect.id);
-    // Halt Script has a test of its own; the sliders' need panels, and stand with those.
-    EXPECT_THAT(missing, testing::UnorderedElementsAre(
-                             Id::kHaltScript, Id::kStowAllSliders, Id::kUnstowAllSliders, Id::kPinAllSliders,
-                             Id::kUnpinAllSliders, Id::kLockAllSliders, Id::kUnlockAllSliders));
+    // Halt Script and Examples have tests of their own; the sliders' need panels, and stand with those.
+    EXPECT_THAT(missing,
+                testing::UnorderedElementsAre(Id::kHaltScript, Id::kExamples, Id::kStowAllSliders,
+                                              Id::kUnstowAllSliders, Id::kPinAllSliders, Id::kUnpinAllSliders,
+                                              Id::kLockAllSliders, Id::kUnlockAllSliders));
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ constexpr Listed kListed[] = {
     {57600, "New", "Ctrl+N"},
     {57601, "Open...", "Ctrl+O"},
     {32771, "Merge...", ""},
+    {32964, "Examples...", ""},
     {57603, "Save", "Ctrl+S"},
     {57604, "Save As...", ""},
     {32898, "Export Options...", ""},
@@ -55,6 +56,8 @@ constexpr Listed kListed[] = {
     {32955, "Align Bottom", ""},
     {32956, "Distribute Across", ""},
     {32957, "Distribute Down", ""},
+    {32961, "Frame Selected Boxes", ""},
+    {32962, "Add Note", ""},
     {32844, "Stow All Sliders", ""},
     {32845, "Unstow All Sliders", ""},
     {32846, "Pin All Sliders", ""},
@@ -65,10 +68,12 @@ constexpr Listed kListed[] = {
     {32776, "Unselect All Boxes", ""},
     {32907, "Box Finder", "Ctrl+B"},
     {32908, "Menu Finder", "Ctrl+M"},
+    {32946, "Search...", ""},
     {32777, "Fit to Window", "Ctrl+F"},
     {32778, "Zoom Reset", "Esc"},
     {32779, "Zoom In", "Up"},
     {32780, "Zoom Out", "Down"},
+    {32960, "Minimap", ""},
     {32864, "Freeze Sliders\tF3", ""},
     {32787, "Display Icons", ""},
     {32788, "Straight Trace Lines", "Ctrl+T"},
@@ -93,6 +98,8 @@ constexpr Listed kListed[] = {
     {32944, "Keep Render", ""},
     {32942, "Live", ""},
     {32945, "Compare Renders", ""},
+    {32958, "Check", ""},
+    {32959, "Source", ""},
     {32889, "Display Log\tF8", ""},
     {32892, "Clear Log", "Ctrl+Del"},
     {32794, "View Shader Source (.src)", "F9"},
@@ -228,16 +235,16 @@ TEST_F(CommandTableTest, TheMenuBarHasItsMenusInOrder) {
 TEST_F(CommandTableTest, TheMenusHoldTheirItemsInOrder) {
     Start();
     EXPECT_EQ(Bytes(Items("File").join('|')),
-              "New|Open...|Merge...|-|Save|Save As...|-|Export Options...|Export >|Export All|-|"
+              "New|Open...|Merge...|Examples...|-|Save|Save As...|-|Export Options...|Export >|Export All|-|"
               "Run Script...|Halt Script|-|Recent Files|-|-|Exit");
     EXPECT_EQ(Bytes(Items("Edit").join('|')),
               "Undo|Redo|Undo History|-|Render History|-|Cut|Copy|Paste|Delete|Delete and Join|Mute "
-              "Boxes|-|Arrange >|-|Select All Boxes|Unselect All Boxes|-|"
+              "Boxes|-|Arrange >|Frame Selected Boxes|Add Note|-|Select All Boxes|Unselect All Boxes|-|"
               "Stow All Sliders|Unstow All Sliders|-|Pin All Sliders|Unpin All Sliders|-|"
               "Lock All Sliders|Unlock All Sliders");
-    EXPECT_EQ(Bytes(Items("Find").join('|')), "Box Finder|Menu Finder");
+    EXPECT_EQ(Bytes(Items("Find").join('|')), "Box Finder|Menu Finder|Search...");
     EXPECT_EQ(Bytes(Items("View").join('|')),
-              "Fit to Window|Zoom Reset|Zoom In|Zoom Out|-|Stow All Sliders|Unstow All Sliders|-|"
+              "Fit to Window|Zoom Reset|Zoom In|Zoom Out|Minimap|-|Stow All Sliders|Unstow All Sliders|-|"
               "Pin All Sliders|Unpin All Sliders|-|Lock All Sliders|Unlock All Sliders");
     EXPECT_EQ(Bytes(Items("Options").join('|')),
               "Freeze Sliders|-|Display Icons|Straight Trace Lines|Lines Draw Over Boxes|Show Varnames|"
@@ -246,7 +253,7 @@ TEST_F(CommandTableTest, TheMenusHoldTheirItemsInOrder) {
               "Reload Operators");
     EXPECT_EQ(Bytes(Items("Render").join('|')),
               "Render It|Stop Render|Live|Render History|Picture Window|Keep Render|Compare "
-              "Renders|-|Display Log|Clear Log|-|View Shader Source (.src)|"
+              "Renders|-|Display Log|Clear Log|-|View Shader Source (.src)|Source|"
               "View Render Interface (.rif)|View Shader Interface (.cus)");
     EXPECT_EQ(Bytes(Items("Help").join('|')), "Shader Help|-|Online Documentation|About Tavrin");
 }

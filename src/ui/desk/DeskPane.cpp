@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ui/desk/DeskPane.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QCursor>
 #include <QGridLayout>
@@ -23,6 +24,7 @@ namespace tavrin {
 namespace {
 
 constexpr int kNoFontStatus = -1;  // exit status where there is no font to be had
+constexpr int kLeastRoom = 100;    // pixels a side, of a part of the desk that a box is shown in
 constexpr int kLitTime = 1500;     // milliseconds for which a box is lit that one was led to
 
 // The wheel zooms wherever it is turned over the pane.
@@ -191,9 +193,36 @@ void DeskPane::ViewChanged(bool changed) {
     Repaint();
 }
 
+// The largest part of the desk beside the window that one came from, such as the log, which lies over it.
+QRect DeskPane::FreePart() const {
+    const QRect desk = m_widget->rect();
+    const QWidget* active = QApplication::activeWindow();
+    if (active == nullptr || active == window()) return desk;
+    const QRect over(m_widget->mapFromGlobal(active->frameGeometry().topLeft()), active->frameGeometry().size());
+    if (!over.intersects(desk)) return desk;
+    QRect best;
+    for (const QRect& part : {desk.adjusted(over.right() - desk.left() + 1, 0, 0, 0),
+                              QRect(desk.topLeft(), QPoint(over.left() - 1, desk.bottom())),
+                              desk.adjusted(0, over.bottom() - desk.top() + 1, 0, 0),
+                              QRect(desk.topLeft(), QPoint(desk.right(), over.top() - 1))}) {
+        const bool isLarger = part.isValid() && part.width() * part.height() > best.width() * best.height();
+        if (isLarger && desk.contains(part)) best = part;
+    }
+    const bool hasRoom = best.width() >= kLeastRoom && best.height() >= kLeastRoom;
+    return hasRoom ? best : desk;
+}
+
 void DeskPane::GoToBox(const std::string& boxTitleWid) {
     if (m_document.lock == 0) m_desk.SelectBox(boxTitleWid);
-    CentreOnBox(boxTitleWid);
+    if (m_view.CentreOnBox(boxTitleWid)) {
+        const auto onDesk = [this](QPoint at) {
+            return m_view.ToDesk({static_cast<float>(at.x()), static_cast<float>(at.y())});
+        };
+        const DeskPoint box = onDesk(m_widget->rect().center());
+        const DeskPoint free = onDesk(FreePart().center());
+        m_view.CentreView({2 * box.x - free.x, 2 * box.y - free.y});
+        ViewChanged(true);
+    }
     m_litBox = boxTitleWid;
     m_lit.start();
     Repaint();

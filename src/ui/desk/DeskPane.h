@@ -66,7 +66,8 @@ class DeskPane : public QWidget, private DeskView {
     void ZoomReset() { ViewChanged(m_view.ZoomReset()); }
     void FitToWindow() { ViewChanged(m_view.FitToWindow()); }
     void CentreOnBox(const std::string& boxTitleWid) { ViewChanged(m_view.CentreOnBox(boxTitleWid)); }
-    // Selects it alone, which a lock forbids, brings it into view and lights it for a while.
+    // Selects it alone, which a lock forbids, brings it into view, beside the window that has the keys, and
+    // lights it for a while.
     void GoToBox(const std::string& boxTitleWid);
     // The box that is lit; empty for none.
     const std::string& LitBox() const { return m_litBox; }
@@ -102,6 +103,7 @@ class DeskPane : public QWidget, private DeskView {
     void ViewChanged(bool changed);
     void OpenMenu(QPoint at);
     bool EditFrameAt(QPoint at);
+    QRect FreePart() const;
     void ContextIsNew();
     void Paint();
     void Resized();

@@ -20,6 +20,7 @@
 #include "ui/commands/OperatorWork.h"
 #include "ui/commands/OptionWork.h"
 #include "ui/commands/ScriptWork.h"
+#include "ui/commands/SearchWork.h"
 #include "ui/commands/UpdateOffer.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/dialogs/Messages.h"
@@ -91,6 +92,7 @@ void MainFrame::Dispatch(const FormAction& action) {
 }
 
 void MainFrame::LibraryChanged() {
+    m_search->LibraryChanged();
     m_windows->Tell(&ToolWindow::LibraryChanged);
     // The new menus are as grey as the old.
     if (std::exchange(m_locked, false)) SetLocked(true);
@@ -116,6 +118,7 @@ void MainFrame::OnIdle() {
     m_deskWork->UpdateHints();
     m_idleWork->Step();
     m_updateOffer->OnIdle();
+    m_search->OnIdle();
 }
 
 void MainFrame::Fail(const std::string& text, int status) {
@@ -180,6 +183,7 @@ void MainFrame::closeEvent(QCloseEvent* event) {
         m_isClosed = true;
         // While the window stands, so that its going is the program's end.
         m_live->End();
+        m_search->End();
         m_app.CloseDown(kGrace);
     }
     m_safetyCopies->Discard();

@@ -19,6 +19,7 @@
 #include "ui/commands/DocumentWork.h"
 #include "ui/commands/EscapeKey.h"
 #include "ui/commands/FlowWork.h"
+#include "ui/commands/FrameCommands.h"
 #include "ui/commands/HelpWork.h"
 #include "ui/commands/KeepWork.h"
 #include "ui/commands/LiveWork.h"
@@ -28,9 +29,11 @@
 #include "ui/commands/ProbeWork.h"
 #include "ui/commands/RenderWork.h"
 #include "ui/commands/ScriptWork.h"
+#include "ui/commands/SearchWork.h"
 #include "ui/commands/SliderWork.h"
 #include "ui/commands/UpdateOffer.h"
 #include "ui/desk/DeskPane.h"
+#include "ui/desk/WelcomeHint.h"
 #include "ui/frame/SafetyCopies.h"
 #include "ui/frame/Splash.h"
 #include "ui/frame/StatusBox.h"
@@ -65,12 +68,18 @@ class MainFrame::Sink : public ReportSink {
     }
     ~Sink() override { m_report.SetSink(nullptr); }
     void OnAlert(const std::string&, const std::string&) override { m_idle.Request(); }
-    void OnLog(std::string_view text) override { m_log.Append(text); }
+    void OnLog(std::string_view text) override {
+        m_log.Append(text);
+        if (m_marks != nullptr) m_marks->Hear(text);
+    }
+    // Hears the log from now on; null for nobody.
+    void SetMarks(BoxMarks* marks) { m_marks = marks; }
 
   private:
     Report& m_report;
     LogWindow& m_log;
     IdleDriver& m_idle;
+    BoxMarks* m_marks = nullptr;
 };
 
 MainFrame::MainFrame(const Needs& needs, bool showSplash)
@@ -88,6 +97,7 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
     m_app.LoadSiteDefaults(LocalCommandsRule::kAsk);
     m_work = std::make_unique<Workspace>(m_app, DocumentCommands::Announce::kYes);
     m_work->document.KeepHistory();
+    m_sink->SetMarks(&m_work->session.marks);
     CreateClientArea();
     CreateBars();
     CreatePictures();
@@ -110,6 +120,7 @@ MainFrame::MainFrame(const Needs& needs, bool showSplash)
 }
 
 MainFrame::~MainFrame() {
+    m_sink->SetMarks(nullptr);
     disconnect(qApp, nullptr, this, nullptr);  // windows that go move the focus
     m_queue.OnRan({});
     m_app.SetTitleView(nullptr);
@@ -133,13 +144,18 @@ void MainFrame::CreateClientArea() {
                                {m_work->document, GetSite(), [this](const std::string& text, int seconds) {
                                     m_statusBox->SetStatus(text, seconds);
                                 }});
-    m_desk = new DeskPane(m_splitter.get(), m_work->document, m_work->desk, GetSite(),
-                          {.highlightedBox = [this] { return m_windows->Get<BoxFinder>().CurrentName(); },
-                           .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
-                           .fail = [this](const std::string& text, int status) { Fail(text, status); },
-                           .editFile = [this](const std::string& name) { m_app.EditOperator(name); },
-                           .shownOutput = [this] { return m_work->probe.Output(); },
-                           .toggleShown = [this](COpButton& output) { m_work->probe.Toggle(output); }});
+    m_desk =
+        new DeskPane(m_splitter.get(), m_work->document, m_work->desk, GetSite(),
+                     {.highlightedBox = [this] { return m_windows->Get<BoxFinder>().CurrentName(); },
+                      .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
+                      .fail = [this](const std::string& text, int status) { Fail(text, status); },
+                      .editFile = [this](const std::string& name) { m_app.EditOperator(name); },
+                      .shownOutput = [this] { return m_work->probe.Output(); },
+                      .toggleShown = [this](COpButton& output) { m_work->probe.Toggle(output); },
+                      .search = [this](const QString& begun) { return m_search->OpenByKey(begun); },
+                      .wireDropped = [this](COpButton& button,
+                                            DeskPoint at) { return m_search->OpenForWire(button, at); },
+                      .marks = &m_work->session.marks});
     m_splitter->setStretchFactor(1, 1);
     auto* central = new QWidget(this);
     auto* column = new QVBoxLayout(central);
@@ -197,6 +213,7 @@ void MainFrame::CreateWork() {
     m_options = std::make_unique<OptionWork>(
         OptionWork::Needs{GetSite(), m_profile, *m_desk, *m_sliders, *m_statusBox});
     m_deskWork = std::make_unique<DeskWork>(DeskWork::Needs{*this, *m_work, *m_desk, *m_statusBox});
+    m_search = std::make_unique<SearchWork>(SearchWork::Needs{*this, *m_work, *m_desk, m_profile});
     CreateEscapeKey();
     m_probeWork = std::make_unique<ProbeWork>(ProbeWork::Needs{*m_work, *m_desk, [this] {
                                                                    m_escapeKey->Follow();
@@ -235,7 +252,9 @@ void MainFrame::CreateWindows() {
 void MainFrame::AddCommands() {
     m_documents->AddTo(m_commands);
     m_deskWork->AddTo(m_commands);
+    m_search->AddTo(m_commands);
     AddFlowCommands(m_commands, *m_work);
+    AddFrameCommands(m_commands, *m_work, *m_desk);
     m_renders->AddTo(m_commands);
     m_live->AddTo(m_commands);
     m_pictureWork->AddTo(m_commands);
@@ -245,6 +264,7 @@ void MainFrame::AddCommands() {
     m_options->AddTo(m_commands);
     AddSliderCommands(m_commands, *m_sliderDesk);
     AddHelpCommands(m_commands, *this, m_app);
+    WelcomeHint::AddTo(*m_desk, *m_work, [this] { m_commands.Run(CommandId::kExamples); });
     m_commands.On(CommandId::kExit, {[this] { close(); }, [this] { return m_scripts->IsQuiet(); }});
 }
 

@@ -43,6 +43,7 @@ class QtQueue;
 class RenderWork;
 class SafetyCopies;
 class ScriptWork;
+class SearchWork;
 class SliderPane;
 class UpdateOffer;
 
@@ -83,6 +84,7 @@ class MainFrame : public QMainWindow, private TitleView {
     SliderPane& Sliders() { return *m_sliders; }
     CSliderDesk& SliderDesk() { return *m_sliderDesk; }
     LiveWork& Live() { return *m_live; }
+    SearchWork& Search() { return *m_search; }
     Actions& ActionDispatch();
 
     // What floats over the frame comes up with it.
@@ -158,6 +160,7 @@ class MainFrame : public QMainWindow, private TitleView {
     std::unique_ptr<OperatorWork> m_operators;
     std::unique_ptr<OptionWork> m_options;
     std::unique_ptr<DeskWork> m_deskWork;
+    std::unique_ptr<SearchWork> m_search;
     std::unique_ptr<EscapeKey> m_escapeKey;
     std::unique_ptr<ProbeWork> m_probeWork;
     std::unique_ptr<FrameWindows> m_windows;
