@@ -313,6 +313,45 @@ TEST_F(OperatorWays, EnterInTheMenuFinderAddsTheOperator) {
     EXPECT_THAT(Pending(), ElementsAre("Paint"));
 }
 
+// Where the library wants it.
+TEST_F(OperatorWays, TheMenuFinderHasTheKeysAsSoonAsItsKeyBringsItUp) {
+    AddToSite("finders.takekeys 1\n");
+    Start();
+    test::GiveFocus(Frame().Desk());
+    test::PressKeys("Ctrl+M");
+    ASSERT_TRUE(WaitUntil([&] { return test::HasFocus(test::ListOf(Operators())); }));
+    test::PressKeys("D");
+    EXPECT_EQ(test::SelectedIn(Operators()), "Disc");
+    test::PressKeys("Down");
+    test::PressKeys("Down");
+    EXPECT_EQ(test::SelectedIn(Operators()), "Paint") << "the arrows belong to the list";
+    test::PressKeys("Return");
+    EXPECT_TRUE(BoxesAre(1));
+    EXPECT_THAT(Pending(), ElementsAre("Paint"));
+}
+
+TEST_F(OperatorWays, TheBoxFinderHasTheKeysAsSoonAsItsKeyBringsItUp) {
+    AddToSite("finders.takekeys 1\n");
+    Start();
+    AddBoxes(2);
+    test::GiveFocus(Frame().Desk());
+    test::PressKeys("Ctrl+B");
+    ASSERT_TRUE(WaitUntil([&] { return test::HasFocus(test::ListOf(Boxes())); }));
+    test::PressKeys("C");
+    test::PressKeys("Down");
+    test::PressKeys("Return");
+    EXPECT_EQ(Boxes().CurrentName(), "Constant_2");
+}
+
+TEST_F(OperatorWays, ALibraryThatSaysNothingLeavesTheKeysWithTheDesk) {
+    Start();
+    test::GiveFocus(Frame().Desk());
+    test::PressKeys("Ctrl+M");
+    test::ShowUp(Operators());
+    Settle();
+    EXPECT_TRUE(test::HasFocus(Frame().Desk()));
+}
+
 TEST_F(OperatorWays, TheBoxFinderFollowsTheBoxesOnTheDesk) {
     Start();
     AddBoxes(2, "Paint");

@@ -3,6 +3,7 @@
 
 #include <QScreen>
 
+#include "app/Workspace.h"
 #include "ui/commands/CommandActions.h"
 
 namespace tavrin {
@@ -15,18 +16,28 @@ QSize WithBorder(const QWidget& window) {
     return window.size() + frame.frameGeometry().size() - frame.size();
 }
 
-CommandHandler HandlerOf(const WindowRow& row, ToolWindow& window) {
+bool WantsKeysTaken(const Settings& settings) {
+    int value = 0;
+    return settings.GetSettingInt("finders.takekeys", value) && value != 0;
+}
+
+CommandHandler HandlerOf(const WindowRow& row, ToolWindow& window, bool takesKeys) {
     if (row.way == WindowRow::Way::kComesUp) return {[&window] { window.ComeUp(); }};
-    return {.run = [&window] { window.Toggle(); }, .checked = [&window] { return window.IsUp(); }};
+    const auto toggle = [&window, takesKeys] {
+        window.Toggle();
+        if (takesKeys && window.IsUp()) window.TakeKeys();
+    };
+    return {.run = toggle, .checked = [&window] { return window.IsUp(); }};
 }
 
 }  // namespace
 
 FrameWindows::FrameWindows(const WindowNeeds& needs, CommandActions& commands) {
+    const bool takeKeys = WantsKeysTaken(needs.work.app.GetSite().settings);
     for (const WindowRow& row : WindowTable()) {
         ToolWindow* window = row.make(needs);
         m_all.push_back(window);
-        commands.On(row.command, HandlerOf(row, *window));
+        commands.On(row.command, HandlerOf(row, *window, row.takesKeys && takeKeys));
         if (row.addCommands != nullptr) row.addCommands(*window, commands);
     }
 }

@@ -48,6 +48,7 @@ struct WindowRow {
     QPointF share;      // of the free room that is left of it and above it when it comes up first
     ToolWindow* (*make)(const WindowNeeds& needs);
     void (*addCommands)(ToolWindow& window, CommandActions& commands) = nullptr;  // those it has besides
+    bool takesKeys = false;  // when its command brings it up, where the library wants that
 };
 
 // In the order in which they come up at the start.

@@ -71,6 +71,11 @@ void BoxFinder::showEvent(QShowEvent* event) {
     ToolWindow::showEvent(event);
 }
 
+void BoxFinder::TakeKeys() {
+    m_list->TakeKeys();
+    activateWindow();
+}
+
 void BoxFinder::RowsChanged() {
     if (!m_update->isActive()) m_update->start(0);
 }

@@ -40,6 +40,7 @@ class BoxFinder : public ToolWindow {
     const std::string& CurrentName() const { return m_currentName; }
 
     void SetLocked(bool locked) override { setEnabled(!locked); }
+    void TakeKeys() override;
 
   protected:
     void Closing() override;

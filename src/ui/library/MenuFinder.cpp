@@ -68,6 +68,11 @@ void MenuFinder::Refresh() {
     m_list->SetRows(std::move(rows));
 }
 
+void MenuFinder::TakeKeys() {
+    m_list->TakeKeys();
+    activateWindow();
+}
+
 void MenuFinder::Choose(const std::string& name) {
     const COpEntry* entry = m_registry.FindByName(name);
     if (entry == nullptr) return;

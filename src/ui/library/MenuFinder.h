@@ -22,6 +22,7 @@ class MenuFinder : public ToolWindow {
     void LibraryChanged() override { Refresh(); }
     // A locked desk takes no operators.
     void SetLocked(bool locked) override { setEnabled(!locked); }
+    void TakeKeys() override;
 
   private:
     void Choose(const std::string& name);

@@ -136,6 +136,21 @@ void FinderList::Select(const std::string& text) {
     scrollTo(index);
 }
 
+void FinderList::TakeKeys() {
+    m_takesKeys = !isActiveWindow();
+    setFocus(Qt::ShortcutFocusReason);
+}
+
+// A window that becomes active only gives back the focus; arrow keys are left to the desk by a list that has
+// come to it like that.
+bool FinderList::event(QEvent* event) {
+    const bool hasCome = event->type() == QEvent::WindowActivate && std::exchange(m_takesKeys, false);
+    if (event->type() == QEvent::Hide) m_takesKeys = false;
+    const bool isDone = QListView::event(event);
+    if (hasCome) setFocus(Qt::ShortcutFocusReason);
+    return isDone;
+}
+
 void FinderList::contextMenuEvent(QContextMenuEvent* event) {
     QModelIndex index = indexAt(viewport()->mapFromGlobal(event->globalPos()));
     QPoint place = event->globalPos();

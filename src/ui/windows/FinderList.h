@@ -45,7 +45,11 @@ class FinderList : public QListView {
     using FillMenu = std::function<void(QMenu& menu, const std::string& text)>;
     void OnMenu(FillMenu fill) { m_fillMenu = std::move(fill); }
 
+    // The keys are to go here once the window is active, as if the user had chosen the list.
+    void TakeKeys();
+
   protected:
+    bool event(QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -56,6 +60,7 @@ class FinderList : public QListView {
     std::unique_ptr<FinderModel> m_model;
     std::function<void(const std::string&)> m_chosen;
     FillMenu m_fillMenu;
+    bool m_takesKeys = false;  // when the window becomes active next
 };
 
 }  // namespace tavrin

@@ -27,6 +27,9 @@ class ToolWindow : public QWidget {
     // The rule of a command that never hides: restores, or brings to the top.
     void ComeUp();
 
+    // Becomes the active window, with the keys where they do the most.
+    virtual void TakeKeys() { activateWindow(); }
+
     void setVisible(bool visible) override;
     // Asked for a place, once, when the window comes up first: for one that was never placed.
     void PlaceWhenFirstShown(std::function<QPoint()> place) { m_firstPlace = std::move(place); }
