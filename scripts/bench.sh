@@ -9,7 +9,7 @@ for bench in Expansion Generation Documents DeskModel Layout Undo; do build/rele
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 for bench in Opening Search; do build/release/bench/bench_$bench "$PWD/installation/mray" "$work"; done
-for bench in ArgumentEditor ColorPicker Compare DeskPaint Forms Live LogWindow Sliders Start View; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
+for bench in ArgumentEditor Check ColorPicker Compare DeskPaint Forms Live LogWindow SearchPopup Sliders Source Start View; do tests/ui/under-display.sh build/release/bench/bench_$bench; done
 perl bench/pipeline.pl build/release/bin/tavrin-batch
 perl bench/live.pl build/release/bin/tavrin-batch
 echo "bench: done"
