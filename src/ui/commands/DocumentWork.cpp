@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "app/Examples.h"
 #include "app/RecentFiles.h"
 #include "app/Workspace.h"
 #include "base/Paths.h"
@@ -13,6 +14,7 @@
 #include "ui/dialogs/FileDialogs.h"
 #include "ui/dialogs/Messages.h"
 #include "ui/frame/SafetyCopies.h"
+#include "ui/library/ExamplesDialog.h"
 
 namespace tavrin {
 
@@ -24,7 +26,8 @@ constexpr const char* kExtension = "tvn";
 
 }  // namespace
 
-DocumentWork::DocumentWork(Needs needs) : m_needs(std::move(needs)), m_work(m_needs.work) {
+DocumentWork::DocumentWork(Needs needs)
+    : m_needs(std::move(needs)), m_work(m_needs.work), m_examples(ExamplesDirectory(m_work.app.GetSite())) {
     m_work.exporter.AskBeforeLoss([this](const std::string& path) { return MayLoseUnread(path); });
     m_work.exporter.AskBeforeReplacing(
         [this](const std::string& path, DocumentFile::Now now) { return MayReplaceWhatIsThere(path, now); });
@@ -37,6 +40,7 @@ void DocumentWork::AddTo(CommandActions& commands) {
     commands.On(CommandId::kNew, {[this] { New(); }});
     commands.On(CommandId::kOpen, {[this] { Open(); }});
     commands.On(CommandId::kMerge, {[this] { Merge(); }});
+    commands.On(CommandId::kExamples, {[this] { Examples(); }, [this] { return !m_examples.empty(); }});
     commands.On(CommandId::kSave, {[this] { Save(); }, canSave});
     commands.On(CommandId::kSaveAs, {[this] { SaveAs(); }});
 }
@@ -73,6 +77,15 @@ bool DocumentWork::OpenDocument(const std::string& path) {
     return true;
 }
 
+bool DocumentWork::OpenExample(const std::string& path) {
+    if (!SettleChanges()) return false;
+    m_work.app.RestoreWorkDirectory();
+    const RenderWork::Step step(m_needs.renders, "Opening " + Shown(PathFile(path)));
+    if (!m_work.commands.OpenExample(path)) return false;
+    m_needs.copies.Discard();
+    return true;
+}
+
 bool DocumentWork::OpenHistoryEntry(std::string entry) {
     if (!SettleChanges()) return false;
     const RenderWork::Step step(m_needs.renders, "Opening " + Shown(entry));
@@ -98,6 +111,11 @@ void DocumentWork::Merge() {
         ShowWarning(&m_needs.frame, "Warning", "Freezing slider desk to prevent mass slider creation");
         m_needs.sliders.SetFrozen(true);
     });
+}
+
+void DocumentWork::Examples() {
+    const std::string chosen = AskExample(&m_needs.frame, m_examples, m_work.app.GetSite().docExt);
+    if (!chosen.empty()) OpenExample(chosen);
 }
 
 bool DocumentWork::Save() {

@@ -38,11 +38,16 @@ class DocumentWork {
     // The normal way to open a file, whoever asks for it: settles changes, opens, remembers the file. False
     // if the user cancels or the file cannot be opened; the document is then as it was.
     bool OpenDocument(const std::string& path);
+    // Opens an example as the beginning of a new document, which has no file yet. It is not remembered as a
+    // recent file. False as above.
+    bool OpenExample(const std::string& path);
     // Opens the copy that a render has kept, as an earlier version of the document that was rendered: nothing
     // is modified, and it can be saved where that document belongs. It is not remembered as a recent file.
     // `entry` is a line of the history, which may drop it meanwhile. False as above.
     bool OpenHistoryEntry(std::string entry);
     void Merge();
+    // Lets the user choose one of the library's examples.
+    void Examples();
     // False if the document was not saved.
     bool Save();
     bool SaveAs();
@@ -60,7 +65,8 @@ class DocumentWork {
 
     Needs m_needs;
     Workspace& m_work;
-    int m_lastFilterIndex = 0;  // chosen last in the Open dialog
+    const std::string m_examples;  // their directory; empty where the library names none
+    int m_lastFilterIndex = 0;     // chosen last in the Open dialog
 };
 
 }  // namespace tavrin

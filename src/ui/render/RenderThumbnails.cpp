@@ -30,8 +30,8 @@ QImage ReadFitted(QFile& file, QSize most) {
 
 }  // namespace
 
-RenderThumbnails::RenderThumbnails(QObject* view, std::function<void()> arrived)
-    : QObject(view), m_arrived(std::move(arrived)) {
+RenderThumbnails::RenderThumbnails(QObject* view, std::function<void()> arrived, QSize size)
+    : QObject(view), m_arrived(std::move(arrived)), m_size(size) {
     // What a reader says of a file that is cut is no news: the file may still be growing.
     QLoggingCategory::setFilterRules("qt.gui.imageio*=false");
     m_pool.setMaxThreadCount(1);
@@ -47,8 +47,8 @@ QImage RenderThumbnails::Of(const std::string& path, qreal ratio) {
     const auto [known, isNew] = m_known.try_emplace(path);
     if (!isNew && (!known->second.isRead || known->second.ratio == ratio)) return known->second.image;
     known->second.isRead = false;
-    m_pool.start([this, path, ratio] {
-        Known read = Read(path, ratio);
+    m_pool.start([this, path, size = m_size, ratio] {
+        Known read = Read(path, size, ratio);
         QMetaObject::invokeMethod(
             this, [this, path, read = std::move(read)] { Arrive(path, read); }, Qt::QueuedConnection);
     });
@@ -77,7 +77,7 @@ RenderThumbnails::Stamp RenderThumbnails::StampOf(const std::string& path) {
 }
 
 // On the thread of the pool.
-RenderThumbnails::Known RenderThumbnails::Read(const std::string& path, qreal ratio) {
+RenderThumbnails::Known RenderThumbnails::Read(const std::string& path, QSize size, qreal ratio) {
     Known read;
     read.isRead = true;
     read.ratio = ratio;
@@ -88,7 +88,7 @@ RenderThumbnails::Known RenderThumbnails::Read(const std::string& path, qreal ra
     if (!descriptor || ::fstat(descriptor.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return read;
     QFile file;
     if (status.st_size > kMostBytes || !file.open(descriptor.Get(), QIODevice::ReadOnly)) return read;
-    read.image = ReadFitted(file, (QSizeF(kSize) * ratio).toSize());
+    read.image = ReadFitted(file, (QSizeF(size) * ratio).toSize());
     read.image.setDevicePixelRatio(ratio);
     return read;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Pictures of renders in small.
+// Pictures of renders in small, and others that are files.
 #pragma once
 
 #include <QImage>
@@ -18,13 +18,13 @@ namespace tavrin {
 // thread only.
 class RenderThumbnails : public QObject {
   public:
-    // The place that a picture is fitted into, in device-independent pixels.
+    // The place that a picture is fitted into if nothing else is said, in device-independent pixels.
     static constexpr QSize kSize{60, 45};
     static constexpr int64_t kMostBytes = 256LL << 20;  // of a file
     static constexpr int64_t kMostPixels = 64LL << 20;  // that have to be decoded
 
     // `arrived` is called when a picture can be shown that could not be before.
-    RenderThumbnails(QObject* view, std::function<void()> arrived);
+    RenderThumbnails(QObject* view, std::function<void()> arrived, QSize size = kSize);
     // Waits for the picture that is being read.
     ~RenderThumbnails() override;
 
@@ -51,10 +51,11 @@ class RenderThumbnails : public QObject {
     };
 
     static Stamp StampOf(const std::string& path);
-    static Known Read(const std::string& path, qreal ratio);
+    static Known Read(const std::string& path, QSize size, qreal ratio);
     void Arrive(const std::string& path, const Known& read);
 
     std::function<void()> m_arrived;
+    const QSize m_size;
     std::map<std::string, Known> m_known;
     QThreadPool m_pool;
 };
