@@ -47,14 +47,17 @@ struct Change {
     bool wires = false;
     bool options = false;    // render options
     bool settings = false;   // export options, tool bar, display switches and lock, help
-    bool selection = false;  // of boxes; no edit
+    bool frames = false;     // frames and notes, of which no code is made
+    bool selection = false;  // of boxes, frames and notes; no edit
 
     // Whether boxes stand elsewhere, look different, or are others.
     bool HasBoxes() const {
         return replaced || !came.empty() || !dropped.empty() || !went.empty() || !touched.empty();
     }
     // Display switches are settings.
-    bool IsSeenOnDesk() const { return HasBoxes() || !buttons.empty() || wires || settings || selection; }
+    bool IsSeenOnDesk() const {
+        return HasBoxes() || !buttons.empty() || wires || settings || frames || selection;
+    }
     bool IsEmpty() const { return !IsSeenOnDesk() && tuned.empty() && !options; }
 };
 

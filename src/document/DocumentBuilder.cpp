@@ -51,6 +51,7 @@ bool DocumentBuilder::BuildDesk() {
     const bool isTaken = !isThere || Take(std::get<DeskRecord>(*desk));
     for (const SectionRecord& section : m_form.sections) {
         if (const auto* muted = std::get_if<MutedRecord>(&section)) Take(*muted);
+        if (const auto* frame = std::get_if<FrameRecord>(&section)) Take(*frame);
     }
     MuteBoxes();
     if (isTaken) ReportErrorsUpTo(m_form.Text().size());
@@ -88,6 +89,11 @@ bool DocumentBuilder::Take(const LibraryRecord& library) {
 bool DocumentBuilder::Take(const MutedRecord& muted) {
     FieldScanner scanner(muted.wids);
     while (const auto wid = scanner.Int()) m_muted.push_back(*wid);
+    return true;
+}
+
+bool DocumentBuilder::Take(const FrameRecord& record) {
+    if (auto frame = FrameOf(record.words)) AddFrame(m_document.frames, std::move(*frame));
     return true;
 }
 

@@ -39,6 +39,7 @@ class DocumentBuilder {
     bool Take(const VersionRecord&) { return true; }
     bool Take(const LibraryRecord& library);
     bool Take(const MutedRecord& muted);
+    bool Take(const FrameRecord& record);
     bool Take(const ToolbarRecord& toolbar);
     bool Take(const DeskRecord& desk);
     bool Take(const RenderOptionsRecord& section);

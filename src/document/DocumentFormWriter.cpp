@@ -32,6 +32,7 @@ class FormWriter : private DocumentLayout {
     void WriteRecord(const VersionRecord& record) { PutVersion(TokenText(record.version)); }
     void WriteRecord(const LibraryRecord& record) { PutLibrary(record.name); }
     void WriteRecord(const MutedRecord& record) { PutMuted(record.wids); }
+    void WriteRecord(const FrameRecord& record) { PutFrame(record.words); }
     void WriteRecord(const HelpRecord& record) { PutHelp(record.text); }
 
     void WriteRecord(const ToolbarRecord& toolbar) {

@@ -15,6 +15,11 @@ void DocumentLayout::PutMuted(std::string_view wids) {
     Line("tavrn-muted ", QuoteString(OneLine(wids)), kLineEnd);
 }
 
+// The same. As the operand holds blanks, it is never one of the words that begin a section.
+void DocumentLayout::PutFrame(std::string_view words) {
+    Line("tavrn-frame ", QuoteString(OneLine(words)), kLineEnd);
+}
+
 void DocumentLayout::PutToolButton(size_t number, std::string_view operatorName) {
     Line("    button ", TokenText(std::to_string(number).append("=").append(operatorName)));
 }

@@ -35,6 +35,7 @@ class DocumentLayout {
     void PutVersion(std::string_view version) { Line("tavrn-version ", version, kLineEnd); }
     void PutLibrary(std::string_view name);
     void PutMuted(std::string_view wids);
+    void PutFrame(std::string_view words);
     void BeginSection(std::string_view keyword) { Line(keyword, "\r\n{"); }
     void EndSection() { Line("}\r\n"); }
     void PutToolButton(size_t number, std::string_view operatorName);

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "document/DeskFrame.h"
 #include "document/ExportOptions.h"
 #include "library/SavedNetwork.h"
 #include "text/Numbers.h"
@@ -14,6 +15,7 @@ namespace tavrin {
 namespace {
 
 constexpr std::string_view kMutedKeyword = "tavrn-muted";
+constexpr std::string_view kFrameKeyword = "tavrn-frame";
 
 }  // namespace
 
@@ -45,6 +47,7 @@ DocumentForm DocumentReader::ReadDeskAlone() {
     std::string_view token;
     while (Next(token)) {
         if (token == kMutedKeyword && !ReadWord(&MutedRecord::wids)) break;
+        if (token == kFrameKeyword && !ReadFrame()) break;
         if (token != "opdesk") continue;
         ReadOpDesk();
         break;
@@ -56,6 +59,7 @@ bool DocumentReader::ReadSection(std::string_view keyword) {
     if (keyword == kDocumentKeyword) return ReadWord(&VersionRecord::version);
     if (keyword == "tavrn-renderer") return ReadWord(&LibraryRecord::name);
     if (keyword == kMutedKeyword) return ReadWord(&MutedRecord::wids);
+    if (keyword == kFrameKeyword) return ReadFrame();
     if (keyword == "toolbar") return ReadToolbar();
     if (keyword == "opdesk") return ReadOpDesk();
     if (keyword == "renderoptions") return ReadRenderOptions();
@@ -73,6 +77,24 @@ bool DocumentReader::ReadWord(std::string_view Record::*word) {
     if (!Operand(section.*word)) return false;
     End(section);
     m_form.sections.emplace_back(section);
+    return true;
+}
+
+// One that says nothing ends no reading, but what it may have been is not to be lost unasked.
+bool DocumentReader::ReadFrame() {
+    FrameRecord frame{Begun(), {}};
+    if (!Operand(frame.words)) return false;
+    End(frame);
+    if (!FrameOf(frame.words)) {
+        AddError(ReadingError::Kind::kPassedOver, "this is no frame and no note: it was passed over");
+    } else if (m_frames == kMostFrames) {
+        AddError(ReadingError::Kind::kPassedOver, "more than " + std::to_string(kMostFrames) +
+                                                      " frames and notes: the others were passed over");
+        ++m_frames;  // told once
+    } else if (m_frames < kMostFrames) {
+        ++m_frames;
+        m_form.sections.emplace_back(frame);
+    }
     return true;
 }
 

@@ -18,8 +18,8 @@ DocumentForm ReadDocument(CArchive archive);
 // What the user is told of a file whose form is no document's.
 std::string NoDocumentMessage(const DocumentForm& form);
 
-// Reads only the first desk section, wherever in the text its keyword stands, and which boxes are muted if
-// that stands before it; a form without a desk section if it stands nowhere.
+// Reads only the first desk section, wherever in the text its keyword stands, and which boxes are muted, and
+// the frames and notes, if that stands before it; a form without a desk section if it stands nowhere.
 DocumentForm ReadDesk(CArchive archive);
 
 // At work behind these. The desk's section is in DeskSectionReader.cpp, a box's buttons are in
@@ -37,6 +37,7 @@ class DocumentReader {
     bool ReadSection(std::string_view keyword);
     template <typename Record>
     bool ReadWord(std::string_view Record::*word);
+    bool ReadFrame();
     bool ReadToolbar();
     bool ReadRenderOptions();
     void ReadExportOptions();
@@ -91,6 +92,7 @@ class DocumentReader {
 
     DocumentForm m_form;
     CArchive& m_archive;
+    size_t m_frames = 0;      // how many there are so far
     std::string m_token;      // of a token that has to be put together
     size_t m_tokenBegin = 0;  // of the token read last
 };

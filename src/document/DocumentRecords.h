@@ -124,6 +124,10 @@ struct LibraryRecord : DocumentRecord {
 struct MutedRecord : DocumentRecord {
     std::string_view wids;
 };
+// A frame or a note, as FrameOf takes it.
+struct FrameRecord : DocumentRecord {
+    std::string_view words;
+};
 // The operators of the toolbar, in order.
 struct ToolbarRecord : DocumentRecord {
     std::vector<std::string_view> operators;
@@ -154,8 +158,8 @@ struct ExportOptionsRecord : DocumentRecord {
 struct HelpRecord : DocumentRecord {
     std::string text;  // without the marks before its lines, joined by CR LF
 };
-using SectionRecord = std::variant<VersionRecord, LibraryRecord, MutedRecord, ToolbarRecord, DeskRecord,
-                                   RenderOptionsRecord, ExportOptionsRecord, HelpRecord>;
+using SectionRecord = std::variant<VersionRecord, LibraryRecord, MutedRecord, FrameRecord, ToolbarRecord,
+                                   DeskRecord, RenderOptionsRecord, ExportOptionsRecord, HelpRecord>;
 
 // The common part of a section, whatever it is.
 inline const DocumentRecord& PlaceOf(const SectionRecord& section) {

@@ -139,6 +139,7 @@ class FrameWriter : private DocumentLayout {
         PutVersion(m_host.DocumentVersion());
         PutLibrary(m_host.GetSite().directories.libName);
         WriteMuted();
+        for (const auto& [number, own] : m_document.frames) PutFrame(WordsOf(own));
         WriteToolbar();
         BeginSection("opdesk");
         BeginBoxes();

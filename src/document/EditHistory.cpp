@@ -36,6 +36,7 @@ void EditHistory::DocumentReplaced() {
     m_stack = Stack();
     m_options = m_document.m_renderOptions;
     m_settings = SettingsOf(m_document);
+    m_frames = m_document.frames;
     m_saved.reset();
     if (!m_document.IsModified()) m_saved = 0;
 }
@@ -103,6 +104,7 @@ void EditHistory::Commit(const Change& change) {
         RecordWires(step);
     if (change.options) RecordOptions(step);
     if (change.settings) RecordSettings(step);
+    if (change.frames) RecordFrames(step);
     m_leavingBoxes.clear();  // those that came and went within the act
     m_leavingButtons.clear();
     if (!step.IsEmpty()) Keep(std::move(step));
@@ -199,6 +201,18 @@ void EditHistory::RecordOptions(Step& step) {
 void EditHistory::RecordSettings(Step& step) {
     SettingsState now = SettingsOf(m_document);
     if (!(now == m_settings)) step.settings = std::exchange(m_settings, std::move(now));
+}
+
+void EditHistory::RecordFrames(Step& step) {
+    const DeskFrames& now = m_document.frames;
+    for (const auto& [number, frame] : m_frames) {
+        const auto found = now.find(number);
+        if (found == now.end() || !(found->second == frame)) step.frames.push_back({number, frame});
+    }
+    for (const auto& [number, frame] : now) {
+        if (!m_frames.contains(number)) step.frames.push_back({number, std::nullopt});
+    }
+    if (!step.frames.empty()) m_frames = now;
 }
 
 }  // namespace tavrin

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "document/Change.h"
+#include "document/DeskFrame.h"
 #include "document/NetworkState.h"
 
 namespace tavrin {
@@ -104,6 +105,10 @@ class EditHistory {
         std::string name;
         std::optional<std::string> value;
     };
+    struct FrameChange {
+        int number = 0;
+        std::optional<DeskFrame> frame;
+    };
     // The other state of all that differs, before the step while it is done, after it while it is undone.
     struct Step {
         std::string act;
@@ -117,6 +122,7 @@ class EditHistory {
         std::vector<StateChange<COpButton, ButtonWires>> wires;
         std::vector<OptionChange> options;
         std::optional<SettingsState> settings;
+        std::vector<FrameChange> frames;
         size_t bytes = 0;
 
         bool HasNetwork() const;  // boxes, inputs or wires that are others
@@ -136,6 +142,7 @@ class EditHistory {
     void RecordWires(Step& step);
     void RecordOptions(Step& step);
     void RecordSettings(Step& step);
+    void RecordFrames(Step& step);
     void Keep(Step step);
     bool Joins(const Step& step) const;
     void Join(Step& step);
@@ -150,6 +157,7 @@ class EditHistory {
     void SwapInputs(InputsChange& inputs, Change& change);
     void SwapStates(Step& step, Change& change);
     void SwapOptions(Step& step, Change& change);
+    void SwapFrames(Step& step, Change& change);
     void Tell(const Change& change);
     std::vector<COpBox*> Stack() const;
 
@@ -159,6 +167,7 @@ class EditHistory {
     std::vector<COpBox*> m_stack;  // at the last change of which boxes there are
     OptionsState m_options;
     SettingsState m_settings;
+    DeskFrames m_frames;
     std::unordered_map<const COpBox*, std::unique_ptr<COpBox>> m_leavingBoxes;
     std::unordered_map<const COpButton*, std::unique_ptr<COpButton>> m_leavingButtons;
     std::deque<Step> m_steps;

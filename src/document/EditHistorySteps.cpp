@@ -13,7 +13,8 @@ bool EditHistory::Step::HasNetwork() const {
 }
 
 bool EditHistory::Step::IsEmpty() const {
-    return !HasNetwork() && boxes.empty() && buttons.empty() && options.empty() && !settings;
+    return !HasNetwork() && boxes.empty() && buttons.empty() && options.empty() && frames.empty() &&
+           !settings;
 }
 
 void EditHistory::Keep(Step step) {
@@ -53,6 +54,7 @@ bool EditHistory::Joins(const Step& step) const {
     const auto object = [](const auto& change) { return change.object; };
     return holds(last.boxes, step.boxes, object) && holds(last.buttons, step.buttons, object) &&
            holds(last.options, step.options, [](const OptionChange& option) { return option.name; }) &&
+           holds(last.frames, step.frames, [](const FrameChange& frame) { return frame.number; }) &&
            last.settings.has_value() >= step.settings.has_value();
 }
 
@@ -79,6 +81,10 @@ void EditHistory::DropWhatIsTheSame(Step& step) {
     std::erase_if(step.options, [this](const OptionChange& option) {
         const auto now = m_options.find(option.name);
         return now == m_options.end() ? !option.value : option.value == now->second;
+    });
+    std::erase_if(step.frames, [this](const FrameChange& frame) {
+        const auto now = m_frames.find(frame.number);
+        return now == m_frames.end() ? !frame.frame : frame.frame == now->second;
     });
     if (step.settings == m_settings) step.settings.reset();
 }
@@ -118,6 +124,8 @@ size_t EditHistory::Step::CountBytes() const {
             sizeof(wire) + (wire.state.connections.Size() + wire.state.namedBy.Size()) * sizeof(COpButton*);
     for (const OptionChange& option : options)
         total += sizeof(option) + option.name.size() + option.value.value_or("").size();
+    for (const FrameChange& frame : frames)
+        total += sizeof(frame) + (frame.frame ? frame.frame->text.size() : 0);
     if (settings)
         total += sizeof(*settings) + settings->customshaderhelp.size() +
                  settings->exportOptions.postSaveScript.size();

@@ -58,6 +58,7 @@ Change EditHistory::Swap(Step& step) {
     for (InputsChange& inputs : step.inputs) SwapInputs(inputs, change);
     SwapStates(step, change);
     SwapOptions(step, change);
+    SwapFrames(step, change);
     return change;
 }
 
@@ -202,6 +203,21 @@ void EditHistory::SwapOptions(Step& step, Change& change) {
         PutSettings(m_settings, m_document);
         change.settings = true;
     }
+}
+
+void EditHistory::SwapFrames(Step& step, Change& change) {
+    for (auto& [number, frame] : step.frames) {
+        std::optional<DeskFrame> now;
+        if (const auto found = m_frames.find(number); found != m_frames.end()) now = found->second;
+        if (frame) {
+            m_frames[number] = std::move(*frame);
+        } else {
+            m_frames.erase(number);
+        }
+        frame = std::move(now);
+        change.frames = true;
+    }
+    if (change.frames) m_document.frames = m_frames;
 }
 
 }  // namespace tavrin

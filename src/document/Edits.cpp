@@ -149,6 +149,13 @@ void Edits::SettingsChanged() {
     });
 }
 
+void Edits::FramesChanged() {
+    NoteEdit([&] {
+        Mark();
+        m_change.frames = true;
+    });
+}
+
 void Edits::BroughtBoxes() {
     NoteEdit([&] { m_document.SetModified(); });
 }

@@ -54,6 +54,7 @@ class Edits {
     void WiresChanged();
     void OptionsChanged();
     void SettingsChanged();
+    void FramesChanged();
     // Boxes that wait under the mouse were brought by an act that counts as a change of the document.
     void BroughtBoxes();
 
