@@ -174,8 +174,8 @@ bool BatchWork::Add(const std::string& operatorName) {
 
 // There is no mouse under which the boxes could wait.
 bool BatchWork::DropBesideTheRest() {
-    if (m_work.desk.m_pendingBoxes.empty()) return false;
-    if (!m_work.document.m_boxes.empty()) {
+    if (!m_work.desk.HasPending()) return false;
+    if (!m_work.document.m_boxes.empty() && !m_work.desk.m_pendingBoxes.empty()) {
         const auto left = [](const auto& one, const auto& other) { return one->xypos[0] < other->xypos[0]; };
         const auto& rest = m_work.document.m_boxes;
         const auto& pending = m_work.desk.m_pendingBoxes;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "desk/FrameGeometry.h"
 #include "document/TvDoc.h"
 
 namespace tavrin {
@@ -184,9 +185,11 @@ Polyline ConnectionPolyline(const ButtonPlace& output, const ButtonPlace& input,
 }
 
 std::optional<DeskRect> NetworkRect(const CTvDoc& document, float zoom) {
-    if (document.m_boxes.empty()) return std::nullopt;
-    Bounds covered(BoxRect(*document.m_boxes.front()));
+    if (document.IsBare()) return std::nullopt;
+    Bounds covered(document.m_boxes.empty() ? FrameRect(document.frames.begin()->second)
+                                            : BoxRect(*document.m_boxes.front()));
     for (const auto& box : document.m_boxes) covered.Add(Bounds(BoxRect(*box)));
+    for (const auto& [number, frame] : document.frames) covered.Add(Bounds(FrameRect(frame)));
     if (document.linetype == 1) AddTracedLines(document, covered);
     const DeskRect network{covered.left, covered.bottom, covered.right - covered.left,
                            covered.top - covered.bottom};

@@ -41,6 +41,7 @@ void DeskGestures::LeftDown(const PointerState& pointer) {
     m_needs.windows.Repaint();
     m_hover = {};
     EndGesture();
+    m_isTakenUp = false;
     if (m_needs.desk.HasPending()) {
         m_needs.desk.DropPending();
         return;

@@ -86,6 +86,10 @@ class DeskGestures {
     // follow the state of things.
     void UpdateGrowArrows();
     Kind Current() const { return m_gesture; }
+    // From the picked button to the mouse: while it is drawn, and while somebody looks for its other end.
+    bool DrawsWire() const {
+        return m_needs.desk.m_selectedButton != nullptr && (m_gesture == Kind::kWiring || m_isTakenUp);
+    }
     DeskPoint Mouse() const { return {m_needs.desk.m_mouseDesk[0], m_needs.desk.m_mouseDesk[1]}; }
     DeskRect Band() const { return DeskRect::Between(m_bandAnchor, Mouse()); }
     bool GrowArrowsShown() const { return m_growArrowsShown; }
@@ -158,6 +162,7 @@ class DeskGestures {
     bool m_ignoreNextMove = false;
     bool m_autoScroll = false;
     bool m_hasMoved = false;      // boxes, in this gesture
+    bool m_isTakenUp = false;     // the wire that was dropped last
     bool m_hasDrawn = false;      // a wire, off the button that was pressed
     DeskPoint m_autoScrollDelta;  // pixels
 };

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "desk/BoxMarks.h"
 #include "desk/HitTest.h"
 #include "site/TypeTables.h"
 
@@ -36,15 +37,15 @@ void AddHelpOnButtons(DeskMenuEntries& entries, const char* what,
     }
 }
 
-DeskMenuEntry BoxHelp(const COpBox& box) {
-    DeskMenuEntries help = {HelpOn("On box " + box.BoxTitleWid(), box.boxhelp)};
+DeskMenuEntry BoxHelp(const COpBox& box, const BoxMarks* marks) {
+    DeskMenuEntries help = {HelpOn("On box " + box.BoxTitleWid(), HelpOf(box, marks))};
     AddHelpOnButtons(help, "input", box.inputs);
     AddHelpOnButtons(help, "output", box.outputs);
     return Submenu("Help", std::move(help));
 }
 
-DeskMenuEntry ButtonHelp(const COpButton& button) {
-    return Submenu("Help", {HelpOn("On box " + button.owner->BoxTitleWid(), button.owner->boxhelp),
+DeskMenuEntry ButtonHelp(const COpButton& button, const BoxMarks* marks) {
+    return Submenu("Help", {HelpOn("On box " + button.owner->BoxTitleWid(), HelpOf(*button.owner, marks)),
                             HelpOn("On button " + button.DisplayName(), button.HelpText())});
 }
 
@@ -73,10 +74,10 @@ bool IsCast(int id) { return id >= desk_command::kFirstCast && id <= desk_comman
 
 }  // namespace
 
-DeskMenuEntries BoxMenu(const COpBox& box) {
+DeskMenuEntries BoxMenu(const COpBox& box, const BoxMarks* marks) {
     return {Item(box.BoxTitleWid(), desk_command::kNone),
             Separator(),
-            BoxHelp(box),
+            BoxHelp(box, marks),
             Separator(),
             Item("Copy", desk_command::kCopyBox),
             Submenu("Delete", {Item("This Box", desk_command::kDeleteBox)}),
@@ -84,10 +85,11 @@ DeskMenuEntries BoxMenu(const COpBox& box) {
             EditFile()};
 }
 
-DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types, std::optional<bool> isShown) {
+DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types, std::optional<bool> isShown,
+                           const BoxMarks* marks) {
     DeskMenuEntries menu = {
         Item(button.owner->BoxTitleWid() + ": Button " + button.DisplayName(), desk_command::kNone),
-        Separator(), ButtonHelp(button)};
+        Separator(), ButtonHelp(button, marks)};
     if (!button.IsUnknown()) menu.push_back(Casts(button, types));
     if (!button.IsOutput() && button.disableargflag == 0 && !button.IsUnknown()) {
         menu.push_back(Checked("Argument", desk_command::kArgument, button.arg != 0));
@@ -103,6 +105,18 @@ DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types, std
     menu.push_back(Separator());
     menu.push_back(EditFile());
     return menu;
+}
+
+DeskMenuEntries FrameMenu(const DeskFrame& frame) {
+    const bool isFrame = frame.kind == DeskFrame::Kind::kFrame;
+    DeskMenuEntries colors;
+    for (int color = 0; color < DeskFrame::kColors; ++color) {
+        colors.push_back(
+            Checked(FrameColorName(color), desk_command::kFirstFrameColor + color, color == frame.color));
+    }
+    return {Item(isFrame ? "Rename Frame" : "Edit Note", desk_command::kEditFrame),
+            Submenu("Color", std::move(colors)), Separator(),
+            Item(isFrame ? "Delete Frame" : "Delete Note", desk_command::kDeleteFrame)};
 }
 
 std::vector<std::string_view> HelpTextLines(std::string_view help) {
@@ -125,17 +139,28 @@ std::optional<DeskMenuEntries> DeskMenu::Open(DeskPoint at) {
         m_needs.windows.Repaint();
     }
     COpBox* box = HitBox(m_needs.document, at);
-    if (box == nullptr) return {};
+    m_frame = 0;
+    if (box == nullptr) return OpenForFrame(at);
     COpButton* button = HitButton(*box, at);
     desk.m_mouseBox = box;
     desk.m_mouseButton = button;
     m_boxSerial = box->Serial();
     m_buttonSerial = button == nullptr ? 0 : button->Serial();
     m_needs.gestures.IgnoreNextMove();
-    if (button == nullptr) return BoxMenu(*box);
+    if (button == nullptr) return BoxMenu(*box, m_needs.marks);
     std::optional<bool> isShown;
     if (m_needs.toggleShown) isShown = m_needs.shownOutput() == button;
-    return ButtonMenu(*button, m_needs.types, isShown);
+    return ButtonMenu(*button, m_needs.types, isShown, m_needs.marks);
+}
+
+std::optional<DeskMenuEntries> DeskMenu::OpenForFrame(DeskPoint at) {
+    const auto hit = m_needs.gestures.FrameAt(at);
+    if (!hit) return {};
+    m_frame = hit->number;
+    m_needs.desk.m_mouseBox = nullptr;
+    m_needs.desk.m_mouseButton = nullptr;
+    m_needs.gestures.IgnoreNextMove();
+    return FrameMenu(m_needs.document.frames.at(m_frame));
 }
 
 bool DeskMenu::TargetStands() const {
@@ -146,6 +171,7 @@ bool DeskMenu::TargetStands() const {
 }
 
 void DeskMenu::Choose(int id) {
+    if (m_frame != 0) return ChooseForFrame(id);
     if (id == desk_command::kNone || !TargetStands()) return;
     COpBox& box = *m_needs.desk.m_mouseBox;
     if (id == desk_command::kEditFile) {
@@ -162,6 +188,15 @@ void DeskMenu::Choose(int id) {
     } else {
         ChooseForButton(id);
     }
+    m_needs.windows.Repaint();
+}
+
+void DeskMenu::ChooseForFrame(int id) {
+    if (m_needs.document.lock != 0 || !m_needs.document.frames.contains(m_frame)) return;
+    const int color = id - desk_command::kFirstFrameColor;
+    if (id == desk_command::kEditFrame && m_needs.editFrame) m_needs.editFrame(m_frame);
+    if (id == desk_command::kDeleteFrame) m_needs.desk.DeleteFrame(m_frame);
+    if (color >= 0 && color < DeskFrame::kColors) m_needs.desk.SetFrameColor(m_frame, color);
     m_needs.windows.Repaint();
 }
 

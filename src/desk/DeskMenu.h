@@ -14,6 +14,8 @@
 
 namespace tavrin {
 
+class BoxMarks;
+
 class TypeTables;
 
 // The commands of the context menus.
@@ -28,6 +30,10 @@ inline constexpr int kDeleteConnections = 36870;
 inline constexpr int kEditFile = 36871;
 inline constexpr int kArgument = 36872;
 inline constexpr int kShowThis = 36873;
+inline constexpr int kEditFrame = 36880;
+inline constexpr int kDeleteFrame = 36881;
+// One for each colour of frames and notes.
+inline constexpr int kFirstFrameColor = 36890;
 // One for each cast of a button, by its index. Casts beyond the last are not offered.
 inline constexpr int kFirstCast = 53248;
 inline constexpr int kLastCast = 53504;
@@ -48,10 +54,13 @@ struct DeskMenuEntry {
 using DeskMenuEntries = std::vector<DeskMenuEntry>;
 
 // What is offered for a box outside its buttons, and for a button. The texts are copies: boxes may go while a
-// menu is open. `isShown` tells of an output whether it stands for the picture; nothing where none can.
-DeskMenuEntries BoxMenu(const COpBox& box);
+// menu is open. `marks` are what the help begins with, `isShown` tells of an output whether it stands for the picture; nothing where none can.
+DeskMenuEntries BoxMenu(const COpBox& box, const BoxMarks* marks = nullptr);
 DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types,
-                           std::optional<bool> isShown = std::nullopt);
+                           std::optional<bool> isShown = std::nullopt, const BoxMarks* marks = nullptr);
+
+// For a frame or a note.
+DeskMenuEntries FrameMenu(const DeskFrame& frame);
 
 // The lines of the help text of a box or a button. Each CR LF ends a line, a CR or LF alone as well; what
 // ends the last line begins no further one. The empty text has no lines.
@@ -74,24 +83,32 @@ class DeskMenu {
         // that is not offered.
         std::function<const COpButton*()> shownOutput = {};
         std::function<void(COpButton& output)> toggleShown = {};
+        // Lets the user edit the text of a frame or note. Without it that does nothing.
+        std::function<void(int number)> editFrame = {};
+        // What the last run says of boxes; null for nothing.
+        const BoxMarks* marks = nullptr;
     };
     explicit DeskMenu(Needs needs) : m_needs(std::move(needs)) {}
 
-    // The menu for what lies there, which the commands then act on. Nothing where there is no box, while a
+    // The menu for what lies there, which the commands then act on. Nothing where there is no box and no hold
+    // of a frame, while a
     // gesture runs and while the document is locked.
     std::optional<DeskMenuEntries> Open(DeskPoint at);
     // Does the command of an entry.
     void Choose(int id);
 
   private:
+    std::optional<DeskMenuEntries> OpenForFrame(DeskPoint at);
     bool TargetStands() const;
     void ChooseForBox(int id, COpBox& box);
     void ChooseForButton(int id);
+    void ChooseForFrame(int id);
 
     Needs m_needs;
     // Of what the menu was opened on. An address alone may belong to another object by now.
     uint64_t m_boxSerial = 0;
     uint64_t m_buttonSerial = 0;  // 0 without a button
+    int m_frame = 0;              // number of the frame or note; 0 without one
 };
 
 }  // namespace tavrin

@@ -15,7 +15,7 @@ void COpDesk::ClearSelections() {
 }
 
 void COpDesk::UnselectBoxes() {
-    const bool wasSelected = AnyBoxSelected();
+    const bool wasSelected = AnySelected();
     ClearBoxSelection();
     if (wasSelected) m_document.edits.SelectionChanged();
 }
@@ -23,6 +23,7 @@ void COpDesk::UnselectBoxes() {
 void COpDesk::ClearBoxSelection() {
     for (const auto& box : m_document.m_boxes) box->selected = 0;
     for (const auto& box : m_pendingBoxes) box->selected = 0;
+    m_selectedFrames.clear();
 }
 
 bool COpDesk::AnyBoxSelected() const {
@@ -36,6 +37,12 @@ void COpDesk::SetAllSelected(int selected) {
         changed = changed || box->selected != selected;
         box->selected = selected;
     }
+    std::set<int> frames;
+    for (const auto& [number, frame] : m_document.frames) {
+        if (selected != 0) frames.insert(number);
+    }
+    changed = changed || frames != m_selectedFrames;
+    m_selectedFrames = std::move(frames);
     if (changed) m_document.edits.SelectionChanged();
 }
 
@@ -84,6 +91,9 @@ void COpDesk::ForgetReferences() {
     m_mouseButton = nullptr;
     ClearSelectedButton();
     ClearSelectedConnects();
+    m_selectedFrames.clear();
+    m_carriedBoxes.clear();
+    m_carriedFrames.clear();
 }
 
 void COpDesk::OnInitialUpdate() {

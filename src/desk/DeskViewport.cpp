@@ -97,14 +97,14 @@ void DeskViewport::SetZoom(float zoom) {
 
 bool DeskViewport::ZoomIn() {
     const float zoom = Zoom() * kZoomStep;
-    if (m_document.m_boxes.empty() || zoom > std::min(m_limits.most, kMostUsableZoom)) return false;
+    if (m_document.IsBare() || zoom > std::min(m_limits.most, kMostUsableZoom)) return false;
     SetZoom(zoom);
     return true;
 }
 
 bool DeskViewport::ZoomOut() {
     const float zoom = Zoom() / kZoomStep;
-    if (m_document.m_boxes.empty() || zoom < std::max(m_limits.least, kLeastUsableZoom)) return false;
+    if (m_document.IsBare() || zoom < std::max(m_limits.least, kLeastUsableZoom)) return false;
     SetZoom(zoom);
     return true;
 }
@@ -132,7 +132,7 @@ bool DeskViewport::FitToWindow() {
 }
 
 bool DeskViewport::Pan(float dx, float dy) {
-    if (m_document.m_boxes.empty()) return false;
+    if (m_document.IsBare()) return false;
     m_document.offset[0] += dx;
     m_document.offset[1] -= dy;
     m_document.ViewMoved();

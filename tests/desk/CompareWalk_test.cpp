@@ -171,6 +171,7 @@ TEST_P(CompareWalkTest, AFileDiffersFromItsNetworkInNothing) {
     HistoryReader reader(host, siteCodeGen);
     for (int step = 0; step < 120; ++step) {
         walk->Step();
+        Look();
         if (step % 20 != 19) continue;
         // Only one of the two ends of a one-sided wire comes through a file.
         CutOneSidedWires();

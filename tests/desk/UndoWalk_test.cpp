@@ -3,6 +3,7 @@
 // network that stood there, to the bit.
 #include <optional>
 
+#include "desk/FrameGeometry.h"
 #include "sliders/ArgumentEdits.h"
 #include "support/DeskWalkTest.h"
 #include "support/HistoryPrints.h"
@@ -41,7 +42,7 @@ class UndoWalk : public test::DeskWalkTest {
         if (inputs.empty()) return;
         COpButton& button = *inputs[Below(inputs.size())];
         const EditScope edit(document, kTune);
-        switch (Below(6)) {
+        switch (Below(7)) {
             case 0:
                 SetArgumentName(document, button, "name" + std::to_string(Below(100)));
                 break;
@@ -61,6 +62,9 @@ class UndoWalk : public test::DeskWalkTest {
                 document.toolbar = {std::to_string(Below(3))};
                 document.showvarnames = static_cast<int>(Below(2));
                 break;
+            case 4:
+                TuneFrames();
+                break;
             default:
                 document.edits.ButtonTuned(button);
                 TuneValue(button);
@@ -75,6 +79,34 @@ class UndoWalk : public test::DeskWalkTest {
     int branches = 0;
 
   private:
+    void TuneFrames() {
+        const auto any = [this] { return static_cast<float>(Below(800)); };
+        const int number = static_cast<int>(Below(6)) + 1;
+        switch (Below(7)) {
+            case 0:
+                desk.FrameSelected({any(), any()});
+                break;
+            case 1:
+                desk.AddNote({any(), any()});
+                break;
+            case 2:
+                desk.SetFrameText(number, std::string(Below(4), 'x'));
+                break;
+            case 3:
+                desk.SetFrameColor(number, static_cast<int>(Below(DeskFrame::kColors)));
+                break;
+            case 4:
+                desk.ResizeFrame(number, Below(kFrameCorners), {any(), any()});
+                break;
+            case 5:
+                desk.DeleteFrame(number);
+                break;
+            default:
+                desk.TakeAlong();
+                desk.MoveSelectedBoxes(any() - 400, any() - 400);
+                break;
+        }
+    }
     void TuneValue(COpButton& button) {
         for (const auto& value : button.values) {
             if (auto* number = dynamic_cast<COpValueFloat*>(value.get())) {

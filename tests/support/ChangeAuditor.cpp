@@ -91,6 +91,7 @@ ChangeAuditor::Picture ChangeAuditor::Take() const {
     for (const auto& [serial, text] : wires) picture.wires += text;
     for (const auto& [name, value] : m_document.m_renderOptions) picture.options += name + '=' + value + '\n';
     picture.settings = SettingsText(m_document);
+    picture.frames = m_document.frames;
     return picture;
 }
 
@@ -150,6 +151,7 @@ void ChangeAuditor::Compare(const Picture& now, const Change& change) {
     if (now.wires != m_before.wires && !change.wires && change.dropped.empty()) miss("wires are different");
     if (now.options != m_before.options && !change.options) miss("options are different");
     if (now.settings != m_before.settings && !change.settings) miss("settings are different");
+    if (now.frames != m_before.frames && !change.frames) miss("frames are different");
 }
 
 }  // namespace tavrin::test

@@ -31,6 +31,7 @@ class ChangeAuditor {
         std::string wires;
         std::string options;
         std::string settings;
+        DeskFrames frames;
     };
     Picture Take() const;
     void OnChange(const Change& change);

@@ -17,6 +17,7 @@ constexpr float kBeyond = 60;      // pixels that a drag may go past the window'
 const std::vector<DeskWalk::Choice>& DeskWalk::Choices() {
     static const std::vector<Choice> choices{
         {14, "drag a box", &DeskWalk::DragABox},
+        {3, "drag a frame", &DeskWalk::DragAFrame},
         {14, "wire by dragging", &DeskWalk::WireByDragging},
         {8, "wire by clicks", &DeskWalk::WireByClicks},
         {2, "wire again", &DeskWalk::WireAgain},
@@ -242,6 +243,22 @@ void DeskWalk::DragABox() {
     if (box == nullptr) return;
     Modifiers();
     Press(OneIn(2) ? TitleRect(*box).Middle() : PanelRect(*box).Middle());
+    Drag(Anywhere());
+    if (OneIn(3)) Drag(Anywhere());
+    Release();
+}
+
+// By its bar or a corner; where there is none, whatever lies there.
+void DeskWalk::DragAFrame() {
+    const DeskFrames& frames = m_ground.document.frames;
+    if (frames.empty()) return DragABox();
+    auto own = frames.begin();
+    std::advance(own, Below(frames.size()));
+    const float zoom = m_ground.view.Zoom();
+    const DeskRect hold = OneIn(3) ? FrameCorner(own->second, Below(kFrameCorners), zoom)
+                                   : FrameHandle(own->second, zoom);
+    Modifiers();
+    Press(hold.Middle());
     Drag(Anywhere());
     if (OneIn(3)) Drag(Anywhere());
     Release();

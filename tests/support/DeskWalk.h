@@ -128,6 +128,7 @@ class DeskWalk {
     void Meanwhile();
 
     void DragABox();
+    void DragAFrame();
     void WireByDragging();
     void WireByClicks();
     void WireAgain();

@@ -246,7 +246,9 @@ inline void DeskWalkTest::Menu(const PointerState& pointer, const WalkMenu& menu
     const auto entries = deskMenu.Open(viewport.ToDesk(pointer.at));
     if (!entries) return;
     EXPECT_EQ(document.lock, 0);
-    const Target target(*desk.m_mouseBox, desk.m_mouseButton);
+    // Else it is that of a frame or note.
+    std::optional<Target> target;
+    if (desk.m_mouseBox != nullptr) target.emplace(*desk.m_mouseBox, desk.m_mouseButton);
     int id = desk_command::kNone;
     for (const DeskMenuEntries* items = &*entries; items != nullptr;) {
         const auto place = menu.next(*items);
@@ -258,7 +260,7 @@ inline void DeskWalkTest::Menu(const PointerState& pointer, const WalkMenu& menu
     menu.meanwhile();
     Look();  // at this edit by itself: choosing is another
     const std::string before = document.Snapshot();
-    const bool stands = target.IsIn(document);
+    const bool stands = !target || target->IsIn(document);
     deskMenu.Choose(id);
     if (!stands || id == desk_command::kNone || id == desk_command::kEditFile) {
         EXPECT_EQ(document.Snapshot(), before) << id;

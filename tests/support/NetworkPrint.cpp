@@ -62,6 +62,7 @@ std::string PrintNetwork(const CTvDoc& document) {
          << PathDir(options.shaderIfacePath) << ' ' << PathDir(options.renderIfacePath) << ' '
          << options.postSaveScript << '\n'
          << document.customshaderhelp << '\n';
+    for (const auto& [number, frame] : document.frames) text << number << ' ' << WordsOf(frame) << '\n';
     return text.str();
 }
 

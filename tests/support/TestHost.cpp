@@ -104,6 +104,7 @@ std::string TextOf(const Change& change) {
     if (change.wires) add("wires");
     if (change.options) add("options");
     if (change.settings) add("settings");
+    if (change.frames) add("frames");
     if (change.selection) add("selection");
     return text;
 }
