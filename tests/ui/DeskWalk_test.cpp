@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
+#include <array>
 #include <optional>
 
 #include "render/RenderSession.h"
@@ -16,12 +17,14 @@
 #include "ui/base/Text.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/log/LogWindow.h"
+#include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
 
 namespace tavrin {
 namespace {
 
 using test::WalkEdit;
+using test::WalkFlow;
 using test::WalkMenu;
 using testing::HasSubstr;
 using testing::Not;
@@ -29,12 +32,21 @@ using Id = CommandId;
 
 constexpr int kEdits = 200;  // by the pointer, of one walk
 
+// Every second seed is a walk in a library that helps the hand.
+constexpr bool IsHelped(uint32_t seed) { return seed % 2 == 0; }
+
 class FrameWalk : public test::FrameTest,
                   public testing::WithParamInterface<uint32_t>,
                   public test::DeskHands {
   protected:
     FrameWalk() {
         environment.Set("SOURCE_DATE_EPOCH", "1000000000");
+        if (IsHelped(GetParam())) {
+            const std::string site = "tavrin/tiny/tavrn.def";
+            directory.Write(site, test::ReadFile(directory / site) +
+                                      "desk.pullwires 1\ndesk.dropwires 1\ndesk.escapewires 1\n"
+                                      "desk.insertboxes 1\ndesk.keepflow 1\ndesk.minimap 1\n");
+        }
         const auto add = [this](const std::string& name, const std::string& text) {
             directory.Write(
                 "tavrin/tiny/menu/0300.Patterns/00" + std::to_string(50 + operators.size()) + "." + name,
@@ -71,6 +83,7 @@ class FrameWalk : public test::FrameTest,
     }
     void Tick() override { SettleQuietly(); }
     void Edit(WalkEdit edit) override;
+    void Flow(WalkFlow flow, uint32_t which) override;
     void Menu(const PointerState& pointer, const WalkMenu& menu) override;
     static DeskMenuEntries ItemsOf(const QMenu& menu);
     void ChooseItem(QMenu& menu, QAction& item);
@@ -134,6 +147,34 @@ void FrameWalk::Edit(WalkEdit edit) {
     };
     const Id id = kCommands.at(edit);
     if (Document().lock == 0 && IsEnabled(id)) Action(id).trigger();
+}
+
+void FrameWalk::Flow(WalkFlow flow, uint32_t which) {
+    static constexpr std::array kAligns{Id::kAlignLeft, Id::kAlignCentre, Id::kAlignRight,
+                                        Id::kAlignTop,  Id::kAlignMiddle, Id::kAlignBottom};
+    static constexpr std::array kDistributes{Id::kDistributeAcross, Id::kDistributeDown};
+    const auto run = [this](Id id) {
+        if (Document().lock == 0 && IsEnabled(id)) Action(id).trigger();
+    };
+    switch (flow) {
+        case WalkFlow::kAlign:
+            return run(kAligns.at(which % kAligns.size()));
+        case WalkFlow::kDistribute:
+            return run(kDistributes.at(which % kDistributes.size()));
+        case WalkFlow::kTidyAll:
+            run(Id::kUnselectAllBoxes);
+            return run(Id::kTidy);
+        case WalkFlow::kTidySelected:
+            return run(Id::kTidy);
+        case WalkFlow::kDeleteKeepingFlow:
+            return run(Id::kDeleteKeepingFlow);
+        case WalkFlow::kMute:
+            return run(Id::kMuteBoxes);
+        case WalkFlow::kEscape:
+            return test::PressKeys("Esc");
+        case WalkFlow::kCount:
+            return;
+    }
 }
 
 DeskMenuEntries FrameWalk::ItemsOf(const QMenu& menu) {
@@ -287,7 +328,7 @@ TEST_P(FrameWalk, EveryPlaceIsTheNetworkThatStoodThere) {
     Document().SetModified(false);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, FrameWalk, testing::Values(1U, 3U));
+INSTANTIATE_TEST_SUITE_P(Seeds, FrameWalk, testing::Values(1U, 3U, 4U));
 
 }  // namespace
 }  // namespace tavrin

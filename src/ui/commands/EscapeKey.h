@@ -23,7 +23,7 @@ class EscapeKey : public QObject {
     struct Needs {
         QWidget& frame;
         QAction& zoomReset;
-        std::vector<Step> steps;        // the first that is wanted is done
+        std::vector<Step> steps;       // the first that is wanted is done
         std::function<void()> hasRun;  // is called after each step
     };
     explicit EscapeKey(Needs needs);

@@ -42,12 +42,10 @@ void AddOrder(CommandActions& commands, Workspace& work) {
     distribute(CommandId::kDistributeAcross, DeskAxis::kAcross);
     distribute(CommandId::kDistributeDown, DeskAxis::kUp);
     const auto tidy = [&document, &desk] {
-        desk.Tidy(AreSelected(document, kToAlign) ? COpDesk::TidyScope::kSelected
-                                                  : COpDesk::TidyScope::kAll);
+        desk.Tidy(AreSelected(document, kToAlign) ? COpDesk::TidyScope::kSelected : COpDesk::TidyScope::kAll);
     };
-    commands.On(CommandId::kTidy, {tidy, [&document] {
-                                       return document.lock == 0 && document.m_boxes.size() >= kToAlign;
-                                   }});
+    commands.On(CommandId::kTidy,
+                {tidy, [&document] { return document.lock == 0 && document.m_boxes.size() >= kToAlign; }});
 }
 
 void AddFlow(CommandActions& commands, Workspace& work) {

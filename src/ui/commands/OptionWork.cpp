@@ -5,6 +5,7 @@
 #include "site/Site.h"
 #include "ui/commands/CommandActions.h"
 #include "ui/desk/DeskPane.h"
+#include "ui/desk/Minimap.h"
 #include "ui/frame/StatusBox.h"
 #include "ui/sliders/SliderPane.h"
 
@@ -12,7 +13,9 @@ namespace tavrin {
 
 namespace {
 
-constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";  // in the profile
+// In the profile.
+constexpr const char* kScrollBarsKey = "OpDesk.scrollbars";
+constexpr const char* kMinimapKey = "OpDesk.minimap";
 
 // Children see a switch from its first use on.
 void Flip(bool& flag, const char* variable, Site& site) {
@@ -29,6 +32,9 @@ OptionWork::OptionWork(const Needs& needs)
     m_showStatus = shown != 0;
     ShowParts();
     m_needs.desk.SetScrollBarsShown(m_needs.profile.GetInt(kScrollBarsKey, 1) != 0);
+    int hasMap = 0;  // until the user has chosen
+    m_needs.site.settings.GetSettingInt("desk.minimap", hasMap);
+    m_needs.desk.Map().SetWanted(m_needs.profile.GetInt(kMinimapKey, hasMap) != 0);
 }
 
 void OptionWork::ShowParts() {
@@ -38,6 +44,7 @@ void OptionWork::ShowParts() {
 
 void OptionWork::Save() const {
     m_needs.profile.SetInt(kScrollBarsKey, m_needs.desk.ScrollBarsShown() ? 1 : 0);
+    m_needs.profile.SetInt(kMinimapKey, m_needs.desk.Map().IsWanted() ? 1 : 0);
 }
 
 void OptionWork::AddTo(CommandActions& commands) {
@@ -53,6 +60,9 @@ void OptionWork::AddParts(CommandActions& commands) {
     DeskPane& desk = m_needs.desk;
     commands.On(CommandId::kScrollBars, {.run = [&desk] { desk.SetScrollBarsShown(!desk.ScrollBarsShown()); },
                                          .checked = [&desk] { return desk.ScrollBarsShown(); }});
+    Minimap& map = desk.Map();
+    commands.On(CommandId::kMinimap, {.run = [&map] { map.SetWanted(!map.IsWanted()); },
+                                      .checked = [&map] { return map.IsWanted(); }});
     const auto add = [&](CommandId id, bool& isShown) {
         commands.On(id, {.run =
                              [this, &isShown] {

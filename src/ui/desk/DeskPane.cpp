@@ -140,7 +140,9 @@ void DeskPane::OnChange(const Change& change) {
     if (change.replaced || change.swapped) m_gestures.Cancel();
     if (change.HasBoxes() || change.selection || change.frames) m_minimap->NetworkChanged();
     if (change.HasBoxes()) UpdateScrollBars();
-    if (change.IsSeenOnDesk()) Repaint();
+    if (!change.IsSeenOnDesk()) return;
+    m_gestures.LookAgain();
+    Repaint();
 }
 
 QScrollBar* DeskPane::MakeScrollBar(Qt::Orientation orientation) {

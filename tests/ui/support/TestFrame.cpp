@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "library/DefinitionTexts.h"
 #include "ui/base/Text.h"
 #include "ui/log/LogWindow.h"
 
@@ -122,9 +123,10 @@ void FrameTest::AddBoxes(int count, const std::string& operatorName) {
 
 std::string FrameTest::WriteDocument(const std::string& name, int boxes) {
     CTvDoc document(*m_app);
+    DefinitionTexts texts(m_app->Registry(), m_app->GetSite());
     for (int box = 0; box < boxes; ++box) {
         auto made = std::make_unique<COpBox>();
-        EXPECT_TRUE(made->Define("Constant", m_app->Registry(), m_app->GetSite()));
+        EXPECT_TRUE(made->Define("Constant", m_app->Registry(), m_app->GetSite(), &texts));
         made->wid = box + 1;
         document.m_boxes.push_back(std::move(made));
     }
