@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "desk/BoxMarks.h"
 #include "library/Placeholder.h"
 #include "site/TypeTables.h"
 #include "support/TestHost.h"
@@ -91,6 +92,23 @@ Delete >
 ---
 Edit File... 36871
 )");
+}
+
+TEST(BoxMenuTest, TheHelpOfABoxBeginsWithWhatTheLastRunSaysOfIt) {
+    const auto box = MakeBox("Mix", "boxhelp\n{\nMixes.\n}\noutput o { float out }", 7);
+    BoxMarks marks;
+    const auto helpIn = [&](const DeskMenuEntries& menu) {
+        return Find(menu, "Help")->entries.front().entries.front().text;
+    };
+    const std::string plain = helpIn(BoxMenu(*box));
+    EXPECT_EQ(helpIn(BoxMenu(*box, &marks)), plain);
+    marks.Hear("x: box Mix_7: bad\nx: box Mix_7: worse\n");
+    EXPECT_EQ(helpIn(BoxMenu(*box, &marks)), "x: box Mix_7: bad\nx: box Mix_7: worse\n\n" + plain);
+    const TypeTables types;
+    EXPECT_EQ(helpIn(ButtonMenu(*box->outputs[0], types, std::nullopt, &marks)),
+              helpIn(BoxMenu(*box, &marks)));
+    const auto other = MakeBox("Mix", "", 8);
+    EXPECT_EQ(helpIn(BoxMenu(*other, &marks)), "");
 }
 
 TEST(BoxMenuTest, ABoxWithoutInputsOrOutputsHasNoSeparatorsForThem) {
