@@ -28,6 +28,21 @@ bool LooksLikeBox(QStringView word) {
 
 }  // namespace
 
+// A name may hold blanks: of those that end there and stand, the shortest.
+std::optional<LogLinks::Link> LogLinks::EndingAt(const QString& row, qsizetype end) const {
+    qsizetype start = end;
+    for (int words = 0; words < kMostWords && start > 0; ++words) {
+        if (words > 0 && row[--start] != ' ') break;
+        const qsizetype before = start;
+        while (start > 0 && !Separates(row[start - 1])) --start;
+        if (start == before) break;
+        std::string box = Bytes(row.mid(start, end - start));
+        if (m_needs.stands(box))
+            return Link{static_cast<int>(start), static_cast<int>(end - start), std::move(box)};
+    }
+    return std::nullopt;
+}
+
 std::vector<LogLinks::Link> LogLinks::In(const QString& row) const {
     std::vector<Link> links;
     const qsizetype end = std::min(row.size(), kMostOfRow);
@@ -41,9 +56,7 @@ std::vector<LogLinks::Link> LogLinks::In(const QString& row) const {
         QStringView word = QStringView(row).mid(start, past - start);
         while (word.endsWith('.')) word.chop(1);  // the end of a sentence
         if (LooksLikeBox(word)) {
-            std::string box = Bytes(word.toString());
-            if (m_needs.stands(box))
-                links.push_back({static_cast<int>(start), static_cast<int>(word.size()), std::move(box)});
+            if (auto link = EndingAt(row, start + word.size())) links.push_back(std::move(*link));
         }
         start = past;
     }

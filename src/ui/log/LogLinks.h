@@ -24,6 +24,8 @@ class LogLinks {
     };
     explicit LogLinks(Needs needs) : m_needs(std::move(needs)) {}
 
+    static constexpr int kMostWords = 6;  // of a name
+
     struct Link {
         int start = 0;  // in the row
         int length = 0;
@@ -39,6 +41,8 @@ class LogLinks {
     void GoTo(const Link& link) const { m_needs.goTo(link.box); }
 
   private:
+    std::optional<Link> EndingAt(const QString& row, qsizetype end) const;
+
     Needs m_needs;
 };
 

@@ -49,7 +49,7 @@ class LogLinksTest : public testing::Test {
     }
     void Click(int position) { QTest::mouseClick(edit.viewport(), Qt::LeftButton, {}, PlaceOf(position)); }
 
-    std::set<std::string> standing{"Noise_3", "My.Op_12", "Mix_1"};
+    std::set<std::string> standing{"Noise_3", "My.Op_12", "Mix_1", "Clear Coat_12"};
     std::vector<std::string> visited;
     LogEdit edit{nullptr, 100'000};
 };
@@ -60,6 +60,9 @@ TEST_F(LogLinksTest, NamesOfBoxesThatStandAreLinksWhateverStandsAroundThem) {
                 ElementsAre("Noise_3=Noise_3", "Mix_1=Mix_1", "My.Op_12=My.Op_12"));
     EXPECT_THAT(In("see Noise_3."), ElementsAre("Noise_3=Noise_3"));
     EXPECT_THAT(In("Noise_4 Noise_ Noise _3 3 Noise_33 xNoise_3 Noise_3_out Noise_3000000000000"), IsEmpty());
+    EXPECT_THAT(In("line 4 (box Clear Coat_12, operator Clear Coat)"),
+                ElementsAre("Clear Coat_12=Clear Coat_12"));
+    EXPECT_THAT(In("Coat_12 Clear  Coat_12 (Coat_12 xClear Coat_12"), IsEmpty());
     EXPECT_THAT(In(""), IsEmpty());
 }
 
@@ -98,9 +101,12 @@ TEST_F(LogLinksTest, WhoSelectsTextGoesNowhere) {
 TEST_F(LogLinksTest, TheHandShowsOverANameAlone) {
     Show("error in Noise_3 here\n");
     QTest::mouseMove(edit.viewport(), PlaceOf(12));
-    EXPECT_EQ(edit.viewport()->cursor().shape(), Qt::PointingHandCursor);
+    const auto shows = [this](Qt::CursorShape shape) {
+        return test::WaitUntil([this, shape] { return edit.viewport()->cursor().shape() == shape; });
+    };
+    EXPECT_TRUE(shows(Qt::PointingHandCursor));
     QTest::mouseMove(edit.viewport(), PlaceOf(2));
-    EXPECT_EQ(edit.viewport()->cursor().shape(), Qt::IBeamCursor);
+    EXPECT_TRUE(shows(Qt::IBeamCursor));
 }
 
 TEST_F(LogLinksTest, ANameIsUnderlinedWhileItsBoxStands) {
