@@ -117,6 +117,7 @@ TEST(ToolWindowTable, PlacesAreStoredUnderNamesThatStay) {
         {"RenderOptionsEditor", false}, {"ExportOptionsEditor", false},
         {"HelpEditor", true},           {"Log", true},
         {"UndoHistory", true},          {"CompareRenders", true},
+        {"Source", true},               {"Check", true},
     };
     std::map<std::string, bool> found;
     for (const WindowRow& row : WindowTable()) found[row.place] = row.keepsSize;

@@ -122,14 +122,15 @@ void CheckWindow::Refresh() {
     // What is amiss is what the list is for.
     std::vector<Finding> findings = m_ofFile;
     {
-        const HeldAlerts held(m_needs.site.report);
+        const HeldAlerts alerts(m_needs.site.report);
+        const HeldLog log(m_needs.site.report);
         const std::vector<Finding> found = CheckNetwork(m_needs.document, m_needs.site);
         findings.insert(findings.end(), found.begin(), found.end());
     }
     std::stable_partition(findings.begin(), findings.end(), [](const Finding& finding) {
         return finding.severity == Finding::Severity::kError;
     });
-    if (findings == m_findings && m_list->topLevelItemCount() > 0) return;
+    if (findings == m_findings && !findings.empty()) return;
     m_findings = std::move(findings);
     Show();
 }
@@ -153,7 +154,8 @@ void CheckWindow::Show() {
         return QString("%1 %2%3").arg(count).arg(thing).arg(count == 1 ? "" : "s");
     };
     if (m_findings.empty()) {
-        m_sum->setText("Nothing to tell: the network is fine.");
+        m_sum->setText(m_needs.document.m_boxes.empty() ? "The desk is empty: there is nothing to check."
+                                                        : "Nothing to tell: the network is fine.");
     } else {
         m_sum->setText(
             counted(errors, "error") + ", " + counted(warnings, "warning") +
