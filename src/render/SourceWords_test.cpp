@@ -152,6 +152,7 @@ TEST(SuppliedWords, AreThoseOfTheShadersThatTheSuppliedLibraryMakes) {
     EXPECT_EQ(words->ClassOf("mrNoise"), SourceClass::kFunction);
     EXPECT_EQ(words->ClassOf("tvLambert"), SourceClass::kFunction);
     EXPECT_EQ(words->ClassOf("tvColor"), SourceClass::kVariable);
+    EXPECT_EQ(words->ClassOf("mr_p"), SourceClass::kVariable);
     EXPECT_EQ(words->ClassOf("Noise_1_result"), SourceClass::kPlain);
     EXPECT_EQ(words->Directive(), "#");
 }
