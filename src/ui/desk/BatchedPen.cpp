@@ -93,9 +93,10 @@ void BatchedPen::Ink(int font, const std::u32string& letters, const Writing& wri
         for (int y = 0; y < glyph.height; ++y) {
             unsigned char* row = m_atlas.Row(writing.place, y + glyph.bottom - writing.bottom);
             for (int x = 0; x < glyph.width; ++x) {
-                // Letters may reach into one another.
+                // Letters may reach into one another: of what is left of a pixel each covers its part.
                 unsigned char* pixel = row + 4 * (pen + glyph.left + x);
-                if (glyph.InkAt(x, y) > *pixel) std::memset(pixel, glyph.InkAt(x, y), 4);
+                const int left = 255 - *pixel;
+                std::memset(pixel, *pixel + (left * glyph.InkAt(x, y) + 127) / 255, 4);
             }
         }
         pen += Fonts().AdvanceOf(font, letter);

@@ -133,8 +133,10 @@ int DeskFonts::ForTitles(float zoom) const {
 float DeskFonts::RoomFor(int font, int usual, float zoom, const std::string& text) {
     if (!IsSmooth()) return TextWidth(font, text);
     const float width = font == kNone ? TextWidth(usual, text) * zoom : TextWidth(font, text);
-    // The layout adds edges of whole pixels at any zoom. Those beside smooth texts shrink to a half.
-    return width - kEdges * (1 - std::clamp(zoom, kThinnestEdge, 1.0F));
+    // The layout adds edges of whole pixels at any zoom. Those beside smooth texts shrink to a half, and
+    // without texts as far as the box does.
+    const float least = font == kNone ? 0 : kThinnestEdge;
+    return width - kEdges * (1 - std::clamp(zoom, least, 1.0F));
 }
 
 float DeskFonts::LabelRoom(float zoom, const std::string& text) {

@@ -80,7 +80,7 @@ TEST_F(DeskLooks, WhatTheNextClickWouldHitIsLit) {
     MoveTo(At(Between(from, to)));
     Look();
     EXPECT_THAT(Seen(Between(from, to)), IsColor(kHover));
-    EXPECT_EQ(Count(BoxRect(from), kHover), 0);
+    EXPECT_EQ(Count(BoxRect(from).GrownBy(-3), kHover), 0);
     MoveTo({600, 20});
     Look();
     EXPECT_EQ(CountAll(kHover), 0);
@@ -95,6 +95,18 @@ TEST_F(DeskLooks, NothingIsLitOnceThePointerHasLeft) {
     QApplication::sendEvent(&pane->Desk(), &leave);
     Look();
     EXPECT_EQ(CountAll(kHover), 0);
+}
+
+TEST_F(DeskLooks, TheLightFollowsWhatAnEditLeavesUnderThePointer) {
+    COpBox& box = PutLink(100, 200);
+    PutLink(110, 205);
+    WantHover();
+    ShowRenewed();
+    MoveTo(TitleOf(box));
+    renewed->DeleteBox(*pane->Gestures().Hovered().box);
+    Look();
+    ASSERT_EQ(document.m_boxes.size(), 1U);
+    EXPECT_EQ(pane->Gestures().Hovered().box, document.m_boxes.front().get());
 }
 
 TEST_F(DeskLooks, NothingIsLitWhileABoxIsDragged) {
@@ -130,7 +142,7 @@ TEST_F(DeskLooks, ALibraryThatSaysNothingLightsNothing) {
 TEST_F(DeskLooks, TypesHaveTheirColorsAtButtonsAndInWires) {
     COpBox& from = PutLink(100, 300);
     COpBox& to = PutLink(400, 300);
-    COpBox& color = Put(MakeBox("c", "input i { rgb { 0 0 0 } }\noutput o { rgb out }"), 250, 100);
+    COpBox& color = Put(MakeBox("c", "input i { rgb { 0 0 0 %g } }\noutput o { rgb out }"), 250, 100);
     Wire(from, 0, to, 0);
     WantTypes();
     Want("typemarks");
@@ -161,7 +173,7 @@ TEST_F(DeskLooks, ButtonsWithAWireAreFilledAndOthersHollow) {
 TEST_F(DeskLooks, AnArgumentKeepsItsMarkBesideThatOfItsType) {
     COpBox& box = PutLink(200, 300);
     box.inputs.at(0)->arg = 1;
-    host.GetSite().types.SetMark("float", {{{1, 0, 0.5F}}, TypeShape::kCircle});
+    host.GetSite().types.SetMark("float", {{{1, 0, 0.5F}}, TypeShape::kSquare});
     Want("typemarks");
     Show();
     Look();
@@ -217,7 +229,7 @@ TEST_F(DeskLooks, AMutedBoxIsFaintAndShowsWhatGoesThroughIt) {
 }
 
 TEST_F(DeskLooks, AMutedBoxThatPassesNothingOnHasNoLine) {
-    COpBox& box = Put(MakeBox("m", "input i { rgb { 0 0 0 } }\noutput o { float out }"), 200, 300);
+    COpBox& box = Put(MakeBox("m", "input i { rgb { 0 0 0 %g } }\noutput o { float out }"), 200, 300);
     box.muted = 1;
     Show();
     Look();

@@ -16,7 +16,7 @@ using namespace desk_colors;
 constexpr float kMark = 9;
 constexpr float kLeastMark = 7;
 constexpr float kLeastSeen = 4;    // smaller ones would be dirt
-constexpr float kOutward = 0.28F;  // of a mark's side, from its button's edge to its middle
+constexpr float kOutward = 0.36F;  // of a mark's side, from its button's edge to its middle
 constexpr float kPassWidth = 3;    // pixels, with an edge of one on each side
 
 }  // namespace
@@ -26,7 +26,7 @@ constexpr float kPassWidth = 3;    // pixels, with an edge of one on each side
 void DeskPainter::PaintTypeMark(const COpButton& button, const DeskRect& row, bool isOutput) {
     if (!m_parts.style.typeMarks || m_parts.types == nullptr || button.disableconnectflag != 0) return;
     const float pixel = m_pen.Pixel();
-    const float side = std::min(std::max(kMark, kLeastMark * pixel), row.height);
+    const float side = std::min(std::max(kMark, kLeastMark * pixel), desk_lengths::kRowHeight);
     if (side < kLeastSeen * pixel) return;
     const bool isWired = !button.connections.Empty() || !button.NamedBy().Empty();
     const TypeLook& type = m_parts.types->Of(button.CurrentType());

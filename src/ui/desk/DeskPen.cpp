@@ -175,7 +175,7 @@ void DeskPen::Mark(const MarkLook& look, DeskPoint middle) {
     };
     cover(0, kInk);
     cover(edge, look.color);
-    if (!look.filled) cover(edge + std::max(edge, pixels / 6), kInk);
+    if (!look.filled) cover(edge + std::max(edge, pixels / 8), kInk);
 }
 
 // As far above the lowest pixels of the rectangle in each of them, so that rows look alike; what is left over

@@ -73,7 +73,7 @@ TEST_F(SmoothFonts, LettersHaveShades) {
 TEST_F(SmoothFonts, LabelsGrowWithTheZoomAndShrinkNoFurtherThanTheyCanBeRead) {
     const auto height = [this](float zoom) { return fonts.MetricsOf(fonts.ForLabels(zoom)).height; };
     EXPECT_EQ(fonts.ForLabels(0.5F), fonts.ForLabels(0.8F));
-    EXPECT_GT(height(1), height(0.5F));
+    EXPECT_GT(fonts.ForLabels(1), fonts.ForLabels(0.5F));
     EXPECT_GT(height(1.2F), height(1));
     EXPECT_NEAR(height(4), 4 * height(1), 6);
     EXPECT_EQ(fonts.ForLabels(1000), fonts.ForLabels(2000));
@@ -92,9 +92,11 @@ TEST_F(SmoothFonts, LabelsGoWhereTheirRowsAreTooLowAndTitlesWhereTheyAreTooSmall
 TEST_F(SmoothFonts, BoxesKeepTheRoomOfLabelsThatAreLeftOut) {
     const DeskTextMeasure whole(fonts, 1);
     const DeskTextMeasure small(fonts, 0.25F);
-    // Of the edges, which the layout adds in whole pixels, a half is taken off.
-    EXPECT_FLOAT_EQ(small.LabelWidth("Roughness"), whole.LabelWidth("Roughness") / 4 - 4);
-    EXPECT_FLOAT_EQ(small.TitleWidth("Mix"), whole.TitleWidth("Mix") / 4 - 4);
+    // With the edges of eight pixels that the layout adds at any zoom.
+    EXPECT_FLOAT_EQ(small.LabelWidth("Roughness") + 8, (whole.LabelWidth("Roughness") + 8) / 4);
+    EXPECT_FLOAT_EQ(small.TitleWidth("Mix") + 8, (whole.TitleWidth("Mix") + 8) / 4);
+    const DeskTextMeasure half(fonts, 0.5F);
+    EXPECT_FLOAT_EQ(half.LabelWidth("Mix") + 4, fonts.TextWidth(fonts.ForLabels(0.5F), "Mix"));
 }
 
 TEST(HiddenLabels, AreThoseOfLettersBelowTheThresholdWithoutShadesToo) {
@@ -155,7 +157,7 @@ TEST_F(SmoothPens, TextsAreAlikeOnAnyGroundAndInAnyColor) {
 TEST_F(SmoothPens, ATextThatNoTextureHoldsIsDrawnToo) {
     const std::string wide(400, 'W');
     const QImage picture = ExpectAlike([&](DeskPen& p) { p.LabelAt(wide, kBlack, {-900, 22}); });
-    EXPECT_GT(Count(picture, kBlack), 20);
+    EXPECT_GT(Shades(picture), 5);
 }
 
 TEST_F(SmoothPens, ASlantedLineHasShadesAndOneAlongThePixelsHasNone) {
