@@ -131,8 +131,9 @@ void DeskGestures::PressFrame(const FrameHit& hit, DeskPoint at, const PointerSt
 
 std::optional<FrameHit> DeskGestures::FrameAt(DeskPoint at) const {
     if (m_needs.document.frames.empty() || m_needs.desk.HasPending()) return std::nullopt;
-    if (HitBox(m_needs.document, at) != nullptr || LineAt(at) != nullptr) return std::nullopt;
-    return HitFrame(m_needs.document.frames, at, m_needs.view.Zoom());
+    const auto hit = HitFrame(m_needs.document.frames, at, m_needs.view.Zoom());
+    const bool isHidden = hit && (HitBox(m_needs.document, at) != nullptr || LineAt(at) != nullptr);
+    return isHidden ? std::nullopt : hit;
 }
 
 void DeskGestures::PressLine(COpButton& input, const PointerState& pointer) {

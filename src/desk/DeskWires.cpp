@@ -71,7 +71,8 @@ void DeskGestures::DropWire(DeskPoint at) {
     COpDesk& desk = m_needs.desk;
     COpButton* picked = desk.m_selectedButton;
     if (picked == nullptr || !IsEmptyDesk(at)) return;
-    if (m_needs.wireDropped && m_needs.wireDropped(*picked, at)) return;
+    m_isTakenUp = m_needs.wireDropped && m_needs.wireDropped(*picked, at);
+    if (m_isTakenUp) return;
     if (desk.Rules().dropWires) desk.ClearSelectedButton();
 }
 

@@ -281,6 +281,19 @@ TEST_F(SearchAtPointer, AWireFromAnInputOffersWhatHasAnOutput) {
     EXPECT_NE(box.inputs.at(0)->connections.First(), nullptr);
 }
 
+TEST_F(SearchAtPointer, ADroppedWireIsSeenWhileItsOtherEndIsSearchedFor) {
+    Start();
+    const COpBox& box = DropWire({500, 300});
+    ASSERT_TRUE(IsOpen());
+    const WindowPoint from =
+        Frame().Desk().View().ToWindow(ButtonAnchor(ButtonPlace::Of(*box.outputs.at(0))));
+    const QPoint middle = (QPoint(int(from.x), int(from.y)) + QPoint(500, 300)) / 2;
+    const auto seen = [&] { return Frame().Desk().Desk().grabFramebuffer().pixel(middle); };
+    const QRgb wire = seen();
+    PressKeys("Esc");
+    EXPECT_NE(seen(), wire);
+}
+
 TEST_F(SearchAtPointer, EscapeLetsADroppedWireGo) {
     Start();
     DropWire({500, 300});

@@ -24,6 +24,15 @@ constexpr int kCharacters = 86;  // of a row's width
 constexpr int kMargin = 5;
 constexpr int kUnderPointer = 40;  // from the popup's left edge to the pointer
 
+// What the line is for is read while it is empty, also in looks that leave this colour to chance.
+QPalette LegiblePlaceholder(QPalette palette) {
+    QColor color = palette.color(QPalette::Text);
+    constexpr qreal kFaint = 0.6;
+    color.setAlphaF(float(kFaint));
+    palette.setColor(QPalette::PlaceholderText, color);
+    return palette;
+}
+
 constexpr const char* kNothing = "No operator is found.";
 constexpr const char* kNothingFits = "No operator is found that fits the wire.";
 
@@ -87,6 +96,7 @@ SearchPopup::~SearchPopup() = default;
 void SearchPopup::Open(const Wanted& wanted) {
     m_end = wanted.end;
     m_hasMoved = m_hasChosen = false;
+    m_line->setPalette(LegiblePlaceholder(palette()));
     m_line->setPlaceholderText(wanted.what);
     m_line->setAccessibleName(wanted.what);
     {

@@ -23,7 +23,8 @@ constexpr int kRowPadding = 3;               // above and below
 constexpr qreal kCorner = 4;                 // of an icon's ground
 constexpr uintmax_t kLargestIcon = 1 << 18;  // bytes of a file that is read for a row
 constexpr int kMenuShare = 19;               // percent of a row for the menu; for the type kTypeShare
-constexpr int kTypeShare = 24;
+constexpr int kTypeShare = 13;
+constexpr int kWireShare = 24;     // of the button that a wire would go to
 constexpr int kLongestText = 200;  // characters of one text of a row
 
 QString Cut(const std::string& text) { return OnOneLine(Shown(text).simplified()).left(kLongestText); }
@@ -240,7 +241,7 @@ void SearchRowPainter::paint(QPainter* painter, const QStyleOptionViewItem& opti
         rest.setRight(place.left() - kGap);
     };
     drawRight(row.menu, kMenuShare);
-    drawRight(row.type, kTypeShare);
+    drawRight(row.type, m_rows.Hits()[size_t(index.row())].fit ? kWireShare : kTypeShare);
 
     QFont bold = option.font;
     bold.setBold(true);
