@@ -53,11 +53,17 @@ loaddefaults
 }
 )text";
 
-// Writes the type of the shader ahead of what it is given, and fails while there is a file "broken".
+// Writes the type of the shader ahead of what it is given, and fails while there is a file "broken"; for a
+// file "faulty" it fails when the source is to be used.
 constexpr const char* kFilter = R"perl(#!/usr/bin/perl
 use strict; use warnings;
 my ($name, $base) = @ARGV;
 if (-e "$ENV{TAVRN_DIR}/../broken") { print STDERR "$name: nothing but trouble\n"; exit 1; }
+if (-e "$ENV{TAVRN_DIR}/../faulty" && !$ENV{TAVRN_SOURCEONLY}) {
+    print STDERR "$name: line 9 (box Knobs_1, operator Knobs, menu/0500.Knobs line 6): no such function\n";
+    print STDERR "$name: line 3 (box Knobs_2, button amount): no such value\n";
+    exit 1;
+}
 my $type = 'none';
 open my $options, '<', $ENV{TAVRN_RENOPTS} or die;
 while (<$options>) { $type = $1 if /TAVRN_SHADER_TYPE "(.*)"/ }
@@ -421,6 +427,26 @@ TEST_F(SourceWindowTest, AFailingScriptGivesItsReasonsInPlaceOfTheSource) {
     EXPECT_TRUE(View().isVisible());
     EXPECT_EQ(Bytes(Column().Notes()), "");
     EXPECT_EQ(Log(), "");
+}
+
+TEST_F(SourceWindowTest, LinesThatTheLastRunComplainsOfAreMarkedUntilTheNext) {
+    StartWithKnobs(3);
+    Desk().UnselectAllBoxes();
+    Open();
+    EXPECT_THAT(View().Marked(), IsEmpty());
+    directory.Write("faulty", "");
+    Do(CommandId::kRenderIt);
+    const size_t wrong = LineOf("again(Knobs_1_result);");
+    ASSERT_TRUE(WaitUntil([this] { return !View().Marked().empty(); }));
+    EXPECT_THAT(View().Marked(), testing::Contains(wrong));
+    EXPECT_THAT(View().Marked(), Not(testing::Contains(wrong - 1))) << "another line of that template";
+    EXPECT_THAT(View().Marked(), testing::Contains(LineOf("again(Knobs_2_result);"))) << "no line is named";
+    EXPECT_THAT(View().Marked(), Not(testing::Contains(LineOf("again(Knobs_3_result);"))));
+    Click(wrong);
+    EXPECT_THAT(Origin(), HasSubstr("no such function"));
+    std::filesystem::remove(directory / "faulty");
+    Do(CommandId::kRenderIt);
+    EXPECT_TRUE(WaitUntil([this] { return View().Marked().empty() && !ChildRuns(); }));
 }
 
 TEST_F(SourceWindowTest, TheWordsOfTheLibraryColourTheSource) {

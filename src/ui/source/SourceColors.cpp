@@ -45,6 +45,11 @@ QColor LitGround(const QPalette& palette) {
     return Mixed(palette.color(QPalette::Base), amber, IsDark(palette) ? 22 : 26);
 }
 
+// Placeholders have a colour that some palettes make invisible.
+QColor NumberColor(const QPalette& palette) {
+    return Mixed(palette.color(QPalette::Base), palette.color(QPalette::Text), 62);
+}
+
 QColor CaretGround(const QPalette& palette) {
     return Mixed(palette.color(QPalette::Base), palette.color(QPalette::Text), 7);
 }

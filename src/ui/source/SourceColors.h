@@ -16,5 +16,7 @@ QTextCharFormat SourceFormat(const QPalette& palette, SourceClass kind);
 // legible on both.
 QColor LitGround(const QPalette& palette);
 QColor CaretGround(const QPalette& palette);
+// Of the numbers of lines.
+QColor NumberColor(const QPalette& palette);
 
 }  // namespace tavrin

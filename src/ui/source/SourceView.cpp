@@ -209,7 +209,7 @@ void SourceView::PaintGutter(QPainter& painter, size_t line, const QRect& place)
     const bool isLit = IsIn(m_lit, line);
     if (isLit) painter.fillRect(0, place.top(), kBar, place.height(), QColor(0xe0, 0x84, 0x00));
     const QString number = QString::number(line + 1);
-    painter.setPen(palette().color(isLit ? QPalette::Text : QPalette::PlaceholderText));
+    painter.setPen(isLit ? palette().color(QPalette::Text) : NumberColor(palette()));
     painter.drawText(GutterWidth() - letter - fontMetrics().horizontalAdvance(number), baseline, number);
     if (!IsIn(m_marked, line)) return;
     painter.setPen(SourceFormat(palette(), SourceClass::kNumber).foreground().color());

@@ -231,6 +231,11 @@ double Luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
+double Contrast(const QColor& one, const QColor& other) {
+    const auto [dark, light] = std::minmax({Luminance(one), Luminance(other)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
 // As readers with weak eyes need it: 4.5 to 1 on every ground.
 TEST(SourceColors, AreLegibleOnLightAndDarkAndWhereLinesAreLit) {
     for (const auto& [base, text] : {std::pair(QColor(255, 255, 255), QColor(0, 0, 0)),
@@ -239,11 +244,11 @@ TEST(SourceColors, AreLegibleOnLightAndDarkAndWhereLinesAreLit) {
         QPalette palette;
         palette.setColor(QPalette::Base, base);
         palette.setColor(QPalette::Text, text);
+        EXPECT_GE(Contrast(NumberColor(palette), base), 4.5) << Bytes(base.name());
         for (int kind = 1; kind <= static_cast<int>(SourceClass::kComment); ++kind) {
             const QColor color = SourceFormat(palette, static_cast<SourceClass>(kind)).foreground().color();
             for (const QColor& ground : {base, LitGround(palette), CaretGround(palette)}) {
-                const auto [dark, light] = std::minmax({Luminance(color), Luminance(ground)});
-                EXPECT_GE((light + 0.05) / (dark + 0.05), 4.5)
+                EXPECT_GE(Contrast(color, ground), 4.5)
                     << kind << " on " << Bytes(ground.name()) << ": " << Bytes(color.name());
             }
         }
