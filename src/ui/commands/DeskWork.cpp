@@ -19,7 +19,7 @@ namespace {
 
 // What waits for the user on the desk.
 QString HintOf(const COpDesk& desk, const DeskGestures& gestures, const Probe& probe) {
-    if (!desk.m_pendingBoxes.empty()) return "Click to drop, Delete to throw away";
+    if (desk.HasPending()) return "Click to drop, Delete to throw away";
     if (desk.m_selectedButton == nullptr)
         return probe.Output() == nullptr ? QString() : "Showing " + Shown(probe.Name()) + ", Esc ends it";
     const bool isDrawn = gestures.Current() == DeskGestures::Kind::kWiring;
@@ -37,7 +37,7 @@ DeskWork::DeskWork(const Needs& needs) : m_needs(needs) {
 
 bool DeskWork::IsLocked() const { return m_needs.work.document.lock != 0; }
 
-bool DeskWork::HasBoxes() const { return !m_needs.work.document.m_boxes.empty(); }
+bool DeskWork::HasBoxes() const { return !m_needs.work.document.IsBare(); }
 
 void DeskWork::UpdateHints() {
     DeskGestures& gestures = m_needs.desk.Gestures();
@@ -81,7 +81,7 @@ void DeskWork::AddHistory(CommandActions& commands) {
 
 void DeskWork::AddEdits(CommandActions& commands) {
     COpDesk& desk = m_needs.work.desk;
-    const auto isSelected = [this, &desk] { return desk.AnyBoxSelected() && !IsLocked(); };
+    const auto isSelected = [this, &desk] { return desk.AnySelected() && !IsLocked(); };
     commands.On(CommandId::kCut, {[&desk] { desk.CutBoxes(); }, isSelected});
     commands.On(CommandId::kCopy, {[&desk] { desk.CopySelection(); }, isSelected});
     commands.On(CommandId::kPaste, {[this, &desk] { desk.PasteBoxes(m_needs.desk.CursorOnDesk()); },

@@ -104,7 +104,6 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
                                [this](const std::string& message) { m_needs.fail(message, EXIT_FAILURE); },
                                [this](QPoint at) { OpenMenu(at); },
                                [this](QPoint at) { return EditFrameAt(at); }})),
-      m_frameEditor(new FrameEditor(m_widget, {document, desk, m_view, [this] { setFocus(); }})),
       m_minimap(new Minimap(m_widget, {document, m_view, m_style,
                                        [this](DeskPoint middle) {
                                            m_view.CentreView(middle);
@@ -172,7 +171,7 @@ void DeskPane::Repaint() {
     const DeskGestures::Kind gesture = m_gestures.Current();
     if (gesture == DeskGestures::Kind::kMoving || gesture == DeskGestures::Kind::kResizing)
         m_minimap->NetworkChanged();
-    m_frameEditor->Follow();
+    if (m_frameEditor != nullptr) m_frameEditor->Follow();
 }
 
 void DeskPane::SetWallpaper(std::unique_ptr<CSgiImage> image) {
@@ -287,6 +286,12 @@ void DeskPane::OpenMenu(QPoint at) {
     if (!entries) return;
     QMenu* menu = MakeDeskContextMenu(this, *entries, [this](int id) { m_menu.Choose(id); });
     menu->popup(m_widget->mapToGlobal(at));
+}
+
+void DeskPane::EditFrame(int number) {
+    if (m_frameEditor == nullptr)
+        m_frameEditor = new FrameEditor(m_widget, {m_document, m_desk, m_view, [this] { setFocus(); }});
+    m_frameEditor->Open(number);
 }
 
 bool DeskPane::EditFrameAt(QPoint at) {

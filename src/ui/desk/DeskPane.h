@@ -76,7 +76,7 @@ class DeskPane : public QWidget, private DeskView {
     std::optional<DeskRect> Sight() const override;
 
     // Lets the text of a frame or note be typed where it stands; see FrameEditor.
-    void EditFrame(int number) { m_frameEditor->Open(number); }
+    void EditFrame(int number);
 
     DeskGestures& Gestures() { return m_gestures; }
     const DeskViewport& View() const { return m_view; }
@@ -129,7 +129,7 @@ class DeskPane : public QWidget, private DeskView {
     bool m_canBatch = true;  // in the context as it is
     std::unique_ptr<CSgiImage> m_wallpaper;
     DeskWidget* m_widget;
-    FrameEditor* m_frameEditor;
+    FrameEditor* m_frameEditor = nullptr;  // made when it is first wanted
     Minimap* m_minimap;
     QScrollBar* m_across;
     QScrollBar* m_down;
