@@ -156,15 +156,25 @@ void COpDesk::DeleteFrame(int number) {
 void COpDesk::TakeAlong() {
     m_carriedBoxes.clear();
     m_carriedFrames.clear();
+    if (m_selectedFrames.empty()) return;
+    // What is selected itself comes along in any case.
+    std::vector<const COpBox*> boxes;
+    std::vector<PlacedFrame> frames;
+    for (const auto& box : m_document.m_boxes) {
+        if (box->selected == 0) boxes.push_back(box.get());
+    }
+    for (const auto& [number, frame] : m_document.frames) {
+        if (!m_selectedFrames.contains(number)) frames.push_back({number, &frame});
+    }
     for (const int number : m_selectedFrames) {
         const DeskFrame* frame = FindFrame(number);
         if (frame == nullptr || frame->kind != Kind::kFrame) continue;
         const DeskRect rect = FrameRect(*frame);
-        for (const auto& box : m_document.m_boxes) {
+        for (const COpBox* box : boxes) {
             if (rect.Encloses(BoxRect(*box))) m_carriedBoxes.insert(box->Serial());
         }
-        for (const auto& [other, own] : m_document.frames) {
-            if (other != number && rect.Encloses(FrameRect(own))) m_carriedFrames.insert(other);
+        for (const PlacedFrame& other : frames) {
+            if (rect.Encloses(FrameRect(*other.frame))) m_carriedFrames.insert(other.number);
         }
     }
 }

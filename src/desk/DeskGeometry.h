@@ -165,8 +165,8 @@ bool ForEachConnectionWithin(const DeskRect& rect, const COpBox& box, Visit visi
     return true;
 }
 
-// What all boxes, frames and notes cover and, where lines are traced, the lines, with a margin of some pixels; nothing for an
-// empty desk.
+// What all boxes, frames and notes cover and, where lines are traced, the lines, with a margin of some
+// pixels; nothing for an empty desk.
 std::optional<DeskRect> NetworkRect(const CTvDoc& document, float zoom);
 
 }  // namespace tavrin

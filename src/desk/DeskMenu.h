@@ -54,7 +54,8 @@ struct DeskMenuEntry {
 using DeskMenuEntries = std::vector<DeskMenuEntry>;
 
 // What is offered for a box outside its buttons, and for a button. The texts are copies: boxes may go while a
-// menu is open. `marks` are what the help begins with, `isShown` tells of an output whether it stands for the picture; nothing where none can.
+// menu is open. `marks` are what the help begins with, `isShown` tells of an output whether it stands for the
+// picture; nothing where none can.
 DeskMenuEntries BoxMenu(const COpBox& box, const BoxMarks* marks = nullptr);
 DeskMenuEntries ButtonMenu(const COpButton& button, const TypeTables& types,
                            std::optional<bool> isShown = std::nullopt, const BoxMarks* marks = nullptr);
@@ -91,8 +92,7 @@ class DeskMenu {
     explicit DeskMenu(Needs needs) : m_needs(std::move(needs)) {}
 
     // The menu for what lies there, which the commands then act on. Nothing where there is no box and no hold
-    // of a frame, while a
-    // gesture runs and while the document is locked.
+    // of a frame, while a gesture runs and while the document is locked.
     std::optional<DeskMenuEntries> Open(DeskPoint at);
     // Does the command of an entry.
     void Choose(int id);

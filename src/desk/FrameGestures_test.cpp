@@ -191,6 +191,30 @@ TEST_F(FrameGestures, SeveralSelectedMoveTogether) {
     EXPECT_THAT(Steps(), ElementsAre("Move"));
 }
 
+TEST_F(FrameGestures, AsManyAsThereMayBeMoveWithThousandsOfBoxes) {
+    for (int i = 0; i < 5000; ++i) PutBox(static_cast<float>(i % 100) * 120, static_cast<float>(i) + 100);
+    for (size_t i = 1; i < kMostFrames; ++i) PutFrame({static_cast<float>(i) * 10, 4000, 300, 200});
+    const int all = PutFrame({-100, -100, 200000, 9000});
+    Begin();
+    view.CentreView({0, 8880});
+    document.SetModified(false);
+    Press(100, 8890);
+    ASSERT_EQ(gestures.Current(), Kind::kMoving);
+    for (float step = 1; step < 5; ++step) Drag(100 + step, 8890);
+    Release(104, 8890);
+    EXPECT_EQ(RectOf(all).left, -96);
+    EXPECT_EQ(RectOf(1).left, 14);
+    EXPECT_EQ(document.m_boxes.back()->layout.left, 99 * 120 + 4);
+    desk.SelectAllBoxes();
+    Press(100, 8890);
+    Drag(110, 8890);
+    Release(110, 8890);
+    EXPECT_EQ(RectOf(1).left, 24);
+    EXPECT_THAT(Steps(), ElementsAre("Move", "Move"));
+    desk.GoToStep(0);
+    EXPECT_EQ(RectOf(1).left, 10);
+}
+
 TEST_F(FrameGestures, NotesThatWaitFollowThePointerAndDropAtThePress) {
     desk.m_selectedFrames = {PutFrame({500, 100, 100, 80}, DeskFrame::Kind::kNote)};
     Begin();

@@ -255,8 +255,8 @@ void DeskWalk::DragAFrame() {
     auto own = frames.begin();
     std::advance(own, Below(frames.size()));
     const float zoom = m_ground.view.Zoom();
-    const DeskRect hold = OneIn(3) ? FrameCorner(own->second, Below(kFrameCorners), zoom)
-                                   : FrameHandle(own->second, zoom);
+    const DeskRect hold =
+        OneIn(3) ? FrameCorner(own->second, Below(kFrameCorners), zoom) : FrameHandle(own->second, zoom);
     Modifiers();
     Press(hold.Middle());
     Drag(Anywhere());
