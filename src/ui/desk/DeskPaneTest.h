@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "desk/BoxMarks.h"
 #include "support/TestHost.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/support/Windows.h"
@@ -51,10 +52,15 @@ class DeskPaneTest : public DocumentTest {
     void MakePane() {
         pane = std::make_unique<tavrin::DeskPane>(
             nullptr, document, desk, host.GetSite(),
-            tavrin::DeskPane::Needs{
-                [this] { return highlighted; }, [this](const std::string& text) { status = text; },
-                [](const std::string& text, int) { ADD_FAILURE() << text; },
-                [this](const std::string& name) { edited.push_back(name); }, [this] { return shown; }});
+            tavrin::DeskPane::Needs{[this] { return highlighted; },
+                                    [this](const std::string& text) { status = text; },
+                                    [](const std::string& text, int) { ADD_FAILURE() << text; },
+                                    [this](const std::string& name) { edited.push_back(name); },
+                                    [this] { return shown; },
+                                    {},
+                                    {},
+                                    {},
+                                    &marks});
     }
     void Show() {
         MakePane();
@@ -142,6 +148,7 @@ class DeskPaneTest : public DocumentTest {
 
     COpDesk desk{document, host};
     Edits::Subscription listener = document.edits.Observe([this](const Change&) { ++changes; });
+    BoxMarks marks;  // before the pane, which they outlive
     std::unique_ptr<tavrin::DeskPane> pane;
     std::string highlighted;
     const COpButton* shown = nullptr;  // the output that stands for the picture
