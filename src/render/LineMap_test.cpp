@@ -255,6 +255,35 @@ TEST(LineMapFile, IsReadAsItWasWritten) {
     EXPECT_EQ(map->Find(2), std::nullopt);
 }
 
+TEST(LineMapFile, LinesOfSeveralBoxesComeInTheirOrder) {
+    std::string error;
+    const auto map = LineMap::Read(
+        "#source lines 1\nbox 1 A\nbox 2 B\nbox 3 C\nline 1 1 3 main-body 0 0\nline 2 2 1 main-body 0 0\n"
+        "line 4 1 2 main-body 0 0\nline 5 1 0 main-body 0 0\nline 6 1 3 main-body 0 0\n",
+        error);
+    ASSERT_TRUE(map) << error;
+    EXPECT_THAT(map->LinesOf({std::unordered_set<std::string>{"A_1", "C_3", "D_4"}}),
+                ElementsAre(1, 2, 3, 6));
+    EXPECT_THAT(map->LinesOf("B_2"), ElementsAre(4));
+    EXPECT_THAT(map->LinesOf(std::unordered_set<std::string>()), IsEmpty());
+}
+
+TEST(LineMapFile, AScriptsTextHasTheMapOfTheLinesThatItComesFrom) {
+    std::string error;
+    const auto map = LineMap::Read(
+        "#source lines 1\nbox 1 A\nfile /a\nline 1 3 1 main-body 1 7\noutput 4 1 main-header out\n", error);
+    ASSERT_TRUE(map) << error;
+    const LineMap made = map->Through({0, 2, 3, 0, 4, 9, 1});
+    EXPECT_EQ(made.LineCount(), 7U);
+    EXPECT_EQ(made.Find(1), std::nullopt);
+    EXPECT_EQ(made.Find(2), map->Find(2));
+    EXPECT_EQ(made.Find(3), map->Find(3));
+    EXPECT_EQ(made.Find(4), std::nullopt);
+    EXPECT_EQ(made.Find(5), map->Find(4));
+    EXPECT_EQ(made.Find(6), std::nullopt) << "of a line that there is not";
+    EXPECT_EQ(made.Find(7), map->Find(1));
+}
+
 TEST(LineMapFile, WhatDoesNotFitTogetherIsRefusedWithItsLine) {
     const std::string head = "#source lines 1\nbox 1 A\nfile /a\n";
     for (const char* line : {

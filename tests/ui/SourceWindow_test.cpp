@@ -289,6 +289,18 @@ TEST_F(SourceWindowTest, ALineOfNoBoxLeavesTheSelectionAsItIs) {
     EXPECT_THAT(Origin(), HasSubstr("Line 1: no box"));
 }
 
+TEST_F(SourceWindowTest, ALineOfABoxThatHasGoneSaysSo) {
+    StartWithKnobs(2);
+    Open();
+    const size_t line = LineOf("again(Knobs_2_result);");
+    const HeldEdit held(Document(), "Hold");  // the source waits for its end
+    Desk().DeleteBox(BoxOf(2));
+    Click(line);
+    EXPECT_THAT(Origin(), HasSubstr("box Knobs_2, "));
+    EXPECT_THAT(Origin(), HasSubstr("which is not on the desk any more"));
+    EXPECT_THAT(Selected(), Not(testing::Contains("Knobs_2")));
+}
+
 TEST_F(SourceWindowTest, TheArrowsTellOfLinesAndEnterGoesToTheBox) {
     StartWithKnobs(2);
     Desk().UnselectAllBoxes();
