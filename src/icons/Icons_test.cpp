@@ -27,7 +27,7 @@ namespace {
 const QStringList& Names() {
     static const QStringList names =
         QStringLiteral(
-            "new open merge examples save save-as export-options export-all export run-script halt-script exit "
+            "new open merge save save-as export-options export-all export run-script halt-script exit "
             "undo redo undo-history render-history keep-render compare-renders cut copy paste delete "
             "stow-all unstow-all pin-all "
             "unpin-all lock-all unlock-all "
@@ -40,6 +40,7 @@ const QStringList& Names() {
             "delete-join mute tidy align-left align-centre align-right align-top align-middle align-bottom "
             "distribute-across distribute-down search source minimap "
             "check "
+            "examples "
             "frame note")
             .split(' ');
     return names;

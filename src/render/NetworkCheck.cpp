@@ -42,6 +42,11 @@ bool IsWritten(const COpButton& output) {
     return output.tieback.empty() && output.fixedvalue.empty() && !output.IsUnknown();
 }
 
+std::vector<std::string> OutputBoxes(const Settings& settings) {
+    std::string setting;
+    return settings.GetSettingRaw(kOutputBoxesKey, setting) ? WordsOf(setting) : std::vector<std::string>();
+}
+
 // Collects the findings of one network.
 class NetworkCheck {
   public:
@@ -101,22 +106,10 @@ class NetworkCheck {
     }
 
     void CheckPicture() {
-        std::string setting;
-        if (m_boxes.empty() || !m_site.settings.GetSettingRaw(kOutputBoxesKey, setting)) return;
-        const std::vector<std::string> names = WordsOf(setting);
-        const auto makesPicture = [&](const COpBox* box) {
-            return std::find(names.begin(), names.end(), box->filename) != names.end();
-        };
-        if (names.empty() || std::any_of(m_boxes.begin(), m_boxes.end(), makesPicture)) return;
-        std::string wanted = names.front();
-        for (size_t i = 1; i < names.size(); ++i) wanted += (i + 1 < names.size() ? ", " : " or ") + names[i];
-        m_findings.push_back({Severity::kWarning,
-                              {},
-                              {},
-                              "no box feeds the output: the picture will be black; add a " + wanted +
-                                  " box and wire the network to it",
-                              Mend::kAddOutputBox,
-                              names.front()});
+        const std::string why = WhyBlack(m_document, m_site.settings);
+        if (why.empty()) return;
+        m_findings.push_back(
+            {Severity::kWarning, {}, {}, why, Mend::kAddOutputBox, OutputBoxes(m_site.settings).front()});
     }
 
     void FindCircles() {
@@ -260,6 +253,19 @@ std::string Finding::Text() const {
     std::string text = severity == Severity::kError ? "error: " : "warning: ";
     if (!box.empty()) text += box + (button.empty() ? "" : " " + button) + ": ";
     return text + message;
+}
+
+std::string WhyBlack(const CTvDoc& document, const Settings& settings) {
+    const std::vector<std::string> names = OutputBoxes(settings);
+    const auto makesPicture = [&names](const auto& box) {
+        return std::find(names.begin(), names.end(), box->filename) != names.end();
+    };
+    const auto& boxes = document.m_boxes;
+    if (names.empty() || boxes.empty() || std::any_of(boxes.begin(), boxes.end(), makesPicture)) return {};
+    std::string wanted = names.front();
+    for (size_t i = 1; i < names.size(); ++i) wanted += (i + 1 < names.size() ? ", " : " or ") + names[i];
+    return "no box feeds the output: the picture will be black; add a " + wanted +
+           " box and wire the network to it";
 }
 
 std::vector<Finding> CheckNetwork(const CTvDoc& document, const Site& site) {

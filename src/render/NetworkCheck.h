@@ -9,6 +9,7 @@ namespace tavrin {
 
 class COpRegistry;
 class CTvDoc;
+class Settings;
 class DocumentForm;
 struct Site;
 
@@ -49,6 +50,10 @@ inline constexpr const char* kOutputBoxesKey = "check.outputboxes";
 // operator than it allows, muted boxes, placeholders and stray buttons; and, first, at the network as a
 // whole: whether a box makes the picture, and whether the settings in force are those of its library.
 std::vector<Finding> CheckNetwork(const CTvDoc& document, const Site& site);
+
+// Why the picture of a network will be black: none of its boxes is one that makes it. Empty where that is not
+// so or cannot be told, as of a network without boxes.
+std::string WhyBlack(const CTvDoc& document, const Settings& settings);
 
 // Looks at what a document's file says for what its opening passes over or stops at: operators that the
 // library lacks, and render options that are none of `document`'s. As far as the file can be read; no

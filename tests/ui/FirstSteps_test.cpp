@@ -14,6 +14,7 @@
 #include "ui/base/Text.h"
 #include "ui/commands/SearchWork.h"
 #include "ui/desk/DeskPane.h"
+#include "ui/frame/StatusBox.h"
 #include "ui/search/SearchPopup.h"
 #include "ui/sliders/SliderPane.h"
 #include "ui/sliders/ValueSlider.h"
@@ -193,6 +194,29 @@ TEST_F(FirstSteps, LeadFromAnEmptyDeskToHammeredCopper) {
     EXPECT_LE(m_keys, 22);
     EXPECT_EQ(m_drags, 5);
     EXPECT_EQ(m_clicks, 1);
+}
+
+// A black ball explains nothing.
+TEST_F(FirstSteps, WithoutASurfaceTheRenderSaysWhyItIsBlack) {
+    StartLarge();
+    PointAt(Pane().rect().center());
+    Type("noise");
+    COpBox& noise = Take("Noise");
+    const QImage black = Render(1);
+    EXPECT_LT(qGray(black.pixel(kWidth / 2, kHeight / 2)), 5);
+    EXPECT_THAT(Log(),
+                testing::HasSubstr("WARNING: no box feeds the output: the picture will be black; add a "
+                                   "Surface box and wire the network to it"));
+    EXPECT_THAT(Bytes(Frame().StatusBox().Activity()),
+                testing::StartsWith("Rendered Untitled (black, see the log [F8]) in "));
+
+    PullOut(*noise.outputs.at(0), Pane().rect().center() + QPoint(250, 0));
+    Type("su");
+    Take("Surface");
+    Do(CommandId::kClearLog);
+    EXPECT_GT(qGray(Render(2).pixel(kWidth / 2, kHeight / 2)), 5);
+    EXPECT_THAT(Log(), testing::Not(testing::HasSubstr("WARNING")));
+    EXPECT_THAT(Bytes(Frame().StatusBox().Activity()), testing::StartsWith("Rendered Untitled in "));
 }
 
 TEST_F(FirstSteps, LeadFromTheLinkOfTheEmptyDeskToAnExamplesPicture) {

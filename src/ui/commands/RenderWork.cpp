@@ -7,6 +7,7 @@
 
 #include "app/Workspace.h"
 #include "base/Paths.h"
+#include "render/NetworkCheck.h"
 #include "text/Duration.h"
 #include "text/VisibleText.h"
 #include "ui/base/Text.h"
@@ -100,7 +101,19 @@ void RenderWork::RenderIt() {
     const Step step(*this, "Saving shader " + name);
     const bool started = m_work.session.RenderIt();
     m_needs.historyChanged();
-    if (started) StartWatching("Rendering " + name + " (" + number + ")", "Rendered " + name);
+    if (!started) return;
+    const bool isBlack = TellIfBlack();
+    StartWatching("Rendering " + name + " (" + number + ")",
+                  "Rendered " + name + (isBlack ? " (black, see the log [F8])" : ""));
+}
+
+// An output that stands for the picture has a picture of its own.
+bool RenderWork::TellIfBlack() {
+    Site& site = m_work.app.GetSite();
+    if (m_work.probe.Output() != nullptr) return false;
+    const std::string why = WhyBlack(m_work.document, site.settings);
+    if (!why.empty()) site.report.LogLine("WARNING: %s", why.c_str());
+    return !why.empty();
 }
 
 void RenderWork::StopRender() {

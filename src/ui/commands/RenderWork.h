@@ -67,6 +67,8 @@ class RenderWork {
     // Shows what a document from elsewhere wants, and asks, unless the user has agreed to that before.
     bool MayFollow(const ExportPlan& plan);
     void OpenView(const QString& step, const std::function<std::optional<std::string>()>& view);
+    // Tells the log of a network that can only make a black picture.
+    bool TellIfBlack();
     void StartWatching(const QString& doing, const QString& done);
     void Watch();
     void OnChildEnd(const ChildEnd& end);
