@@ -55,16 +55,19 @@ void Place(CTvDoc& document, BenchHost& host, int count, int columns, float cell
 // A desk that is drawn in a window of its own.
 class Desk {
   public:
-    explicit Desk(BenchHost& host)
+    // With all looks that a library may want, or none.
+    Desk(BenchHost& host, bool looks)
         : document(host),
           desk(document, host),
-          m_style(DeskStyle::Read(host.GetSite().settings)),
+          m_style(StyleOf(host, looks)),
           m_viewport(document, m_style.zoom),
-          m_fonts("DejaVu Sans", [](const std::string&) { std::exit(EXIT_FAILURE); }),
+          m_fonts("DejaVu Sans", [](const std::string&) { std::exit(EXIT_FAILURE); },
+                  {m_style.smoothText, m_style.leastLetters}),
           m_gestures(
               {document, desk, m_viewport, m_view, host.GetSite().report, 3, [](const std::string&) {}}),
           m_icons(m_directory, m_style, host.GetSite().report),
-          m_parts{document, desk, m_gestures, m_style, m_icons},
+          m_types(host.GetSite().types),
+          m_parts{document, desk, m_gestures, m_style, m_icons, &m_types},
           m_plainPen(m_viewport, m_fonts),
           m_batchedPen(m_viewport, m_fonts),
           m_widget(nullptr, m_gestures,
@@ -72,8 +75,11 @@ class Desk {
                         m_plainPen.ContextIsNew();
                         m_batchedPen.ContextIsNew();
                     },
-                    [this] { paint(); }, [] {}, [](const std::string&) { std::exit(EXIT_FAILURE); },
-                    [](QPoint) {}}) {
+                    [this] { paint(); },
+                    [] {},
+                    [](const std::string&) { std::exit(EXIT_FAILURE); },
+                    [](QPoint) {},
+                    {}}) {
         document.showiconimages = 1;
         document.linetype = 1;
         m_viewport.SetSize(kWidth, kHeight);
@@ -131,6 +137,13 @@ class Desk {
     std::function<void()> paint = [] {};
 
   private:
+    static DeskStyle StyleOf(BenchHost& host, bool looks) {
+        DeskStyle style = DeskStyle::Read(host.GetSite().settings);
+        style.smoothText = style.smoothLines = style.typeMarks = style.typeLines = looks;
+        style.leastLetters = looks ? 7 : 0;
+        return style;
+    }
+
     DeskView m_view;
     DeskStyle m_style;
     DeskViewport m_viewport;
@@ -138,6 +151,7 @@ class Desk {
     DeskGestures m_gestures;
     std::string m_directory;
     DeskIcons m_icons;
+    TypeLooks m_types;
     DeskPainter::Parts m_parts;
     PlainPen m_plainPen;
     BatchedPen m_batchedPen;
@@ -157,6 +171,7 @@ int main(int argc, char** argv) {
         DeskPoint corner;
         float zoom;
         bool names;
+        bool looks = false;
     };
     for (const Scene& scene : {
              Scene{"a part of a large desk", kBoxes, 80, 123, 100, {2000, 2000}, 1, false},
@@ -171,8 +186,28 @@ int main(int argc, char** argv) {
              Scene{"1,000 boxes side by side", 1000, 40, 123, 100, {-60, -50}, 0.325F, false},
              Scene{"1,000 boxes on one another", 1000, 40, 80, 80, {-60, -50}, 0.5F, false},
              Scene{"5,000 boxes side by side", kBoxes, 80, 123, 100, {-60, -50}, 0.16F, false},
+             Scene{
+                 "a part of a large desk with all looks", kBoxes, 80, 123, 100, {2000, 2000}, 1, false, true},
+             Scene{"1,000 boxes side by side with all looks",
+                   1000,
+                   40,
+                   123,
+                   100,
+                   {-60, -50},
+                   0.325F,
+                   false,
+                   true},
+             Scene{"5,000 boxes side by side with all looks",
+                   kBoxes,
+                   80,
+                   123,
+                   100,
+                   {-60, -50},
+                   0.16F,
+                   false,
+                   true},
          }) {
-        Desk desk(host);
+        Desk desk(host, scene.looks);
         Place(desk.document, host, scene.boxes, scene.columns, scene.cellWidth, scene.cellHeight);
         desk.document.showvarnames = scene.names ? 1 : 0;
         desk.See(scene.corner.x, scene.corner.y, scene.zoom);
