@@ -255,7 +255,7 @@ TEST_F(CommandTableTest, TheMenusHoldTheirItemsInOrder) {
               "Reload Operators");
     EXPECT_EQ(Bytes(Items("Render").join('|')),
               "Render It|Stop Render|Live|Render History|Picture Window|Keep Render|Compare "
-              "Renders|-|Display Log|Clear Log|-|View Shader Source (.src)|Source|"
+              "Renders|Check|-|Display Log|Clear Log|-|View Shader Source (.src)|Source|"
               "View Render Interface (.rif)|View Shader Interface (.cus)");
     EXPECT_EQ(Bytes(Items("Help").join('|')), "Shader Help|-|Online Documentation|About Tavrin");
 }

@@ -19,7 +19,7 @@ constexpr int kLeastWidth = 140;
 constexpr int kMostWidth = 240;
 constexpr int kMargin = 10;  // round it
 constexpr int kPadding = 8;  // round the boxes in it
-constexpr double kSmallestBox = 2;
+constexpr double kSmallestBox = 1.5;
 constexpr QSize kLeastDesk(420, 300);  // on a smaller one it would hide more than it shows
 
 constexpr double kShareOfDesk = 0.2;
@@ -142,6 +142,7 @@ void Minimap::Draw() {
     m_zoom = m_needs.view.Zoom();
     if (!m_network) return;
     QPainter painter(&m_picture);
+    painter.setRenderHint(QPainter::Antialiasing);  // boxes of less than two pixels, and the gaps between
     for (const PlacedFrame& placed : FramesFromBelow(m_needs.document.frames, *m_network)) {
         QColor color = Shown(FrameColor(placed.frame->color));
         color.setAlphaF(kFrameShare);
