@@ -241,13 +241,26 @@ TEST_F(CheckWindowTest, WhatALookTellsDoesNotComeIntoTheLog) {
 }
 
 TEST_F(CheckWindowTest, OfAFullNetworkTheFirstFindingsAreListed) {
+    std::string inputs;
+    for (int i = 0; i < 700; ++i) inputs += "input i" + std::to_string(i) + " { float { 0.5 0 1 0 %g } }\n";
+    directory.Write("tavrin/tiny/menu/0700.Wide", inputs);
     Start();
-    ASSERT_TRUE(Frame().OpenDocumentFile(WriteDocument("full", 2100)));
-    Settle();
+    AddBoxes(3, "Wide");
+    {
+        const EditScope edit(Document(), "Arguments");
+        for (const auto& box : Document().m_boxes) {
+            Document().edits.BoxTouched(*box);
+            for (const auto& input : box->inputs) {
+                input->arg = 1;
+                input->argname = "same";
+            }
+        }
+    }
     Open();
-    EXPECT_THAT(Window().Findings(), SizeIs(2100));
+    // Three boxes that nothing is wired to, and all arguments but the first have the name of that.
+    EXPECT_THAT(Window().Findings(), SizeIs(3 + 2099));
     EXPECT_EQ(static_cast<size_t>(List().topLevelItemCount()), CheckWindow::kMostRows);
-    EXPECT_THAT(Sum(), HasSubstr("2100 warnings; the first 2000 are listed"));
+    EXPECT_THAT(Sum(), HasSubstr("2102 warnings; the first 2000 are listed"));
 }
 
 }  // namespace
