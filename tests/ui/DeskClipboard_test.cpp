@@ -4,6 +4,7 @@
 #include <QTest>
 #include <QWindow>
 
+#include "document/EditHistory.h"
 #include "ui/desk/DeskPane.h"
 #include "ui/support/Hands.h"
 #include "ui/support/TestFrame.h"
@@ -65,6 +66,30 @@ TEST_F(DeskClipboardKeys, APastedGroupHangsByItsFirstAnchorUnderTheCursorAndDrop
     EXPECT_EQ(Pending(), 0U);
     EXPECT_EQ(Boxes(), 4U);
     EXPECT_EQ(Document().m_boxes.front()->BoxTitleWid(), "Constant_4");
+}
+
+// Where the library wants it.
+TEST_F(DeskClipboardKeys, WhatIsPastedWithThePointerElsewhereIsSeenAtOnceAndGoesAlongWhenThatComes) {
+    const std::string site = "tavrin/tiny/tavrn.def";
+    directory.Write(site, test::ReadFile(directory / site) + "desk.copiesinsight 1\ndesk.plainanchors 1\n");
+    StartWithBoxes(1);
+    Desk().MoveBox(*Document().m_boxes.front(), 9000, 5000);
+    Press("Ctrl+A");
+    Press("Ctrl+C");
+    const QImage before = Widget().grabFramebuffer();
+    Press("Ctrl+V");
+    ASSERT_EQ(Pending(), 1U);
+    const COpBox& copy = *Desk().m_pendingBoxes.front();
+    EXPECT_TRUE(Frame().Desk().View().Visible().Encloses(BoxRect(copy)));
+    EXPECT_NE(Widget().grabFramebuffer(), before) << "it is painted";
+    const QPoint place = Middle() + QPoint(60, 40);
+    PutCursor(place);
+    const DeskPoint middle = BoxRect(copy).Middle();
+    EXPECT_NEAR(middle.x, DeskAt(place).x, 1);
+    EXPECT_NEAR(middle.y, DeskAt(place).y, 1);
+    QTest::mouseClick(Frame().windowHandle(), Qt::LeftButton, {}, place);
+    EXPECT_EQ(Boxes(), 2U);
+    EXPECT_EQ(Document().History()->Name(Document().History()->Place() - 1), "Paste");
 }
 
 TEST_F(DeskClipboardKeys, PastedFromOutsideTheGroupJumpsUnderThePointerWhenThatComes) {
