@@ -174,6 +174,21 @@ TEST_F(CheckWindowTest, AMendIsOneStepToUndo) {
     EXPECT_TRUE(WaitForRows(1));
 }
 
+TEST_F(CheckWindowTest, TheChosenRowStaysChosenWhileItIsThereAndNoOtherTakesItsPlace) {
+    StartWithLinks(4);
+    Open();
+    ClickRow(2);
+    Wire(1, 4);
+    EXPECT_TRUE(WaitForRows(3));
+    EXPECT_EQ(Mend().text(), "Delete Link_3");
+    Wire(3, 2);
+    EXPECT_TRUE(WaitForRows(2));
+    EXPECT_THAT(Rows(), ElementsAre(std::string("Link_2: ") + kFeedsNothing,
+                                    std::string("Link_4: ") + kFeedsNothing));
+    EXPECT_FALSE(Mend().isEnabled()) << "or the next press would delete another box";
+    EXPECT_FALSE(GoTo().isEnabled());
+}
+
 TEST_F(CheckWindowTest, ASilencedArgumentIsMadeNone) {
     StartWithLinks(2);
     Wire(1, 2);

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QStyle>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -23,8 +24,7 @@ namespace tavrin {
 namespace {
 
 // Milliseconds without a change after which a hand rests.
-constexpr int kPause = 80;
-constexpr int kPlaceRole = Qt::UserRole;
+constexpr int kPause = 60;
 constexpr int kSpace = 8;
 constexpr QSize kFirstSize(620, 280);
 
@@ -34,6 +34,8 @@ QString WhereOf(const Finding& finding) {
     if (finding.box.empty()) return "Network";
     return Shown(finding.button.empty() ? finding.box : finding.box + " " + finding.button);
 }
+
+QString TextOf(const QTreeWidgetItem& row) { return row.text(kWhere) + row.text(kWhat); }
 
 }  // namespace
 
@@ -131,22 +133,40 @@ void CheckWindow::Refresh() {
         return finding.severity == Finding::Severity::kError;
     });
     if (findings == m_findings && !findings.empty()) return;
-    m_findings = std::move(findings);
-    Show();
+    findings.swap(m_findings);
+    Show(findings);
 }
 
-// The row that was chosen stays so while it is among them.
-void CheckWindow::Show() {
-    const QTreeWidgetItem* chosen = m_list->currentItem();
-    const QString before = chosen == nullptr ? QString() : chosen->text(kWhere) + chosen->text(kWhat);
-    m_list->clear();
-    QTreeWidgetItem* same = nullptr;
+// Rows that are the same before and behind what differs stay: most changes concern a few of many. The row
+// that was chosen stays so while it is among them.
+void CheckWindow::Show(const std::vector<Finding>& before) {
+    const auto listed = static_cast<size_t>(m_list->topLevelItemCount());
+    const size_t wanted = std::min(m_findings.size(), kMostRows);
+    const size_t both = std::min(listed, wanted);
+    size_t ahead = 0;
+    while (ahead < both && before[ahead] == m_findings[ahead]) ++ahead;
+    size_t behind = 0;
+    while (behind < both - ahead && before[listed - 1 - behind] == m_findings[wanted - 1 - behind]) ++behind;
+    const QTreeWidgetItem* current = m_list->currentItem();
+    const QString chosen = current == nullptr ? QString() : TextOf(*current);
     QList<QTreeWidgetItem*> rows;
-    for (size_t place = 0; place < std::min(m_findings.size(), kMostRows); ++place) {
-        rows.append(MakeRow(m_findings[place], place));
-        if (rows.back()->text(kWhere) + rows.back()->text(kWhat) == before) same = rows.back();
+    for (size_t place = ahead; place < wanted - behind; ++place) rows.append(MakeRow(m_findings[place]));
+    const QSignalBlocker blocker(m_list);  // the toolkit chooses a neighbour of a row that goes
+    for (size_t place = listed - behind; place > ahead; --place)
+        delete m_list->takeTopLevelItem(static_cast<int>(place - 1));
+    m_list->insertTopLevelItems(static_cast<int>(ahead), rows);
+    current = m_list->currentItem();
+    if (current == nullptr || TextOf(*current) != chosen) {
+        const auto same = std::find_if(rows.begin(), rows.end(),
+                                       [&](const QTreeWidgetItem* row) { return TextOf(*row) == chosen; });
+        m_list->clearSelection();
+        m_list->setCurrentItem(same == rows.end() ? nullptr : *same);
     }
-    m_list->addTopLevelItems(rows);
+    ShowSum();
+    UpdateButtons();
+}
+
+void CheckWindow::ShowSum() {
     const auto isError = [](const Finding& finding) { return finding.severity == Finding::Severity::kError; };
     const auto errors = std::count_if(m_findings.begin(), m_findings.end(), isError);
     const auto warnings = static_cast<qsizetype>(m_findings.size()) - errors;
@@ -161,16 +181,13 @@ void CheckWindow::Show() {
             counted(errors, "error") + ", " + counted(warnings, "warning") +
             (m_findings.size() > kMostRows ? QString("; the first %1 are listed").arg(kMostRows) : ""));
     }
-    if (same != nullptr) m_list->setCurrentItem(same);
-    UpdateButtons();
 }
 
-QTreeWidgetItem* CheckWindow::MakeRow(const Finding& finding, size_t place) const {
+QTreeWidgetItem* CheckWindow::MakeRow(const Finding& finding) const {
     auto* row = new QTreeWidgetItem({WhereOf(finding), Shown(finding.message)});
     const bool isError = finding.severity == Finding::Severity::kError;
     row->setIcon(kWhere, style()->standardIcon(isError ? QStyle::SP_MessageBoxCritical
                                                        : QStyle::SP_MessageBoxWarning));
-    row->setData(kWhere, kPlaceRole, static_cast<qulonglong>(place));
     const QString tip = Shown(finding.Text()).toHtmlEscaped();
     for (int column = 0; column < kColumns; ++column) row->setToolTip(column, "<qt>" + tip + "</qt>");
     row->setData(kWhere, Qt::AccessibleTextRole, (isError ? "Error: " : "Warning: ") + WhereOf(finding));
@@ -180,8 +197,10 @@ QTreeWidgetItem* CheckWindow::MakeRow(const Finding& finding, size_t place) cons
 const Finding* CheckWindow::Current() const {
     const QList<QTreeWidgetItem*> selected = m_list->selectedItems();
     if (selected.isEmpty()) return nullptr;
-    const size_t place = selected.front()->data(kWhere, kPlaceRole).toULongLong();
-    return place < m_findings.size() ? &m_findings[place] : nullptr;
+    const int place = m_list->indexOfTopLevelItem(selected.front());
+    return place >= 0 && static_cast<size_t>(place) < m_findings.size()
+               ? &m_findings[static_cast<size_t>(place)]
+               : nullptr;
 }
 
 void CheckWindow::GoTo() {

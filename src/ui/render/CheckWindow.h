@@ -53,8 +53,9 @@ class CheckWindow : public ToolWindow {
     void NetworkChanged();
     void LookAtFile();
     void Refresh();
-    void Show();
-    QTreeWidgetItem* MakeRow(const Finding& finding, size_t place) const;
+    void Show(const std::vector<Finding>& before);
+    void ShowSum();
+    QTreeWidgetItem* MakeRow(const Finding& finding) const;
     const Finding* Current() const;
     void GoTo();
     void Mend();
