@@ -63,12 +63,16 @@ std::vector<COpBox*> Boxes(Bench& t) {
 void MakesAChain(Bench& t) {
     t.AddSelectedBoxes(3);
     const std::vector<COpBox*> boxes = Boxes(t);
-    for (size_t i = 0; i < boxes.size(); ++i) {
-        boxes[i]->xypos[0] = static_cast<float>(130 * i * (i + 1));
-        boxes[i]->xypos[1] = static_cast<float>(70 * i * (i + 1));
-        if (i != 0) t.Desk().Connect(*boxes[i - 1]->outputs.at(0), *boxes[i]->inputs.at(0));
+    {
+        const EditScope edit(t.Document(), "Chain");  // so that the way back stops here
+        for (size_t i = 0; i < boxes.size(); ++i) {
+            t.Document().edits.BoxMoved(*boxes[i]);
+            boxes[i]->xypos[0] = static_cast<float>(130 * i * (i + 1));
+            boxes[i]->xypos[1] = static_cast<float>(70 * i * (i + 1));
+            if (i != 0) t.Desk().Connect(*boxes[i - 1]->outputs.at(0), *boxes[i]->inputs.at(0));
+        }
+        t.Frame().Desk().LayoutAll();
     }
-    t.Frame().Desk().LayoutAll();
     t.Settle();
 }
 

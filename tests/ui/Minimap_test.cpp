@@ -141,17 +141,18 @@ TEST_F(MinimapUse, ShowsTheBoxesInTheirColoursWhereTheyAre) {
 }
 
 TEST_F(MinimapUse, FollowsADragWhileItGoesOn) {
+    AddToSite("box.selectedcolor 0 1 0\n");
     StartFar();
     test::DeskPointer pointer(Frame());
     const QPoint from = pointer.TitleOf(Box(1));
     const QPoint stood = OnMap(1);
-    ASSERT_TRUE(IsGreen(stood));
     pointer.MoveTo(from);
     pointer.Press(from);
-    pointer.MoveTo(from - QPoint(0, 200), Qt::LeftButton);
-    EXPECT_TRUE(IsGreen(OnMap(1)) || Box(1).selected != 0);
-    EXPECT_NE(OnMap(1), stood);
-    pointer.Release(from - QPoint(0, 200));
+    ASSERT_TRUE(IsGreen(stood));
+    pointer.MoveTo(from - QPoint(0, 250), Qt::LeftButton);
+    EXPECT_TRUE(IsGreen(OnMap(1)));
+    EXPECT_FALSE(IsGreen(stood));
+    pointer.Release(from - QPoint(0, 250));
 }
 
 TEST_F(MinimapUse, ShowsFramesBehindTheBoxes) {
