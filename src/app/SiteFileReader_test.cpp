@@ -261,13 +261,14 @@ TEST_F(SiteFileReaderTest, AColorOrAShapeThatIsNoneIsToldAndTheTypeGoesOn) {
     Read(
         "datatype.add {\nname rgb\ncolor 1 2 0\nshape round\ndeclarehead \"vec3 \"\n}\n"
         "datatype.add {\nname xyz\ncolor blue\n}\nafter 1\n");
-    EXPECT_THAT(test.sink.alerts,
-                ElementsAre("tavrn.def near line 4: the color of a type is three numbers from 0 to 1, such as "
-                            "0.9 0.7 0.2: 1 2 0",
-                            "tavrn.def near line 5: the shape of a type is one of circle, square, diamond, "
-                            "triangle, wedge, bar: round",
-                            "tavrn.def near line 10: the color of a type is three numbers from 0 to 1, such as "
-                            "0.9 0.7 0.2: blue"));
+    EXPECT_THAT(
+        test.sink.alerts,
+        ElementsAre("tavrn.def near line 4: the color of a type is three numbers from 0 to 1, such as "
+                    "0.9 0.7 0.2: 1 2 0",
+                    "tavrn.def near line 5: the shape of a type is one of circle, square, diamond, "
+                    "triangle, wedge, bar: round",
+                    "tavrn.def near line 10: the color of a type is three numbers from 0 to 1, such as "
+                    "0.9 0.7 0.2: blue"));
     EXPECT_EQ(site.types.GetMark("rgb").color, std::nullopt);
     EXPECT_EQ(site.types.GetMark("rgb").shape, std::nullopt);
     EXPECT_EQ(Head("rgb"), "vec3 ");

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "desk/DeskGestures.h"
 
-#include "desk/BoxMarks.h"
-
 #include <algorithm>
 #include <utility>
 
+#include "desk/BoxMarks.h"
 #include "desk/HitTest.h"
 #include "text/Report.h"
 
@@ -64,13 +63,6 @@ void DeskGestures::LeftDown(const PointerState& pointer) {
     } else {
         PressEmptyDesk(at, pointer);
     }
-}
-
-COpButton* DeskGestures::LineAt(DeskPoint at) const {
-    const float zoom = m_needs.view.Zoom();
-    const std::optional<float> slack = m_needs.desk.Rules().lineSlack;
-    if (!slack) return HitConnection(m_needs.document, at, m_needs.lineWidth / zoom);
-    return NearestConnection(m_needs.document, at, (m_needs.lineWidth * 0.5F + *slack) / zoom);
 }
 
 void DeskGestures::PressButton(COpButton& button) {
@@ -200,33 +192,6 @@ void DeskGestures::Move(const PointerState& event) {
     DragPending(at, delta);
     if (m_gesture != Kind::kMoving && m_gesture != Kind::kResizing) ShowHelp();
     Remember(pointer, at);
-}
-
-// Only what changes is painted anew: the pointer moves all the time.
-void DeskGestures::FollowHover(const COpBox* box, const COpButton* button, DeskPoint at) {
-    const COpDesk& desk = m_needs.desk;
-    const bool isQuiet =
-        m_gesture == Kind::kIdle && desk.m_pendingBoxes.empty() && desk.m_selectedButton == nullptr;
-    if (!desk.Rules().hover || !isQuiet) return SetHover({});
-    SetHover({box, button, box == nullptr ? LineAt(at) : nullptr});
-}
-
-void DeskGestures::SetHover(const Hover& hover) {
-    if (m_hover == hover) return;
-    m_hover = hover;
-    m_needs.windows.Repaint();
-}
-
-void DeskGestures::PointerLeft() {
-    m_pointerInside = false;
-    SetHover({});
-}
-
-void DeskGestures::LookAgain() {
-    if (!m_pointerInside || !m_needs.desk.Rules().hover) return;
-    const DeskPoint at = m_needs.view.ToDesk(m_mousePoint);
-    const COpBox* box = HitBox(m_needs.document, at);
-    FollowHover(box, box == nullptr ? nullptr : HitButton(*box, at), at);
 }
 
 void DeskGestures::FollowAutoScroll(DeskPoint at, bool leftDown) {

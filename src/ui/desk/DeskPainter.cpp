@@ -152,8 +152,8 @@ void DeskPainter::PaintGesture() {
     using Kind = DeskGestures::Kind;
     const DeskGestures& gestures = m_parts.gestures;
     const COpButton* selected = m_parts.desk.m_selectedButton;
-    const bool drawsWire = gestures.DrawsWire() && selected != m_parts.desk.m_mouseButton &&
-                           selected->disableconnectflag == 0;
+    const bool drawsWire =
+        gestures.DrawsWire() && selected != m_parts.desk.m_mouseButton && selected->disableconnectflag == 0;
     if (drawsWire) {
         m_pen.Line(std::array{ButtonAnchor(ButtonPlace::Of(*selected)), gestures.Mouse()},
                    {LineColor(*selected), m_parts.style.connectWidth, false});

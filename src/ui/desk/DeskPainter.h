@@ -17,7 +17,8 @@ class BoxMarks;
 
 // Made for one paint by the desk's pane, which has laid out the boxes and made the context current. Looks at
 // the network and changes nothing. What is out of view costs a comparison of rectangles.
-// Boxes are painted in DeskPainterBoxes.cpp, what tells types apart in DeskPainterTypes.cpp, the mark of what stands for the picture in DeskPainterProbe.cpp.
+// Boxes are painted in DeskPainterBoxes.cpp, what tells types apart in DeskPainterTypes.cpp, the mark of what
+// stands for the picture in DeskPainterProbe.cpp.
 class DeskPainter {
   public:
     // All outlive it.
@@ -83,7 +84,7 @@ class DeskPainter {
     const Parts& m_parts;
     DeskPen& m_pen;
     std::unordered_set<const COpButton*> m_selectedLines;
-    const COpButton* m_insertionLine = nullptr;  // the box in hand would go between its ends
+    const COpButton* m_insertionLine = nullptr;       // the box in hand would go between its ends
     std::unordered_set<const COpButton*> m_litLines;  // both, and the one under the pointer
     TiebackEnds m_tiebackEnds;
 };

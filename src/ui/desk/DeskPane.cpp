@@ -99,11 +99,11 @@ DeskPane::DeskPane(QWidget* parent, CTvDoc& document, COpDesk& desk, Site& site,
       m_icons(site.directories.tavrnDir, m_style, site.report),
       m_types(site.types),
       m_parts{document, desk, m_gestures, m_style, m_icons, &m_types},
-      m_widget(new DeskWidget(this, m_gestures,
-                              {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
-                               [this](const std::string& message) { m_needs.fail(message, EXIT_FAILURE); },
-                               [this](QPoint at) { OpenMenu(at); },
-                               [this](QPoint at) { return EditFrameAt(at); }})),
+      m_widget(new DeskWidget(
+          this, m_gestures,
+          {[this] { ContextIsNew(); }, [this] { Paint(); }, [this] { Resized(); },
+           [this](const std::string& message) { m_needs.fail(message, EXIT_FAILURE); },
+           [this](QPoint at) { OpenMenu(at); }, [this](QPoint at) { return EditFrameAt(at); }})),
       m_minimap(new Minimap(m_widget, {document, m_view, m_style,
                                        [this](DeskPoint middle) {
                                            m_view.CentreView(middle);
@@ -199,7 +199,8 @@ QRect DeskPane::FreePart() const {
     const QRect desk = m_widget->rect();
     const QWidget* active = QApplication::activeWindow();
     if (active == nullptr || active == window()) return desk;
-    const QRect over(m_widget->mapFromGlobal(active->frameGeometry().topLeft()), active->frameGeometry().size());
+    const QRect over(m_widget->mapFromGlobal(active->frameGeometry().topLeft()),
+                     active->frameGeometry().size());
     if (!over.intersects(desk)) return desk;
     QRect best;
     for (const QRect& part : {desk.adjusted(over.right() - desk.left() + 1, 0, 0, 0),
@@ -340,7 +341,8 @@ void DeskPane::Paint() {
     m_gestures.UpdateGrowArrows();
     DeskPen& pen = m_plain || !m_canBatch ? static_cast<DeskPen&>(m_plainPen) : m_batchedPen;
     DeskPainter(m_parts, pen)
-        .Paint({m_litBox.empty() ? m_needs.highlightedBox() : m_litBox, m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper,
+        .Paint({m_litBox.empty() ? m_needs.highlightedBox() : m_litBox,
+                m_showWallpaper ? m_wallpaper.get() : nullptr, m_tileWallpaper,
                 m_needs.shownOutput ? m_needs.shownOutput() : nullptr, m_needs.marks});
     m_layoutDirty = false;
     m_lastZoom = m_view.Zoom();
