@@ -112,12 +112,18 @@ TEST(ToolWindowTable, EachRowHasACommandAndAPlaceOfItsOwn) {
 // The profiles of users have them.
 TEST(ToolWindowTable, PlacesAreStoredUnderNamesThatStay) {
     const std::map<std::string, bool> kept = {
-        {"RenderHistory", true},        {"BoxFinder", true},
-        {"MenuFinder", true},           {"ArgumentEditor", true},
-        {"RenderOptionsEditor", false}, {"ExportOptionsEditor", false},
-        {"HelpEditor", true},           {"Log", true},
-        {"UndoHistory", true},          {"CompareRenders", true},
-        {"Source", true},               {"Check", true},
+        {"RenderHistory", true},
+        {"BoxFinder", true},
+        {"MenuFinder", true},
+        {"ArgumentEditor", true},
+        {"RenderOptionsEditor", false},
+        {"ExportOptionsEditor", false},
+        {"HelpEditor", true},
+        {"Log", true},
+        {"UndoHistory", true},
+        {"CompareRenders", true},
+        {"Source", true},
+        {"Check", true},
     };
     std::map<std::string, bool> found;
     for (const WindowRow& row : WindowTable()) found[row.place] = row.keepsSize;
