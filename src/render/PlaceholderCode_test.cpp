@@ -147,8 +147,7 @@ TEST_F(PlaceholderCode, TheCheckListsThemAsWarnings) {
              Button("input lost lost") + Button("input shade shade") +
              "}\nopbox { filename Source wid 3 }\nopconnects { opbox:S,3,out,0 -> opbox:S,2,shade,1 }\n");
     std::vector<std::string> texts;
-    for (const Finding& finding : CheckNetwork(document, host.GetSite()))
-        texts.push_back(finding.Text());
+    for (const Finding& finding : CheckNetwork(document, host.GetSite())) texts.push_back(finding.Text());
     EXPECT_THAT(
         texts,
         ElementsAre("warning: Gone_1: is a placeholder, so no code is generated for it: Gone: unknown "

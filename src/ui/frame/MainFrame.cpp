@@ -144,18 +144,17 @@ void MainFrame::CreateClientArea() {
                                {m_work->document, GetSite(), [this](const std::string& text, int seconds) {
                                     m_statusBox->SetStatus(text, seconds);
                                 }});
-    m_desk =
-        new DeskPane(m_splitter.get(), m_work->document, m_work->desk, GetSite(),
-                     {.highlightedBox = [this] { return m_windows->Get<BoxFinder>().CurrentName(); },
-                      .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
-                      .fail = [this](const std::string& text, int status) { Fail(text, status); },
-                      .editFile = [this](const std::string& name) { m_app.EditOperator(name); },
-                      .shownOutput = [this] { return m_work->probe.Output(); },
-                      .toggleShown = [this](COpButton& output) { m_work->probe.Toggle(output); },
-                      .search = [this](const QString& begun) { return m_search->OpenByKey(begun); },
-                      .wireDropped = [this](COpButton& button,
-                                            DeskPoint at) { return m_search->OpenForWire(button, at); },
-                      .marks = &m_work->session.marks});
+    m_desk = new DeskPane(
+        m_splitter.get(), m_work->document, m_work->desk, GetSite(),
+        {.highlightedBox = [this] { return m_windows->Get<BoxFinder>().CurrentName(); },
+         .showStatus = [this](const std::string& text) { m_statusBox->SetStatus(text); },
+         .fail = [this](const std::string& text, int status) { Fail(text, status); },
+         .editFile = [this](const std::string& name) { m_app.EditOperator(name); },
+         .shownOutput = [this] { return m_work->probe.Output(); },
+         .toggleShown = [this](COpButton& output) { m_work->probe.Toggle(output); },
+         .search = [this](const QString& begun) { return m_search->OpenByKey(begun); },
+         .wireDropped = [this](COpButton& button, DeskPoint at) { return m_search->OpenForWire(button, at); },
+         .marks = &m_work->session.marks});
     m_splitter->setStretchFactor(1, 1);
     auto* central = new QWidget(this);
     auto* column = new QVBoxLayout(central);

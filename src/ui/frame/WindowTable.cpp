@@ -70,14 +70,14 @@ ToolWindow* MakeSourceWindow(const WindowNeeds& needs) {
 ToolWindow* MakeCheckWindow(const WindowNeeds& needs) {
     Workspace& work = needs.work;
     Site& site = work.app.GetSite();
-    return new CheckWindow(
-        &needs.frame,
-        {.document = work.document,
-         .desk = work.desk,
-         .registry = work.app.Registry(),
-         .site = site,
-         .goToBox = GoToBox(needs),
-         .tell = [&report = site.report](const std::string& why) { report.Alert("%s", why.c_str()); }});
+    return new CheckWindow(&needs.frame, {.document = work.document,
+                                          .desk = work.desk,
+                                          .registry = work.app.Registry(),
+                                          .site = site,
+                                          .goToBox = GoToBox(needs),
+                                          .tell = [&report = site.report](const std::string& why) {
+                                              report.Alert("%s", why.c_str());
+                                          }});
 }
 
 ToolWindow* MakeUndoHistory(const WindowNeeds& needs) {
