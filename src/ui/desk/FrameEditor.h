@@ -13,9 +13,9 @@ class DeskViewport;
 
 // Hidden while nothing is edited; a child of the desk's widget, to which the rest belongs and which outlives
 // it. A note grows with its text, up to
-// a page. Each key is an edit of the document at once, so nothing is lost by how the field is left, and those of
-// one opening are one step to undo. Escape ends it, as does Enter in a title, Control and Enter in a note, a
-// click elsewhere, or the end of the frame.
+// a page. Each key is an edit of the document at once, so nothing is lost by how the field is left, and those
+// of one opening are one step to undo. Escape ends it, as does Enter in a title, Control and Enter in a note,
+// a click elsewhere, or the end of the frame.
 class FrameEditor : public QPlainTextEdit {
   public:
     struct Needs {
