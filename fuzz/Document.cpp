@@ -23,7 +23,7 @@ void Try(const uint8_t* data, size_t size, const char* placeholders) {
     codeGen.m_lineComment = "//";
     RenderSession(document, host.site, codeGen).Generate();
     WriteArgInfo(document, host.site.report);
-    CheckNetwork(document, host.site.report);
+    CheckNetwork(document, host.site);
 
     const std::string stored = document.Store();
     CTvDoc again(host);
