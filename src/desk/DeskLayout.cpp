@@ -12,10 +12,10 @@ namespace tavrin {
 
 namespace {
 
-constexpr double kFurthest = 1e6;   // where floats still tell neighbouring units well apart
-constexpr double kLargest = 1e5;    // box
-constexpr double kSameRow = 1;      // islands whose tops are so near stand in one row
-constexpr double kRowShape = 1.6;   // width of all islands to their height, about
+constexpr double kFurthest = 1e6;  // where floats still tell neighbouring units well apart
+constexpr double kLargest = 1e5;   // box
+constexpr double kSameRow = 1;     // islands whose tops are so near stand in one row
+constexpr double kRowShape = 1.6;  // width of all islands to their height, about
 
 // Within what can be laid out. What is no number counts as none.
 double Tamed(float number, double least, double most) {
@@ -136,11 +136,10 @@ void ArrangeIsland(Island& island, const std::vector<Piece>& pieces, const Layou
         const IslandLayout::Place& place = island.places[i];
         const Span across{place.left, place.left + boxes[i].width};
         const Span up{place.bottom, place.bottom + boxes[i].height};
-        island.across = i == 0 ? across
-                               : Span{std::min(island.across.low, across.low),
-                                      std::max(island.across.high, across.high)};
-        island.up =
-            i == 0 ? up : Span{std::min(island.up.low, up.low), std::max(island.up.high, up.high)};
+        island.across =
+            i == 0 ? across
+                   : Span{std::min(island.across.low, across.low), std::max(island.across.high, across.high)};
+        island.up = i == 0 ? up : Span{std::min(island.up.low, up.low), std::max(island.up.high, up.high)};
     }
 }
 

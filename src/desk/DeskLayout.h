@@ -36,11 +36,11 @@ struct LayoutGaps {
     float islands = 48;
 };
 
-// In columns, so that wires run from left to right, but for those that close a circle; with few crossings, and
-// with nothing over anything else. Rectangles that no wire joins form islands, which are packed in rows. What
-// the wires leave open follows the present places: the order within a column, and the order of the islands as
-// one reads. The middle of all stays where it is, to the unit. Done twice it is the same, to the bit. Equals
-// go by their order in `rects`, so that this is to be one that lasts.
+// In columns, so that wires run from left to right, but for those that close a circle; with few crossings,
+// and with nothing over anything else. Rectangles that no wire joins form islands, which are packed in rows.
+// What the wires leave open follows the present places: the order within a column, and the order of the
+// islands as one reads. The middle of all stays where it is, to the unit. Done twice it is the same, to the
+// bit. Equals go by their order in `rects`, so that this is to be one that lasts.
 std::vector<DeskPoint> TidyRects(const std::vector<DeskRect>& rects, const std::vector<LayoutWire>& wires,
                                  const LayoutGaps& gaps = {});
 

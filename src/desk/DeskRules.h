@@ -31,8 +31,8 @@ struct DeskRules {
     // Pixels beside a line where a press still hits it, the nearest line if there are several. Else a line is
     // hit as far from its middle as it is wide, the first one of the network.
     std::optional<float> lineSlack = {};
-    // What is pasted, merged or copied comes to lie in sight. Else where the rules of old put it, which may be
-    // beyond the window's edge or nowhere until the mouse comes.
+    // What is pasted, merged or copied comes to lie in sight. Else where the rules of old put it, which may
+    // be beyond the window's edge or nowhere until the mouse comes.
     bool copiesInSight = false;
     // Tab or a letter that is typed over the desk opens the search for an operator there, and so does a wire
     // that is let go of over the empty desk.

@@ -49,14 +49,10 @@ TEST(DeskRules, ALibraryThatSaysNothingHasTheRulesOfOld) {
 
 TEST(DeskRules, WhatIsWantedOfWiresIsChosenOneByOne) {
     const std::vector<std::pair<const char*, bool DeskRules::*>> rules = {
-        {"desk.pullwires", &DeskRules::pullWires},
-        {"desk.dropwires", &DeskRules::dropWires},
-        {"desk.escapewires", &DeskRules::escapeWires},
-        {"desk.insertboxes", &DeskRules::insertBoxes},
-        {"desk.keepflow", &DeskRules::keepFlow},
-        {"desk.copiesinsight", &DeskRules::copiesInSight},
-        {"desk.search", &DeskRules::search},
-        {"desk.hover", &DeskRules::hover},
+        {"desk.pullwires", &DeskRules::pullWires},     {"desk.dropwires", &DeskRules::dropWires},
+        {"desk.escapewires", &DeskRules::escapeWires}, {"desk.insertboxes", &DeskRules::insertBoxes},
+        {"desk.keepflow", &DeskRules::keepFlow},       {"desk.copiesinsight", &DeskRules::copiesInSight},
+        {"desk.search", &DeskRules::search},           {"desk.hover", &DeskRules::hover},
     };
     for (const auto& [chosen, ignored] : rules) {
         Settings settings;

@@ -140,8 +140,8 @@ class COpDesk {
     void MoveWire(COpButton& from, COpButton& to);
     void CutWire(COpButton& input);
 
-    // Frames and notes, by their numbers; that of none does nothing. They stand in DeskFrames.cpp. New ones are
-    // all that is selected then; the result is their number, or 0, alerted, where there is no more room.
+    // Frames and notes, by their numbers; that of none does nothing. They stand in DeskFrames.cpp. New ones
+    // are all that is selected then; the result is their number, or 0, alerted, where there is no more room.
     int FrameSelected(DeskPoint middle);  // round what is selected, else in the middle
     int AddNote(DeskPoint middle);
     void SetFrameText(int number, const std::string& text);  // those that follow one another are one step
@@ -244,7 +244,8 @@ class COpDesk {
     DeskView m_noView;
     DeskView* m_view = &m_noView;
     WidPool m_usedWids;
-    // Their places are told from the anchor of the first box that is with them, else from a point of their own.
+    // Their places are told from the anchor of the first box that is with them, else from a point of their
+    // own.
     std::vector<DeskFrame> m_clipboardFrames;
     std::vector<DeskFrame> m_pendingFrames;
     DeskPoint m_pendingAnchor;
