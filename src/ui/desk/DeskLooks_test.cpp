@@ -170,6 +170,23 @@ TEST_F(DeskLooks, ButtonsWithAWireAreFilledAndOthersHollow) {
     EXPECT_GT(yellow(to, false), yellow(to, true) + 5);
 }
 
+TEST_F(DeskLooks, TheOutlineOfASelectedBoxCoversNoMark) {
+    COpBox& from = PutLink(100, 300);
+    COpBox& to = PutLink(400, 300);
+    Wire(from, 0, to, 0);
+    WantTypes();
+    Want("typemarks");
+    Show();
+    Look();
+    const auto yellow = [&] { return Count(Around(ButtonAnchor({&from, true, 0}), 8), kFloatColor); };
+    const int before = yellow();
+    ASSERT_GT(before, 15);
+    from.selected = 1;
+    pane->Repaint();
+    Look();
+    EXPECT_EQ(yellow(), before);
+}
+
 TEST_F(DeskLooks, AnArgumentKeepsItsMarkBesideThatOfItsType) {
     COpBox& box = PutLink(200, 300);
     box.inputs.at(0)->arg = 1;

@@ -64,6 +64,7 @@ class DeskPainter {
     void PaintPanel(const COpBox& box, const Rgb& color, bool isHighlighted);
     void PaintButtons(const COpBox& box, bool outputs, const Rgb& color);
     void PaintMarks(const COpButton& button, const DeskRect& row);
+    void PaintTypeMarks(const COpBox& box);
     void PaintTypeMark(const COpButton& button, const DeskRect& row, bool isOutput);
     void PaintPass(const COpBox& box);
     void PaintSelection(const DeskRect& rect);

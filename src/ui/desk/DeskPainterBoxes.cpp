@@ -65,6 +65,7 @@ void DeskPainter::PaintBox(const COpBox& box, bool isHighlighted) {
     if (box.muted != 0) PaintPass(box);
     if (box.IsPlaceholder()) PaintDashes(BoxRect(box));
     if (box.selected != 0) PaintSelection(BoxRect(box));
+    PaintTypeMarks(box);
     const DeskGestures::Hover& hover = m_parts.gestures.Hovered();
     if (hover.box == &box && hover.button == nullptr) PaintHover(box);
     if (m_parts.gestures.GrowArrowsShown() && m_parts.desk.m_mouseBox == &box) PaintGrowArrows(box, color);
@@ -135,7 +136,6 @@ void DeskPainter::PaintButtons(const COpBox& box, bool outputs, const Rgb& color
         PaintFace(row, FaceOf(button, color), button.IsUnknown());
         m_pen.CentredLabel(ShownName(button), row);
         PaintMarks(button, row);
-        PaintTypeMark(button, row, outputs);
     }
 }
 

@@ -21,10 +21,23 @@ constexpr float kPassWidth = 3;    // pixels, with an edge of one on each side
 
 }  // namespace
 
+// Above the outline of a selected box, which runs through them.
+void DeskPainter::PaintTypeMarks(const COpBox& box) {
+    if (!m_parts.style.typeMarks || m_parts.types == nullptr) return;
+    // In one object lines come above all marks, whenever they are drawn.
+    if (box.selected != 0)
+        m_pen.BeginObject(BoxRect(box).GrownBy(std::max(kMark, kLeastMark * m_pen.Pixel())));
+    for (const bool outputs : {false, true}) {
+        const auto& buttons = outputs ? box.outputs : box.inputs;
+        for (size_t index = buttons.size(); index-- > 0;)
+            PaintTypeMark(*buttons[index], ButtonRect({&box, outputs, index}), outputs);
+    }
+}
+
 // Where the line meets the button, so that the two are seen as one; most of it beside the box, so that it
 // covers no text. What cannot be wired has none.
 void DeskPainter::PaintTypeMark(const COpButton& button, const DeskRect& row, bool isOutput) {
-    if (!m_parts.style.typeMarks || m_parts.types == nullptr || button.disableconnectflag != 0) return;
+    if (button.disableconnectflag != 0) return;
     const float pixel = m_pen.Pixel();
     const float side = std::min(std::max(kMark, kLeastMark * pixel), desk_lengths::kRowHeight);
     if (side < kLeastSeen * pixel) return;
