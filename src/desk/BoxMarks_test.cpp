@@ -105,8 +105,8 @@ TEST_F(BoxMarksTest, AFloodIsKeptWithinWhatCanBeRead) {
 }
 
 TEST_F(BoxMarksTest, HostileBytesDoNoHarm) {
-    marks.Hear(std::string(
-        "box \0_1\nbox \xff\xfe_2: \x1b[31m\nbox __3\nbox a_1_2_3: x\n[render ] box A_1\n[render", 75));
+    using namespace std::string_literals;
+    marks.Hear("box \0_1\nbox \xff\xfe_2: \x1b[31m\nbox __3\nbox a_1_2_3: x\n[render ] box A_1\n[render"s);
     marks.Hear("\n");
     EXPECT_NE(marks.Find("\xff\xfe_2"), nullptr);
     EXPECT_NE(marks.Find("a_1_2_3"), nullptr);
