@@ -515,7 +515,7 @@ TEST_F(LiveTest, FiveThousandChangesLeaveNothingBehind) {
         EXPECT_LE(grown, 3 * 1024) << "kilobytes";
     }
     RecordProperty("kilobytes", std::to_string(grown));
-    EXPECT_EQ(Entries("/proc/self/fd"), descriptors);
+    EXPECT_LE(Entries("/proc/self/fd"), descriptors);  // the toolkit has some for a while
     EXPECT_LE(Entries("/proc/self/task"), threads);
     EXPECT_EQ(Entries(WorkDir()), files);
     EXPECT_LE(Entries(WorkDir() + "/.live"), 4);
